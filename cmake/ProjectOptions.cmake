@@ -1,0 +1,19 @@
+# Flags that every target of the project is built with, and nothing that is installed inherits.
+add_library(project_options INTERFACE)
+target_compile_options(project_options INTERFACE -Wall -Wextra -Werror -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+    -Wcast-qual -Wconversion -Wformat=2 -Wimplicit-fallthrough)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(project_options INTERFACE -Wthread-safety -Wthread-safety-beta)
+endif()
+
+set(STATEMANAGER_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread; empty for none")
+if(STATEMANAGER_SANITIZE)
+    add_compile_options(-fsanitize=${STATEMANAGER_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${STATEMANAGER_SANITIZE})
+else()
+    # Hardening for what is shipped; the sanitizers bring their own checks.
+    add_compile_options($<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>
+        -fstack-protector-strong)
+    add_link_options(-Wl,-z,relro,-z,now)
+endif()
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)

@@ -1,0 +1,34 @@
+#ifndef ARA_LOG_LOGGING_H
+#define ARA_LOG_LOGGING_H
+
+#include "ara/log/common.h"
+#include "ara/log/log_stream.h"
+#include "ara/log/logger.h"
+
+#include <string>
+
+namespace ara::log {
+
+/// Starts logging for the process, once, before its first thread: names the application (id of up to four characters)
+/// and starts the writer that hands messages to the log daemon. Messages logged earlier are kept and follow.
+/// Never fails; without a log daemon messages are buffered.
+void InitLogging(std::string const& application_id, std::string const& description, LogLevel level, LogMode mode,
+                 std::string const& directory);
+
+/// The logger of a further context (id of up to four characters). It lives until the process ends; asking again for the
+/// same id gives the same logger.
+Logger& CreateLogger(std::string const& context_id, std::string const& description,
+                     LogLevel level = LogLevel::kVerbose);
+
+// One message of the default context each. The message is everything streamed into the returned object and is logged
+// when that object ends, at the end of the full expression.
+LogStream LogFatal() noexcept;
+LogStream LogError() noexcept;
+LogStream LogWarn() noexcept;
+LogStream LogInfo() noexcept;
+LogStream LogDebug() noexcept;
+LogStream LogVerbose() noexcept;
+
+}  // namespace ara::log
+
+#endif
