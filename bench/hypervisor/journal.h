@@ -1,0 +1,17 @@
+#ifndef BENCH_HYPERVISOR_JOURNAL_H
+#define BENCH_HYPERVISOR_JOURNAL_H
+
+#include "bench/hypervisor/control_file.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace bench::hypervisor {
+
+/// A request as events and the journal show it: "file", "number", "t", "offset", "text", "hex" where the bytes are no
+/// readable text, "written" or "errno", and "delay_ms" where it is slow.
+nlohmann::json describe(std::string const& file, Request const& request);
+
+}  // namespace bench::hypervisor
+
+#endif
