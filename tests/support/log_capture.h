@@ -1,9 +1,8 @@
 #ifndef TESTS_SUPPORT_LOG_CAPTURE_H
 #define TESTS_SUPPORT_LOG_CAPTURE_H
 
+#include "ara/log/argument_decoder.h"
 #include "ara/log/logging.h"
-
-#include <gmock/gmock.h>
 
 #include <cstdint>
 #include <memory>
@@ -14,12 +13,14 @@
 #include <variant>
 #include <vector>
 
+#include <gmock/gmock.h>
+
 namespace test_support {
 
 using Bytes = std::vector<std::uint8_t>;
 
 /// One streamed insertion, decoded from the log queue: text, boolean, signed or unsigned number, or bytes.
-using Log_argument = std::variant<std::string, bool, std::int64_t, std::uint64_t, Bytes>;
+using Log_argument = ara::log::Argument;
 
 /// One logged message as it left the code under test.
 struct Log_message {
@@ -57,11 +58,21 @@ class Log_capture {
     std::unique_ptr<Impl> impl_;
 };
 
-inline Log_argument make_log_argument(Log_argument argument) { return argument; }
-inline Log_argument make_log_argument(char const* text) { return std::string(text); }
-inline Log_argument make_log_argument(std::string_view text) { return std::string(text); }
-inline Log_argument make_log_argument(std::string const& text) { return text; }
-inline Log_argument make_log_argument(Bytes const& bytes) { return bytes; }
+inline Log_argument make_log_argument(Log_argument argument) {
+    return argument;
+}
+inline Log_argument make_log_argument(char const* text) {
+    return std::string(text);
+}
+inline Log_argument make_log_argument(std::string_view text) {
+    return std::string(text);
+}
+inline Log_argument make_log_argument(std::string const& text) {
+    return text;
+}
+inline Log_argument make_log_argument(Bytes const& bytes) {
+    return bytes;
+}
 template <class Number, std::enable_if_t<std::is_integral_v<Number>, int> = 0>
 Log_argument make_log_argument(Number number) {
     if constexpr (std::is_same_v<Number, bool>) {

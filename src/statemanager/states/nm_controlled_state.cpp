@@ -35,8 +35,8 @@ unsigned Nm_controlled_state::check_transition(Virtio_command const& command) {
     }
     if (command == Virtio_command::prepare_sd ||
         (network_sleeps_and_nobody_keeps_ecu_alive() && get_prepare_SD_flag())) {
-        return transition_clearing_prepare_SD(
-            k_preparing, "Transition form NM controled state to Preparing (transient) possible.");
+        return transition_clearing_prepare_SD(k_preparing,
+                                              "Transition form NM controled state to Preparing (transient) possible.");
     }
     return k_stay;
 }

@@ -39,8 +39,7 @@ std::unique_ptr<State_interface> State_factory::create_state(unsigned id) const 
                                                          configuration_.is_nm_usage_allowed(),
                                                          configuration_.get_pm_timeout(), fast_shutdown_);
         case k_preparing:
-            return std::make_unique<Preparing_state>(service_handler_, shared_memory_, state_notifier_,
-                                                     fast_shutdown_);
+            return std::make_unique<Preparing_state>(service_handler_, shared_memory_, state_notifier_, fast_shutdown_);
         case k_prepared_sd:
             return std::make_unique<PreparedSD_state>(shared_memory_);
         case k_resuming:

@@ -11,7 +11,9 @@ State_interface::State_interface(std::shared_ptr<smw::Shared_memory_update> cons
                                  std::string const& name)
     : shared_memory_(shared_memory), name_(name) {}
 
-unsigned State_interface::check_transition(virtio::Virtio_command const& /*command*/) { return k_stay; }
+unsigned State_interface::check_transition(virtio::Virtio_command const& /*command*/) {
+    return k_stay;
+}
 
 void State_interface::report(void (smw::Shared_memory_update::*state_word)()) {
     if (shared_memory_) {

@@ -1,0 +1,147 @@
+#include "ara/log/log_engine.h"
+
+#include "ara/log/log_writer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <thread>
+
+namespace ara::log {
+
+namespace {
+
+std::int8_t const k_everything = static_cast<std::int8_t>(LogLevel::kVerbose);
+
+// DLT's time: units of 0.1 ms since boot.
+std::uint32_t uptime() noexcept {
+    timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::uint32_t>(now.tv_sec * 10000 + now.tv_nsec / 100000);
+}
+
+std::string four_characters(std::string const& id) {
+    return id.substr(0, 4);
+}
+
+}  // namespace
+
+Log_engine& Log_engine::instance() {
+    static auto& engine = *new Log_engine;  // destructors of static objects log too
+    return engine;
+}
+
+Log_engine::Log_engine() : message_(std::make_unique<Queued_message>()) {
+    loggers_.push_back(std::make_unique<Logger>("DFLT", "Default context", LogLevel::kVerbose));
+    default_logger_ = loggers_.front().get();
+}
+
+Logger& Log_engine::logger(std::string const& id, std::string const& description, LogLevel level) {
+    std::lock_guard<std::mutex> const lock(consumer_);
+    auto const name = four_characters(id);
+    auto const known = std::find_if(loggers_.begin(), loggers_.end(),
+                                    [&](auto const& logger) { return logger->context().id == name; });
+    if (known != loggers_.end()) {
+        return **known;
+    }
+    loggers_.push_back(std::make_unique<Logger>(name, description, level));
+    auto& context = loggers_.back()->context();
+    for (auto const& sink : sinks_) {
+        sink->add_context(context);
+    }
+    if (interceptor_) {
+        context.threshold = &k_everything;
+    }
+    return *loggers_.back();
+}
+
+void Log_engine::submit(Log_context const& context, LogLevel level, Argument_encoder const& arguments) noexcept {
+    auto const saved_errno = errno;
+    Message_header const header{&context, uptime(), static_cast<std::uint16_t>(arguments.size()), arguments.count(),
+                                level};
+    while (!queue_.push(header, arguments.data())) {
+        if (!wait_when_full_.load(std::memory_order_relaxed)) {
+            dropped_.fetch_add(1, std::memory_order_relaxed);
+            break;
+        }
+        std::this_thread::yield();
+    }
+    if (level <= LogLevel::kError || queue_.is_half_full()) {
+        wake_writer();
+    }
+    errno = saved_errno;
+}
+
+void Log_engine::add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level) {
+    std::lock_guard<std::mutex> const lock(consumer_);
+    default_logger_->context().own_threshold = static_cast<std::int8_t>(default_level);
+    for (auto const& logger : loggers_) {
+        sink->add_context(logger->context());
+    }
+    sinks_.push_back(std::move(sink));
+}
+
+void Log_engine::drain() {
+    std::lock_guard<std::mutex> const lock(consumer_);
+    while (queue_.pop(*message_)) {
+        deliver(*message_);
+    }
+    report_drops();
+}
+
+void Log_engine::deliver(Queued_message const& message) {
+    if (interceptor_) {
+        interceptor_(message);
+        return;
+    }
+    for (auto const& sink : sinks_) {
+        sink->write(message);
+    }
+}
+
+void Log_engine::report_drops() {
+    auto const dropped = dropped_.load(std::memory_order_relaxed);
+    if (dropped == reported_drops_) {
+        return;
+    }
+    Argument_encoder arguments;
+    arguments.add_text("Log queue was full, messages dropped: ");
+    arguments.add_number(dropped - reported_drops_);
+    reported_drops_ = dropped;
+    message_->header = {&default_logger_->context(), uptime(), static_cast<std::uint16_t>(arguments.size()),
+                        arguments.count(), LogLevel::kWarn};
+    std::copy_n(arguments.data(), arguments.size(), message_->arguments.begin());
+    deliver(*message_);
+}
+
+void Log_engine::intercept(Interceptor interceptor) {
+    drain();
+    std::lock_guard<std::mutex> const lock(consumer_);
+    interceptor_ = std::move(interceptor);
+    wait_when_full_ = static_cast<bool>(interceptor_);
+    for (auto const& logger : loggers_) {
+        auto& context = logger->context();
+        context.threshold = interceptor_ ? &k_everything : &context.own_threshold;
+    }
+}
+
+void Log_engine::start_writer() {
+    if (writer_.load() == nullptr) {
+        writer_ = new Writer([this] { drain(); });
+    }
+}
+
+void Log_engine::stop_writer() {
+    if (auto* const writer = writer_.load(); writer != nullptr) {
+        writer->stop();  // the object stays: a signal handler may still be about to wake it
+    }
+    drain();
+}
+
+void Log_engine::wake_writer() noexcept {
+    if (auto* const writer = writer_.load(std::memory_order_acquire); writer != nullptr) {
+        writer->wake();
+    }
+}
+
+}  // namespace ara::log

@@ -1,0 +1,81 @@
+#ifndef ARA_LOG_LOG_ENGINE_H
+#define ARA_LOG_LOG_ENGINE_H
+
+#include "ara/log/log_context.h"
+#include "ara/log/logger.h"
+#include "ara/log/message_queue.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace ara::log {
+
+/// Where messages end up.
+class Log_sink {
+ public:
+    Log_sink() = default;
+    virtual ~Log_sink() = default;
+    Log_sink(Log_sink const&) = delete;
+    Log_sink& operator=(Log_sink const&) = delete;
+
+    virtual void add_context(Log_context& context) = 0;
+    virtual void write(Queued_message const& message) = 0;
+};
+
+/// The process's log: its contexts, the queue into which every log call puts its message, and the consumer that takes
+/// them out and hands them to the sinks. Made with the first log call and never destroyed.
+///
+/// Threads: `submit` any, signal handlers included; everything else takes a mutex and is for ordinary threads.
+class Log_engine {
+ public:
+    static Log_engine& instance();
+
+    Logger& default_logger() noexcept { return *default_logger_; }
+    Logger& logger(std::string const& id, std::string const& description, LogLevel level);
+
+    void submit(Log_context const& context, LogLevel level, Argument_encoder const& arguments) noexcept;
+
+    /// Adds a sink that gets everything that is consumed from now on. It lives until the process ends.
+    void add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level);
+
+    /// Starts the writer thread; `stop_writer` ends it after everything queued has been written.
+    void start_writer();
+    void stop_writer();
+
+    /// Hands everything queued to the sinks.
+    void drain();
+
+    /// Replaces the sinks by a function, logs all levels, and makes producers wait instead of dropping; an empty
+    /// function ends it. For tests.
+    using Interceptor = std::function<void(Queued_message const&)>;
+    void intercept(Interceptor interceptor);
+
+ private:
+    Log_engine();
+
+    class Writer;
+    void deliver(Queued_message const& message);
+    void report_drops();
+    void wake_writer() noexcept;
+
+    Message_queue queue_;
+    std::atomic<std::uint64_t> dropped_{0};
+    std::atomic<bool> wait_when_full_{false};
+    std::atomic<Writer*> writer_{nullptr};
+
+    std::mutex consumer_;  ///< guards what follows, and the queue's reading end
+    std::uint64_t reported_drops_{0};
+    std::vector<std::unique_ptr<Logger>> loggers_;
+    std::vector<std::unique_ptr<Log_sink>> sinks_;
+    Interceptor interceptor_;
+    std::unique_ptr<Queued_message> message_;
+    Logger* default_logger_;
+};
+
+}  // namespace ara::log
+
+#endif
