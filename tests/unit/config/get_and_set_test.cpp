@@ -1,0 +1,133 @@
+#include "statemanager/config/get_and_set.h"
+
+#include "support/log_capture.h"
+#include "unit/config/complete_configuration.h"
+
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include <gmock/gmock.h>
+
+namespace ximo::ap::statemanager::config {
+namespace {
+
+using ara::log::LogLevel;
+using nlohmann::json;
+using test_support::Log_capture;
+using test_support::logged;
+using test_support::reason;
+using testing::ElementsAre;
+using Bytes = std::vector<std::uint8_t>;
+
+/// Gets one member and keeps what the setter was given.
+template <class Value>
+struct Got {
+    Got(json const& object, std::string const& key)
+        : result(get_and_set<Value>(object, key, [this](Value given) { value = std::move(given); })) {}
+    std::optional<Value> value;
+    bool result;
+};
+
+TEST(Get_and_set, Hands_a_number_to_the_setter_and_logs_it) {
+    Log_capture log;
+
+    Got<std::uint32_t> const sut(json{{"Timer", 42}}, "Timer");
+
+    EXPECT_TRUE(sut.result);
+    EXPECT_EQ(sut.value, 42U);
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Timer",
+                                                   " form configuration with value: ", "42")));
+}
+
+TEST(Get_and_set, Hands_a_boolean_to_the_setter_and_logs_it) {
+    Log_capture log;
+
+    Got<bool> const sut(json{{"Usage", false}}, "Usage");
+
+    EXPECT_TRUE(sut.result);
+    EXPECT_EQ(sut.value, false);
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Usage",
+                                                   " form configuration with value: ", "false")));
+}
+
+TEST(Get_and_set, Hands_a_string_to_the_setter_and_logs_it) {
+    Log_capture log;
+
+    Got<std::string> const sut(json{{"Path", "/sys/x"}}, "Path");
+
+    EXPECT_TRUE(sut.result);
+    EXPECT_EQ(sut.value, "/sys/x");
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Path",
+                                                   " form configuration with value: ", "/sys/x")));
+}
+
+TEST(Get_and_set, Hands_a_byte_vector_to_the_setter_and_logs_its_raw_characters) {
+    Log_capture log;
+
+    Got<Bytes> const sut(json{{"Pattern", {65, 66}}}, "Pattern");
+
+    EXPECT_TRUE(sut.result);
+    EXPECT_EQ(sut.value, (Bytes{65, 66}));
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Pattern",
+                                                   " form configuration with value: ", "A B ")));
+}
+
+TEST(Get_and_set, Logs_the_value_after_the_setter_was_called) {
+    Log_capture log;
+
+    get_and_set<std::uint32_t>(json{{"Timer", 1}}, "Timer", [](std::uint32_t) { ara::log::LogInfo() << "set"; });
+
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "set"),
+                                            logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Timer",
+                                                   " form configuration with value: ", "1")));
+}
+
+TEST(Get_and_set, A_missing_member_is_logged_in_six_pieces_and_sets_nothing) {
+    Log_capture log;
+    json const object{{"Other", 1}};
+
+    Got<std::uint32_t> const sut(object, "Timer");
+
+    EXPECT_FALSE(sut.result);
+    EXPECT_EQ(sut.value, std::nullopt);
+    EXPECT_THAT(log.messages(),
+                ElementsAre(logged(LogLevel::kInfo, "State_manager_json_parser:", "Missing ", "Timer",
+                                   "in configuration.", "caused by", reason([&] { object.at("Timer"); }))));
+}
+
+template <class Value>
+void expect_incorrect_type(json const& object, std::string const& why) {
+    Log_capture log;
+
+    Got<Value> const sut(object, "Key");
+
+    EXPECT_FALSE(sut.result);
+    EXPECT_EQ(sut.value, std::nullopt);
+    EXPECT_THAT(log.messages(),
+                ElementsAre(logged(LogLevel::kDebug, "State_manager_json_parser:", "Incorrect key type: ", why)));
+}
+
+TEST(Get_and_set, A_member_of_another_type_is_logged_and_sets_nothing) {
+    auto const refused = [](char const* wanted, char const* found) {
+        return std::string("[json.exception.type_error.302] type must be ") + wanted + ", but is " + found;
+    };
+    expect_incorrect_type<std::uint32_t>({{"Key", "3"}}, refused("number", "string"));
+    expect_incorrect_type<std::uint32_t>({{"Key", true}}, refused("number", "boolean"));
+    expect_incorrect_type<bool>({{"Key", 1}}, refused("boolean", "number"));
+    expect_incorrect_type<std::string>({{"Key", nullptr}}, refused("string", "null"));
+    expect_incorrect_type<Bytes>({{"Key", 1}}, refused("array", "number"));
+    expect_incorrect_type<Bytes>({{"Key", {1, "2"}}}, refused("number", "string"));
+}
+
+TEST(Get_and_set, A_member_of_something_that_is_no_object_is_of_an_incorrect_type) {
+    for (auto const& object : {json(), json(1), json("text"), json::array({1})}) {
+        expect_incorrect_type<std::uint32_t>(object, reason([&] { object.at("Key"); }));
+    }
+}
+
+TEST(Get_and_set, Keys_are_compared_by_case) {
+    EXPECT_FALSE((Got<std::uint32_t>(json{{"timer", 1}}, "Timer").result));
+}
+
+}  // namespace
+}  // namespace ximo::ap::statemanager::config
