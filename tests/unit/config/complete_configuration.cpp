@@ -29,4 +29,8 @@ std::string file_text(nlohmann::json const& configuration) {
     return nlohmann::json{{"ap_statemanager", configuration}}.dump(4);
 }
 
+std::string reason_of_refusal(std::string const& text) {
+    return reason([&] { [[maybe_unused]] auto const document = nlohmann::json::parse(text); });
+}
+
 }  // namespace test_support

@@ -23,6 +23,9 @@ std::string reason(Action const& action) {
     return {};
 }
 
+/// What the JSON library says about a text that it refuses to parse; empty when it accepts it.
+std::string reason_of_refusal(std::string const& text);
+
 }  // namespace test_support
 
 #endif

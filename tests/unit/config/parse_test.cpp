@@ -18,6 +18,7 @@ using test_support::file_text;
 using test_support::Log_capture;
 using test_support::logged;
 using test_support::reason;
+using test_support::reason_of_refusal;
 using test_support::Temporary_directory;
 using testing::ElementsAre;
 
@@ -88,13 +89,13 @@ TEST_F(Parse, Text_that_is_no_JSON_is_fatal_with_the_reason) {
 
     EXPECT_FALSE(parse(content));
 
-    expect_failed_with(reason([&] { static_cast<void>(json::parse(content)); }));
+    expect_failed_with(reason_of_refusal(content));
 }
 
 TEST_F(Parse, An_empty_file_is_fatal) {
     EXPECT_FALSE(parse(""));
 
-    expect_failed_with(reason([] { static_cast<void>(json::parse("")); }));
+    expect_failed_with(reason_of_refusal(""));
 }
 
 TEST_F(Parse, A_file_cut_anywhere_is_refused) {
