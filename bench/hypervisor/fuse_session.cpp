@@ -1,11 +1,12 @@
 #include "bench/hypervisor/fuse_session.h"
 
+#include "bench/hypervisor/fuse_requirements.h"
+
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
 #include <vector>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace bench::hypervisor {
@@ -69,18 +70,13 @@ Fuse_session try_mount(File_server& server, std::string const& directory, std::s
     return session;
 }
 
-std::string what_is_missing(std::string const& directory) {
-    std::string text = "cannot mount on " + directory + ": ";
+std::string cause_of_failure(std::string const& directory) {
+    std::string const prefix = "cannot mount on " + directory + ": ";
     if (::access(directory.c_str(), X_OK) != 0) {
-        return text + std::strerror(errno);
+        return prefix + std::strerror(errno);
     }
-    if (::access("/dev/fuse", F_OK) != 0) {
-        return text + "the kernel offers no FUSE (/dev/fuse is missing; load the module fuse)";
-    }
-    if (::access("/dev/fuse", R_OK | W_OK) != 0) {
-        return text + "this user may not open /dev/fuse, and fusermount3 did not help (install the package fuse3)";
-    }
-    return text + "mounting is not allowed here (needs root, a user namespace or the package fuse3)";
+    std::string const missing = missing_for_fuse();
+    return prefix + (missing.empty() ? "mounting is not allowed here (needs root or a user namespace)" : missing);
 }
 
 }  // namespace
@@ -94,7 +90,7 @@ Fuse_session mount_session(File_server& server, std::string const& directory) {
         session = try_mount(server, directory, name + ",auto_unmount");
     }
     if (!session) {
-        throw std::runtime_error(what_is_missing(directory));
+        throw std::runtime_error(cause_of_failure(directory));
     }
     return session;
 }

@@ -1,0 +1,175 @@
+#include "bench/hypervisor/input_device.h"
+
+#include <cerrno>
+#include <cstring>
+#include <tuple>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+
+namespace bench::hypervisor {
+namespace {
+
+using Record = std::tuple<int, int, int>;  // type, code, value
+
+constexpr unsigned k_get_event_types = 0x80084520;
+constexpr std::size_t k_record = 24;
+constexpr Input_device::Reader k_reader = 1;
+
+class Input_device_test : public testing::Test {
+ protected:
+    Input_device_test() { sut.add_reader(k_reader); }
+
+    // All records that wait, read one by one.
+    std::vector<Record> records(Input_device::Reader reader = k_reader) {
+        std::vector<Record> result;
+        for (Outcome outcome = sut.read(reader, k_record); outcome.error == 0; outcome = sut.read(reader, k_record)) {
+            result.push_back(decoded(outcome.bytes));
+        }
+        return result;
+    }
+
+    // The fields by their place in the record: type at 16, code at 18, value at 20.
+    static Record decoded(std::string const& bytes) {
+        EXPECT_EQ(bytes.size(), k_record);
+        std::uint16_t type = 0;
+        std::uint16_t code = 0;
+        std::int32_t value = 0;
+        std::memcpy(&type, bytes.data() + 16, sizeof type);
+        std::memcpy(&code, bytes.data() + 18, sizeof code);
+        std::memcpy(&value, bytes.data() + 20, sizeof value);
+        return {type, code, value};
+    }
+
+    Input_device sut{"event0", 1U << EV_SYN | 1U << EV_KEY};
+};
+
+TEST_F(Input_device_test, Without_a_press_there_is_nothing_to_read) {
+    EXPECT_EQ(sut.read(k_reader, k_record).error, EAGAIN);
+    EXPECT_EQ(sut.poll(k_reader), unsigned{POLLOUT | POLLWRNORM});
+}
+
+TEST_F(Input_device_test, A_press_is_press_sync_release_sync) {
+    sut.press(EV_KEY, KEY_N);
+    EXPECT_EQ(sut.poll(k_reader) & POLLIN, unsigned{POLLIN});
+    EXPECT_EQ(records(), (std::vector<Record>{{1, 49, 1}, {0, 0, 0}, {1, 49, 0}, {0, 0, 0}}));
+    EXPECT_EQ(sut.poll(k_reader) & POLLIN, 0U);
+}
+
+TEST_F(Input_device_test, A_raw_record_has_the_type_code_and_value_that_were_given) {
+    sut.send(0xFFFF, 0x1234, -5);
+    EXPECT_EQ(records(), (std::vector<Record>{{0xFFFF, 0x1234, -5}}));
+}
+
+TEST_F(Input_device_test, A_record_carries_the_time_of_day) {
+    sut.send(EV_KEY, KEY_N, 1);
+    std::int64_t seconds = 0;
+    std::memcpy(&seconds, sut.read(k_reader, k_record).bytes.data(), sizeof seconds);
+    EXPECT_NEAR(static_cast<double>(seconds), static_cast<double>(std::time(nullptr)), 5.0);
+}
+
+TEST_F(Input_device_test, A_read_gives_as_many_whole_records_as_fit) {
+    sut.press(EV_KEY, KEY_N);
+    EXPECT_EQ(sut.read(k_reader, 2 * k_record + 23).bytes.size(), 2 * k_record);
+    EXPECT_EQ(sut.read(k_reader, 1000).bytes.size(), 2 * k_record);
+}
+
+TEST_F(Input_device_test, A_read_without_room_for_one_record_is_invalid_and_takes_nothing) {
+    sut.send(EV_KEY, KEY_N, 1);
+    EXPECT_EQ(sut.read(k_reader, k_record - 1).error, EINVAL);
+    EXPECT_EQ(records().size(), 1U);
+}
+
+TEST_F(Input_device_test, Each_reader_sees_every_record_and_none_from_before_it_opened) {
+    sut.send(EV_KEY, KEY_N, 1);
+    sut.add_reader(2);
+    sut.send(EV_KEY, KEY_P, 1);
+    EXPECT_EQ(records(1), (std::vector<Record>{{1, 49, 1}, {1, 25, 1}}));
+    EXPECT_EQ(records(2), (std::vector<Record>{{1, 25, 1}}));
+}
+
+TEST_F(Input_device_test, A_reader_that_closed_is_no_longer_served) {
+    sut.remove_reader(k_reader);
+    EXPECT_EQ(sut.readers(), 0U);
+    sut.send(EV_KEY, KEY_N, 1);
+    sut.add_reader(k_reader);
+    EXPECT_TRUE(records().empty());
+}
+
+TEST_F(Input_device_test, A_full_queue_holds_its_length) {
+    for (std::size_t number = 0; number < Input_device::k_queue_length; ++number) {
+        sut.send(EV_KEY, KEY_N, static_cast<std::int32_t>(number));
+    }
+    EXPECT_EQ(records().size(), Input_device::k_queue_length);
+}
+
+TEST_F(Input_device_test, One_record_too_many_leaves_the_dropped_mark_and_the_newest_record) {
+    for (std::size_t number = 0; number <= Input_device::k_queue_length; ++number) {
+        sut.send(EV_KEY, KEY_N, static_cast<std::int32_t>(number));
+    }
+    EXPECT_EQ(records(), (std::vector<Record>{{EV_SYN, SYN_DROPPED, 0}, {1, 49, 64}}));
+}
+
+TEST_F(Input_device_test, The_event_types_are_told_as_a_little_endian_mask) {
+    Outcome const outcome = sut.control(k_get_event_types, 8);
+    EXPECT_EQ(outcome.error, 0);
+    EXPECT_EQ(outcome.bytes, std::string("\x03\0\0\0\0\0\0\0", 8));
+}
+
+TEST_F(Input_device_test, The_mask_is_cut_to_the_asked_length) {
+    EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x20, 4), 4).bytes.size(), 4U);
+    EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x20, 64), 64).bytes.size(), 8U);
+}
+
+TEST_F(Input_device_test, Any_other_request_is_not_for_this_device) {
+    constexpr unsigned k_terminal_settings = 0x5401;
+    EXPECT_EQ(sut.control(k_terminal_settings, 0).error, ENOTTY);
+    EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x21, 8), 8).error, ENOTTY);
+    EXPECT_EQ(sut.control(_IOC(_IOC_WRITE, 'E', 0x20, 8), 8).error, ENOTTY);
+    EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'F', 0x20, 8), 8).error, ENOTTY);
+}
+
+TEST_F(Input_device_test, After_a_hang_up_reads_fail_and_poll_tells_of_it) {
+    sut.press(EV_KEY, KEY_N);
+    sut.hang_up(false);
+    EXPECT_EQ(sut.poll(k_reader), unsigned{POLLHUP | POLLERR});
+    EXPECT_EQ(sut.read(k_reader, k_record).error, ENODEV);
+    EXPECT_EQ(sut.control(k_get_event_types, 8).error, ENODEV);
+}
+
+TEST_F(Input_device_test, After_a_hang_up_that_keeps_announcing_poll_still_promises_what_can_not_be_read) {
+    sut.press(EV_KEY, KEY_N);
+    sut.hang_up(true);
+    EXPECT_EQ(sut.poll(k_reader), unsigned{POLLHUP | POLLERR | POLLIN | POLLRDNORM});
+    EXPECT_EQ(sut.read(k_reader, k_record).error, ENODEV);
+}
+
+TEST_F(Input_device_test, A_device_that_hung_up_sends_nothing_more) {
+    sut.hang_up(true);
+    sut.press(EV_KEY, KEY_N);
+    EXPECT_EQ(sut.poll(k_reader), unsigned{POLLHUP | POLLERR});
+}
+
+TEST_F(Input_device_test, A_planned_read_error_makes_the_device_readable_fails_once_and_takes_nothing) {
+    sut.send(EV_KEY, KEY_N, 1);
+    Fault fault;
+    fault.error = EIO;
+    sut.faults().add(Operation::read, fault, 1);
+    EXPECT_EQ(sut.poll(k_reader) & POLLIN, unsigned{POLLIN});
+    EXPECT_EQ(sut.read(k_reader, k_record).error, EIO);
+    EXPECT_EQ(records(), (std::vector<Record>{{1, 49, 1}}));
+    EXPECT_EQ(sut.poll(k_reader) & POLLIN, 0U);
+}
+
+TEST_F(Input_device_test, A_planned_error_of_the_ioctl_fails_once) {
+    Fault fault;
+    fault.error = EPERM;
+    sut.faults().add(Operation::ioctl, fault, 1);
+    EXPECT_EQ(sut.control(k_get_event_types, 8).error, EPERM);
+    EXPECT_EQ(sut.control(k_get_event_types, 8).error, 0);
+}
+
+}  // namespace
+}  // namespace bench::hypervisor
