@@ -1,0 +1,18 @@
+#include "ara/exec/application_client.h"
+
+#include "ara/core/service_notification.h"
+#include "ara/log/logging.h"
+
+#include <system_error>
+
+namespace ara::exec {
+
+void ApplicationClient::ReportApplicationState(ApplicationState state) {
+    try {
+        ara::core::notify_service_manager(state == ApplicationState::kRunning ? "READY=1" : "STOPPING=1");
+    } catch (std::system_error const& error) {
+        ara::log::LogError() << "Application state not reported: " << error.what();
+    }
+}
+
+}  // namespace ara::exec

@@ -1,0 +1,13 @@
+#include "ara/phm/supervision_entity.h"
+
+#include "ara/core/service_notification.h"
+
+namespace ara::phm {
+
+SupervisionEntity::SupervisionEntity(Phm_client_interface const& client) : instance_id_(client.instance_id()) {}
+
+void SupervisionEntity::ReportCheckpoint(std::uint32_t /*checkpoint*/, std::uint32_t /*instance*/) {
+    ara::core::notify_service_manager("WATCHDOG=1");
+}
+
+}  // namespace ara::phm

@@ -1,0 +1,143 @@
+#include "statemanager/em/em_interface.h"
+
+#include "support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+namespace ximo::ap::statemanager {
+namespace {
+
+using ara::exec::Function_group_state_transition;
+using ara::exec::State_client_result;
+using ara::log::LogLevel;
+using test_support::logged;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr auto k_reached = Function_group_state_transition::kReached;
+constexpr auto k_in_transition = Function_group_state_transition::kInTransition;
+
+/// The adapter with execution management replaced by answers of the test's choice.
+class Em_with_answers : public Em_interface {
+ public:
+    std::vector<std::string> requests;
+    std::string state;
+    Function_group_state_transition transition{k_in_transition};
+    State_client_result result{State_client_result::kSuccess};
+    bool unreachable{false};
+    bool defective{false};
+
+    State_client_result StateClient_SetState(std::string const& function_group, std::string const& wanted) override {
+        requests.push_back(function_group + ":" + wanted);
+        fail_when_told();
+        return result;
+    }
+    State_client_result GetState(std::string const& function_group, std::string& out_state,
+                                 Function_group_state_transition& out_transition) override {
+        EXPECT_EQ(function_group, "MachineState");
+        EXPECT_EQ(out_state, "");
+        EXPECT_EQ(out_transition, k_in_transition);
+        out_state = state;
+        out_transition = transition;
+        fail_when_told();
+        return result;
+    }
+
+ private:
+    void fail_when_told() const {
+        if (unreachable) {
+            throw std::runtime_error("nobody there");
+        }
+        if (defective) {
+            throw std::logic_error("a defect");
+        }
+    }
+};
+
+class Em_adapter : public testing::Test {
+ protected:
+    bool check(std::string const& state, Function_group_state_transition transition) {
+        sut.state = state;
+        sut.transition = transition;
+        return sut.check_for_running_state();
+    }
+
+    Em_with_answers sut;
+    test_support::Log_capture log;
+};
+
+TEST_F(Em_adapter, Asks_for_the_machine_state_shutdown) {
+    sut.request_shutdown();
+    EXPECT_THAT(sut.requests, ElementsAre("MachineState:Shutdown"));
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Setting EM machine state to shutdown")));
+}
+
+TEST_F(Em_adapter, Asks_for_the_machine_state_running) {
+    sut.request_running();
+    EXPECT_THAT(sut.requests, ElementsAre("MachineState:Running"));
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Setting EM machine state to running")));
+}
+
+TEST_F(Em_adapter, Ignores_a_refused_request) {
+    sut.result = State_client_result::kRefused;
+    sut.request_running();
+    EXPECT_EQ(log.messages().size(), 1U);
+}
+
+TEST_F(Em_adapter, Logs_that_execution_management_could_not_be_asked_to_shut_down) {
+    sut.unreachable = true;
+    sut.request_shutdown();
+    EXPECT_THAT(log.messages(LogLevel::kError),
+                ElementsAre(logged(LogLevel::kError, "StateClient::SetState(MachineState, Shutdown) exception: ",
+                                   "nobody there")));
+}
+
+TEST_F(Em_adapter, Logs_that_execution_management_could_not_be_asked_to_run) {
+    sut.unreachable = true;
+    sut.request_running();
+    EXPECT_THAT(log.messages(LogLevel::kError),
+                ElementsAre(logged(LogLevel::kError, "StateClient::SetState(MachineState, Running) exception: ",
+                                   "nobody there")));
+}
+
+TEST_F(Em_adapter, Passes_other_exceptions_on) {
+    sut.defective = true;
+    EXPECT_THROW(sut.request_running(), std::logic_error);
+    EXPECT_THROW(sut.request_shutdown(), std::logic_error);
+    EXPECT_THROW(sut.check_for_running_state(), std::logic_error);
+}
+
+TEST_F(Em_adapter, Counts_the_machine_as_started_once_startup_or_running_is_reached) {
+    EXPECT_TRUE(check("Startup", k_reached));
+    EXPECT_TRUE(check("Running", k_reached));
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Em_adapter, Does_not_count_a_state_on_the_way_or_another_one) {
+    EXPECT_FALSE(check("Running", k_in_transition));
+    EXPECT_FALSE(check("Startup", k_in_transition));
+    EXPECT_FALSE(check("Shutdown", k_reached));
+    EXPECT_FALSE(check("", k_reached));
+    EXPECT_FALSE(check("Running", static_cast<Function_group_state_transition>(2)));
+}
+
+TEST_F(Em_adapter, Logs_the_code_of_a_refused_query_and_looks_at_nothing_else) {
+    sut.result = State_client_result::kRefused;
+    EXPECT_FALSE(check("Running", k_reached));
+    EXPECT_THAT(log.messages(),
+                ElementsAre(logged(LogLevel::kError, "EM has not been started. Error code: ", 2)));
+}
+
+TEST_F(Em_adapter, Judges_what_it_has_when_the_query_throws) {
+    sut.unreachable = true;
+    EXPECT_FALSE(check("", k_in_transition));
+    EXPECT_TRUE(check("Running", k_reached)) << "what was filled in before the exception counts";
+    EXPECT_THAT(log.messages().at(0),
+                logged(LogLevel::kError, "StateClient::GetState(MachineState, state, phase) exception: ",
+                       "nobody there"));
+}
+
+}  // namespace
+}  // namespace ximo::ap::statemanager
