@@ -44,7 +44,7 @@ class State_manager {
     virtio::Virtio_command waiting_command();
     void change_state(unsigned next);
 
-    config::State_manager_config_abstract const& configuration_;
+    config::State_manager_config const& configuration_;
     std::shared_ptr<Service_handler_interface> service_handler_;
     std::shared_ptr<Em_interface_abstract> execution_management_;
     std::unique_ptr<virtio::Virtio_interface_abstract> virtual_input_;

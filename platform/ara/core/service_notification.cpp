@@ -1,16 +1,15 @@
 #include "ara/core/service_notification.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
-
-#include <poll.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <system_error>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace ara::core {
 

@@ -18,7 +18,9 @@ std::uint64_t microseconds_until(std::chrono::steady_clock::time_point deadline)
     return left.count() > 0 ? static_cast<std::uint64_t>(left.count()) : 1;  // 0 means libsystemd's own default
 }
 
-bool is_over(std::chrono::steady_clock::time_point deadline) { return std::chrono::steady_clock::now() >= deadline; }
+bool is_over(std::chrono::steady_clock::time_point deadline) {
+    return std::chrono::steady_clock::now() >= deadline;
+}
 
 class Bus_error {
  public:

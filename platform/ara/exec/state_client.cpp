@@ -55,7 +55,8 @@ std::vector<Unit_state> read_units(sd_bus_message* reply, std::string const& fun
 }
 
 Unit_state const* find(std::vector<Unit_state> const& units, std::string_view active) {
-    auto const found = std::find_if(units.begin(), units.end(), [&](auto const& unit) { return unit.active == active; });
+    auto const found =
+        std::find_if(units.begin(), units.end(), [&](auto const& unit) { return unit.active == active; });
     return found != units.end() ? &*found : nullptr;
 }
 
@@ -98,8 +99,8 @@ State_client_result StateClient::GetState(std::string const& function_group, std
         return State_client_result::kUnknownState;
     }
     state = current->state;
-    transition = coming != nullptr ? Function_group_state_transition::kInTransition
-                                   : Function_group_state_transition::kReached;
+    transition =
+        coming != nullptr ? Function_group_state_transition::kInTransition : Function_group_state_transition::kReached;
     return State_client_result::kSuccess;
 }
 

@@ -29,7 +29,7 @@ class State_factory {
     std::unique_ptr<State_interface> create_state(unsigned id) const;
 
  private:
-    config::State_manager_config_abstract const& configuration_;
+    config::State_manager_config const& configuration_;
     std::shared_ptr<Service_handler_interface> service_handler_;
     std::shared_ptr<Em_interface_abstract> execution_management_;
     std::shared_ptr<smw::Shared_memory_update> shared_memory_;

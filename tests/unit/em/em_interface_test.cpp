@@ -2,9 +2,9 @@
 
 #include "support/log_capture.h"
 
-#include <gmock/gmock.h>
-
 #include <stdexcept>
+
+#include <gmock/gmock.h>
 
 namespace ximo::ap::statemanager {
 namespace {
@@ -90,16 +90,16 @@ TEST_F(Em_adapter, Logs_that_execution_management_could_not_be_asked_to_shut_dow
     sut.unreachable = true;
     sut.request_shutdown();
     EXPECT_THAT(log.messages(LogLevel::kError),
-                ElementsAre(logged(LogLevel::kError, "StateClient::SetState(MachineState, Shutdown) exception: ",
-                                   "nobody there")));
+                ElementsAre(logged(LogLevel::kError,
+                                   "StateClient::SetState(MachineState, Shutdown) exception: ", "nobody there")));
 }
 
 TEST_F(Em_adapter, Logs_that_execution_management_could_not_be_asked_to_run) {
     sut.unreachable = true;
     sut.request_running();
     EXPECT_THAT(log.messages(LogLevel::kError),
-                ElementsAre(logged(LogLevel::kError, "StateClient::SetState(MachineState, Running) exception: ",
-                                   "nobody there")));
+                ElementsAre(logged(LogLevel::kError,
+                                   "StateClient::SetState(MachineState, Running) exception: ", "nobody there")));
 }
 
 TEST_F(Em_adapter, Passes_other_exceptions_on) {
@@ -126,17 +126,16 @@ TEST_F(Em_adapter, Does_not_count_a_state_on_the_way_or_another_one) {
 TEST_F(Em_adapter, Logs_the_code_of_a_refused_query_and_looks_at_nothing_else) {
     sut.result = State_client_result::kRefused;
     EXPECT_FALSE(check("Running", k_reached));
-    EXPECT_THAT(log.messages(),
-                ElementsAre(logged(LogLevel::kError, "EM has not been started. Error code: ", 2)));
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "EM has not been started. Error code: ", 2)));
 }
 
 TEST_F(Em_adapter, Judges_what_it_has_when_the_query_throws) {
     sut.unreachable = true;
     EXPECT_FALSE(check("", k_in_transition));
     EXPECT_TRUE(check("Running", k_reached)) << "what was filled in before the exception counts";
-    EXPECT_THAT(log.messages().at(0),
-                logged(LogLevel::kError, "StateClient::GetState(MachineState, state, phase) exception: ",
-                       "nobody there"));
+    EXPECT_THAT(
+        log.messages().at(0),
+        logged(LogLevel::kError, "StateClient::GetState(MachineState, state, phase) exception: ", "nobody there"));
 }
 
 }  // namespace

@@ -2,11 +2,11 @@
 
 #include "support/log_capture.h"
 
-#include <gmock/gmock.h>
-
 #include <stdexcept>
 #include <utility>
 #include <vector>
+
+#include <gmock/gmock.h>
 
 namespace ximo::ap::statemanager::phm {
 namespace {
@@ -56,9 +56,8 @@ TEST_F(Supervision, Reports_checkpoint_one_silently) {
 TEST_F(Supervision, Stops_for_good_after_the_first_failure) {
     health.broken = true;
     sut.report_alive_status();
-    EXPECT_THAT(log.messages(),
-                ElementsAre(logged(LogLevel::kError, "AliveSupervision: caught ", "not delivered"),
-                            logged(LogLevel::kError, "Stopping AliveSupervision reporting to PHM!")));
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "AliveSupervision: caught ", "not delivered"),
+                                            logged(LogLevel::kError, "Stopping AliveSupervision reporting to PHM!")));
     log.clear();
     health.broken = false;
     sut.report_alive_status();

@@ -32,10 +32,10 @@ struct Situation {
 };
 
 void PrintTo(Situation const& situation, std::ostream* out) {
-    *out << "command " << static_cast<int>(situation.command) << ", NM allowed " << situation.nm_allowed << ", NM found "
-         << situation.nm_found << ", COM alive " << situation.com_alive << ", ECU alive " << situation.ecu_alive
-         << ", sleeping " << situation.sleeping << ", prepare SD " << situation.prepare_sd << ", knocked out "
-         << situation.expired;
+    *out << "command " << static_cast<int>(situation.command) << ", NM allowed " << situation.nm_allowed
+         << ", NM found " << situation.nm_found << ", COM alive " << situation.com_alive << ", ECU alive "
+         << situation.ecu_alive << ", sleeping " << situation.sleeping << ", prepare SD " << situation.prepare_sd
+         << ", knocked out " << situation.expired;
 }
 
 enum class Flag { kept, cleared, set };
@@ -68,15 +68,16 @@ std::vector<Situation> every_situation() {
     return all;
 }
 
-bool always(Situation const& /*situation*/) { return true; }
+bool always(Situation const& /*situation*/) {
+    return true;
+}
 
 std::vector<Row> const& starting_up_table() {
     static auto const& table = *new std::vector<Row>{
         {[](Situation const& s) { return !s.nm_allowed; }, k_running, Flag::kept, {}},
         {[](Situation const& s) { return s.nm_found; }, k_running, Flag::kept, {}},
         {always, k_stay, Flag::kept,
-         logged(LogLevel::kInfo,
-                "Transition form startup to running not possible. Waiting for nm interface.")}};
+         logged(LogLevel::kInfo, "Transition form startup to running not possible. Waiting for nm interface.")}};
     return table;
 }
 
@@ -99,10 +100,8 @@ std::vector<Row> const& running_table() {
 }
 
 std::vector<Row> const& nm_controlled_table() {
-    static auto const running =
-        logged(LogLevel::kVerbose, "Transition form NM controled state to Running possible.");
-    static auto const post_run =
-        logged(LogLevel::kVerbose, "Transition form NM controled state to Post Run possible.");
+    static auto const running = logged(LogLevel::kVerbose, "Transition form NM controled state to Running possible.");
+    static auto const post_run = logged(LogLevel::kVerbose, "Transition form NM controled state to Post Run possible.");
     static auto const shutting_down =
         logged(LogLevel::kVerbose, "Transition form NM controled state to Shutting Down possible.");
     static auto const preparing =
@@ -112,8 +111,8 @@ std::vector<Row> const& nm_controlled_table() {
         {[](Situation const& s) { return s.sleeping && s.ecu_alive; }, k_post_run, Flag::kept, post_run},
         {[](Situation const& s) { return s.command == Virtio_command::shutdown; }, k_shutting_down, Flag::cleared,
          shutting_down},
-        {[](Situation const& s) { return s.sleeping && !s.ecu_alive && !s.prepare_sd; }, k_shutting_down,
-         Flag::cleared, shutting_down},
+        {[](Situation const& s) { return s.sleeping && !s.ecu_alive && !s.prepare_sd; }, k_shutting_down, Flag::cleared,
+         shutting_down},
         {[](Situation const& s) { return s.command == Virtio_command::prepare_sd; }, k_preparing, Flag::cleared,
          preparing},
         {[](Situation const& s) { return s.sleeping && !s.ecu_alive && s.prepare_sd; }, k_preparing, Flag::cleared,
@@ -145,53 +144,65 @@ std::vector<Row> const& post_run_table() {
     return table;
 }
 
-class Lifecycle_table : public State_test, public testing::WithParamInterface<Situation> {
+class Lifecycle_table : public State_test {
  protected:
-    Lifecycle_table() {
-        auto const& situation = GetParam();
+    template <class Make_state>
+    void expect_in_every_situation(std::vector<Row> const& table, Make_state const& make_state) {
+        for (auto const& situation : every_situation()) {
+            SCOPED_TRACE(testing::PrintToString(situation));
+            arrange(situation);
+            auto const sut = make_state(situation);
+            expect_first_row_that_holds(*sut, table, situation);
+        }
+    }
+
+ private:
+    void arrange(Situation const& situation) {
         services->nm_found = situation.nm_found;
         services->com_alive = situation.com_alive;
         services->ecu_alive = situation.ecu_alive;
         services->sleeping = situation.sleeping;
         State_interface::set_prepare_SD_flag(situation.prepare_sd);
+        log.clear();
     }
 
-    void expect_first_row_that_holds(State_interface& sut, std::vector<Row> const& table) {
-        auto const& row = first_that_holds(table, GetParam());
-        log.clear();
-        EXPECT_EQ(sut.check_transition(GetParam().command), row.target);
+    void expect_first_row_that_holds(State_interface& sut, std::vector<Row> const& table, Situation const& situation) {
+        auto const& row = first_that_holds(table, situation);
+        EXPECT_EQ(sut.check_transition(situation.command), row.target);
         if (row.message) {
             EXPECT_THAT(log.messages(), ElementsAre(*row.message));
         } else {
             EXPECT_THAT(log.messages(), IsEmpty());
         }
-        auto const expected_flag = row.flag == Flag::kept ? GetParam().prepare_sd : row.flag == Flag::set;
+        auto const expected_flag = row.flag == Flag::kept ? situation.prepare_sd : row.flag == Flag::set;
         EXPECT_EQ(State_interface::get_prepare_SD_flag(), expected_flag);
         EXPECT_FALSE(State_interface::get_forced_shutdown_flag());
         EXPECT_THAT(services->actions, IsEmpty());
     }
 };
 
-TEST_P(Lifecycle_table, Holds_in_starting_up) {
-    Startingup_state sut(services, shared_memory, GetParam().nm_allowed);
-    expect_first_row_that_holds(sut, starting_up_table());
+TEST_F(Lifecycle_table, Holds_in_starting_up) {
+    expect_in_every_situation(starting_up_table(), [&](auto const& situation) {
+        return std::make_unique<Startingup_state>(services, shared_memory, situation.nm_allowed);
+    });
 }
 
-TEST_P(Lifecycle_table, Holds_in_running) {
-    Running_state sut(services, shared_memory, em, GetParam().nm_allowed, true);
-    expect_first_row_that_holds(sut, running_table());
+TEST_F(Lifecycle_table, Holds_in_running) {
+    expect_in_every_situation(running_table(), [&](auto const& situation) {
+        return std::make_unique<Running_state>(services, shared_memory, em, situation.nm_allowed, true);
+    });
 }
 
-TEST_P(Lifecycle_table, Holds_in_NM_controlled) {
-    Nm_controlled_state sut(services, shared_memory);
-    expect_first_row_that_holds(sut, nm_controlled_table());
+TEST_F(Lifecycle_table, Holds_in_NM_controlled) {
+    expect_in_every_situation(nm_controlled_table(), [&](auto const& /*situation*/) {
+        return std::make_unique<Nm_controlled_state>(services, shared_memory);
+    });
 }
 
-TEST_P(Lifecycle_table, Holds_in_post_run) {
-    Post_run_state sut(services, shared_memory, GetParam().expired ? 0 : 1);
-    expect_first_row_that_holds(sut, post_run_table());
+TEST_F(Lifecycle_table, Holds_in_post_run) {
+    expect_in_every_situation(post_run_table(), [&](auto const& situation) {
+        return std::make_unique<Post_run_state>(services, shared_memory, situation.expired ? 0 : 1);
+    });
 }
-
-INSTANTIATE_TEST_SUITE_P(Every_situation, Lifecycle_table, testing::ValuesIn(every_situation()));
 
 }  // namespace ximo::ap::statemanager::states

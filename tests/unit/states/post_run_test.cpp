@@ -1,6 +1,5 @@
-#include "statemanager/states/post_run_state.h"
-
 #include "state_fixture.h"
+#include "statemanager/states/post_run_state.h"
 
 namespace ximo::ap::statemanager::states {
 namespace {

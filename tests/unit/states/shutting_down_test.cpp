@@ -1,14 +1,12 @@
-#include "statemanager/states/shutting_down_state.h"
-
 #include "state_fixture.h"
-
-#include <sys/stat.h>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include "statemanager/states/shutting_down_state.h"
 
 #include <algorithm>
 #include <array>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace ximo::ap::statemanager::states {
 namespace {

@@ -8,17 +8,17 @@
 #include "support/log_capture.h"
 #include "support/temporary_file.h"
 
-#include <gmock/gmock.h>
-
 #include <array>
 #include <memory>
+
+#include <gmock/gmock.h>
 
 namespace ximo::ap::statemanager::states {
 
 inline constexpr std::array<virtio::Virtio_command, 6> k_all_commands{
-    virtio::Virtio_command::none,       virtio::Virtio_command::run,
+    virtio::Virtio_command::none,          virtio::Virtio_command::run,
     virtio::Virtio_command::nm_controlled, virtio::Virtio_command::nm_controlled_prepare_sd,
-    virtio::Virtio_command::prepare_sd, virtio::Virtio_command::shutdown};
+    virtio::Virtio_command::prepare_sd,    virtio::Virtio_command::shutdown};
 
 /// A state's surroundings: neighbours that a test arranges, a control file that it reads, and flags as at the start.
 class State_test : public testing::Test {
@@ -41,8 +41,7 @@ class State_test : public testing::Test {
         std::make_shared<test_support::Fake_service_handler>();
     std::shared_ptr<test_support::Fake_execution_management> em =
         std::make_shared<test_support::Fake_execution_management>();
-    std::shared_ptr<test_support::Fake_state_notifier> notifier =
-        std::make_shared<test_support::Fake_state_notifier>();
+    std::shared_ptr<test_support::Fake_state_notifier> notifier = std::make_shared<test_support::Fake_state_notifier>();
     test_support::Log_capture log;
 };
 

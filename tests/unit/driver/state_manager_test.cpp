@@ -1,0 +1,235 @@
+#include "statemanager/state_manager.h"
+
+#include "statemanager/states/state_interface.h"
+#include "support/fake_neighbours.h"
+#include "support/fake_service_handler.h"
+#include "support/log_capture.h"
+#include "support/notify_socket.h"
+#include "support/temporary_file.h"
+
+#include <gmock/gmock.h>
+
+namespace ximo::ap::statemanager {
+namespace {
+
+using ara::log::LogLevel;
+using states::State_interface;
+using test_support::logged;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using virtio::Virtio_command;
+
+/// A driver among neighbours that behave; the real states and a control file that the test reads.
+class Driver : public testing::Test {
+ protected:
+    Driver() {
+        reset_flags();
+        configuration.set_smw_update_status_path(files.file("status"));
+        configuration.set_main_function_period(250);
+    }
+    ~Driver() override { reset_flags(); }
+
+    static void reset_flags() {
+        State_interface::set_prepare_SD_flag(false);
+        State_interface::set_forced_shutdown_flag(false);
+    }
+
+    void start() {
+        ASSERT_TRUE(sut.init());
+        log.clear();
+    }
+    void start_and_run() {
+        services->nm_found = true;
+        start();
+        sut.run_cyclic_task();
+        log.clear();
+    }
+    void press(Virtio_command command) { input->queue.push_back(command); }
+    std::string written() const { return files.read("status"); }
+
+    test_support::Log_capture log;
+    test_support::Temporary_directory files;
+    config::State_manager_config configuration;
+    std::shared_ptr<test_support::Fake_service_handler> services =
+        std::make_shared<test_support::Fake_service_handler>();
+    std::shared_ptr<test_support::Fake_execution_management> em =
+        std::make_shared<test_support::Fake_execution_management>();
+    int beats{0};
+    test_support::Fake_virtual_input* input = new test_support::Fake_virtual_input;  // owned by the driver
+    State_manager sut{configuration, services, em, std::unique_ptr<virtio::Virtio_interface_abstract>(input),
+                      std::make_unique<test_support::Fake_supervision>(beats)};
+};
+
+TEST_F(Driver, Opens_the_input_devices_of_the_machine) {
+    start();
+    EXPECT_THAT(input->directories, ElementsAre("/dev/input"));
+}
+
+TEST_F(Driver, Does_not_start_without_input) {
+    input->usable = false;
+    EXPECT_FALSE(sut.init());
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "AP_StateManger failed to initialize VirtIO")));
+    EXPECT_THAT(services->actions, IsEmpty());
+    EXPECT_EQ(written(), "");
+}
+
+TEST_F(Driver, Starts_the_services_and_enters_starting_up) {
+    ASSERT_TRUE(sut.init());
+    EXPECT_THAT(services->actions, ElementsAre("init"));
+    EXPECT_EQ(written(), "startingup");
+    EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kInfo, "Entering startup state")));
+}
+
+TEST_F(Driver, Refuses_a_cycle_before_it_is_initialised) {
+    sut.run_cyclic_task();
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "Starting AP_StateManager run_cyclic_task"),
+                                            logged(LogLevel::kError, "AP_StateManger not initialized")));
+    EXPECT_EQ(beats, 0);
+    EXPECT_THAT(input->timeouts, IsEmpty());
+}
+
+TEST_F(Driver, Reports_alive_before_it_waits_one_period_for_a_command) {
+    start();
+    int beats_before_waiting = 0;
+    input->while_waiting = [&] { beats_before_waiting = beats; };
+    sut.run_cyclic_task();
+    EXPECT_EQ(beats_before_waiting, 1);
+    EXPECT_THAT(input->timeouts, ElementsAre(250U));
+    EXPECT_THAT(log.messages().front(), logged(LogLevel::kVerbose, "Starting AP_StateManager run_cyclic_task"));
+}
+
+TEST_F(Driver, Names_both_states_of_a_transition) {
+    services->nm_found = true;
+    start();
+    sut.run_cyclic_task();
+    EXPECT_THAT(log.messages(),
+                Contains(logged(LogLevel::kInfo, "AP_StateManger transition from", "Starting up", " to ", "Running")));
+    EXPECT_EQ(written(), "startinguprunning");
+    EXPECT_THAT(em->actions, ElementsAre("request_running"));
+}
+
+TEST_F(Driver, Offers_a_command_again_until_a_state_acts_on_it) {
+    start();
+    press(Virtio_command::prepare_sd);
+    sut.run_cyclic_task();
+    sut.run_cyclic_task();
+    EXPECT_EQ(input->consumed, 0);
+    EXPECT_THAT(input->queue, ElementsAre(Virtio_command::prepare_sd));
+}
+
+TEST_F(Driver, Removes_the_waiting_command_also_when_a_condition_caused_the_transition) {
+    services->nm_found = true;
+    start();
+    press(Virtio_command::shutdown);
+    sut.run_cyclic_task();
+    EXPECT_THAT(input->queue, IsEmpty()) << "starting up ignores commands, yet its transition takes the command along";
+    EXPECT_EQ(written(), "startinguprunning");
+}
+
+TEST_F(Driver, Ticks_the_state_only_while_it_stays) {
+    configuration.set_knockout_timer(2);
+    start_and_run();
+    services->sleeping = true;
+    services->ecu_alive = true;
+    press(Virtio_command::nm_controlled);
+    sut.run_cyclic_task();
+    sut.run_cyclic_task();
+    ASSERT_THAT(log.messages(), Contains(logged(LogLevel::kInfo, "AP_StateManger transition from", "NM Controlled",
+                                                " to ", "Post Run")));
+    log.clear();
+    sut.run_cyclic_task();
+    EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kDebug, "Post rumn tick action")));
+}
+
+TEST_F(Driver, Leads_from_NM_controlled_for_a_suspend_over_post_run_to_preparing) {
+    configuration.set_knockout_timer(1);
+    start_and_run();
+    services->ecu_alive = true;
+    services->sleeping = true;
+    press(Virtio_command::nm_controlled_prepare_sd);
+    for (int cycle = 0; cycle < 3; ++cycle) {
+        sut.run_cyclic_task();
+    }
+    EXPECT_TRUE(State_interface::get_prepare_SD_flag());
+    sut.run_cyclic_task();
+    EXPECT_EQ(written(), "startinguprunningrunnmcontrolledpostrunpreparing");
+    EXPECT_FALSE(State_interface::get_prepare_SD_flag());
+}
+
+TEST_F(Driver, Goes_through_a_suspend_and_back) {
+    start_and_run();
+    press(Virtio_command::prepare_sd);
+    sut.run_cyclic_task();
+    sut.run_cyclic_task();
+    press(Virtio_command::run);
+    sut.run_cyclic_task();
+    sut.run_cyclic_task();
+    EXPECT_EQ(written(), "startinguprunningpreparingprepared4sdresumingrunning");
+    EXPECT_THAT(services->actions, ElementsAre("init", "request_network", "standby", "end_standby", "request_network"));
+}
+
+TEST_F(Driver, Ends_its_loop_in_the_cycle_of_a_normal_shutdown) {
+    start_and_run();
+    press(Virtio_command::shutdown);
+    sut.run();
+    EXPECT_EQ(written(), "startinguprunningshuttingdown");
+    EXPECT_EQ(beats, 2) << "one cycle before, one with the shutdown";
+    EXPECT_THAT(input->queue, IsEmpty());
+    EXPECT_EQ(services->actions.back(), "deinit");
+    EXPECT_THAT(em->actions, ElementsAre("request_running", "request_shutdown"));
+}
+
+TEST_F(Driver, Tells_execution_management_when_it_runs_and_when_it_ends) {
+    test_support::Notify_socket const service_manager;
+    start_and_run();
+    press(Virtio_command::shutdown);
+    sut.run();
+    EXPECT_THAT(service_manager.received(), ElementsAre("READY=1", "STOPPING=1"));
+    auto const messages = log.at_least(LogLevel::kInfo);
+    EXPECT_EQ(messages.front(), logged(LogLevel::kInfo, "AP_StateManger daemon started"));
+    EXPECT_EQ(messages.back(), logged(LogLevel::kInfo, "AP_StateManger reporting kTerminating to EM"));
+}
+
+TEST_F(Driver, Reports_terminating_only_after_the_services_are_withdrawn) {
+    start_and_run();
+    press(Virtio_command::shutdown);
+    sut.run();
+    EXPECT_EQ(services->actions.back(), "deinit");
+    EXPECT_EQ(log.at_least(LogLevel::kInfo).back(),
+              logged(LogLevel::kInfo, "AP_StateManger reporting kTerminating to EM"));
+}
+
+TEST_F(Driver, Ends_after_the_cycle_in_which_it_is_asked_to) {
+    start();
+    input->while_waiting = [&] { sut.shutdown(); };
+    sut.run();
+    EXPECT_EQ(beats, 1);
+    EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kInfo, "Shutting down AP_StateManger")));
+    EXPECT_THAT(log.messages(), Not(Contains(logged(LogLevel::kError, "AP_StateManger not initialized"))));
+}
+
+TEST_F(Driver, Loses_a_request_to_stop_that_comes_before_it_is_initialised) {
+    sut.shutdown();
+    start();
+    sut.run_cyclic_task();
+    EXPECT_EQ(beats, 1);
+}
+
+TEST_F(Driver, Runs_without_any_collaborator) {
+    State_manager alone(configuration, nullptr, nullptr, nullptr, nullptr);
+    configuration.set_nm_usage(false);
+    State_manager without_nm(configuration, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_TRUE(alone.init());
+    EXPECT_TRUE(without_nm.init());
+    for (int cycle = 0; cycle < 3; ++cycle) {
+        alone.run_cyclic_task();
+        without_nm.run_cyclic_task();
+    }
+    EXPECT_THAT(log.messages(),
+                Contains(logged(LogLevel::kInfo, "AP_StateManger transition from", "Starting up", " to ", "Running")));
+}
+
+}  // namespace
+}  // namespace ximo::ap::statemanager

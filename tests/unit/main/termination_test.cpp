@@ -1,0 +1,93 @@
+#include "main/termination.h"
+
+#include "support/log_capture.h"
+#include "support/temporary_file.h"
+
+#include <csignal>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using ara::log::LogLevel;
+using test_support::logged;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Termination : public testing::Test {
+ protected:
+    Termination() { configuration.set_smw_update_status_path(files.file("status")); }
+    ~Termination() override { g_state_manager.reset(nullptr); }
+
+    void hold_a_state_manager() {
+        g_state_manager.reset(
+            std::make_unique<ximo::ap::statemanager::State_manager>(configuration, nullptr, nullptr, nullptr, nullptr));
+    }
+
+    test_support::Log_capture log;
+    test_support::Temporary_directory files;
+    ximo::ap::statemanager::config::State_manager_config configuration;
+};
+
+TEST_F(Termination, Says_the_same_for_each_of_its_signals_and_stops_the_driver) {
+    hold_a_state_manager();
+    for (int const signal_number : {SIGTERM, SIGINT, SIGABRT}) {
+        log.clear();
+        handle_termination_signal(signal_number);
+        EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "SIGTERM received!"),
+                                                logged(LogLevel::kInfo, "Shutting down AP_StateManger")));
+    }
+}
+
+TEST_F(Termination, Ignores_a_signal_before_there_is_a_driver) {
+    handle_termination_signal(SIGTERM);
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Termination, Ignores_every_other_signal) {
+    hold_a_state_manager();
+    for (int const signal_number : {SIGHUP, SIGUSR1, SIGQUIT, SIGPIPE, 0}) {
+        handle_termination_signal(signal_number);
+    }
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+std::vector<int> installed;
+
+void (*refuse(int signal_number, void (*handler)(int)))(int) {
+    EXPECT_EQ(handler, handle_termination_signal);
+    installed.push_back(signal_number);
+    return SIG_ERR;
+}
+
+void (*accept(int signal_number, void (* /*handler*/)(int)))(int) {
+    installed.push_back(signal_number);
+    return SIG_DFL;
+}
+
+TEST_F(Termination, Is_registered_for_three_signals_in_their_order) {
+    installed.clear();
+    register_termination_handlers(accept);
+    EXPECT_THAT(installed, ElementsAre(SIGABRT, SIGINT, SIGTERM));
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Termination, Carries_on_when_a_handler_can_not_be_registered) {
+    installed.clear();
+    register_termination_handlers(refuse);
+    EXPECT_THAT(installed, ElementsAre(SIGABRT, SIGINT, SIGTERM));
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kFatal, "Could not register SIGABRT handler"),
+                                            logged(LogLevel::kFatal, "Could not register SIGINT handler"),
+                                            logged(LogLevel::kFatal, "Could not register SIGTERM handler")));
+}
+
+TEST_F(Termination, Destroys_the_driver_held_before) {
+    hold_a_state_manager();
+    hold_a_state_manager();
+    g_state_manager.reset(nullptr);
+    handle_termination_signal(SIGTERM);
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+}  // namespace
