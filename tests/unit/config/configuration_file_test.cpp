@@ -1,6 +1,6 @@
 #include "statemanager/config/configuration_file.h"
 
-#include "unit/config/temporary_directory.h"
+#include "support/temporary_directory.h"
 
 #include <stdexcept>
 

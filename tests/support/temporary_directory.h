@@ -1,5 +1,5 @@
-#ifndef TESTS_UNIT_CONFIG_TEMPORARY_DIRECTORY_H
-#define TESTS_UNIT_CONFIG_TEMPORARY_DIRECTORY_H
+#ifndef TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
+#define TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 
 #include <string>
 #include <string_view>
@@ -13,6 +13,9 @@ class Temporary_directory {
     ~Temporary_directory();
     Temporary_directory(Temporary_directory const&) = delete;
     Temporary_directory& operator=(Temporary_directory const&) = delete;
+
+    /// The directory itself.
+    std::string const& path() const { return directory_; }
 
     /// The path of a name in the directory; nothing is made.
     std::string path(std::string const& name) const;

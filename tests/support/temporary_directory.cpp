@@ -1,4 +1,4 @@
-#include "unit/config/temporary_directory.h"
+#include "support/temporary_directory.h"
 
 #include <filesystem>
 #include <fstream>
@@ -9,7 +9,7 @@
 namespace test_support {
 
 Temporary_directory::Temporary_directory()
-    : directory_((std::filesystem::temp_directory_path() / "config_test.XXXXXX").string()) {
+    : directory_((std::filesystem::temp_directory_path() / "statemanager_test.XXXXXX").string()) {
     if (::mkdtemp(directory_.data()) == nullptr) {
         throw std::runtime_error("no temporary directory can be made");
     }

@@ -1,0 +1,21 @@
+#ifndef TESTS_SUPPORT_VIRTUAL_SLOT_H
+#define TESTS_SUPPORT_VIRTUAL_SLOT_H
+
+#include <cstddef>
+#include <cstring>
+
+namespace test_support {
+
+/// Where an operation stands in the virtual table, 1 being the first after the destructor, which takes two entries. A
+/// pointer to a virtual member holds the entry's distance in bytes; some ABIs add 1 to it as a mark.
+template <class Operation>
+std::size_t virtual_slot(Operation operation) {
+    std::size_t distance = 0;
+    static_assert(sizeof operation >= sizeof distance);
+    std::memcpy(&distance, &operation, sizeof distance);
+    return (distance & ~std::size_t{1}) / sizeof(void*) - 1;
+}
+
+}  // namespace test_support
+
+#endif
