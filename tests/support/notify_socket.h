@@ -1,7 +1,7 @@
 #ifndef TESTS_SUPPORT_NOTIFY_SOCKET_H
 #define TESTS_SUPPORT_NOTIFY_SOCKET_H
 
-#include "support/temporary_file.h"
+#include "support/temporary_directory.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,7 @@
 #ifndef TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 #define TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -14,17 +15,19 @@ class Temporary_directory {
     Temporary_directory(Temporary_directory const&) = delete;
     Temporary_directory& operator=(Temporary_directory const&) = delete;
 
-    /// The directory itself.
-    std::string const& path() const { return directory_; }
+    std::filesystem::path const& path() const { return path_; }
 
-    /// The path of a name in the directory; nothing is made.
-    std::string path(std::string const& name) const;
+    /// Full name of a file in it; nothing is made.
+    std::string file(std::string const& name) const { return path_ / name; }
 
-    /// Writes a file and gives its path.
+    /// Writes a file and gives its full name.
     std::string write(std::string const& name, std::string_view content) const;
 
+    /// All bytes of a file; empty when there is none.
+    std::string read(std::string const& name) const;
+
  private:
-    std::string directory_;
+    std::filesystem::path path_;
 };
 
 }  // namespace test_support

@@ -37,7 +37,7 @@ TEST(Configuration_file, An_empty_file_reads_as_nothing) {
 TEST(Configuration_file, A_file_that_does_not_exist_is_not_open) {
     Temporary_directory const directory;
 
-    Configuration_file const sut(directory.path("nothing"));
+    Configuration_file const sut(directory.file("nothing"));
 
     EXPECT_FALSE(sut.is_open());
 }
@@ -63,9 +63,9 @@ TEST(Configuration_file, A_file_that_never_ends_is_given_up) {
 
 TEST(Configuration_file, A_directory_a_device_and_a_FIFO_that_nobody_writes_to_are_refused_at_once) {
     Temporary_directory const directory;
-    ASSERT_EQ(::mkfifo(directory.path("fifo").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo(directory.file("fifo").c_str(), 0600), 0);
 
-    for (auto const& path : {directory.path(""), std::string("/dev/zero"), directory.path("fifo")}) {
+    for (auto const& path : {directory.file(""), std::string("/dev/zero"), directory.file("fifo")}) {
         Configuration_file const sut(path);
 
         ASSERT_TRUE(sut.is_open()) << path;

@@ -30,7 +30,7 @@ class Parse : public testing::Test {
         return State_manager_json_parser::parse(path, config_);
     }
     bool parse(std::string_view content) { return parse_path(directory_.write("file.json", content)); }
-    std::string path() const { return directory_.path("file.json"); }
+    std::string path() const { return directory_.file("file.json"); }
     Temporary_directory const& directory() const { return directory_; }
     Log_capture& log() { return log_; }
     State_manager_config const& config() const { return config_; }

@@ -5,7 +5,7 @@
 #include "support/fake_service_handler.h"
 #include "support/log_capture.h"
 #include "support/notify_socket.h"
-#include "support/temporary_file.h"
+#include "support/temporary_directory.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include "main/termination.h"
 
 #include "support/log_capture.h"
-#include "support/temporary_file.h"
+#include "support/temporary_directory.h"
 
 #include <csignal>
 #include <vector>

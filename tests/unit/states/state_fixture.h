@@ -6,7 +6,7 @@
 #include "support/fake_neighbours.h"
 #include "support/fake_service_handler.h"
 #include "support/log_capture.h"
-#include "support/temporary_file.h"
+#include "support/temporary_directory.h"
 
 #include <array>
 #include <memory>
