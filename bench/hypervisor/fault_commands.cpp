@@ -52,7 +52,7 @@ json fault(Model& model, Arguments& arguments) {
         throw Command_error("\"bytes\" is for a write that does not fail");
     }
     if (fault.error == 0 && !fault.accepted_bytes && fault.delay.count() == 0) {
-        throw Command_error("a fault needs \"errno\", \"bytes\" or \"delay_ms\"");
+        throw Command_error(R"(a fault needs "errno", "bytes" or "delay_ms")");
     }
     plan.add(operation, fault, count);
     if (auto const device = model.device(file)) {

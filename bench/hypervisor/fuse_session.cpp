@@ -57,6 +57,7 @@ fuse_lowlevel_ops make_operations() {
 Fuse_session try_mount(File_server& server, std::string const& directory, std::string const& options) {
     std::vector<std::string> words{"bench_hypervisor", "-o", options};
     std::vector<char*> pointers;
+    pointers.reserve(words.size());
     for (std::string& word : words) {
         pointers.push_back(word.data());
     }
@@ -85,7 +86,7 @@ Fuse_session mount_session(File_server& server, std::string const& directory) {
     std::string const name = "fsname=bench_hypervisor,subtype=bench";
     // Root lets the other users of its machine in; the daemon under test may run as one of them.
     Fuse_session session = try_mount(server, directory, ::geteuid() == 0 ? name + ",allow_other" : name);
-    if (!session) {
+    if (!session && ::access(directory.c_str(), X_OK) == 0) {
         // With this option libfuse leaves the mounting to fusermount3.
         session = try_mount(server, directory, name + ",auto_unmount");
     }

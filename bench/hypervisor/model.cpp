@@ -1,8 +1,7 @@
 #include "bench/hypervisor/model.h"
 
 #include <algorithm>
-
-#include <limits.h>
+#include <climits>
 
 namespace bench::hypervisor {
 

@@ -12,11 +12,12 @@
 
 namespace bench::hypervisor {
 
+struct Poll_handle_deleter {
+    void operator()(fuse_pollhandle* handle) const { fuse_pollhandle_destroy(handle); }
+};
+
 /// A file that a program has open, from open to release.
 struct Open_file {
-    struct Poll_handle_deleter {
-        void operator()(fuse_pollhandle* handle) const { fuse_pollhandle_destroy(handle); }
-    };
     /// A read that waits for a record because the program opened the device for blocking.
     struct Waiting_read {
         fuse_req_t request;

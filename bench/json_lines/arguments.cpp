@@ -1,6 +1,6 @@
 #include "bench/json_lines/arguments.h"
 
-#include <string.h>
+#include <cstring>
 
 namespace bench {
 
@@ -10,7 +10,7 @@ namespace {
 constexpr int k_last_errno = 133;
 
 Command_error wrong_type(std::string const& name, char const* expected) {
-    return Command_error("\"" + name + "\" must be " + expected);
+    return Command_error{"\"" + name + "\" must be " + expected};
 }
 
 std::int64_t checked_number(nlohmann::json const& value, std::string const& name, std::int64_t lowest,

@@ -1,6 +1,6 @@
 #include "bench/json_lines/clock.h"
 
-#include <time.h>
+#include <ctime>
 
 namespace bench {
 

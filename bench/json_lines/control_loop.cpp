@@ -6,11 +6,11 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <list>
 #include <system_error>
 #include <utility>
 
-#include <signal.h>
 #include <sys/epoll.h>
 #include <systemd/sd-event.h>
 #include <unistd.h>

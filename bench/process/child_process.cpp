@@ -2,18 +2,16 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <system_error>
 #include <thread>
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace bench {
 
@@ -41,6 +39,7 @@ Pipe make_pipe() {
 
 std::vector<char*> pointers_to(std::vector<std::string>& words) {
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words) {
         pointers.push_back(word.data());
     }
@@ -50,6 +49,7 @@ std::vector<char*> pointers_to(std::vector<std::string>& words) {
 
 std::vector<std::string> merged(std::vector<std::string> assignments) {
     std::vector<std::string> names;
+    names.reserve(assignments.size());
     for (std::string const& assignment : assignments) {
         names.push_back(assignment.substr(0, assignment.find('=') + 1));
     }

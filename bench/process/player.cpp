@@ -1,9 +1,9 @@
 #include "bench/process/player.h"
 
 #include <cerrno>
+#include <csignal>
 #include <stdexcept>
 
-#include <signal.h>
 #include <unistd.h>
 
 namespace bench {

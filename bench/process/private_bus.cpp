@@ -1,10 +1,10 @@
 #include "bench/process/private_bus.h"
 
+#include <csignal>
 #include <fstream>
 #include <stdexcept>
 
 #include <poll.h>
-#include <signal.h>
 #include <unistd.h>
 
 namespace bench {
@@ -14,10 +14,10 @@ namespace {
 constexpr int k_patience_ms = 10'000;
 
 std::string write_configuration(std::string const& directory, std::string const& address) {
-    std::string const path = directory + "/bus.conf";
+    std::string path = directory + "/bus.conf";
     std::ofstream(path) << "<busconfig><type>system</type><listen>" << address << "</listen>"
-                        << "<auth>EXTERNAL</auth><policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
-                        << "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>\n";
+                        << R"(<auth>EXTERNAL</auth><policy context="default"><allow user="*"/><allow own="*"/>)"
+                        << R"(<allow send_destination="*"/><allow receive_sender="*"/></policy></busconfig>)";
     return path;
 }
 
