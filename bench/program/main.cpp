@@ -1,0 +1,83 @@
+// The virtual vehicle: `vehicle` in a terminal is a console on which to press the hypervisor's keys; `vehicle --tour`,
+// and `vehicle` without a terminal, go through the states by themselves and check each step.
+
+#include "bench/tour/picture.h"
+#include "bench/tour/tour.h"
+#include "bench/vehicle/vehicle.h"
+#include "bench/vehicle/world.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using bench::vehicle::Options;
+using bench::vehicle::Vehicle;
+
+constexpr int k_usage_error = 2;
+
+void print_usage(std::FILE* out) {
+    std::fputs(
+        "usage: vehicle [--tour] [--picture FILE]\n"
+        "  --tour          go through the states and check each step; exit status 0 when every step was seen\n"
+        "  --picture FILE  where the tour's timeline is drawn (SVG; default: tour.svg beside the build)\n"
+        "  --help          show this\n",
+        out);
+}
+
+std::string content_of(fs::path const& path) {
+    std::ifstream file(path);
+    if (!file) {
+        throw std::runtime_error(path.string() + " can't be read");
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Options complete_machine(fs::path const& build) {
+    Options options;
+    options.programs = build.string();
+    options.configuration = content_of(fs::path(VEHICLE_PROJECT) / "deploy/config/ap_statemanager.json");
+    return options;
+}
+
+int tour(fs::path const& build, std::string const& picture) {
+    Vehicle vehicle(complete_machine(build));
+    auto const findings = bench::tour::walk(vehicle, bench::tour::steps());
+    bool const all_seen = bench::tour::print_summary(findings);
+    std::ofstream(picture) << bench::tour::draw(vehicle.events());
+    std::printf("Timeline: %s\n", picture.c_str());
+    std::fflush(stdout);
+    return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    auto const build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
+    std::string picture = (build / "tour.svg").string();
+    std::vector<std::string> const words(argv + 1, argv + argc);
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        if (*word == "--picture" && word + 1 != words.end()) {
+            picture = fs::absolute(*++word).string();
+        } else if (*word == "--help") {
+            print_usage(stdout);
+            return EXIT_SUCCESS;
+        } else if (*word != "--tour") {
+            print_usage(stderr);
+            return k_usage_error;
+        }
+    }
+    try {
+        return bench::vehicle::run_inside(VEHICLE_PROJECT, [&] { return tour(build, picture); });
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "vehicle: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,71 @@
+#include "bench/tour/tour.h"
+
+#include "bench/json_lines/clock.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <map>
+
+namespace bench::tour {
+
+namespace {
+
+constexpr std::chrono::milliseconds k_pause{700};  // so that a person can follow
+
+std::string describe(Expectation const& expectation) {
+    return std::string(vehicle::name(expectation.kind)) + " \"" + expectation.text + "\"";
+}
+
+double seconds_since(std::int64_t start, std::int64_t time) {
+    return static_cast<double>(time - start) / 1e9;
+}
+
+void print_step(std::size_t number, Step const& step, double at, bool all_seen) {
+    std::printf("%8.3f s  %2zu  %-55s %s\n", at, number, step.name.c_str(), all_seen ? "seen" : "NOT SEEN");
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+// What is expected of one kind happens in the order of the steps, so each kind is followed by a position of its own.
+std::vector<Finding> walk(vehicle::Vehicle& vehicle, std::vector<Step> const& steps) {
+    std::vector<Finding> findings;
+    std::map<vehicle::Kind, std::size_t> next;
+    auto const start = monotonic_ns();
+    std::size_t number = 0;
+    for (auto const& step : steps) {
+        next[vehicle::Kind::watchdog] = vehicle.events().size();  // beats come all the time; only fresh ones count
+        step.action(vehicle);
+        std::int64_t latest = 0;
+        bool all_seen = true;
+        for (auto const& expectation : step.expectations) {
+            auto& from = next[expectation.kind];
+            auto const position = vehicle.await(expectation.kind, expectation.text, from);
+            auto const time = position ? vehicle.events()[*position].time : 0;
+            from = position ? *position + 1 : from;
+            findings.push_back({step.name, describe(expectation), position.has_value(), time});
+            all_seen = all_seen && position;
+            latest = std::max(latest, time);
+        }
+        print_step(++number, step, seconds_since(start, latest), all_seen);
+        vehicle.watch(k_pause);
+    }
+    return findings;
+}
+
+bool print_summary(std::vector<Finding> const& findings) {
+    std::printf("\n%-55s %-70s %s\n", "step", "expected", "seen");
+    std::string step;
+    std::size_t seen = 0;
+    for (auto const& finding : findings) {
+        std::printf("%-55s %-70s %s\n", finding.step == step ? "" : finding.step.c_str(), finding.expected.c_str(),
+                    finding.seen ? "yes" : "NO");
+        step = finding.step;
+        seen += finding.seen ? 1U : 0U;
+    }
+    std::printf("\n%zu of %zu expectations seen\n", seen, findings.size());
+    return seen == findings.size();
+}
+
+}  // namespace bench::tour

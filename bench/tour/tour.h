@@ -1,0 +1,44 @@
+#ifndef BENCH_TOUR_TOUR_H
+#define BENCH_TOUR_TOUR_H
+
+#include "bench/vehicle/vehicle.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench::tour {
+
+/// What a step must make happen.
+struct Expectation {
+    vehicle::Kind kind;
+    std::string text;
+};
+
+/// One step of the tour: something is done, and each expectation must be seen after it.
+struct Step {
+    std::string name;
+    std::function<void(vehicle::Vehicle&)> action;
+    std::vector<Expectation> expectations;
+};
+
+/// How one expectation came out.
+struct Finding {
+    std::string step;
+    std::string expected;
+    bool seen;
+    std::int64_t time;  ///< nanoseconds of CLOCK_MONOTONIC; 0 when not seen
+};
+
+/// The way through every state that can be reached, in two lives of the daemon.
+std::vector<Step> steps();
+
+/// Goes the way and prints a line for each step as it happens.
+std::vector<Finding> walk(vehicle::Vehicle& vehicle, std::vector<Step> const& steps);
+
+/// Prints the table of what was expected and seen; true when everything was seen.
+bool print_summary(std::vector<Finding> const& findings);
+
+}  // namespace bench::tour
+
+#endif

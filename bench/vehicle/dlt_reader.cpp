@@ -1,0 +1,131 @@
+#include "bench/vehicle/dlt_reader.h"
+
+#include "bench/json_lines/clock.h"
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+#include <dlt/dlt_client.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace bench::vehicle {
+
+namespace {
+
+constexpr int k_port = 3490;  // DLT's own
+constexpr std::chrono::seconds k_patience{10};
+constexpr std::int64_t k_ns_per_tick = 100'000;  // DLT counts 0.1 ms
+
+std::string write_configuration() {
+    std::string const path = "/tmp/dlt.conf";
+    std::ofstream(path) << "LoggingMode = 2\nLoggingFilename = /tmp/dlt-daemon.log\nLoggingLevel = 3\n"
+                           "ControlSocketPath = /tmp/dlt-ctrl.sock\nBindAddress = ::ffff:127.0.0.1\n"
+                           "ContextLogLevel = 6\nRingbufferMinSize = 500000\nRingbufferMaxSize = 10000000\n"
+                           "RingbufferStepSize = 500000\n";
+    return path;
+}
+
+Event to_event(DltMessage& message) {
+    std::array<char, 10'024> text{};
+    ::dlt_message_payload(&message, text.data(), text.size(), DLT_OUTPUT_ASCII, 0);
+    Event event{monotonic_ns(), Kind::log, text.data()};
+    if (DLT_IS_HTYP_WTMS(message.standardheader->htyp)) {
+        event.time = static_cast<std::int64_t>(message.headerextra.tmsp) * k_ns_per_tick;
+    }
+    event.level = DLT_GET_MSIN_MTIN(message.extendedheader->msin);
+    event.context.assign(message.extendedheader->ctid, ::strnlen(message.extendedheader->ctid, DLT_ID_SIZE));
+    return event;
+}
+
+bool is_log_message(DltMessage const& message) {
+    return DLT_IS_HTYP_UEH(message.standardheader->htyp) &&
+           DLT_GET_MSIN_MSTP(message.extendedheader->msin) == DLT_TYPE_LOG;
+}
+
+}  // namespace
+
+class Dlt_reader::Client {
+ public:
+    Client() {
+        ::dlt_client_init_port(&client_, k_port, 0);
+        client_.mode = DLT_CLIENT_MODE_TCP;
+        ::dlt_client_set_server_ip(&client_, const_cast<char*>("127.0.0.1"));  // NOLINT(*-const-cast): not written to
+        ::dlt_client_register_message_callback(&Client::received);
+    }
+
+    ~Client() {
+        if (thread_.joinable()) {
+            ::shutdown(client_.sock, SHUT_RDWR);
+            thread_.join();
+        }
+        ::dlt_client_cleanup(&client_, 0);
+    }
+    Client(Client const&) = delete;
+    Client& operator=(Client const&) = delete;
+
+    bool connect() {
+        if (::dlt_client_connect(&client_, 0) != DLT_RETURN_OK) {
+            return false;
+        }
+        thread_ = std::thread([this] { ::dlt_client_main_loop(&client_, this, 0); });
+        return true;
+    }
+
+    Timeline take() {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        return std::exchange(messages_, {});
+    }
+
+ private:
+    static int received(DltMessage* message, void* self) {
+        if (message != nullptr && is_log_message(*message)) {
+            auto& client = *static_cast<Client*>(self);
+            std::lock_guard<std::mutex> const lock(client.mutex_);
+            client.messages_.push_back(to_event(*message));
+        }
+        return 0;
+    }
+
+    DltClient client_{};
+    std::thread thread_;
+    std::mutex mutex_;
+    Timeline messages_;
+};
+
+Dlt_reader::Dlt_reader() {
+    auto const configuration = write_configuration();
+    daemon_ = std::make_unique<Child_process>(
+        std::vector<std::string>{"dlt-daemon", "-c", configuration, "-p", std::to_string(k_port)},
+        std::vector<std::string>{});
+    client_ = std::make_unique<Client>();
+    auto const deadline = std::chrono::steady_clock::now() + k_patience;
+    while (!std::filesystem::is_fifo("/tmp/dlt") || !client_->connect()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            throw std::runtime_error("dlt-daemon did not start; see /tmp/dlt-daemon.log of its machine");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+Dlt_reader::~Dlt_reader() {
+    client_.reset();
+    daemon_->signal(SIGTERM);
+    daemon_.reset();
+    std::error_code ignored;
+    std::filesystem::remove("/tmp/dlt", ignored);
+}
+
+Timeline Dlt_reader::take() {
+    return client_->take();
+}
+
+}  // namespace bench::vehicle

@@ -1,0 +1,35 @@
+#ifndef BENCH_VEHICLE_DLT_READER_H
+#define BENCH_VEHICLE_DLT_READER_H
+
+#include "bench/process/child_process.h"
+#include "bench/vehicle/timeline.h"
+
+#include <memory>
+#include <string>
+
+namespace bench::vehicle {
+
+/// A DLT daemon of our own and a client that reads from it, as a log viewer does. The daemon listens on the loopback;
+/// its pipe lies where programs look for it, in /tmp.
+class Dlt_reader {
+ public:
+    /// Returns once programs can log and the client is connected. Throws `std::runtime_error`.
+    Dlt_reader();
+    ~Dlt_reader();
+    Dlt_reader(Dlt_reader const&) = delete;
+    Dlt_reader& operator=(Dlt_reader const&) = delete;
+
+    /// The messages of all programs since the last call, with the times of the log calls.
+    Timeline take();
+
+    Child_process& daemon() { return *daemon_; }
+
+ private:
+    class Client;
+    std::unique_ptr<Child_process> daemon_;
+    std::unique_ptr<Client> client_;
+};
+
+}  // namespace bench::vehicle
+
+#endif

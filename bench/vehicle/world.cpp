@@ -1,0 +1,115 @@
+#include "bench/vehicle/world.h"
+
+#include "bench/vehicle/new_root.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <stdexcept>
+
+#include <net/if.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace bench::vehicle {
+
+namespace {
+
+constexpr int k_signal_status = 128;
+constexpr int k_failure_inside = 70;
+
+[[noreturn]] void fail(std::string const& what, std::string const& remedy) {
+    throw std::runtime_error(what + ": " + std::strerror(errno) + ". " + remedy);
+}
+
+void write_file(char const* path, std::string const& text) {
+    std::ofstream(path) << text;
+}
+
+// An ordinary user becomes root of a user namespace; its files outside stay the user's.
+void become_root() {
+    auto const user = std::to_string(::geteuid());
+    auto const group = std::to_string(::getegid());
+    if (::unshare(CLONE_NEWUSER) != 0) {
+        fail("A user namespace can't be made",
+             "Run this as root, or allow them: sysctl kernel.unprivileged_userns_clone=1 (in a container: run it with "
+             "the right to make namespaces)");
+    }
+    write_file("/proc/self/setgroups", "deny");
+    write_file("/proc/self/uid_map", "0 " + user + " 1");
+    write_file("/proc/self/gid_map", "0 " + group + " 1");
+}
+
+void bring_loopback_up() {
+    int const socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ifreq request{};
+    std::strcpy(request.ifr_name, "lo");
+    request.ifr_flags = IFF_UP | IFF_RUNNING;
+    bool const failed = ::ioctl(socket, SIOCSIFFLAGS, &request) != 0;
+    ::close(socket);
+    if (failed) {
+        fail("The loopback interface can't be brought up", "");
+    }
+}
+
+int run_as_first_process(std::string const& project, std::function<int()> const& inside) {
+    try {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        move_into_new_root(project);
+        bring_loopback_up();
+        return inside();
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return k_failure_inside;
+    }
+}
+
+int await(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : k_signal_status + WTERMSIG(status);
+}
+
+}  // namespace
+
+int run_inside(std::string const& project, std::function<int()> const& inside) {
+    if (::access("/dev/fuse", R_OK | W_OK) != 0) {
+        fail("/dev/fuse can't be opened",
+             "The hypervisor's devices are played by FUSE: load the module (modprobe fuse), "
+             "give this user access to /dev/fuse, or run this as root");
+    }
+    if (::geteuid() != 0) {
+        become_root();
+    }
+    if (::unshare(CLONE_NEWNS | CLONE_NEWUTS | CLONE_NEWIPC | CLONE_NEWNET | CLONE_NEWPID) != 0) {
+        fail("Namespaces can't be made",
+             "Run this as root with the capability CAP_SYS_ADMIN (in a container: run it privileged)");
+    }
+    // The keys that end a foreground program are the business of the process inside.
+    ::signal(SIGINT, SIG_IGN);
+    ::signal(SIGQUIT, SIG_IGN);
+    pid_t const child = ::fork();
+    if (child < 0) {
+        fail("The first process can't be started", "");
+    }
+    if (child == 0) {
+        ::_exit(run_as_first_process(project, inside));
+    }
+    return await(child);
+}
+
+void set_host_name(std::string const& name) {
+    if (::sethostname(name.data(), name.size()) != 0) {
+        fail("The host name can't be set to " + name, "");
+    }
+}
+
+}  // namespace bench::vehicle
