@@ -111,13 +111,13 @@ class Picture {
                 "machine</text>\n"
              << "<text x=\"24\" y=\"56\" fill=\"#4a5568\">Times in seconds since the first event; pauses are drawn "
                 "shorter than they were.</text>\n";
+        draw_times(k_top + k_lane * (1.6 + k_lanes.size()));
         draw_states();
         double y = k_top + k_lane * 1.6;
         for (auto const& lane : k_lanes) {
             draw_lane(lane, y);
             y += k_lane;
         }
-        draw_times(y);
         out_ << "</svg>\n";
         return out_.str();
     }
@@ -164,7 +164,7 @@ class Picture {
         text(k_left - 12, y + 24, lane.title, "#1a202c", "end");
         out_ << "<line x1=\"" << k_left << "\" x2=\"" << k_left + k_width << "\" y1=\"" << y + 20 << "\" y2=\""
              << y + 20 << "\" stroke=\"#e2e8f0\"/>\n";
-        double free_from = 0;
+        std::array<double, 3> free_from{};
         for (auto const& event : events_) {
             if (event.kind != lane.kind) {
                 continue;
@@ -174,10 +174,21 @@ class Picture {
             out_ << "<circle cx=\"" << x << "\" cy=\"" << y + 20 << "\" r=\"" << (is_beat ? 2 : 4.5) << "\" fill=\""
                  << lane.colour << "\"><title>" << escaped(event.text) << "</title></circle>\n";
             if (!is_beat) {
-                text(x + 7, x < free_from ? y + 36 : y + 14, event.text, lane.colour);
-                free_from = x + 7 + k_label_width * static_cast<double>(event.text.size());
+                draw_label(event.text, x + 7, y, lane.colour, free_from);
             }
         }
+    }
+
+    // Above the line where there is room, else in one of two rows below it.
+    void draw_label(std::string const& label, double x, double y, char const* colour,
+                    std::array<double, 3>& free_from) {
+        constexpr std::array<double, 3> offsets{14, 36, 48};
+        std::size_t row = 0;
+        while (row + 1 < offsets.size() && x < free_from.at(row)) {
+            ++row;
+        }
+        text(x, y + offsets.at(row), label, colour);
+        free_from.at(row) = x + k_label_width * static_cast<double>(label.size());
     }
 
     void draw_times(double y) {
