@@ -1,6 +1,7 @@
 // The virtual vehicle: `vehicle` in a terminal is a console on which to press the hypervisor's keys; `vehicle --tour`,
 // and `vehicle` without a terminal, go through the states by themselves and check each step.
 
+#include "bench/console/console.h"
 #include "bench/tour/picture.h"
 #include "bench/tour/tour.h"
 #include "bench/vehicle/vehicle.h"
@@ -14,6 +15,8 @@
 #include <iterator>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -57,11 +60,21 @@ int tour(fs::path const& build, std::string const& picture) {
     return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+int console(fs::path const& build) {
+    Vehicle vehicle(complete_machine(build));
+    return bench::console::run(vehicle);
+}
+
+bool has_terminal() {
+    return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     auto const build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
     std::string picture = (build / "tour.svg").string();
+    bool touring = !has_terminal();
     std::vector<std::string> const words(argv + 1, argv + argc);
     for (auto word = words.begin(); word != words.end(); ++word) {
         if (*word == "--picture" && word + 1 != words.end()) {
@@ -69,13 +82,16 @@ int main(int argc, char** argv) {
         } else if (*word == "--help") {
             print_usage(stdout);
             return EXIT_SUCCESS;
-        } else if (*word != "--tour") {
+        } else if (*word == "--tour") {
+            touring = true;
+        } else {
             print_usage(stderr);
             return k_usage_error;
         }
     }
     try {
-        return bench::vehicle::run_inside(VEHICLE_PROJECT, [&] { return tour(build, picture); });
+        return bench::vehicle::run_inside(VEHICLE_PROJECT,
+                                          [&] { return touring ? tour(build, picture) : console(build); });
     } catch (std::exception const& error) {
         std::fprintf(stderr, "vehicle: %s\n", error.what());
         return EXIT_FAILURE;

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace bench::vehicle {
 
@@ -58,6 +59,9 @@ class Vehicle {
 
     /// Everything so far, in the order in which it became known.
     Timeline const& events() const { return events_; }
+
+    /// Gives away the events so far, for users who run long; positions begin at 0 again.
+    Timeline take_events() { return std::exchange(events_, {}); }
 
     /// Position of the first event of a kind, from position `from` on, whose text is (a log message: begins with)
     /// `text`. Waits up to `limit` for it; nothing when it did not come.

@@ -1,7 +1,7 @@
 #include "statemanager/config/state_manager_json_parser.h"
 #include "support/log_capture.h"
-#include "unit/config/complete_configuration.h"
 #include "support/temporary_directory.h"
+#include "unit/config/complete_configuration.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,0 +1,152 @@
+#include "bench/console/console.h"
+
+#include "bench/console/screen.h"
+
+#include <algorithm>
+#include <chrono>
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <map>
+#include <string>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#define NCURSES_WIDECHAR 1
+#define NCURSES_NOMACROS
+#include <ncurses.h>
+
+namespace bench::console {
+
+namespace {
+
+constexpr std::chrono::milliseconds k_frame{50};
+constexpr int k_control_c = 3;
+
+/// The terminal as the console needs it, and as it was when this goes.
+class Terminal {
+ public:
+    Terminal() {
+        std::setlocale(LC_ALL, "C.UTF-8");
+        // What the neighbours say on standard error would stand in the middle of the screen.
+        int const messages = ::open("/tmp/stderr", O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+        ::dup2(messages, STDERR_FILENO);
+        ::close(messages);
+        ::initscr();
+        ::raw();
+        ::noecho();
+        ::keypad(stdscr, TRUE);
+        ::nodelay(stdscr, TRUE);
+        ::curs_set(0);
+        if (::has_colors()) {
+            ::start_color();
+            ::use_default_colors();
+            ::init_pair(1, COLOR_GREEN, -1);
+            ::init_pair(2, COLOR_YELLOW, -1);
+            ::init_pair(3, COLOR_RED, -1);
+        }
+    }
+    ~Terminal() { ::endwin(); }
+    Terminal(Terminal const&) = delete;
+    Terminal& operator=(Terminal const&) = delete;
+
+    static Canvas blank_canvas() {
+        return {static_cast<std::size_t>(std::max(getmaxy(stdscr), 0)),
+                static_cast<std::size_t>(std::max(getmaxx(stdscr), 0))};
+    }
+
+    static void show(Canvas const& canvas) {
+        for (std::size_t row = 0; row < canvas.rows(); ++row) {
+            for (std::size_t column = 0; column < canvas.columns(); ++column) {
+                auto const& cell = canvas.at(row, column);
+                ::attrset(static_cast<int>(attributes(cell.style)));
+                wchar_t const text[2] = {cell.character, L'\0'};
+                ::mvaddwstr(static_cast<int>(row), static_cast<int>(column), text);
+            }
+        }
+        ::refresh();
+    }
+
+ private:
+    static chtype attributes(Style style) {
+        switch (style) {
+            case Style::dim:
+                return A_DIM;
+            case Style::title:
+                return A_BOLD;
+            case Style::lit:
+                return A_REVERSE | A_BOLD;
+            case Style::good:
+                return static_cast<chtype>(COLOR_PAIR(1));
+            case Style::warning:
+                return static_cast<chtype>(COLOR_PAIR(2));
+            case Style::bad:
+                return static_cast<chtype>(COLOR_PAIR(3)) | A_BOLD;
+            case Style::plain:
+                break;
+        }
+        return A_NORMAL;
+    }
+};
+
+class Session {
+ public:
+    explicit Session(vehicle::Vehicle& machine) : machine_(machine) {}
+
+    int run() {
+        machine_.start_daemon();
+        while (!is_over_) {
+            machine_.watch(k_frame);
+            for (auto const& event : machine_.take_events()) {
+                view_.take(event);
+            }
+            for (int key = ::getch(); key != ERR; key = ::getch()) {
+                handle(key);
+            }
+            auto canvas = Terminal::blank_canvas();
+            draw(canvas, view_, level_);
+            Terminal::show(canvas);
+        }
+        return EXIT_SUCCESS;
+    }
+
+ private:
+    void handle(int key) {
+        static auto const& keys = *new std::map<int, std::string>{{'r', "r"}, {'n', "n"},     {'s', "s"},
+                                                                  {'p', "p"}, {'o', "power"}, {KEY_F(10), "power"}};
+        auto const pressed = keys.find(key);
+        if (pressed != keys.end()) {
+            machine_.press(pressed->second);
+        } else if (key >= '1' && key <= '6') {
+            level_ = key - '0';
+        } else if (key == 'x') {
+            stop_or_start();
+        } else if (key == 'q' || key == k_control_c) {
+            is_over_ = true;
+        }
+    }
+
+    void stop_or_start() {
+        if (view_.exit_status()) {
+            view_.begin_life();
+            machine_.start_daemon();
+        } else {
+            machine_.signal_daemon(SIGTERM);
+        }
+    }
+
+    vehicle::Vehicle& machine_;
+    Machine_view view_;
+    int level_{4};
+    bool is_over_{false};
+};
+
+}  // namespace
+
+int run(vehicle::Vehicle& vehicle) {
+    Terminal const terminal;
+    return Session(vehicle).run();
+}
+
+}  // namespace bench::console

@@ -1,0 +1,44 @@
+#ifndef BENCH_CONSOLE_MACHINE_VIEW_H
+#define BENCH_CONSOLE_MACHINE_VIEW_H
+
+#include "bench/vehicle/timeline.h"
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <string>
+
+namespace bench::console {
+
+/// What the screen shows of a machine: taken from its events, bounded in size however long it runs.
+class Machine_view {
+ public:
+    static constexpr std::size_t k_log_lines = 2000;
+    static constexpr std::size_t k_recent = 5;
+
+    void take(vehicle::Event const& event);
+
+    std::string const& state_word() const { return state_word_; }        ///< empty before the first
+    std::string const& machine_state() const { return machine_state_; }  ///< last one asked for
+    std::deque<std::string> const& keys() const { return keys_; }        ///< newest last
+    std::deque<std::string> const& words() const { return words_; }
+    std::deque<vehicle::Event> const& log() const { return log_; }
+    std::size_t beats() const { return beats_; }
+    std::optional<std::string> const& exit_status() const { return exit_status_; }  ///< once the daemon has ended
+
+    /// The daemon is started again.
+    void begin_life();
+
+ private:
+    std::string state_word_;
+    std::string machine_state_;
+    std::deque<std::string> keys_;
+    std::deque<std::string> words_;
+    std::deque<vehicle::Event> log_;
+    std::size_t beats_{0};
+    std::optional<std::string> exit_status_;
+};
+
+}  // namespace bench::console
+
+#endif

@@ -1,0 +1,128 @@
+#include "bench/console/screen.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace bench::console {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using vehicle::Kind;
+
+std::wstring all_text(Canvas const& canvas) {
+    std::wstring text;
+    for (std::size_t row = 0; row < canvas.rows(); ++row) {
+        text += canvas.row_text(row) + L'\n';
+    }
+    return text;
+}
+
+std::wstring lit_text(Canvas const& canvas) {
+    std::wstring text;
+    for (std::size_t row = 0; row < canvas.rows(); ++row) {
+        for (std::size_t column = 0; column < canvas.columns(); ++column) {
+            if (canvas.at(row, column).style == Style::lit) {
+                text += canvas.at(row, column).character;
+            }
+        }
+    }
+    return text;
+}
+
+std::wstring drawn(Machine_view const& view, int level = 4, std::size_t rows = 30, std::size_t columns = 100) {
+    Canvas canvas(rows, columns);
+    draw(canvas, view, level);
+    return all_text(canvas);
+}
+
+TEST(Screen, Lights_the_state_whose_word_was_written_last) {
+    struct Case {
+        char const* word;
+        wchar_t const* name;
+    };
+    for (auto const& [word, name] :
+         {Case{"startingup", L"Starting up"}, Case{"running", L"Running"}, Case{"runnmcontrolled", L"NM Controlled"},
+          Case{"postrun", L"Post Run"}, Case{"preparing", L"Preparing"}, Case{"prepared4sd", L"PreparedSD"},
+          Case{"resuming", L"Resuming"}, Case{"shuttingdown", L"Shutting down"}}) {
+        Machine_view view;
+        view.take({1, Kind::state_word, word});
+        Canvas canvas(30, 100);
+        draw(canvas, view, 4);
+        EXPECT_THAT(lit_text(canvas), HasSubstr(name));
+        EXPECT_EQ(lit_text(canvas).size() % 3, 0U) << "a box of three rows";
+    }
+}
+
+TEST(Screen, Lights_no_state_of_a_daemon_that_has_ended) {
+    Machine_view view;
+    view.take({1, Kind::state_word, "running"});
+    view.take({2, Kind::ended, "0"});
+    Canvas canvas(30, 100);
+    draw(canvas, view, 4);
+    EXPECT_EQ(lit_text(canvas), L"");
+    EXPECT_THAT(all_text(canvas), HasSubstr(L"ended, status 0"));
+}
+
+TEST(Screen, Shows_what_the_machine_told_its_neighbours) {
+    Machine_view view;
+    view.take({1, Kind::key, "power"});
+    view.take({2, Kind::machine_state, "Shutdown"});
+    view.take({3, Kind::power_off, "terminate"});
+    view.take({4, Kind::watchdog, "WATCHDOG"});
+    auto const text = drawn(view);
+    EXPECT_THAT(text, HasSubstr(L"power\n"));
+    EXPECT_THAT(text, HasSubstr(L"Shutdown"));
+    EXPECT_THAT(text, HasSubstr(L"> terminate"));
+    EXPECT_THAT(text, HasSubstr(L"♡ 1"));
+}
+
+TEST(Screen, Shows_the_log_up_to_its_level) {
+    Machine_view view;
+    view.take({1, Kind::log, "an error", 2, "DFLT"});
+    view.take({2, Kind::log, "a detail", 6, "DFLT"});
+    EXPECT_THAT(drawn(view, 4), HasSubstr(L"an error"));
+    EXPECT_THAT(drawn(view, 4), Not(HasSubstr(L"a detail")));
+    EXPECT_THAT(drawn(view, 6), HasSubstr(L"a detail"));
+}
+
+TEST(Screen, Shows_the_newest_messages_when_there_is_no_room_for_all) {
+    Machine_view view;
+    for (int number = 0; number < 100; ++number) {
+        view.take({number, Kind::log, "message " + std::to_string(number) + ".", 4, "DFLT"});
+    }
+    EXPECT_THAT(drawn(view), HasSubstr(L"message 99."));
+    EXPECT_THAT(drawn(view), Not(HasSubstr(L"message 1.")));
+}
+
+TEST(Screen, Says_when_the_terminal_is_too_small) {
+    for (auto const& [rows, columns] : {std::pair{19U, 80U}, std::pair{20U, 79U}, std::pair{1U, 1U}}) {
+        Machine_view const view;
+        Canvas canvas(rows, columns);
+        draw(canvas, view, 4);
+        EXPECT_EQ(canvas.at(0, 0).character, L'T');
+    }
+    EXPECT_THAT(drawn(Machine_view{}, 4, 20, 80), HasSubstr(L"q quit"));
+}
+
+TEST(Screen, Shows_control_characters_as_question_marks) {
+    Machine_view view;
+    view.take({1, Kind::log, "bell \a and \xff", 4, "DFLT"});
+    EXPECT_THAT(drawn(view), HasSubstr(L"bell ? and ?"));
+}
+
+TEST(Machine_view, Stays_bounded) {
+    Machine_view view;
+    for (int number = 0; number < 5000; ++number) {
+        view.take({number, Kind::log, "text", 6, "DFLT"});
+        view.take({number, Kind::key, "r"});
+        view.take({number, Kind::state_word, "running"});
+    }
+    EXPECT_EQ(view.log().size(), Machine_view::k_log_lines);
+    EXPECT_EQ(view.keys().size(), Machine_view::k_recent);
+    EXPECT_EQ(view.words().size(), Machine_view::k_recent);
+}
+
+}  // namespace
+}  // namespace bench::console
