@@ -11,7 +11,7 @@ class Configuration_file {
  public:
     /// Bytes of the largest file that is read: room for some 15,000 application instances, and a bound for the memory
     /// that a damaged file can take.
-    static constexpr std::size_t k_largest = 1024U * 1024U;
+    static constexpr std::size_t k_largest = 1048576;
 
     /// Opens the file; `is_open()` tells whether it could be.
     explicit Configuration_file(std::string const& path);

@@ -6,7 +6,9 @@
 #include <nlohmann/json.hpp>
 
 #include <gmock/gmock.h>
+#include <sys/fsuid.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace ximo::ap::statemanager::config {
 namespace {
@@ -82,6 +84,19 @@ TEST_F(Parse, A_file_that_does_not_exist_is_fatal) {
     EXPECT_THAT(log().messages(),
                 ElementsAre(logged(LogLevel::kInfo, "Parsing configuration file:", path()),
                             logged(LogLevel::kFatal, "Configuration file could NOT be opened! Path: ", path())));
+}
+
+TEST_F(Parse, A_file_that_may_not_be_read_is_fatal) {
+    directory().write("file.json", file_text(complete_configuration()));
+    ASSERT_EQ(::chmod(path().c_str(), 0), 0);
+
+    ::setfsuid(65534);  // root may read everything; for opening files be somebody else. Without effect for others.
+    auto const parsed = parse_path(path());
+    ::setfsuid(::geteuid());
+
+    EXPECT_FALSE(parsed);
+    EXPECT_EQ(log().messages().back(),
+              logged(LogLevel::kFatal, "Configuration file could NOT be opened! Path: ", path()));
 }
 
 TEST_F(Parse, Text_that_is_no_JSON_is_fatal_with_the_reason) {
