@@ -13,7 +13,6 @@
 
 namespace {
 
-using ximo::ap::statemanager::config::Nm_user_data_config;
 using ximo::ap::statemanager::config::State_manager_config;
 using ximo::ap::statemanager::config::State_manager_json_parser;
 

@@ -23,16 +23,11 @@ class A_deployed_example : public testing::TestWithParam<std::string> {
     json document() const { return json::parse(Configuration_file(path()).read()); }
 };
 
-/// The names of all members, sections included: "/NmUserDataConfig/ACBytes".
+/// The paths of all values: "/NmUserDataConfig/ACBytes". The elements of arrays count as one.
 std::set<std::string> members(json const& configuration) {
     std::set<std::string> names;
-    for (auto const& [name, value] : configuration.items()) {
-        names.insert("/" + name);
-        if (value.is_object()) {
-            for (auto const& [inner, unused] : value.items()) {
-                names.insert("/" + name + "/" + inner);
-            }
-        }
+    for (auto const& [path, value] : configuration.flatten().items()) {
+        names.insert(path.substr(0, path.find_first_of("0123456789")));
     }
     return names;
 }
