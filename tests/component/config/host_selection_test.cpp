@@ -1,5 +1,5 @@
+#include "support/temporary_directory.h"
 #include "unit/config/complete_configuration.h"
-#include "unit/config/temporary_directory.h"
 
 #include <cstdio>
 #include <string>
@@ -68,15 +68,15 @@ TEST_F(Host_selection, A_machine_whose_own_file_is_missing_does_not_fall_back_to
     Temporary_directory const folder;
     folder.write("ap_statemanager.json", test_support::file_text(test_support::complete_configuration()));
 
-    EXPECT_THAT(on_host(HOST_JAVA, folder.path("")).output, HasSubstr("ap_statemanager_jo.json\nparsed false\n"));
-    EXPECT_THAT(on_host("unknown", folder.path("")).output,
+    EXPECT_THAT(on_host(HOST_JAVA, folder.path()).output, HasSubstr("ap_statemanager_jo.json\nparsed false\n"));
+    EXPECT_THAT(on_host("unknown", folder.path()).output,
                 HasSubstr("ap_statemanager.json\nparsed true\nsupervision supervision/1\n"));
 }
 
 TEST_F(Host_selection, A_folder_without_files_gives_no_configuration) {
     Temporary_directory const folder;
 
-    EXPECT_EQ(on_host("unknown", folder.path("")).output,
+    EXPECT_EQ(on_host("unknown", folder.path()).output,
               "good true\npath /etc/adaptive/ap_statemanager.json\nparsed false\nsupervision \n");
 }
 

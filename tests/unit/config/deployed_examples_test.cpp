@@ -26,7 +26,8 @@ class A_deployed_example : public testing::TestWithParam<std::string> {
 /// The paths of all values: "/NmUserDataConfig/ACBytes". The elements of arrays count as one.
 std::set<std::string> members(json const& configuration) {
     std::set<std::string> names;
-    for (auto const& [path, value] : configuration.flatten().items()) {
+    auto const values = configuration.flatten();
+    for (auto const& [path, value] : values.items()) {
         names.insert(path.substr(0, path.find_first_of("0123456789")));
     }
     return names;
