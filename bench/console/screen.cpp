@@ -112,8 +112,7 @@ void draw(Canvas& canvas, Machine_view const& machine, int level) {
     draw_side(canvas, machine);
     draw_log(canvas, machine, level);
     auto const last = canvas.rows() - 1;
-    canvas.put(last, 0,
-               std::string("r run  n network  s network+suspend  p suspend  o power | 1-6 log | x stop/start  q quit"),
+    canvas.put(last, 0, std::string("r run  n net  s net+suspend  p suspend  o power  1-6 log  x stop/start  q quit"),
                Style::title);
 }
 

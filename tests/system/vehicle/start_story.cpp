@@ -1,0 +1,81 @@
+#include "story.h"
+
+namespace bench::vehicle {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+class Start : public Story {};
+
+TEST_F(Start, Reports_starting_up_and_running_to_everybody) {
+    start_and_run();
+    EXPECT_TRUE(sees(Kind::notification, "READY"));
+    EXPECT_TRUE(sees(Kind::machine_state, "Running"));
+    EXPECT_TRUE(logs("AP_StateManger daemon started"));
+    EXPECT_TRUE(logs("AP_StateManger transition from Starting up  to  Running"));
+    EXPECT_THAT(texts(Kind::state_word), ElementsAre("startingup", "running"));
+}
+
+TEST_F(Start, Waits_for_network_management_when_it_is_used) {
+    settings()["StateManagerNMUsage"] = true;
+    start();
+    EXPECT_TRUE(logs("Transition form startup to running not possible. Waiting for nm interface."));
+    EXPECT_THAT(texts(Kind::state_word), ElementsAre("startingup"));
+}
+
+TEST_F(Start, Reports_alive_in_every_cycle) {
+    settings()["StateManagerMainPeriod"] = 10;
+    start_and_run();
+    machine->watch(std::chrono::milliseconds(300));
+    auto const cycles = static_cast<std::ptrdiff_t>(texts(Kind::watchdog).size());
+    EXPECT_GT(cycles, 10);
+    auto const logged = texts(Kind::log);
+    auto const started = std::count(logged.begin(), logged.end(), "Starting AP_StateManager run_cyclic_task");
+    EXPECT_NEAR(static_cast<double>(cycles), static_cast<double>(started), 5);
+}
+
+TEST_F(Start, Ends_with_status_255_without_a_configuration) {
+    options.configuration_name = "another.json";
+    start();
+    EXPECT_TRUE(ends_with(255));
+    EXPECT_THAT(texts(Kind::log),
+                Contains("Configuration file could NOT be opened! Path:  /etc/adaptive/ap_statemanager.json"));
+    EXPECT_THAT(texts(Kind::log), Contains("Configuration is ill formatted, AP_StateManger is aborted."));
+    EXPECT_THAT(texts(Kind::state_word), IsEmpty());
+    EXPECT_THAT(texts(Kind::notification), IsEmpty());
+}
+
+TEST_F(Start, Ends_with_status_255_with_a_malformed_configuration) {
+    options.configuration = "{ \"ap_statemanager\": ";
+    start();
+    EXPECT_TRUE(ends_with(255));
+    EXPECT_THAT(texts(Kind::log), Contains("Configuration is ill formatted, AP_StateManger is aborted."));
+}
+
+TEST_F(Start, Ends_with_status_0_without_input_devices) {
+    options.devices = 0;
+    start();
+    EXPECT_TRUE(ends_with(0));
+    auto const logged = texts(Kind::log);
+    EXPECT_THAT(logged, Contains("No key event input device found that supports both EV_KEY and EV_MSC"));
+    EXPECT_THAT(logged, Contains("AP_StateManger failed to initialize VirtIO"));
+    EXPECT_THAT(logged, Contains("Failed to initialize AP_StateManger!"));
+    EXPECT_THAT(logged, Contains("AP_StateManger daemon shutting down"));
+    EXPECT_THAT(logged, Not(Contains("AP_StateManger daemon started")));
+}
+
+TEST_F(Start, Does_not_start_when_one_of_its_devices_can_not_be_opened) {
+    options.devices = 2;
+    build();
+    machine->hypervisor().command({{"do", "fault"}, {"file", "event1"}, {"operation", "open"}, {"errno", "EACCES"}});
+    start();
+    EXPECT_TRUE(ends_with(0));
+    EXPECT_THAT(texts(Kind::log), Contains("Can't open VirtIO input device:  /dev/input/event1"));
+    EXPECT_THAT(texts(Kind::log), Contains("Failed to initialize AP_StateManger!"));
+}
+
+}  // namespace
+}  // namespace bench::vehicle

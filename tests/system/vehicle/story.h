@@ -1,0 +1,68 @@
+#ifndef TESTS_SYSTEM_VEHICLE_STORY_H
+#define TESTS_SYSTEM_VEHICLE_STORY_H
+
+#include "bench/vehicle/vehicle.h"
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace bench::vehicle {
+
+/// A complete machine that each story starts, and changes before, to its liking.
+class Story : public testing::Test {
+ protected:
+    Story() {
+        std::ifstream file(VEHICLE_PROJECT "/deploy/config/ap_statemanager.json");
+        configuration = nlohmann::json::parse(file);
+        options.programs = VEHICLE_BUILD;
+    }
+
+    nlohmann::json& settings() { return configuration["ap_statemanager"]; }
+
+    void build() {
+        if (options.configuration.empty()) {
+            options.configuration = configuration.dump();
+        }
+        machine = std::make_unique<Vehicle>(options);
+    }
+    void start() {
+        if (!machine) {
+            build();
+        }
+        machine->start_daemon();
+    }
+    void start_and_run() {
+        start();
+        ASSERT_TRUE(sees(Kind::state_word, "running"));
+    }
+
+    bool sees(Kind kind, std::string const& text) { return machine->await(kind, text).has_value(); }
+    bool logs(std::string const& text) { return sees(Kind::log, text); }
+    bool ends_with(int status) { return machine->await_end() == status; }
+
+    std::vector<std::string> texts(Kind kind) const {
+        std::vector<std::string> result;
+        for (auto const& event : machine->events()) {
+            if (event.kind == kind) {
+                result.push_back(event.text);
+            }
+        }
+        return result;
+    }
+
+    nlohmann::json configuration;
+    Options options;
+    std::unique_ptr<Vehicle> machine;
+};
+
+}  // namespace bench::vehicle
+
+#endif
