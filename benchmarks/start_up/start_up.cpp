@@ -1,0 +1,79 @@
+// From the start of the process (just before fork) to the arrival of "startingup" in the VM-control file: the daemon,
+// and beside it in the same run a program that only loads the same libraries and writes the word.
+
+#include "bench/json_lines/clock.h"
+#include "benchmarks/machine/figures.h"
+#include "benchmarks/machine/machine.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using benchmarks::Machine;
+using benchmarks::Samples;
+
+constexpr int k_starts = 20;  // in one repetition
+constexpr int k_repetitions = 5;
+constexpr double k_target_ms = 10.0;
+
+void measure(benchmark::State& state, Machine& machine, std::vector<std::string> const& words, Samples& samples) {
+    for (auto const _ : state) {
+        std::size_t const from = machine.hypervisor().position();
+        std::int64_t const start = bench::monotonic_ns();
+        auto const program = words.empty() ? machine.start_daemon() : machine.start(words);
+        std::int64_t const duration = machine.await_word("startingup", from) - start;
+        samples.add(duration);
+        state.SetIterationTime(static_cast<double>(duration) / 1e9);
+        if (words.empty()) {
+            machine.await_word("running", from);
+        }
+        program->signal(SIGTERM);
+        program->wait(std::chrono::seconds(5));
+    }
+}
+
+void register_benchmark(char const* name, Machine& machine, std::vector<std::string> const& words, Samples& samples) {
+    benchmark::RegisterBenchmark(
+        name, [&machine, words, &samples](benchmark::State& state) { measure(state, machine, words, samples); })
+        ->Iterations(k_starts)
+        ->Repetitions(k_repetitions)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond)
+        ->ReportAggregatesOnly();
+}
+
+int run() {
+    Machine machine;
+    Samples loader;
+    Samples daemon;
+    register_benchmark("loader", machine, {BENCHMARK_LOADER, machine.status_file()}, loader);
+    register_benchmark("daemon", machine, {}, daemon);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmarks::print("start to word, loader", loader);
+    benchmarks::print("start to word, daemon", daemon);
+    if (loader.count() == 0 || daemon.count() == 0) {
+        return EXIT_SUCCESS;
+    }
+    double const more_ms = (daemon.median_us() - loader.median_us()) / 1000.0;
+    return benchmarks::judge("daemon - loader", more_ms, k_target_ms, "ms") ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    try {
+        return run();
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "benchmark_start_up: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}
