@@ -6,9 +6,7 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -64,8 +62,8 @@ void go_round(benchmark::State& state, Machine& machine, Samples& samples, bool 
 
 void measure_relay(benchmark::State& state, Machine& machine, Samples& samples) {
     std::size_t const from = machine.hypervisor().position();
-    auto const relay =
-        machine.start({BENCHMARK_RELAY, "/dev/input/event0", machine.status_file(), "preparing", "resuming"});
+    auto const relay = machine.start(
+        {BENCHMARK_RELAY, benchmarks::k_input_device, benchmarks::k_status_file, "preparing", "resuming"});
     machine.await_word("relay", from);
     go_round(state, machine, samples, false);
     relay->signal(SIGKILL);
@@ -110,10 +108,5 @@ int run() {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    try {
-        return run();
-    } catch (std::exception const& error) {
-        std::fprintf(stderr, "benchmark_command_latency: %s\n", error.what());
-        return EXIT_FAILURE;
-    }
+    return benchmarks::run_in_world("benchmark_command_latency", &run);
 }

@@ -9,7 +9,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <memory>
 #include <thread>
 
@@ -58,7 +57,7 @@ void register_benchmark(char const* name, bench::Child_process const& process, I
 std::unique_ptr<bench::Child_process> started(Machine& machine, bool daemon) {
     std::size_t const from = machine.hypervisor().position();
     auto process = daemon ? machine.start_daemon()
-                          : machine.start({BENCHMARK_HEARTBEAT, "/dev/input/event0", machine.status_file()});
+                          : machine.start({BENCHMARK_HEARTBEAT, benchmarks::k_input_device, benchmarks::k_status_file});
     machine.await_word("running", from);
     return process;
 }
@@ -84,10 +83,5 @@ int run() {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    try {
-        return run();
-    } catch (std::exception const& error) {
-        std::fprintf(stderr, "benchmark_idle: %s\n", error.what());
-        return EXIT_FAILURE;
-    }
+    return benchmarks::run_in_world("benchmark_idle", &run);
 }

@@ -7,9 +7,7 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <string>
 #include <vector>
 
@@ -54,7 +52,7 @@ int run() {
     Machine machine;
     Samples loader;
     Samples daemon;
-    register_benchmark("loader", machine, {BENCHMARK_LOADER, machine.status_file()}, loader);
+    register_benchmark("loader", machine, {BENCHMARK_LOADER, benchmarks::k_status_file}, loader);
     register_benchmark("daemon", machine, {}, daemon);
     benchmark::RunSpecifiedBenchmarks();
     benchmarks::print("start to word, loader", loader);
@@ -70,10 +68,5 @@ int run() {
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    try {
-        return run();
-    } catch (std::exception const& error) {
-        std::fprintf(stderr, "benchmark_start_up: %s\n", error.what());
-        return EXIT_FAILURE;
-    }
+    return benchmarks::run_in_world("benchmark_start_up", &run);
 }
