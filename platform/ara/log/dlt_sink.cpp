@@ -22,7 +22,6 @@ class Dlt_sink : public Log_sink {
         // What libdlt has to say about itself would go to standard output.
         ::setenv("DLT_LOG_LEVEL", "0", 0);
         ::dlt_register_app(application_id.c_str(), description.c_str());
-        ::dlt_set_resend_timeout_atexit(0);
     }
 
     void add_context(Log_context& context) override {

@@ -3,6 +3,7 @@
 
 #include "ara/log/log_engine.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -13,7 +14,11 @@ namespace ara::log {
 std::unique_ptr<Log_sink> make_dlt_sink(std::string const& application_id, std::string const& description,
                                         LogLevel level);
 
-/// Ends libdlt without its wait for a daemon that does not answer. After the last message.
+/// How long the end of the process waits for a DLT daemon that does not take what libdlt still keeps for it; libdlt's
+/// own wait is ten seconds.
+inline constexpr std::chrono::milliseconds k_exit_time_limit{300};
+
+/// Hands over what libdlt still keeps, within `k_exit_time_limit`, and ends it. After the last message.
 void end_dlt();
 
 }  // namespace ara::log

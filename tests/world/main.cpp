@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
         return run();
     }
     try {
-        return bench::vehicle::run_inside(VEHICLE_PROJECT, run);
+        return bench::vehicle::run_inside(PROJECT, run);
     } catch (std::exception const& error) {
         std::printf("No test can run here. %s\n", error.what());
         return EXIT_FAILURE;

@@ -1,0 +1,98 @@
+// What a log call with three arguments costs its caller: ours, a bare call of libdlt, and an asynchronous call of
+// spdlog, in the same run with a DLT daemon that reads. Calls come in bursts that no queue overflows at; between two
+// bursts everything is written out, which is not timed.
+
+#include "ara/log/log_engine.h"
+#include "ara/log/logging.h"
+#include "bench/vehicle/dlt_reader.h"
+#include "bench/vehicle/world.h"
+
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <thread>
+
+#include <benchmark/benchmark.h>
+#include <dlt/dlt.h>
+#include <spdlog/async.h>
+#include <spdlog/sinks/null_sink.h>
+
+DLT_DECLARE_CONTEXT(bare_context)
+
+namespace {
+
+constexpr int k_burst = 100;
+
+template <class Call, class Write_out>
+void time_bursts(benchmark::State& state, Call const& call, Write_out const& write_out) {
+    int number = 0;
+    for (auto _ : state) {
+        auto const begin = std::chrono::steady_clock::now();
+        for (int index = 0; index < k_burst; ++index) {
+            call(++number);
+        }
+        std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - begin;
+        state.SetIterationTime(taken.count() / k_burst);
+        write_out();
+    }
+}
+
+void Three_arguments_ara_log(benchmark::State& state) {
+    time_bursts(
+        state, [](int number) { ara::log::LogInfo() << "AP_StateManger transition from" << number << "Running"; },
+        [] { ara::log::Log_engine::instance().drain(); });
+}
+
+void Three_arguments_bare_libdlt(benchmark::State& state) {
+    time_bursts(
+        state,
+        [](int number) {
+            DLT_LOG(bare_context, DLT_LOG_INFO, DLT_STRING("AP_StateManger transition from"), DLT_INT(number),
+                    DLT_STRING("Running"));
+        },
+        [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); });
+}
+
+void Three_arguments_spdlog_asynchronous(benchmark::State& state) {
+    static auto const logger = spdlog::create_async<spdlog::sinks::null_sink_mt>("bench");
+    time_bursts(
+        state, [](int number) { logger->info("{} {} {}", "AP_StateManger transition from", number, "Running"); },
+        [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); });
+}
+
+void Level_not_logged_ara_log(benchmark::State& state) {
+    static auto& logger = ara::log::CreateLogger("QUIE", "Quiet", ara::log::LogLevel::kOff);
+    logger.context().threshold = &logger.context().own_threshold;
+    for (auto _ : state) {
+        logger.LogVerbose() << "AP_StateManger transition from" << 1 << "Running";
+    }
+}
+
+BENCHMARK(Three_arguments_ara_log)->UseManualTime()->Iterations(2000)->Repetitions(9)->ReportAggregatesOnly();
+BENCHMARK(Three_arguments_bare_libdlt)->UseManualTime()->Iterations(500)->Repetitions(9)->ReportAggregatesOnly();
+BENCHMARK(Three_arguments_spdlog_asynchronous)
+    ->UseManualTime()
+    ->Iterations(500)
+    ->Repetitions(9)
+    ->ReportAggregatesOnly();
+BENCHMARK(Level_not_logged_ara_log)->Repetitions(9)->ReportAggregatesOnly();
+
+int run(int argc, char** argv) {
+    bench::vehicle::Dlt_reader const reader;
+    ara::log::InitLogging("BNCH", "Benchmark", ara::log::LogLevel::kInfo, ara::log::LogMode::kRemote, "");
+    DLT_REGISTER_CONTEXT(bare_context, "BARE", "libdlt by itself");
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return bench::vehicle::run_inside(PROJECT, [&] { return run(argc, argv); });
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "log_benchmark: %s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,90 @@
+#include "ara/core/service_notification.h"
+
+#include "ara/exec/application_client.h"
+#include "ara/phm/supervision_entity.h"
+#include "support/log_capture.h"
+#include "support/notify_socket.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <stdlib.h>
+
+namespace {
+
+using ara::exec::ApplicationClient;
+using ara::exec::ApplicationState;
+using ara::log::LogLevel;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(Application_client, Reports_running_and_terminating) {
+    test_support::Notify_socket const service_manager;
+    ApplicationClient sut;
+    sut.ReportApplicationState(ApplicationState::kRunning);
+    sut.ReportApplicationState(ApplicationState::kTerminating);
+    EXPECT_THAT(service_manager.received(), ElementsAre("READY=1", "STOPPING=1"));
+}
+
+TEST(Application_client, Logs_a_report_that_can_not_be_delivered) {
+    test_support::Log_capture log;
+    ::setenv("NOTIFY_SOCKET", "/nowhere/notify", 1);
+    ApplicationClient sut;
+    sut.ReportApplicationState(ApplicationState::kRunning);
+    ::unsetenv("NOTIFY_SOCKET");
+    auto const messages = log.messages();
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0].level, LogLevel::kError);
+    EXPECT_EQ(messages[0].arguments.at(0), test_support::Log_argument(std::string("Application state not reported: ")));
+}
+
+TEST(Supervision_entity, Reports_each_checkpoint_as_one_watchdog_beat) {
+    test_support::Notify_socket const service_manager;
+    ara::phm::Phm_client const client("ap_statemanager");
+    ara::phm::SupervisionEntity sut(client);
+    sut.ReportCheckpoint(1, 1);
+    sut.ReportCheckpoint(1, 1);
+    EXPECT_THAT(service_manager.received(), ElementsAre("WATCHDOG=1", "WATCHDOG=1"));
+}
+
+TEST(Supervision_entity, Succeeds_where_nobody_supervises) {
+    ::unsetenv("NOTIFY_SOCKET");
+    ara::phm::Phm_client const client("");
+    ara::phm::SupervisionEntity sut(client);
+    EXPECT_NO_THROW(sut.ReportCheckpoint(1, 1));
+}
+
+TEST(Supervision_entity, Throws_when_a_report_can_not_be_delivered) {
+    ara::phm::Phm_client const client("");
+    ara::phm::SupervisionEntity sut(client);
+    for (auto const* const name : {"/nowhere/notify", "", "@"}) {
+        ::setenv("NOTIFY_SOCKET", name, 1);
+        EXPECT_THROW(sut.ReportCheckpoint(1, 1), std::runtime_error) << name;
+    }
+    ::setenv("NOTIFY_SOCKET", std::string(200, 'x').c_str(), 1);
+    EXPECT_THROW(sut.ReportCheckpoint(1, 1), std::runtime_error);
+    ::unsetenv("NOTIFY_SOCKET");
+}
+
+TEST(Service_notification, Gives_up_in_time_when_the_queue_of_the_service_manager_stays_full) {
+    test_support::Notify_socket const service_manager;
+    auto before = steady_clock::now();
+    auto const send_until_full = [&before] {
+        for (int count = 0; count < 100'000; ++count) {
+            before = steady_clock::now();
+            ara::core::notify_service_manager("WATCHDOG=1");
+        }
+    };
+    EXPECT_THROW(send_until_full(), std::runtime_error);
+    auto const taken = steady_clock::now() - before;
+    EXPECT_GE(taken, ara::core::k_notification_time_limit - milliseconds(5));
+    EXPECT_LT(taken, ara::core::k_notification_time_limit + milliseconds(250));
+    EXPECT_THAT(service_manager.received(), testing::Not(IsEmpty()));
+    EXPECT_NO_THROW(ara::core::notify_service_manager("WATCHDOG=1"));
+}
+
+}  // namespace

@@ -1,0 +1,128 @@
+#include "bench/process/child_process.h"
+#include "bench/vehicle/dlt_reader.h"
+
+#include <chrono>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+namespace {
+
+using bench::Child_process;
+using bench::vehicle::Dlt_reader;
+using bench::vehicle::Timeline;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+constexpr milliseconds k_patience{5000};
+
+class Dlt : public testing::Test {
+ protected:
+    static Child_process started(std::string const& task) { return {{LOG_PROGRAM, task}, {}}; }
+
+    void run(std::string const& task) {
+        auto program = started(task);
+        ASSERT_EQ(program.wait(k_patience), 0);
+    }
+
+    // The messages of contexts other than the daemon's own until one begins with `last`.
+    std::vector<std::string> texts_until(Dlt_reader& viewer, std::string const& last) {
+        auto const deadline = steady_clock::now() + k_patience;
+        std::vector<std::string> texts;
+        while (steady_clock::now() < deadline) {
+            for (auto& message : viewer.take()) {
+                texts.push_back(message.context + " " + message.text);
+                if (message.text.rfind(last, 0) == 0) {
+                    return texts;
+                }
+            }
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+        texts.push_back("never came: " + last);
+        return texts;
+    }
+};
+
+constexpr char const* k_last_words = "from the destructor of a static object";
+
+TEST_F(Dlt, Shows_each_argument_in_its_order) {
+    Dlt_reader viewer;
+    run("types");
+    EXPECT_THAT(texts_until(viewer, k_last_words),
+                Contains(MatchesRegex("DFLT types text 1 -8 -16 -32 -9223372036854775808 8 16 32 18446744073709551615 "
+                                      "be.ef")));
+}
+
+TEST_F(Dlt, Shows_the_context_of_a_logger) {
+    Dlt_reader viewer;
+    run("types");
+    EXPECT_THAT(texts_until(viewer, k_last_words), Contains("OTHR from another context"));
+}
+
+TEST_F(Dlt, Shows_what_was_logged_before_and_after_its_time) {
+    Dlt_reader viewer;
+    run("");
+    auto const texts = texts_until(viewer, k_last_words);
+    EXPECT_THAT(texts, Contains("DFLT before logging was initialised"));
+    EXPECT_THAT(texts, Contains(std::string("DFLT ") + k_last_words));
+}
+
+TEST_F(Dlt, Says_how_much_of_a_long_message_was_cut) {
+    Dlt_reader viewer;
+    run("long");
+    EXPECT_THAT(texts_until(viewer, k_last_words), Contains(MatchesRegex("DFLT xxx.*x .[0-9]+ bytes cut.")));
+}
+
+TEST_F(Dlt, Loses_nothing_of_a_busy_program) {
+    Dlt_reader viewer;
+    run("many");
+    auto const texts = texts_until(viewer, k_last_words);
+    std::set<std::string> const seen(texts.begin(), texts.end());
+    for (int number = 0; number < 2000; ++number) {
+        ASSERT_EQ(seen.count("DFLT number " + std::to_string(number)), 1U) << number;
+    }
+}
+
+TEST_F(Dlt, Is_not_waited_for_at_the_end_of_a_program) {
+    auto const before = steady_clock::now();
+    run("many");
+    EXPECT_LT(steady_clock::now() - before, milliseconds(1500));
+}
+
+TEST_F(Dlt, Gets_what_was_logged_before_it_was_there) {
+    auto program = started("wait");
+    std::this_thread::sleep_for(milliseconds(50));
+    Dlt_reader viewer;
+    auto const texts = texts_until(viewer, "waiting");
+    EXPECT_THAT(texts, Contains("DFLT before logging was initialised"));
+    EXPECT_THAT(texts.back(), HasSubstr("waiting"));
+    program.close_input();
+    EXPECT_EQ(program.wait(k_patience), 0);
+}
+
+TEST_F(Dlt, That_is_stopped_stops_nobody) {
+    Dlt_reader viewer;
+    viewer.daemon().signal(SIGSTOP);
+    auto const before = steady_clock::now();
+    run("many");
+    EXPECT_LT(steady_clock::now() - before, milliseconds(1500));
+    viewer.daemon().signal(SIGCONT);
+}
+
+TEST_F(Dlt, Says_nothing_on_standard_output) {
+    auto program = started("types");
+    ASSERT_EQ(program.wait(k_patience), 0);
+    char byte = 0;
+    EXPECT_EQ(::read(program.output(), &byte, 1), 0);
+}
+
+}  // namespace
