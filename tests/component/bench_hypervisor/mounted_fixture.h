@@ -20,7 +20,7 @@ namespace bench::hypervisor {
 /// An open file of the mounted tree, used by the system calls that a daemon uses.
 class Opened {
  public:
-    Opened(std::string const& path, int flags) : descriptor_(::open(path.c_str(), flags | O_CLOEXEC)) {
+    Opened(std::string const& path, int flags) : descriptor_(::open(path.c_str(), flags | O_CLOEXEC, 0600)) {
         error_ = descriptor_ < 0 ? errno : 0;
     }
     ~Opened() {
