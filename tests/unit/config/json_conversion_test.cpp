@@ -56,6 +56,8 @@ TEST(Json_conversion, A_fractional_number_outside_the_range_wraps_as_a_whole_one
     EXPECT_EQ(number("-1.5"), number("-1"));
     EXPECT_EQ(number("4294967297.25"), 1U);
     EXPECT_EQ(number("-4294967297.0"), number("-4294967297"));
+    EXPECT_EQ(number("1e19"), number("10000000000000000000"));
+    EXPECT_EQ(number("1e19"), 2313682944U);
     EXPECT_EQ(number("1e300"), 0U);
     EXPECT_EQ(number("-1.7976931348623157e308"), 0U);
 }
