@@ -15,7 +15,7 @@ namespace ara::log {
 /// signals are blocked in it: no handler ever runs between it and the log daemon's client.
 class Log_engine::Writer {
  public:
-    static constexpr std::chrono::milliseconds k_period{20};
+    static constexpr std::chrono::milliseconds k_period{100};
 
     explicit Writer(std::function<void()> drain);
     ~Writer() = delete;  // lives until the process ends
