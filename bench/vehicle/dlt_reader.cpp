@@ -26,7 +26,7 @@ constexpr std::chrono::seconds k_patience{10};
 constexpr std::int64_t k_ns_per_tick = 100'000;  // DLT counts 0.1 ms
 
 std::string write_configuration() {
-    std::string const path = "/tmp/dlt.conf";
+    std::string path = "/tmp/dlt.conf";
     std::ofstream(path) << "LoggingMode = 2\nLoggingFilename = /tmp/dlt-daemon.log\nLoggingLevel = 3\n"
                            "ControlSocketPath = /tmp/dlt-ctrl.sock\nBindAddress = ::ffff:127.0.0.1\n"
                            "ContextLogLevel = 6\nRingbufferMinSize = 500000\nRingbufferMaxSize = 10000000\n"

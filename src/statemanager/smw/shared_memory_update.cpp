@@ -9,40 +9,40 @@ namespace ximo::ap::statemanager::smw {
 Shared_memory_update::Shared_memory_update(std::string path) : Shared_memory_writer_interface(std::move(path)) {}
 
 void Shared_memory_update::starting_up() {
-    write_state("startingup");
+    write_state("startingup", "Failed to set startingup state in shared memory!");
 }
 
 void Shared_memory_update::running() {
-    write_state("running");
+    write_state("running", "Failed to set running state in shared memory!");
 }
 
 void Shared_memory_update::shutting_down() {
-    write_state("shuttingdown");
+    write_state("shuttingdown", "Failed to set shuttingdown state in shared memory!");
 }
 
 void Shared_memory_update::run_nm_controlled() {
-    write_state("runnmcontrolled");
+    write_state("runnmcontrolled", "Failed to set runnmcontrolled state in shared memory!");
 }
 
 void Shared_memory_update::post_run() {
-    write_state("postrun");
+    write_state("postrun", "Failed to set postrun state in shared memory!");
 }
 
 void Shared_memory_update::preparing() {
-    write_state("preparing");
+    write_state("preparing", "Failed to set preparing state in shared memory!");
 }
 
 void Shared_memory_update::prepared_4_sd() {
-    write_state("prepared4sd");
+    write_state("prepared4sd", "Failed to set prepared4sd state in shared memory!");
 }
 
 void Shared_memory_update::resuming() {
-    write_state("resuming");
+    write_state("resuming", "Failed to set resuming state in shared memory!");
 }
 
-void Shared_memory_update::write_state(std::string const& word) {
+void Shared_memory_update::write_state(char const* word, char const* failure) {
     if (!write_to_memory(word)) {
-        ara::log::LogVerbose() << "Failed to set " + word + " state in shared memory!";
+        ara::log::LogVerbose() << failure;
     }
 }
 

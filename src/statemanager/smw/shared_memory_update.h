@@ -23,7 +23,7 @@ class Shared_memory_update : public Shared_memory_writer_interface {
     virtual void resuming();
 
  private:
-    void write_state(std::string const& word);
+    void write_state(char const* word, char const* failure);
 };
 
 }  // namespace ximo::ap::statemanager::smw
