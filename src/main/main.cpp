@@ -56,7 +56,7 @@ int main() {
         return k_configuration_failure;
     }
     config::State_manager_config configuration;
-    if (!config::State_manager_json_parser{}.parse(chooser.get_config_path(), configuration)) {
+    if (!config::State_manager_json_parser::parse(chooser.get_config_path(), configuration)) {
         ara::log::LogFatal() << "Configuration is ill formatted, AP_StateManger is aborted.";
         return k_configuration_failure;
     }

@@ -12,7 +12,7 @@ namespace ara::log {
 
 namespace {
 
-constexpr std::uintmax_t k_file_limit = 16U * 1024 * 1024;
+constexpr std::uintmax_t k_file_limit = std::uintmax_t{16} * 1024 * 1024;
 
 char const* name(LogLevel level) {
     static constexpr std::array<char const*, 7> names{"off", "fatal", "error", "warn", "info", "debug", "verbose"};
