@@ -30,8 +30,11 @@ std::string missing_for_fuse() {
     if (::access("/dev/fuse", F_OK) != 0) {
         return "the kernel offers no FUSE: /dev/fuse is missing (modprobe fuse, or give the container the device)";
     }
-    bool const direct = ::access("/dev/fuse", R_OK | W_OK) == 0 && may_mount();
-    if (!direct && !has_mount_helper()) {
+    // fusermount3 opens it with the user's rights too.
+    if (::access("/dev/fuse", R_OK | W_OK) != 0) {
+        return "this user may not open /dev/fuse (chmod 0666 /dev/fuse, as most distributions have it, or run as root)";
+    }
+    if (!may_mount() && !has_mount_helper()) {
         return "this user may not mount by itself and fusermount3 is missing (apt-get install fuse3, or run as root)";
     }
     return {};
