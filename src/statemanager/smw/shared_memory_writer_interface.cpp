@@ -18,15 +18,6 @@ Shared_memory_writer_interface::Shared_memory_writer_interface(std::string path)
     stream_.clear();
 }
 
-// There is nobody left to tell about a failed close, and nothing is lost by it: each word has been on its way since it
-// was written.
-Shared_memory_writer_interface::~Shared_memory_writer_interface() {
-    try {
-        close_file();
-    } catch (std::exception const&) {  // NOLINT(bugprone-empty-catch): see above
-    }
-}
-
 bool Shared_memory_writer_interface::write_to_memory(std::string data) {
     if (data.empty()) {
         ara::log::LogDebug() << "No data provided for shared memory write!";

@@ -19,7 +19,7 @@ namespace ximo::ap::statemanager::smw {
 class Shared_memory_writer_interface {
  public:
     explicit Shared_memory_writer_interface(std::string path);
-    virtual ~Shared_memory_writer_interface();
+    virtual ~Shared_memory_writer_interface() = default;  ///< closes the file; nobody is told when that fails
     Shared_memory_writer_interface(Shared_memory_writer_interface const&) = delete;
     Shared_memory_writer_interface& operator=(Shared_memory_writer_interface const&) = delete;
 

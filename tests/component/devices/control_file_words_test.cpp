@@ -37,6 +37,14 @@ TEST_F(Control_file_words, Each_state_is_one_request_of_exactly_its_word) {
                                                     "prepared4sd", "resuming", "shuttingdown"));
 }
 
+TEST_F(Control_file_words, An_empty_word_is_no_request) {
+    Shared_memory_update sut(control_file("set_status"));
+
+    EXPECT_TRUE(sut.write_to_memory(""));
+
+    EXPECT_THAT(requests("set_status"), IsEmpty());
+}
+
 TEST_F(Control_file_words, A_restart_is_one_request) {
     Shared_memory_reboot sut(control_file("command_request"));
 

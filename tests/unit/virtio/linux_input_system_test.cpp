@@ -6,12 +6,14 @@
 #include "support/log_capture.h"
 #include "support/temporary_directory.h"
 
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <memory>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -93,6 +95,20 @@ TEST_F(Linux_input_system_test, A_wait_reports_the_descriptor_that_has_input_and
     EXPECT_EQ(sut.read_record(device, record), 24);
     EXPECT_EQ(record.back(), 'x');
     for (int const descriptor : {device, writer, epoll}) {
+        EXPECT_EQ(sut.close_descriptor(descriptor), 0);
+    }
+}
+
+TEST_F(Linux_input_system_test, Room_to_write_is_no_event) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    int const epoll = sut.create_epoll();
+    ASSERT_EQ(sut.watch(epoll, ends[0]), 0);
+    Epoll_events events{};
+
+    EXPECT_EQ(sut.wait(epoll, events, 0), 0);
+
+    for (int const descriptor : {ends[0], ends[1], epoll}) {
         EXPECT_EQ(sut.close_descriptor(descriptor), 0);
     }
 }
