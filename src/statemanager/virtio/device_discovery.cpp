@@ -66,10 +66,11 @@ void Virtio_interface::forget_devices() {
 }
 
 bool Virtio_interface::add_devices(std::string const& directory, std::vector<std::string> const& names) {
+    std::string const parent = directory + "/";
     bool all_usable = true;
     for (std::string const& name : names) {
         if (is_event_device(name)) {
-            all_usable = add_device(directory + "/" + name) && all_usable;
+            all_usable = add_device(parent + name) && all_usable;
         }
     }
     return all_usable;
