@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 #include <vector>
 
@@ -12,6 +14,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <sys/ioctl.h>
+#include <sys/syscall.h>
 
 namespace bench::hypervisor {
 namespace {
@@ -32,6 +35,15 @@ class Input_devices_test : public Mounted_fixture {
             record.type = 0xFFFF;
         }
         return record;
+    }
+
+    // Returns once the thread of this process waits in read().
+    static void await_blocked_read(std::atomic<pid_t> const& thread) {
+        auto const end = std::chrono::steady_clock::now() + std::chrono::milliseconds(k_patience_ms);
+        for (std::string call; call != std::to_string(SYS_read); std::this_thread::yield()) {
+            std::ifstream("/proc/self/task/" + std::to_string(thread) + "/syscall") >> call;
+            ASSERT_LT(std::chrono::steady_clock::now(), end) << "the reader never waited: " << call;
+        }
     }
 
     std::vector<std::string> listed_devices() {
@@ -184,7 +196,12 @@ TEST_F(Input_devices_test, A_blocking_read_waits_for_the_press) {
     Opened const device(path("input/event0"), O_RDONLY);
     input_event record{};
     ssize_t size = 0;
-    std::thread reader([&] { size = ::read(device, &record, sizeof record); });
+    std::atomic<pid_t> reader_id{0};
+    std::thread reader([&] {
+        reader_id = ::gettid();
+        size = ::read(device, &record, sizeof record);
+    });
+    await_blocked_read(reader_id);
     press("s");
     reader.join();
     EXPECT_EQ(size, 24);

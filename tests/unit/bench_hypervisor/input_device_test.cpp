@@ -163,6 +163,15 @@ TEST_F(Input_device_test, A_planned_read_error_makes_the_device_readable_fails_o
     EXPECT_EQ(sut.poll(k_reader) & POLLIN, 0U);
 }
 
+TEST_F(Input_device_test, A_planned_read_error_is_announced_although_no_record_waits) {
+    Fault fault;
+    fault.error = EIO;
+    sut.faults().add(Operation::read, fault, 1);
+    EXPECT_EQ(sut.poll(k_reader) & POLLIN, unsigned{POLLIN});
+    EXPECT_EQ(sut.read(k_reader, k_record).error, EIO);
+    EXPECT_EQ(sut.read(k_reader, k_record).error, EAGAIN);
+}
+
 TEST_F(Input_device_test, A_planned_error_of_the_ioctl_fails_once) {
     Fault fault;
     fault.error = EPERM;
