@@ -30,7 +30,7 @@ std::ostream& operator<<(std::ostream& out, Log_message const& message) {
 
 class Log_capture::Impl {
  public:
-    Impl() : drainer_([this] { drain_until_done(); }) {
+    Impl() : drainer_(start_drainer()) {
         Log_engine::instance().intercept([this](Queued_message const& message) { add(message); });
     }
 
@@ -60,11 +60,19 @@ class Log_capture::Impl {
             {header.level, header.context->id, ara::log::decode_arguments(message.arguments.data(), header.size)});
     }
 
-    // Producers wait while the queue is full, so somebody has to empty it who is never interrupted by a producer.
-    void drain_until_done() {
+    // Producers wait while the queue is full, so somebody has to empty it who is never interrupted by a producer: the
+    // thread inherits the blocked signals, because a handler may log before the thread's first statement.
+    std::thread start_drainer() {
         sigset_t all;
+        sigset_t before;
         ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, nullptr);
+        ::pthread_sigmask(SIG_SETMASK, &all, &before);
+        std::thread drainer([this] { drain_until_done(); });
+        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+        return drainer;
+    }
+
+    void drain_until_done() {
         while (!done_) {
             Log_engine::instance().drain();
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
