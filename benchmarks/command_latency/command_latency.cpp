@@ -44,7 +44,7 @@ std::int64_t press_until(Machine& machine, char const* key, char const* word) {
 
 // "p" takes the running machine to preparing and on to prepared, "r" back over resuming to running.
 void go_round(benchmark::State& state, Machine& machine, Samples& samples, bool daemon) {
-    for (auto const _ : state) {
+    while (state.KeepRunning()) {
         std::size_t const from = machine.hypervisor().position();
         std::int64_t const there = press_until(machine, "p", "preparing");
         if (daemon) {

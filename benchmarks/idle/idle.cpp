@@ -29,7 +29,7 @@ struct Idle {
 };
 
 void measure(benchmark::State& state, bench::Child_process const& process, Idle& result) {
-    for (auto const _ : state) {
+    while (state.KeepRunning()) {
         std::this_thread::sleep_for(k_settling);
         auto const start = std::chrono::steady_clock::now();
         std::int64_t const before = benchmarks::processor_time_ns(process.pid());

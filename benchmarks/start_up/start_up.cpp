@@ -23,7 +23,7 @@ constexpr int k_repetitions = 5;
 constexpr double k_target_ms = 10.0;
 
 void measure(benchmark::State& state, Machine& machine, std::vector<std::string> const& words, Samples& samples) {
-    for (auto const _ : state) {
+    while (state.KeepRunning()) {
         std::size_t const from = machine.hypervisor().position();
         std::int64_t const start = bench::monotonic_ns();
         auto const program = words.empty() ? machine.start_daemon() : machine.start(words);
