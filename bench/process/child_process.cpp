@@ -69,7 +69,7 @@ std::vector<std::string> merged(std::vector<std::string> assignments) {
 // Runs in the child between fork and exec: only what is allowed there.
 [[noreturn]] void become(std::vector<char*> const& words, std::vector<char*> const& environment, int input, int output,
                          int report) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     sigset_t none;
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);

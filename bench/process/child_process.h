@@ -11,7 +11,8 @@
 namespace bench {
 
 /// A program that was started here, with pipes to its standard input and output; its standard error is ours. It is
-/// killed when this process dies or the object goes. Each child is ended and awaited by its own process id.
+/// killed when the object goes, and asked to end (SIGTERM) when the thread that started it dies, so that it can put
+/// things back. Each child is ended and awaited by its own process id.
 class Child_process {
  public:
     /// `words` is the program and its arguments, `environment` assignments like "A=B" on top of the caller's own.

@@ -1,7 +1,11 @@
 #include "mounted_fixture.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -13,10 +17,12 @@ using namespace std::chrono_literals;
 
 class Mounting_test : public Mounted_fixture {
  protected:
-    bool is_mounted() const {
+    bool is_mounted() const { return is_mounted(directory.path()); }
+
+    static bool is_mounted(std::string const& path) {
         std::ifstream mounts("/proc/self/mounts");
         for (std::string line; std::getline(mounts, line);) {
-            if (line.find(" " + directory.path().string() + " ") != std::string::npos) {
+            if (line.find(" " + path + " ") != std::string::npos) {
                 return true;
             }
         }
@@ -35,6 +41,23 @@ TEST_F(Mounting_test, A_termination_signal_unmounts_and_ends_with_status_0) {
     sut->process().signal(SIGTERM);
     EXPECT_EQ(sut->process().wait(10s), 0);
     EXPECT_FALSE(is_mounted());
+}
+
+TEST_F(Mounting_test, The_death_of_whoever_started_it_unmounts_too) {
+    Scratch_directory const other;
+    pid_t const starter = ::fork();
+    if (starter == 0) {
+        Player const player({BENCH_HYPERVISOR, other.path()});
+        ::raise(SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(starter, &status, 0), starter);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    auto const end = std::chrono::steady_clock::now() + 10s;
+    while (is_mounted(other.path()) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::yield();
+    }
+    EXPECT_FALSE(is_mounted(other.path()));
 }
 
 TEST_F(Mounting_test, Programs_that_wait_are_let_go_when_the_hypervisor_ends) {
