@@ -23,7 +23,6 @@ namespace bench::vehicle {
 namespace {
 
 constexpr int k_signal_status = 128;
-constexpr int k_failure_inside = 70;
 
 [[noreturn]] void fail(std::string const& what, std::string const& remedy) {
     throw std::runtime_error(what + ": " + std::strerror(errno) + ". " + remedy);
@@ -59,18 +58,6 @@ void bring_loopback_up() {
     }
 }
 
-int run_as_first_process(std::string const& project, std::function<int()> const& inside) {
-    try {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        move_into_new_root(project);
-        bring_loopback_up();
-        return inside();
-    } catch (std::exception const& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return k_failure_inside;
-    }
-}
-
 int await(pid_t child) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
@@ -78,13 +65,29 @@ int await(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : k_signal_status + WTERMSIG(status);
 }
 
-}  // namespace
+// Runs `action` in a process of its own and returns its result; a failure is told on standard error.
+int run_in_child(std::function<int()> const& action) {
+    pid_t const child = ::fork();
+    if (child < 0) {
+        fail("A process can't be started", "");
+    }
+    if (child > 0) {
+        return await(child);
+    }
+    try {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        ::_exit(action());
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        ::_exit(k_no_world);
+    }
+}
 
-int run_inside(std::string const& project, std::function<int()> const& inside) {
+void make_namespaces() {
     if (::access("/dev/fuse", R_OK | W_OK) != 0) {
         fail("/dev/fuse can't be opened",
-             "The hypervisor's devices are played by FUSE: load the module (modprobe fuse), "
-             "give this user access to /dev/fuse, or run this as root");
+             "The hypervisor's devices are played by FUSE: load the module (modprobe fuse), give this user access to "
+             "/dev/fuse, or run this as root");
     }
     if (::geteuid() != 0) {
         become_root();
@@ -93,17 +96,24 @@ int run_inside(std::string const& project, std::function<int()> const& inside) {
         fail("Namespaces can't be made",
              "Run this as root with the capability CAP_SYS_ADMIN (in a container: run it privileged)");
     }
+}
+
+}  // namespace
+
+// The caller stays out of the namespaces: whoever makes a process namespace can start nothing more once its first
+// process has ended.
+int run_inside(std::string const& project, std::function<int()> const& inside) {
     // The keys that end a foreground program are the business of the process inside.
     ::signal(SIGINT, SIG_IGN);
     ::signal(SIGQUIT, SIG_IGN);
-    pid_t const child = ::fork();
-    if (child < 0) {
-        fail("The first process can't be started", "");
-    }
-    if (child == 0) {
-        ::_exit(run_as_first_process(project, inside));
-    }
-    return await(child);
+    return run_in_child([&] {
+        make_namespaces();
+        return run_in_child([&] {
+            move_into_new_root(project);
+            bring_loopback_up();
+            return inside();
+        });
+    });
 }
 
 void set_host_name(std::string const& name) {

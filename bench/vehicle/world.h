@@ -15,8 +15,9 @@ inline constexpr char const* k_hypervisor = "/vehicle";
 
 /// Runs `inside` as the first process of such a machine and returns its result. `project` is a directory that is to be
 /// seen inside under its own name wherever it lies. Works as root and, where the kernel allows user namespaces, as an
-/// ordinary user. Throws `std::runtime_error` that says what is missing and how to get it.
-/// Call it from a process with a single thread.
+/// ordinary user. Where it is not possible, standard error says what is missing and how to get it, and the result is
+/// `k_no_world`. Call it from a process with a single thread.
+inline constexpr int k_no_world = 70;
 int run_inside(std::string const& project, std::function<int()> const& inside);
 
 /// Names the machine; inside only.
