@@ -13,7 +13,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -30,7 +32,7 @@ void print_usage(std::FILE* out) {
     std::fputs(
         "usage: vehicle [--tour] [--picture FILE]\n"
         "  --tour          go through the states and check each step; exit status 0 when every step was seen\n"
-        "  --picture FILE  where the tour's timeline is drawn (SVG; default: tour.svg beside the build)\n"
+        "  --picture FILE  where the tour's timeline is drawn (SVG; default: tour/timeline.svg in the build)\n"
         "  --help          show this\n",
         out);
 }
@@ -50,12 +52,38 @@ Options complete_machine(fs::path const& build) {
     return options;
 }
 
-int tour(fs::path const& build, std::string const& picture) {
+/// The file for the tour's picture. It is opened outside, because the machine's own /tmp ends with it.
+struct Picture_file {
+    fs::path path;
+    std::ofstream stream;
+};
+
+Picture_file open_picture(std::vector<fs::path> const& places) {
+    for (auto const& place : places) {
+        std::error_code ignored;
+        fs::create_directories(place.parent_path(), ignored);
+        if (std::ofstream stream(place); stream) {
+            return {place, std::move(stream)};
+        }
+    }
+    throw std::runtime_error(places.front().string() + " can't be written");
+}
+
+// A build that belongs to somebody else is not written to.
+std::vector<fs::path> usual_places(fs::path const& build) {
+    auto const own = "vehicle-" + std::to_string(::getuid()) + "/timeline.svg";
+    return {build / "tour/timeline.svg", fs::temp_directory_path() / own};
+}
+
+int tour(fs::path const& build, Picture_file& picture) {
     Vehicle vehicle(complete_machine(build));
     auto const findings = bench::tour::walk(vehicle, bench::tour::steps());
     bool const all_seen = bench::tour::print_summary(findings);
-    std::ofstream(picture) << bench::tour::draw(vehicle.events());
-    std::printf("Timeline: %s\n", picture.c_str());
+    if (!(picture.stream << bench::tour::draw(vehicle.events()) << std::flush)) {
+        std::fprintf(stderr, "%s can't be written\n", picture.path.c_str());
+        return EXIT_FAILURE;
+    }
+    std::printf("Timeline: %s\n", picture.path.c_str());
     std::fflush(stdout);
     return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
 }
@@ -73,12 +101,12 @@ bool has_terminal() {
 
 int main(int argc, char** argv) {
     auto const build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
-    std::string picture = (build / "tour.svg").string();
+    auto pictures = usual_places(build);
     bool touring = !has_terminal();
     std::vector<std::string> const words(argv + 1, argv + argc);
     for (auto word = words.begin(); word != words.end(); ++word) {
         if (*word == "--picture" && word + 1 != words.end()) {
-            picture = fs::absolute(*++word).string();
+            pictures = {fs::absolute(*++word)};
         } else if (*word == "--help") {
             print_usage(stdout);
             return EXIT_SUCCESS;
@@ -90,6 +118,7 @@ int main(int argc, char** argv) {
         }
     }
     try {
+        auto picture = touring ? open_picture(pictures) : Picture_file{};
         return bench::vehicle::run_inside(VEHICLE_PROJECT,
                                           [&] { return touring ? tour(build, picture) : console(build); });
     } catch (std::exception const& error) {

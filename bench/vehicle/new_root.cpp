@@ -109,13 +109,46 @@ void make_private_directories(fs::path const& root) {
     fs::create_directories(root.string() + k_hypervisor);
 }
 
-void change_root(fs::path const& root) {
+/// The directory of the host on which the new root is put together. It is empty again and gone once the root has moved
+/// away from it, or could not be made.
+class Building_site {
+ public:
+    Building_site() {
+        path_ = (fs::temp_directory_path() / "vehicle-XXXXXX").string();
+        if (::mkdtemp(path_.data()) == nullptr) {
+            throw std::runtime_error(path_ + " can't be made: " + std::strerror(errno));
+        }
+    }
+    ~Building_site() {
+        if (!has_moved_) {
+            ::umount2(path_.c_str(), MNT_DETACH);
+            ::rmdir(path_.c_str());
+        }
+    }
+    Building_site(Building_site const&) = delete;
+    Building_site& operator=(Building_site const&) = delete;
+
+    fs::path path() const { return path_; }
+
+    /// The host's root directory is at `old` now, for the last time.
+    void clear(fs::path const& old) {
+        ::rmdir((old / fs::path(path_).relative_path()).c_str());
+        has_moved_ = true;
+    }
+
+ private:
+    std::string path_;
+    bool has_moved_{false};
+};
+
+void change_root(Building_site& site) {
     auto const here = fs::current_path();
-    auto const old = root / "old";
+    auto const old = site.path() / "old";
     fs::create_directories(old);
-    if (::syscall(SYS_pivot_root, root.c_str(), old.c_str()) != 0) {
+    if (::syscall(SYS_pivot_root, site.path().c_str(), old.c_str()) != 0) {
         throw std::runtime_error(std::string("The root directory can't be changed: ") + std::strerror(errno));
     }
+    site.clear("/old");
     std::error_code ignored;
     fs::current_path(here, ignored);
     if (ignored) {
@@ -129,11 +162,8 @@ void change_root(fs::path const& root) {
 
 void move_into_new_root(std::string const& project) {
     mount_or_throw("none", "/", nullptr, MS_REC | MS_PRIVATE);
-    std::string pattern = (fs::temp_directory_path() / "vehicle-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) {
-        throw std::runtime_error(pattern + " can't be made: " + std::strerror(errno));
-    }
-    fs::path const root = pattern;
+    Building_site site;
+    auto const root = site.path();
     mount_or_throw("tmpfs", root, "tmpfs", MS_NOSUID, "mode=755,size=256m");
     share_the_hosts_programs(root);
     make_private_directories(root);
@@ -141,7 +171,7 @@ void move_into_new_root(std::string const& project) {
     if (private_directories().count(first) != 0) {
         bind_directory(project, root / fs::path(project).relative_path());
     }
-    change_root(root);
+    change_root(site);
 }
 
 }  // namespace bench::vehicle

@@ -28,8 +28,10 @@ constexpr int k_signal_status = 128;
     throw std::runtime_error(what + ": " + std::strerror(errno) + ". " + remedy);
 }
 
-void write_file(char const* path, std::string const& text) {
-    std::ofstream(path) << text;
+void write_setting(char const* path, std::string const& text) {
+    if (!(std::ofstream(path) << text << std::flush)) {
+        fail(std::string(path) + " can't be written", "Run this as root");
+    }
 }
 
 // An ordinary user becomes root of a user namespace; its files outside stay the user's.
@@ -41,9 +43,9 @@ void become_root() {
              "Run this as root, or allow them: sysctl kernel.unprivileged_userns_clone=1 (in a container: run it with "
              "the right to make namespaces)");
     }
-    write_file("/proc/self/setgroups", "deny");
-    write_file("/proc/self/uid_map", "0 " + user + " 1");
-    write_file("/proc/self/gid_map", "0 " + group + " 1");
+    write_setting("/proc/self/setgroups", "deny");
+    write_setting("/proc/self/uid_map", "0 " + user + " 1");
+    write_setting("/proc/self/gid_map", "0 " + group + " 1");
 }
 
 void bring_loopback_up() {

@@ -1,0 +1,139 @@
+#include "bench/vehicle/world.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace bench::vehicle {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string host_name() {
+    std::array<char, 256> name{};
+    ::gethostname(name.data(), name.size() - 1);
+    return name.data();
+}
+
+ino_t world_of(char const* name) {
+    struct stat information {};
+    ::stat((std::string("/proc/self/ns/") + name).c_str(), &information);
+    return information.st_ino;
+}
+
+// In a child, because the process that makes a world is in its namespaces from then on.
+int in_world(std::function<int()> const& inside) {
+    pid_t const child = ::fork();
+    if (child == 0) {
+        try {
+            ::_exit(run_inside("/", inside));
+        } catch (std::exception const& error) {
+            std::fprintf(stderr, "%s\n", error.what());
+            ::_exit(EXIT_FAILURE);
+        }
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+class World : public testing::Test {
+ protected:
+    void SetUp() override {
+        if (in_world([] { return 0; }) != 0) {
+            GTEST_SKIP() << "no world can be made here; its reason stands above";
+        }
+    }
+};
+
+TEST_F(World, Gives_the_result_of_what_ran_inside) {
+    EXPECT_EQ(in_world([] { return 42; }), 42);
+}
+
+TEST_F(World, Tells_of_an_exception_inside_and_has_a_status_for_it) {
+    EXPECT_EQ(in_world([]() -> int { throw std::runtime_error("broken inside, as this test wants it"); }), 70);
+}
+
+TEST_F(World, Is_another_one_in_every_respect) {
+    for (auto const* const name : {"mnt", "uts", "ipc", "net", "pid"}) {
+        auto const outside = world_of(name);
+        EXPECT_EQ(in_world([=] { return world_of(name) == outside ? 1 : 0; }), 0) << name;
+    }
+}
+
+TEST_F(World, Begins_with_the_first_process) {
+    EXPECT_EQ(in_world([] { return static_cast<int>(::getpid()); }), 1);
+}
+
+TEST_F(World, Keeps_its_host_name_to_itself) {
+    auto const outside = host_name();
+    EXPECT_EQ(in_world([] {
+                  set_host_name("another-machine");
+                  return host_name() == "another-machine" ? 0 : 1;
+              }),
+              0);
+    EXPECT_EQ(host_name(), outside);
+}
+
+TEST_F(World, Keeps_its_files_to_itself) {
+    for (auto const* const directory : {"/etc", "/etc/adaptive", "/dev", "/run", "/var", "/tmp", "/sys"}) {
+        auto const file = fs::path(directory) / ("made-inside-" + std::to_string(::getpid()));
+        EXPECT_EQ(in_world([&] {
+                      std::ofstream(file) << "text";
+                      return fs::file_size(file) == 4 ? 0 : 1;
+                  }),
+                  0)
+            << directory;
+        EXPECT_FALSE(fs::exists(file)) << file;
+    }
+}
+
+TEST_F(World, Leaves_nothing_on_the_host) {
+    auto const directory = fs::temp_directory_path() / ("world-" + std::to_string(::getpid()));
+    fs::create_directory(directory);
+    ::setenv("TMPDIR", directory.c_str(), 1);
+    auto const status = in_world([] { return 0; });
+    ::unsetenv("TMPDIR");
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(fs::is_empty(directory)) << "the place where the root directory was put together";
+    fs::remove_all(directory);
+}
+
+TEST_F(World, Shows_the_hypervisors_directories_where_a_vehicle_has_them) {
+    EXPECT_EQ(in_world([] {
+                  fs::create_directories(std::string(k_hypervisor) + "/input");
+                  fs::create_directories(std::string(k_hypervisor) + "/vmctl");
+                  std::ofstream(std::string(k_hypervisor) + "/vmctl/set_status");
+                  return fs::is_directory("/dev/input") && fs::exists("/sys/vmctl/set_status") ? 0 : 1;
+              }),
+              0);
+}
+
+TEST_F(World, Ends_with_everything_that_was_started_inside) {
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    EXPECT_EQ(in_world([] {
+                  if (::fork() == 0) {
+                      ::pause();
+                  }
+                  return 0;
+              }),
+              0);
+    ::close(pipe[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(pipe[0], &byte, 1), 0) << "a process inside that lives on holds the other end";
+    ::close(pipe[0]);
+}
+
+}  // namespace
+}  // namespace bench::vehicle
