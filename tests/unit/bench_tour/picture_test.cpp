@@ -1,0 +1,79 @@
+#include "bench/tour/picture.h"
+
+#include <cmath>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace bench::tour {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using vehicle::Kind;
+using vehicle::Timeline;
+
+constexpr std::int64_t k_second = 1'000'000'000;
+
+std::vector<double> numbers(std::string const& text, std::string const& pattern) {
+    std::vector<double> found;
+    std::regex const expression(pattern);
+    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end; ++match) {
+        found.push_back(std::stod((*match)[1]));
+    }
+    return found;
+}
+
+// Each bar of the state lane, not the white ground.
+constexpr char const* k_bar = "<rect x=\"([0-9.]+)\"";
+constexpr char const* k_bar_width = "<rect x=\"[0-9.]+\" y=\"[0-9.]+\" width=\"([0-9.]+)\"";
+
+TEST(Picture, Is_a_complete_document_of_an_empty_timeline) {
+    auto const picture = draw({});
+    EXPECT_EQ(picture.rfind("<svg ", 0), 0U);
+    EXPECT_THAT(picture, HasSubstr("</svg>\n"));
+    EXPECT_THAT(picture, Not(HasSubstr("nan")));
+}
+
+TEST(Picture, Has_a_lane_for_each_kind_that_is_shown) {
+    auto const picture = draw({{0, Kind::state_word, "running"}});
+    for (auto const* const title :
+         {"State", "Hypervisor's keys", "Machine state", "Service manager", "Power-off service", "Watchdog"}) {
+        EXPECT_THAT(picture, HasSubstr(std::string(">") + title + "<"));
+    }
+}
+
+TEST(Picture, Draws_a_state_until_the_next_begins) {
+    auto const picture = draw({{0, Kind::state_word, "startingup"},
+                               {k_second, Kind::state_word, "running"},
+                               {3 * k_second, Kind::ended, "0"}});
+    auto const begins = numbers(picture, k_bar);
+    auto const widths = numbers(picture, k_bar_width);
+    ASSERT_EQ(begins.size(), 2U);
+    EXPECT_NEAR(begins[0] + widths[0], begins[1], 0.5);
+    EXPECT_GT(widths[1], widths[0]) << "the longer state is the wider one";
+}
+
+TEST(Picture, Ends_the_last_state_with_the_daemon) {
+    auto const picture = draw({{0, Kind::state_word, "shuttingdown"},
+                               {k_second, Kind::ended, "0"},
+                               {2 * k_second, Kind::state_word, "startingup"}});
+    auto const begins = numbers(picture, k_bar);
+    auto const widths = numbers(picture, k_bar_width);
+    ASSERT_EQ(begins.size(), 2U);
+    EXPECT_LT(begins[0] + widths[0], begins[1] - 20) << "a gap while no daemon runs";
+}
+
+TEST(Picture, Puts_events_in_the_order_of_their_times) {
+    auto const picture = draw({{2 * k_second, Kind::key, "later"}, {k_second, Kind::key, "sooner"}});
+    EXPECT_LT(picture.find("sooner"), picture.find("later"));
+}
+
+TEST(Picture, Shows_texts_as_they_are) {
+    EXPECT_THAT(draw({{0, Kind::power_off, "a<b&c"}}), HasSubstr("a&lt;b&amp;c"));
+}
+
+}  // namespace
+}  // namespace bench::tour
