@@ -3,6 +3,7 @@
 
 #include "bench/vehicle/vehicle.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -33,8 +34,9 @@ struct Finding {
 /// The way through every state that can be reached, in two lives of the daemon.
 std::vector<Step> steps();
 
-/// Goes the way and prints a line for each step as it happens.
-std::vector<Finding> walk(vehicle::Vehicle& vehicle, std::vector<Step> const& steps);
+/// Goes the way and prints a line for each step as it happens. An expectation has `patience` to be seen.
+std::vector<Finding> walk(vehicle::Vehicle& vehicle, std::vector<Step> const& steps,
+                          std::chrono::milliseconds patience = vehicle::Vehicle::k_patience);
 
 /// Prints the table of what was expected and seen; true when everything was seen.
 bool print_summary(std::vector<Finding> const& findings);

@@ -78,8 +78,10 @@ void Vehicle::install_configuration() const {
 
 void Vehicle::start_daemon() {
     std::vector<std::string> environment{"WATCHDOG_USEC=2000000"};
-    if (options_.with_service_manager) {
+    if (options_.with_service_manager && options_.with_notify_socket) {
         environment.push_back(std::string("NOTIFY_SOCKET=") + k_notify_socket);
+    }
+    if (options_.with_service_manager) {
         environment.push_back("DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address());
     }
     exit_status_.reset();

@@ -25,6 +25,7 @@ struct Options {
     unsigned devices{1};
     bool with_log{true};
     bool with_service_manager{true};
+    bool with_notify_socket{true};  ///< of the service manager, told to the daemon
     bool with_power_off_service{true};
 };
 

@@ -30,7 +30,8 @@ TEST_F(Faults, Of_a_missing_status_file_are_logged_once) {
 TEST_F(Faults, Of_the_only_device_leave_the_daemon_running) {
     start_and_run();
     machine->hypervisor().command({{"do", "remove_device"}, {"device", "event0"}});
-    machine->watch(std::chrono::milliseconds(300));
+    auto const removed = machine->events().size();
+    EXPECT_TRUE(machine->await(Kind::watchdog, "WATCHDOG", removed + 3)) << "it cycles and is alive";
     machine->signal_daemon(SIGTERM);
     EXPECT_TRUE(ends_with(0));
 }
@@ -86,6 +87,17 @@ TEST_F(Faults, Of_a_service_manager_that_is_not_there_do_not_keep_it_from_runnin
     EXPECT_TRUE(logs("StateClient::SetState(MachineState, Running) exception: "));
     machine->signal_daemon(SIGTERM);
     EXPECT_TRUE(ends_with(0));
+}
+
+TEST_F(Faults, Of_a_notify_socket_that_is_not_there_are_no_faults) {
+    options.with_notify_socket = false;
+    start_and_run();
+    EXPECT_TRUE(sees(Kind::machine_state, "Running"));
+    machine->press("power");
+    EXPECT_TRUE(ends_with(0));
+    EXPECT_THAT(texts(Kind::notification), testing::IsEmpty());
+    EXPECT_THAT(texts(Kind::watchdog), testing::IsEmpty());
+    EXPECT_THAT(texts(Kind::log), testing::Not(Contains(testing::HasSubstr("AliveSupervision: caught"))));
 }
 
 TEST_F(Faults, Of_the_supervision_stop_its_reports_for_good) {

@@ -37,6 +37,19 @@ TEST_F(Start, Reports_alive_in_every_cycle) {
     EXPECT_NEAR(static_cast<double>(cycles), static_cast<double>(started), 5);
 }
 
+TEST_F(Start, Is_told_to_everybody_in_order) {
+    start_and_run();
+    ASSERT_TRUE(sees(Kind::machine_state, "Running"));
+    ASSERT_TRUE(sees(Kind::watchdog, "WATCHDOG"));
+    auto const time_of = [this](Kind kind, char const* text) {
+        return machine->events()[*machine->await(kind, text)].time;
+    };
+    EXPECT_LT(time_of(Kind::state_word, "startingup"), time_of(Kind::notification, "READY"));
+    EXPECT_LT(time_of(Kind::notification, "READY"), time_of(Kind::watchdog, "WATCHDOG"));
+    EXPECT_LT(time_of(Kind::watchdog, "WATCHDOG"), time_of(Kind::machine_state, "Running"));
+    EXPECT_LT(time_of(Kind::state_word, "running"), time_of(Kind::machine_state, "Running"));
+}
+
 TEST_F(Start, Ends_with_status_255_without_a_configuration) {
     options.configuration_name = "another.json";
     start();

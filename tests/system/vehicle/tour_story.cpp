@@ -1,0 +1,35 @@
+#include "bench/tour/tour.h"
+#include "story.h"
+
+namespace bench::vehicle {
+namespace {
+
+class Tour : public Story {
+ protected:
+    std::vector<bool> seen(std::vector<tour::Step> const& steps) {
+        build();
+        std::vector<bool> result;
+        for (auto const& finding : tour::walk(*machine, steps, std::chrono::seconds(2))) {
+            result.push_back(finding.seen);
+        }
+        return result;
+    }
+
+    tour::Step const start_step{
+        "start", [](Vehicle& vehicle) { vehicle.start_daemon(); }, {{Kind::state_word, "running"}}};
+};
+
+TEST_F(Tour, Does_not_see_what_does_not_happen) {
+    tour::Step const step{"the wrong key",
+                          [](Vehicle& vehicle) { vehicle.press("r"); },
+                          {{Kind::log, "New command received Run"}, {Kind::state_word, "prepared4sd"}}};
+    EXPECT_THAT(seen({start_step, step}), testing::ElementsAre(true, true, false));
+}
+
+TEST_F(Tour, Does_not_count_one_event_twice) {
+    tour::Step const step{"nothing", [](Vehicle& /*vehicle*/) {}, {{Kind::state_word, "running"}}};
+    EXPECT_THAT(seen({start_step, step}), testing::ElementsAre(true, false));
+}
+
+}  // namespace
+}  // namespace bench::vehicle
