@@ -1,0 +1,38 @@
+#include "utilities/frame_assembler.h"
+
+#include <string>
+
+namespace utilities {
+
+std::optional<Type_length_values> Frame_assembler::take() {
+    auto iterator = pending_.cbegin() + static_cast<Bytes_iterator::difference_type>(taken_);
+    auto const end = pending_.cend();
+    if (end - iterator < static_cast<Bytes_iterator::difference_type>(k_header_size)) {
+        forget_taken();
+        return std::nullopt;
+    }
+    read_number<std::uint32_t>(iterator, end);  // the outer type: not looked at
+    auto const length = read_number<std::uint64_t>(iterator, end);
+    if (length > k_longest) {
+        throw Exception_frame_too_long("announced message length is too big: " + std::to_string(length));
+    }
+    if (length > static_cast<std::uint64_t>(end - iterator)) {
+        forget_taken();
+        return std::nullopt;
+    }
+    auto const frame_end = iterator + static_cast<Bytes_iterator::difference_type>(length);
+    auto message = deserialize_vector(length, iterator, frame_end);
+    taken_ = static_cast<std::size_t>(frame_end - pending_.cbegin());
+    return message;
+}
+
+/// Keeps what is left of an unfinished message; an idle connection keeps no memory.
+void Frame_assembler::forget_taken() {
+    if (taken_ == 0) {
+        return;
+    }
+    Bytes(pending_.cbegin() + static_cast<Bytes_iterator::difference_type>(taken_), pending_.cend()).swap(pending_);
+    taken_ = 0;
+}
+
+}  // namespace utilities

@@ -1,0 +1,86 @@
+#include "utilities/files.h"
+
+#include "expect_system_error.h"
+#include "support/log_capture.h"
+#include "support/temporary_directory.h"
+
+#include <cerrno>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace utilities {
+namespace {
+
+using ara::log::LogLevel;
+using test_support::Log_capture;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class Files : public testing::Test {
+ protected:
+    test_support::Temporary_directory directory;
+};
+
+TEST_F(Files, Exist_when_something_is_there) {
+    EXPECT_TRUE(file_exists(directory.write("file", "")));
+    EXPECT_TRUE(file_exists(directory.path()));
+    EXPECT_FALSE(file_exists(directory.file("nothing")));
+    EXPECT_FALSE(file_exists(""));
+}
+
+TEST_F(Files, That_are_deleted_are_gone) {
+    auto const path = directory.write("file", "content");
+    delete_file(path);
+    EXPECT_FALSE(file_exists(path));
+}
+
+TEST_F(Files, That_are_not_there_need_no_deleting) {
+    EXPECT_NO_THROW(delete_file(directory.file("nothing")));
+    EXPECT_NO_THROW(delete_file(""));
+}
+
+TEST_F(Files, That_can_not_be_deleted_are_an_error) {
+    directory.write("file", "");
+    expect_system_error(ENOTEMPTY, "remove('" + directory.path().string() + "')",
+                        [&] { delete_file(directory.path()); });
+}
+
+TEST_F(Files, A_deleter_removes_its_file) {
+    auto const path = directory.write("file", "");
+    {
+        Deleter const sut(path, false);
+        EXPECT_EQ(sut.get_path(), path);
+        EXPECT_TRUE(file_exists(path));
+    }
+    EXPECT_FALSE(file_exists(path));
+}
+
+TEST_F(Files, A_deleter_removes_its_directory_with_all_that_is_in_it) {
+    auto const path = directory.file("tree");
+    make_dirs(path + "/a/b", 0755);
+    directory.write("tree/a/file", "");
+    { Deleter const sut(path, true); }
+    EXPECT_FALSE(file_exists(path));
+}
+
+TEST_F(Files, A_deleter_does_not_mind_that_nothing_is_there) {
+    Log_capture log;
+    {
+        Deleter const file(directory.file("nothing"), false);
+        Deleter const tree(directory.file("nothing"), true);
+    }
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Files, A_deleter_of_a_file_leaves_a_directory_with_content_and_logs_it) {
+    Log_capture log;
+    directory.write("file", "");
+    { Deleter const sut(directory.path(), false); }
+    EXPECT_TRUE(file_exists(directory.file("file")));
+    ASSERT_THAT(log.messages(LogLevel::kError), SizeIs(1));
+    EXPECT_EQ(log.messages().front().context, "SNCC");
+}
+
+}  // namespace
+}  // namespace utilities

@@ -1,0 +1,53 @@
+#include "utilities/protocol.h"
+
+#include <gmock/gmock.h>
+
+namespace utilities {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(Protocol, The_socket_is_below_the_prefix_of_the_build) {
+    EXPECT_EQ(get_socket_path(), std::string(VAR_PREFIX) + "/run/adaptive/ara_SM/ara_SM.socket");
+}
+
+TEST(Protocol, The_words_are_those_of_the_protocol) {
+    EXPECT_EQ(get_default_non_connected_state(), "kOn");
+    EXPECT_EQ(get_unknown_state(), "unknown");
+    EXPECT_EQ(get_terminate_command(), "terminate");
+    EXPECT_EQ(get_protocol_version_one(), "component_client_v1");
+    EXPECT_EQ(get_state_change_request_added(), "state_change_request_added");
+}
+
+TEST(Protocol, Each_word_is_built_once) {
+    EXPECT_EQ(&get_socket_path(), &get_socket_path());
+    EXPECT_EQ(&get_default_non_connected_state(), &get_default_non_connected_state());
+    EXPECT_EQ(&get_unknown_state(), &get_unknown_state());
+    EXPECT_EQ(&get_terminate_command(), &get_terminate_command());
+    EXPECT_EQ(&get_protocol_version_one(), &get_protocol_version_one());
+    EXPECT_EQ(&get_state_change_request_added(), &get_state_change_request_added());
+}
+
+TEST(Protocol, The_terminate_command_is_a_list_of_its_word) {
+    EXPECT_THAT(create_terminate_command(), ElementsAre(Type_length_value("terminate")));
+}
+
+TEST(Remove_quotes, Takes_off_exactly_one_surrounding_pair) {
+    EXPECT_EQ(remove_quotes("\"/var\""), "/var");
+    EXPECT_EQ(remove_quotes("\"\"/var\"\""), "\"/var\"");
+    EXPECT_EQ(remove_quotes("\"\""), "");
+    EXPECT_EQ(remove_quotes("\"a\"b\""), "a\"b");
+}
+
+TEST(Remove_quotes, Leaves_text_without_a_surrounding_pair) {
+    EXPECT_EQ(remove_quotes("/var"), "/var");
+    EXPECT_EQ(remove_quotes("\"/var"), "\"/var");
+    EXPECT_EQ(remove_quotes("/var\""), "/var\"");
+    EXPECT_EQ(remove_quotes("/\"v\"ar"), "/\"v\"ar");
+    EXPECT_EQ(remove_quotes("\""), "\"");
+    EXPECT_EQ(remove_quotes("'/var'"), "'/var'");
+    EXPECT_EQ(remove_quotes(""), "");
+}
+
+}  // namespace
+}  // namespace utilities

@@ -1,0 +1,145 @@
+#include "utilities/socket.h"
+
+#include "expect_system_error.h"
+#include "support/log_capture.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace utilities {
+namespace {
+
+using ara::log::LogLevel;
+using test_support::Log_capture;
+using test_support::logged_in;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+bool is_open(int descriptor) {
+    return ::fcntl(descriptor, F_GETFD) != -1;
+}
+
+int some_descriptor() {
+    return ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+}
+
+TEST(Socket, Is_empty_unless_told_otherwise) {
+    Log_capture log;
+    { EXPECT_EQ(Socket().get_fd(), -1); }
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST(Socket, Closes_the_descriptor_that_it_took) {
+    int const descriptor = some_descriptor();
+    {
+        Socket const sut(descriptor);
+        EXPECT_EQ(sut.get_fd(), descriptor);
+        EXPECT_TRUE(is_open(descriptor));
+    }
+    EXPECT_FALSE(is_open(descriptor));
+}
+
+TEST(Socket, Refuses_to_own_minus_one) {
+    expect_system_error(EMFILE, "Socket::Socket(int32_t)", [] {
+        errno = EMFILE;
+        Socket const sut(-1);
+    });
+}
+
+TEST(Socket, Is_made_with_domain_type_and_protocol) {
+    Socket const sut(AF_UNIX, SOCK_DGRAM, 0);
+
+    int type = 0;
+    socklen_t length = sizeof type;
+    ASSERT_EQ(::getsockopt(sut.get_fd(), SOL_SOCKET, SO_TYPE, &type, &length), 0);
+    EXPECT_EQ(type, SOCK_DGRAM);
+}
+
+TEST(Socket, That_the_system_refuses_throws) {
+    expect_system_error(EAFNOSUPPORT, "Socket::Socket(int32_t)", [] { Socket const sut(AF_MAX + 1, SOCK_STREAM, 0); });
+}
+
+TEST(Socket, Moved_from_is_empty) {
+    int const descriptor = some_descriptor();
+    Socket first(descriptor);
+
+    Socket const sut(std::move(first));
+
+    EXPECT_EQ(sut.get_fd(), descriptor);
+    EXPECT_EQ(first.get_fd(), -1);  // NOLINT(bugprone-use-after-move): what is left behind is promised
+    EXPECT_TRUE(is_open(descriptor));
+}
+
+TEST(Socket, Move_assignment_swaps) {
+    int const one = some_descriptor();
+    int const two = some_descriptor();
+    Socket first(one);
+    Socket second(two);
+
+    first = std::move(second);
+
+    EXPECT_EQ(first.get_fd(), two);
+    EXPECT_EQ(second.get_fd(), one);  // NOLINT(bugprone-use-after-move): what is left behind is promised
+    EXPECT_TRUE(is_open(one));
+    EXPECT_TRUE(is_open(two));
+}
+
+TEST(Socket, A_failed_close_is_logged_and_not_thrown) {
+    Log_capture log;
+    {
+        Socket const sut(some_descriptor());
+        ::close(sut.get_fd());
+    }
+    EXPECT_THAT(log.messages(), ElementsAre(logged_in("SNCC", LogLevel::kError,
+                                                      "close(m_socket) failed with error: ", std::strerror(EBADF))));
+}
+
+TEST(Socket, That_can_not_listen_throws) {
+    expect_system_error(EOPNOTSUPP, "Socket::listen(int32_t)", [] { Socket(AF_UNIX, SOCK_DGRAM, 0).listen(1); });
+}
+
+TEST(Socket_pair, Is_two_stream_sockets_that_are_connected) {
+    auto const [left, right] = socket_pair();
+
+    left.sendl("hello", 5, 0);
+    char received[5];
+    right.recvl(received, sizeof received, 0);
+
+    EXPECT_EQ(std::string(received, 5), "hello");
+    int type = 0;
+    socklen_t length = sizeof type;
+    ASSERT_EQ(::getsockopt(left.get_fd(), SOL_SOCKET, SO_TYPE, &type, &length), 0);
+    EXPECT_EQ(type, SOCK_STREAM);
+}
+
+TEST(Create_unix_address, Holds_the_path_in_a_zeroed_address) {
+    auto const address = create_unix_address("/run/x");
+
+    EXPECT_EQ(address.sun_family, AF_UNIX);
+    EXPECT_STREQ(address.sun_path, "/run/x");
+    for (std::size_t i = 6; i < sizeof address.sun_path; ++i) {
+        ASSERT_EQ(address.sun_path[i], 0);
+    }
+}
+
+TEST(Create_unix_address, Takes_108_characters_without_terminator) {
+    std::string const path(108, 'p');
+    EXPECT_EQ(std::string(create_unix_address(path).sun_path, 108), path);
+}
+
+TEST(Create_unix_address, Refuses_109_characters) {
+    std::string const path(109, 'p');
+    try {
+        create_unix_address(path);
+        FAIL();
+    } catch (std::runtime_error const& error) {
+        EXPECT_EQ(error.what(), "socket address is too big for unix domain socket path (max size 108): " + path);
+    }
+}
+
+}  // namespace
+}  // namespace utilities
