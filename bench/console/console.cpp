@@ -27,12 +27,12 @@ constexpr int k_control_c = 3;
 /// The terminal as the console needs it, and as it was when this goes.
 class Terminal {
  public:
-    Terminal() {
+    explicit Terminal(std::string const& messages) {
         std::setlocale(LC_ALL, "C.UTF-8");
         // What the neighbours say on standard error would stand in the middle of the screen.
-        int const messages = ::open("/tmp/stderr", O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-        ::dup2(messages, STDERR_FILENO);
-        ::close(messages);
+        int const file = ::open(messages.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+        ::dup2(file, STDERR_FILENO);
+        ::close(file);
         ::initscr();
         ::raw();
         ::noecho();
@@ -92,7 +92,7 @@ class Terminal {
 
 class Session {
  public:
-    explicit Session(vehicle::Vehicle& machine) : machine_(machine) {}
+    explicit Session(vehicle::Machine& machine) : machine_(machine) {}
 
     int run() {
         machine_.start_daemon();
@@ -136,7 +136,7 @@ class Session {
         }
     }
 
-    vehicle::Vehicle& machine_;
+    vehicle::Machine& machine_;
     Machine_view view_;
     int level_{4};
     bool is_over_{false};
@@ -144,9 +144,9 @@ class Session {
 
 }  // namespace
 
-int run(vehicle::Vehicle& vehicle) {
-    Terminal const terminal;
-    return Session(vehicle).run();
+int run(vehicle::Machine& machine, std::string const& messages) {
+    Terminal const terminal(messages);
+    return Session(machine).run();
 }
 
 }  // namespace bench::console

@@ -1,12 +1,15 @@
 #ifndef BENCH_CONSOLE_CONSOLE_H
 #define BENCH_CONSOLE_CONSOLE_H
 
-#include "bench/vehicle/vehicle.h"
+#include "bench/vehicle/machine.h"
+
+#include <string>
 
 namespace bench::console {
 
-/// Shows the machine in the terminal and turns the user's keys into the hypervisor's until the user quits.
-int run(vehicle::Vehicle& vehicle);
+/// Shows the machine in the terminal and turns the user's keys into the hypervisor's until the user quits. What its
+/// processes say on standard error meanwhile goes to the file `messages`.
+int run(vehicle::Machine& machine, std::string const& messages);
 
 }  // namespace bench::console
 

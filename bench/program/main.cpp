@@ -90,7 +90,7 @@ int tour(fs::path const& build, Picture_file& picture) {
 
 int console(fs::path const& build) {
     Vehicle vehicle(complete_machine(build));
-    return bench::console::run(vehicle);
+    return bench::console::run(vehicle, "/tmp/stderr");
 }
 
 bool has_terminal() {

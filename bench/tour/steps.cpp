@@ -5,7 +5,7 @@
 namespace bench::tour {
 
 using vehicle::Kind;
-using vehicle::Vehicle;
+using vehicle::Machine;
 
 namespace {
 
@@ -13,15 +13,15 @@ Expectation transition(std::string const& from, std::string const& to) {
     return {Kind::log, "AP_StateManger transition from " + from + "  to  " + to};
 }
 
-std::function<void(Vehicle&)> press(std::string const& key) {
-    return [key](Vehicle& machine) { machine.press(key); };
+std::function<void(Machine&)> press(std::string const& key) {
+    return [key](Machine& machine) { machine.press(key); };
 }
 
-void start(Vehicle& machine) {
+void start(Machine& machine) {
     machine.start_daemon();
 }
-void nothing(Vehicle& /*machine*/) {}
-void terminate(Vehicle& machine) {
+void nothing(Machine& /*machine*/) {}
+void terminate(Machine& machine) {
     machine.signal_daemon(SIGTERM);
 }
 

@@ -29,28 +29,28 @@ void print_step(std::size_t number, Step const& step, double at, bool all_seen) 
 }  // namespace
 
 // What is expected of one kind happens in the order of the steps, so each kind is followed by a position of its own.
-std::vector<Finding> walk(vehicle::Vehicle& vehicle, std::vector<Step> const& steps,
+std::vector<Finding> walk(vehicle::Machine& machine, std::vector<Step> const& steps,
                           std::chrono::milliseconds patience) {
     std::vector<Finding> findings;
     std::map<vehicle::Kind, std::size_t> next;
     auto const start = monotonic_ns();
     std::size_t number = 0;
     for (auto const& step : steps) {
-        next[vehicle::Kind::watchdog] = vehicle.events().size();  // beats come all the time; only fresh ones count
-        step.action(vehicle);
+        next[vehicle::Kind::watchdog] = machine.events().size();  // beats come all the time; only fresh ones count
+        step.action(machine);
         std::int64_t latest = 0;
         bool all_seen = true;
         for (auto const& expectation : step.expectations) {
             auto& from = next[expectation.kind];
-            auto const position = vehicle.await(expectation.kind, expectation.text, from, patience);
-            auto const time = position ? vehicle.events()[*position].time : 0;
+            auto const position = machine.await(expectation.kind, expectation.text, from, patience);
+            auto const time = position ? machine.events()[*position].time : 0;
             from = position ? *position + 1 : from;
             findings.push_back({step.name, describe(expectation), position.has_value(), time});
             all_seen = all_seen && position;
             latest = std::max(latest, time);
         }
         print_step(++number, step, seconds_since(start, latest == 0 ? monotonic_ns() : latest), all_seen);
-        vehicle.watch(k_pause);
+        machine.watch(k_pause);
     }
     return findings;
 }

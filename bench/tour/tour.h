@@ -1,7 +1,7 @@
 #ifndef BENCH_TOUR_TOUR_H
 #define BENCH_TOUR_TOUR_H
 
-#include "bench/vehicle/vehicle.h"
+#include "bench/vehicle/machine.h"
 
 #include <chrono>
 #include <functional>
@@ -19,7 +19,7 @@ struct Expectation {
 /// One step of the tour: something is done, and each expectation must be seen after it.
 struct Step {
     std::string name;
-    std::function<void(vehicle::Vehicle&)> action;
+    std::function<void(vehicle::Machine&)> action;
     std::vector<Expectation> expectations;
 };
 
@@ -35,8 +35,8 @@ struct Finding {
 std::vector<Step> steps();
 
 /// Goes the way and prints a line for each step as it happens. An expectation has `patience` to be seen.
-std::vector<Finding> walk(vehicle::Vehicle& vehicle, std::vector<Step> const& steps,
-                          std::chrono::milliseconds patience = vehicle::Vehicle::k_patience);
+std::vector<Finding> walk(vehicle::Machine& machine, std::vector<Step> const& steps,
+                          std::chrono::milliseconds patience = vehicle::Machine::k_patience);
 
 /// Prints the table of what was expected and seen; true when everything was seen.
 bool print_summary(std::vector<Finding> const& findings);

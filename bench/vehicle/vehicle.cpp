@@ -18,15 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::chrono::milliseconds k_log_poll{10};
 constexpr char const* k_notify_socket = "/run/notify";
-
-bool fits(Event const& event, Kind kind, std::string const& text) {
-    if (event.kind != kind) {
-        return false;
-    }
-    return kind == Kind::log ? event.text.rfind(text, 0) == 0 : event.text == text;
-}
 
 std::string machine_state_of(std::string const& unit) {
     constexpr std::string_view prefix = "MachineState-";
@@ -91,41 +83,35 @@ void Vehicle::start_daemon() {
 
 void Vehicle::press(std::string const& key) {
     auto const answer = hypervisor_->command({{"do", "press"}, {"key", key}});
-    events_.push_back({answer.at("t").get<std::int64_t>(), Kind::key, key});
+    add({answer.at("t").get<std::int64_t>(), Kind::key, key});
 }
 
 std::optional<int> Vehicle::await_end(std::chrono::milliseconds limit) {
     auto const deadline = std::chrono::steady_clock::now() + limit;
     do {
-        update(k_log_poll);
+        update(k_poll);
     } while (!exit_status_ && std::chrono::steady_clock::now() < deadline);
-    update(k_log_poll * 3);  // what the log daemon still has
+    update(k_poll * 3);  // what the log daemon still has
     return exit_status_;
 }
 
 void Vehicle::update(std::chrono::milliseconds limit) {
     std::array<pollfd, 2> sources{{{hypervisor_->process().output(), POLLIN, 0},
                                    {service_manager_ ? service_manager_->process().output() : -1, POLLIN, 0}}};
-    ::poll(sources.data(), sources.size(), static_cast<int>(std::min(limit, k_log_poll).count()));
+    ::poll(sources.data(), sources.size(), static_cast<int>(std::min(limit, k_poll).count()));
     take_from_hypervisor();
     take_from_service_manager();
     if (log_) {
-        auto messages = log_->take();
-        std::move(messages.begin(), messages.end(), std::back_inserter(events_));
+        for (auto& message : log_->take()) {
+            add(std::move(message));
+        }
     }
     if (power_off_) {
         for (auto& command : power_off_->take()) {
-            events_.push_back({monotonic_ns(), Kind::power_off, std::move(command)});
+            add({monotonic_ns(), Kind::power_off, std::move(command)});
         }
     }
     take_end();
-}
-
-void Vehicle::watch(std::chrono::milliseconds duration) {
-    auto const end = std::chrono::steady_clock::now() + duration;
-    while (std::chrono::steady_clock::now() < end) {
-        update(k_log_poll);
-    }
 }
 
 void Vehicle::take_from_hypervisor() {
@@ -134,8 +120,8 @@ void Vehicle::take_from_hypervisor() {
         auto const& message = messages[hypervisor_seen_];
         if (has_members(message, {{"event", "write"}})) {
             bool const is_status = message.at("file") == "set_status";
-            events_.push_back({message.at("t").get<std::int64_t>(), is_status ? Kind::state_word : Kind::restart_word,
-                               message.at("text").get<std::string>()});
+            add({message.at("t").get<std::int64_t>(), is_status ? Kind::state_word : Kind::restart_word,
+                 message.at("text").get<std::string>()});
         }
     }
 }
@@ -148,12 +134,12 @@ void Vehicle::take_from_service_manager() {
     for (; service_manager_seen_ < messages.size(); ++service_manager_seen_) {
         auto const& message = messages[service_manager_seen_];
         if (has_members(message, {{"event", "call"}, {"method", "StartUnit"}})) {
-            events_.push_back({message.at("t").get<std::int64_t>(), Kind::machine_state,
-                               machine_state_of(message.at("unit").get<std::string>())});
+            add({message.at("t").get<std::int64_t>(), Kind::machine_state,
+                 machine_state_of(message.at("unit").get<std::string>())});
         } else if (has_members(message, {{"event", "notify"}})) {
             for (auto const& [variable, value] : message.at("variables").items()) {
                 auto const kind = variable == "WATCHDOG" ? Kind::watchdog : Kind::notification;
-                events_.push_back({message.at("t").get<std::int64_t>(), kind, variable});
+                add({message.at("t").get<std::int64_t>(), kind, variable});
             }
         }
     }
@@ -163,23 +149,7 @@ void Vehicle::take_end() {
     if (daemon_ && !exit_status_) {
         exit_status_ = daemon_->wait({});
         if (exit_status_) {
-            events_.push_back({monotonic_ns(), Kind::ended, std::to_string(*exit_status_)});
-        }
-    }
-}
-
-std::optional<std::size_t> Vehicle::await(Kind kind, std::string const& text, std::size_t from,
-                                          std::chrono::milliseconds limit) {
-    auto const deadline = std::chrono::steady_clock::now() + limit;
-    for (auto next = from;;) {
-        update(k_log_poll);
-        for (; next < events_.size(); ++next) {
-            if (fits(events_[next], kind, text)) {
-                return next;
-            }
-        }
-        if (std::chrono::steady_clock::now() > deadline) {
-            return std::nullopt;
+            add({monotonic_ns(), Kind::ended, std::to_string(*exit_status_)});
         }
     }
 }

@@ -4,15 +4,13 @@
 #include "bench/process/player.h"
 #include "bench/process/private_bus.h"
 #include "bench/vehicle/dlt_reader.h"
+#include "bench/vehicle/machine.h"
 #include "bench/vehicle/power_off_service.h"
-#include "bench/vehicle/timeline.h"
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace bench::vehicle {
 
@@ -36,38 +34,19 @@ struct Options {
 ///     vehicle.start_daemon();
 ///     vehicle.press("p");
 ///     vehicle.await(Kind::state_word, "prepared4sd");
-class Vehicle {
+class Vehicle : public Machine {
  public:
-    static constexpr std::chrono::milliseconds k_patience{5'000};
-
     explicit Vehicle(Options options);
-    ~Vehicle();
-    Vehicle(Vehicle const&) = delete;
-    Vehicle& operator=(Vehicle const&) = delete;
+    ~Vehicle() override;
 
-    void start_daemon();
-    void press(std::string const& key);
-    void signal_daemon(int number) const { daemon_->signal(number); }
+    void start_daemon() override;
+    void press(std::string const& key) override;
+    void signal_daemon(int number) override { daemon_->signal(number); }
 
     /// The exit status; nothing when the daemon still runs after the time.
     std::optional<int> await_end(std::chrono::milliseconds limit = k_patience);
 
-    /// Takes in what has happened, and waits up to `limit` for something to happen.
-    void update(std::chrono::milliseconds limit = {});
-
-    /// Takes in what happens during that time.
-    void watch(std::chrono::milliseconds duration);
-
-    /// Everything so far, in the order in which it became known.
-    Timeline const& events() const { return events_; }
-
-    /// Gives away the events so far, for users who run long; positions begin at 0 again.
-    Timeline take_events() { return std::exchange(events_, {}); }
-
-    /// Position of the first event of a kind, from position `from` on, whose text is (a log message: begins with)
-    /// `text`. Waits up to `limit` for it; nothing when it did not come.
-    std::optional<std::size_t> await(Kind kind, std::string const& text, std::size_t from = 0,
-                                     std::chrono::milliseconds limit = k_patience);
+    void update(std::chrono::milliseconds limit) override;
 
     Player& hypervisor() { return *hypervisor_; }
     Player& service_manager() { return *service_manager_; }
@@ -91,7 +70,6 @@ class Vehicle {
     std::optional<int> exit_status_;
     std::size_t hypervisor_seen_{0};
     std::size_t service_manager_seen_{0};
-    Timeline events_;
 };
 
 }  // namespace bench::vehicle

@@ -16,18 +16,18 @@ class Tour : public Story {
     }
 
     tour::Step const start_step{
-        "start", [](Vehicle& vehicle) { vehicle.start_daemon(); }, {{Kind::state_word, "running"}}};
+        "start", [](Machine& vehicle) { vehicle.start_daemon(); }, {{Kind::state_word, "running"}}};
 };
 
 TEST_F(Tour, Does_not_see_what_does_not_happen) {
     tour::Step const step{"the wrong key",
-                          [](Vehicle& vehicle) { vehicle.press("r"); },
+                          [](Machine& vehicle) { vehicle.press("r"); },
                           {{Kind::log, "New command received Run"}, {Kind::state_word, "prepared4sd"}}};
     EXPECT_THAT(seen({start_step, step}), testing::ElementsAre(true, true, false));
 }
 
 TEST_F(Tour, Does_not_count_one_event_twice) {
-    tour::Step const step{"nothing", [](Vehicle& /*vehicle*/) {}, {{Kind::state_word, "running"}}};
+    tour::Step const step{"nothing", [](Machine& /*vehicle*/) {}, {{Kind::state_word, "running"}}};
     EXPECT_THAT(seen({start_step, step}), testing::ElementsAre(true, false));
 }
 
