@@ -2,14 +2,16 @@
 # no others. Each component's headers are linked into an include directory of its own below the build tree, so that
 # including a header of a component that is not among the dependencies does not compile.
 
-# add_component(NAME target ROOT dir FOLDER path [SOURCES ...] [HEADERS ...] [DEPENDS ...] [PRIVATE_DEPENDS ...])
+# add_component(NAME target ROOT dir FOLDER path [SOURCES ...] [HEADERS ...] [DEPENDS ...] [PRIVATE_DEPENDS ...]
+#               [OBJECTS])
 #   NAME             the target
 #   ROOT             directory from which include paths are counted, e.g. ${CMAKE_SOURCE_DIR}/src
 #   FOLDER           the component's folder below ROOT; headers are included as <FOLDER>/<header>
 #   SOURCES, HEADERS relative to that folder
+#   OBJECTS          no archive of its own: its objects go into each library or program that links it directly
 #   DEPENDS          components that its headers use;  PRIVATE_DEPENDS  those that only its sources use
 function(add_component)
-    cmake_parse_arguments(PARSE_ARGV 0 C "" "NAME;ROOT;FOLDER" "SOURCES;HEADERS;DEPENDS;PRIVATE_DEPENDS")
+    cmake_parse_arguments(PARSE_ARGV 0 C "OBJECTS" "NAME;ROOT;FOLDER" "SOURCES;HEADERS;DEPENDS;PRIVATE_DEPENDS")
     set(include_dir ${CMAKE_BINARY_DIR}/include/${C_NAME})
     set(folder ${C_ROOT}/${C_FOLDER})
     foreach(header IN LISTS C_HEADERS)
@@ -19,7 +21,11 @@ function(add_component)
     endforeach()
     if(C_SOURCES)
         list(TRANSFORM C_SOURCES PREPEND ${folder}/)
-        add_library(${C_NAME} STATIC ${C_SOURCES})
+        set(kind STATIC)
+        if(C_OBJECTS)
+            set(kind OBJECT)
+        endif()
+        add_library(${C_NAME} ${kind} ${C_SOURCES})
         target_include_directories(${C_NAME} PUBLIC ${include_dir})
         target_link_libraries(${C_NAME} PUBLIC ${C_DEPENDS} PRIVATE ${C_PRIVATE_DEPENDS} project_options)
     else()

@@ -1,7 +1,6 @@
 #include "utilities/socket.h"
 
-#include "base/system_error.h"
-#include "utilities/logger.h"
+#include "utilities/close_failure.h"
 #include "utilities/poll.h"
 
 #include <algorithm>
@@ -34,7 +33,7 @@ Socket::Socket(int domain, int type, int protocol) : Socket(::socket(domain, typ
 
 Socket::~Socket() {
     if (m_socket != k_none && ::close(m_socket) != 0) {
-        get_logger().LogError() << "close(m_socket) failed with error: " << base::system_error_text(errno);
+        report_close_failure(errno);
     }
 }
 

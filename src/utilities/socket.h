@@ -40,7 +40,7 @@ class Socket {
     /// A new socket, arguments as those of socket(2).
     Socket(int domain, int type, int protocol);
 
-    /// A failed close is logged.
+    /// A failed close is reported, see close_failure.h.
     ~Socket();
 
     Socket(Socket&& other) noexcept : m_socket(std::exchange(other.m_socket, k_none)) {}
