@@ -1,0 +1,114 @@
+#include "nm_fixture.h"
+
+namespace bench::network {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Nm_peers_test : public Nm_fixture {};
+
+TEST_F(Nm_peers_test, A_request_of_another_node_is_part_of_the_network_state) {
+    sut.request({0x01}, now);
+    take_doings();
+    hear({0x10, 0x01});
+    EXPECT_THAT(sut.network_state(), ElementsAre(0x11, 0x01));
+    EXPECT_THAT(take_doings(), ElementsAre("[11 01]"));
+    EXPECT_THAT(sut.requests(), ElementsAre(0x01, 0x00));
+}
+
+TEST_F(Nm_peers_test, A_message_wakes_the_node) {
+    hear({0, 1});
+    EXPECT_THAT(take_doings(), ElementsAre("repeat message", "[00 01]"));
+    EXPECT_EQ(environment.sent.size(), 1U);
+}
+
+TEST_F(Nm_peers_test, Another_nodes_requests_keep_the_bus_awake_while_it_repeats_them) {
+    hear_during(2'000, {0, 1});
+    EXPECT_EQ(sut.state(), Nm_state::ready_sleep);
+    EXPECT_THAT(sut.network_state(), ElementsAre(0, 1));
+}
+
+TEST_F(Nm_peers_test, Requests_that_are_not_repeated_are_forgotten_and_the_bus_goes_to_sleep) {
+    hear_during(1'000, {0, 1});
+    take_doings();
+    pass(149);
+    EXPECT_THAT(take_doings(), IsEmpty());
+    pass(1);
+    EXPECT_THAT(take_doings(), ElementsAre("[00 00]"));
+    pass(150);
+    EXPECT_THAT(take_doings(), ElementsAre("prepare bus sleep"));
+    pass(200);
+    EXPECT_THAT(take_doings(), ElementsAre("bus sleep", "[00 00]"));
+}
+
+TEST_F(Nm_peers_test, Requests_of_one_node_are_forgotten_while_another_goes_on) {
+    hear({1}, Control_bit::partial_network, 2);
+    hear({2}, Control_bit::partial_network, 3);
+    pass(200);
+    hear({2}, Control_bit::partial_network, 3);
+    pass(50);
+    EXPECT_THAT(sut.network_state(), ElementsAre(2, 0));
+}
+
+TEST_F(Nm_peers_test, A_node_that_asks_for_less_is_believed_at_once) {
+    hear({3});
+    hear({1});
+    EXPECT_THAT(sut.network_state(), ElementsAre(1, 0));
+}
+
+TEST_F(Nm_peers_test, A_message_without_requests_asks_for_nothing) {
+    hear({1});
+    hear({}, 0);
+    EXPECT_THAT(sut.network_state(), ElementsAre(0, 0));
+}
+
+TEST_F(Nm_peers_test, Nothing_is_requested_by_others_once_the_bus_prepares_for_sleep) {
+    Nm_node slow{k_id,
+                 2,
+                 {std::chrono::milliseconds(100), std::chrono::milliseconds(300), std::chrono::milliseconds(400),
+                  std::chrono::milliseconds(200), std::chrono::milliseconds(90'000)},
+                 environment};
+    slow.receive({k_other, Control_bit::partial_network, {1, 0}, {}}, now);
+    take_doings();
+    slow.advance(now);
+    slow.advance(now + std::chrono::milliseconds(300));
+    slow.advance(now + std::chrono::seconds(2));
+    EXPECT_THAT(take_doings(), ElementsAre("ready sleep", "prepare bus sleep", "[00 00]", "bus sleep", "[00 00]"));
+}
+
+TEST_F(Nm_peers_test, Its_own_messages_coming_back_are_ignored) {
+    hear({1}, Control_bit::partial_network, k_id);
+    EXPECT_EQ(sut.state(), Nm_state::bus_sleep);
+    EXPECT_THAT(sut.peers(), IsEmpty());
+}
+
+TEST_F(Nm_peers_test, Others_are_remembered_with_their_user_data_and_control_bits) {
+    hear({0, 1}, Control_bit::partial_network | Control_bit::active_wakeup);
+    auto const& peer = sut.peers().at(k_other);
+    EXPECT_THAT(peer.user_data, ElementsAre(0xaa));
+    EXPECT_THAT(peer.requests, ElementsAre(0, 1));
+    EXPECT_EQ(peer.control, 0x50);
+    EXPECT_EQ(peer.heard, now);
+}
+
+TEST_F(Nm_peers_test, The_repeat_bit_of_another_node_makes_this_one_show_itself) {
+    sut.request({1}, now);
+    pass(300);
+    ASSERT_EQ(sut.state(), Nm_state::normal_operation);
+    hear({0, 0}, Control_bit::partial_network | Control_bit::repeat_message);
+    EXPECT_EQ(sut.state(), Nm_state::repeat_message);
+}
+
+TEST_F(Nm_peers_test, Two_nodes_fall_asleep_together) {
+    sut.request({1}, now);
+    hear_during(300, {0, 0});
+    sut.release({1}, now);
+    pass(399);
+    EXPECT_EQ(sut.state(), Nm_state::ready_sleep);
+    pass(1);
+    EXPECT_EQ(sut.state(), Nm_state::prepare_bus_sleep);
+}
+
+}  // namespace
+}  // namespace bench::network
