@@ -1,5 +1,6 @@
 #include "statemanager/states/state_factory.h"
 
+#include "state_notifier/state_notifier.h"
 #include "statemanager/states/nm_controlled_state.h"
 #include "statemanager/states/post_run_state.h"
 #include "statemanager/states/prepared_sd_state.h"
@@ -8,6 +9,8 @@
 #include "statemanager/states/running_state.h"
 #include "statemanager/states/shutting_down_state.h"
 #include "statemanager/states/startingup_state.h"
+
+#include <chrono>
 
 namespace ximo::ap::statemanager::states {
 
@@ -18,6 +21,9 @@ State_factory::State_factory(config::State_manager_config const& configuration,
       service_handler_(service_handler),
       execution_management_(execution_management),
       shared_memory_(std::make_shared<smw::Shared_memory_update>(configuration_.get_smw_update_status_path())),
+      state_notifier_(std::make_shared<state_notifier::State_notifier>(
+          std::chrono::seconds(configuration_.get_app_timeout()),
+          std::chrono::seconds(configuration_.get_dm_timeout()))),
       fast_shutdown_(std::make_shared<fast_shutdown::Fast_shutdown_handler>("/run/adaptive/poweroff")) {}
 
 std::unique_ptr<State_interface> State_factory::create_state(unsigned id) const {

@@ -1,6 +1,7 @@
 #include "statemanager/states/state_factory.h"
 
 #include "state_fixture.h"
+#include "support/fake_client_states.h"
 
 namespace ximo::ap::statemanager::states {
 namespace {
@@ -49,6 +50,24 @@ TEST_F(State_factory_of, Shares_one_channel_of_the_fast_shutdown) {
     sut.create_state(k_preparing);
     sut.create_state(k_shutting_down);
     EXPECT_EQ(log.messages(LogLevel::kError).size(), 1U);
+}
+
+TEST_F(State_factory_of, Shares_one_notifier_with_the_configured_time_outs) {
+    configuration.set_app_timeout(7);
+    configuration.set_dm_timeout(3);
+    State_factory const sut(configuration, services, em);
+    auto& clients = *test_support::last_made_clients;
+    auto const preparing = sut.create_state(k_preparing);
+    preparing->entering_state();
+    clients.requests.back().completed(client_state_notifier::Callback_status::succeeded, {});
+    EXPECT_EQ(preparing->check_transition(Virtio_command::none), k_stay);
+    sut.create_state(k_resuming)->entering_state();
+    clients.requests.back().completed(client_state_notifier::Callback_status::succeeded, {});
+    EXPECT_EQ(preparing->check_transition(Virtio_command::none), k_stay) << "the other state has turned it back";
+    ASSERT_EQ(clients.requests.size(), 3U);
+    EXPECT_EQ(clients.requests[0].timeout, std::chrono::seconds(3)) << "diagnostics";
+    EXPECT_EQ(clients.requests[1].timeout, std::chrono::seconds(7)) << "applications";
+    EXPECT_EQ(clients.requests[2].state, "kOn");
 }
 
 TEST_F(State_factory_of, Hands_on_whether_NM_is_used) {

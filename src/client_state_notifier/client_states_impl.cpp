@@ -1,0 +1,91 @@
+#include "client_state_notifier/client_states_impl.h"
+
+#include "client_state_notifier/notification_server.h"
+#include "utilities/logger.h"
+
+#include <exception>
+#include <utility>
+
+#include <pthread.h>
+#include <signal.h>
+
+namespace client_state_notifier {
+
+namespace {
+
+/// Signals are for the main thread; a thread inherits the mask of the one that starts it.
+class All_signals_blocked {
+ public:
+    All_signals_blocked() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before_);
+    }
+    ~All_signals_blocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    All_signals_blocked(All_signals_blocked const&) = delete;
+    All_signals_blocked& operator=(All_signals_blocked const&) = delete;
+
+ private:
+    sigset_t before_{};
+};
+
+}  // namespace
+
+Client_states_impl::Client_states_impl(std::string const& current_state, Status_callback status_callback,
+                                       std::string socket_path)
+    : status_callback_(std::move(status_callback)), socket_path_(std::move(socket_path)), clients_(current_state) {
+    All_signals_blocked const blocked;
+    thread_ = std::thread([this] { thread_main_exception_handling(); });
+}
+
+Client_states_impl::~Client_states_impl() {
+    requests_.stop();
+    thread_.join();
+}
+
+std::vector<std::pair<std::string, std::string>> Client_states_impl::get_connected_clients() const {
+    return clients_.list();
+}
+
+void Client_states_impl::set_default_state(std::string const& state) {
+    clients_.set_current_state(state);
+}
+
+void Client_states_impl::request_state_change(std::string const& state, Client_predicate const& predicate,
+                                              Completion_callback const& completed, std::chrono::seconds timeout) {
+    if (!predicate || !completed) {
+        return;
+    }
+    requests_.put({state, predicate, completed, std::chrono::steady_clock::now() + timeout});
+}
+
+void Client_states_impl::thread_main_exception_handling() {
+    try {
+        thread_main();
+        return;
+    } catch (std::exception const& error) {
+        utilities::get_logger().LogError() << "Client_states_impl thread crashed: " << error.what();
+    }
+    clients_.clear();
+    complete_requests_as_timed_out();
+}
+
+void Client_states_impl::thread_main() {
+    Notification_server server(socket_path_, status_callback_, requests_, clients_);
+    try {
+        server.run();
+    } catch (...) {
+        if (auto cycle = server.take_cycle()) {
+            cycle->time_out();
+        }
+        throw;
+    }
+}
+
+void Client_states_impl::complete_requests_as_timed_out() {
+    while (auto request = requests_.wait()) {
+        request->completed(Callback_status::timed_out, {});
+    }
+}
+
+}  // namespace client_state_notifier

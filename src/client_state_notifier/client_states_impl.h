@@ -1,0 +1,43 @@
+#ifndef CLIENT_STATE_NOTIFIER_CLIENT_STATES_IMPL_H
+#define CLIENT_STATE_NOTIFIER_CLIENT_STATES_IMPL_H
+
+#include "client_state_notifier/client_register.h"
+#include "client_state_notifier/client_states.h"
+#include "client_state_notifier/request_slot.h"
+
+#include <string>
+#include <thread>
+
+namespace client_state_notifier {
+
+/// The server on a thread of its own, which takes no signals.
+///
+/// When the server itself fails, that is logged and all connections are closed; requests then complete as timed out, at
+/// once and without results, so that nobody waits for ever.
+class Client_states_impl : public Client_states {
+ public:
+    Client_states_impl(std::string const& current_state, Status_callback status_callback, std::string socket_path);
+
+    /// Ends and joins the thread; the socket file has gone when it returns.
+    ~Client_states_impl() override;
+
+    std::vector<std::pair<std::string, std::string>> get_connected_clients() const override;
+    void set_default_state(std::string const& state) override;
+    void request_state_change(std::string const& state, Client_predicate const& predicate,
+                              Completion_callback const& completed, std::chrono::seconds timeout) override;
+
+ private:
+    void thread_main_exception_handling();
+    void thread_main();
+    void complete_requests_as_timed_out();
+
+    Status_callback const status_callback_;
+    std::string const socket_path_;
+    Request_slot requests_;
+    Client_register clients_;
+    std::thread thread_;
+};
+
+}  // namespace client_state_notifier
+
+#endif

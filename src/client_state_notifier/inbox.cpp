@@ -1,0 +1,37 @@
+#include "client_state_notifier/inbox.h"
+
+#include <array>
+#include <stdexcept>
+
+#include <sys/socket.h>
+
+namespace client_state_notifier {
+
+void Inbox::receive(utilities::Socket const& socket) {
+    std::array<std::uint8_t, 4096> bytes;
+    try {
+        frames_.append(bytes.data(), socket.recv(bytes.data(), bytes.size(), MSG_DONTWAIT));
+    } catch (utilities::ExceptionSocketTimeout const&) {  // NOLINT(bugprone-empty-catch): nothing there after all
+    }
+}
+
+std::optional<utilities::Type_length_values> Inbox::take() {
+    auto message = frames_.take();
+    if (message) {
+        count_message();
+    }
+    return message;
+}
+
+void Inbox::count_message() {
+    auto const now = std::chrono::steady_clock::now();
+    if (now - second_started_ > std::chrono::seconds(1)) {
+        second_started_ = now;
+        messages_ = 0;
+    }
+    if (++messages_ > k_most_messages_a_second) {
+        throw std::runtime_error("too many messages");
+    }
+}
+
+}  // namespace client_state_notifier

@@ -1,0 +1,36 @@
+#ifndef CLIENT_STATE_NOTIFIER_INBOX_H
+#define CLIENT_STATE_NOTIFIER_INBOX_H
+
+#include "utilities/frame_assembler.h"
+#include "utilities/socket.h"
+
+#include <chrono>
+#include <optional>
+
+namespace client_state_notifier {
+
+/// What one connection has sent, as messages. Reads what is there and never waits for the rest.
+class Inbox {
+ public:
+    /// More messages than this within one second are a flood; a client owes one for each request.
+    static constexpr unsigned k_most_messages_a_second = 256;
+
+    /// One receive of at most 4 KiB, so that no connection holds up another. Throws ExceptionSocketClosed when the peer
+    /// has closed its end and everything before that was received, std::system_error when the connection is broken.
+    void receive(utilities::Socket const& socket);
+
+    /// The next whole message, if there is one. Throws what Frame_assembler::take does, and std::runtime_error in a
+    /// flood; after that the connection is of no use.
+    std::optional<utilities::Type_length_values> take();
+
+ private:
+    void count_message();
+
+    utilities::Frame_assembler frames_;
+    std::chrono::steady_clock::time_point second_started_;
+    unsigned messages_ = 0;  ///< in this second
+};
+
+}  // namespace client_state_notifier
+
+#endif

@@ -1,0 +1,79 @@
+#include "client_state_notifier/listening_socket.h"
+
+#include "base/system_error.h"
+#include "utilities/logger.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <sys/socket.h>
+
+namespace client_state_notifier {
+
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr mode_t k_directory_mode = 0755;
+constexpr int k_backlog = 10;
+
+std::string const& with_free_place(std::string const& path) {
+    utilities::make_dirs(utilities::get_containing_directory(path), k_directory_mode);
+    utilities::delete_file(path);
+    return path;
+}
+
+void bind(utilities::Socket const& socket, std::string const& path) {
+    auto const address = utilities::create_unix_address(path);
+    if (::bind(socket.get_fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
+        throw std::system_error(errno, std::generic_category(), "Socket::bind(...)");
+    }
+}
+
+/// Failures that say something about the connection, or nothing at all: the next one may be had at once.
+bool is_of_one_connection(int error) {
+    return error == EINTR || error == EINVAL || error == EAGAIN || error == ECONNABORTED || error == EPERM ||
+           error == EPROTO;
+}
+
+/// Failures that pass when somebody else gives something back.
+bool is_shortage(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
+
+}  // namespace
+
+Listening_socket::Listening_socket(std::string const& path)
+    : socket_file_(with_free_place(path), false), socket_(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0) {
+    bind(socket_, path);
+    socket_.listen(k_backlog);
+    utilities::get_logger().LogInfo() << "socket created: " << path;
+}
+
+pollfd Listening_socket::poll_entry() const {
+    return {pause_end() ? -1 : socket_.get_fd(), POLLIN, 0};
+}
+
+std::optional<Clock::time_point> Listening_socket::pause_end() const {
+    return paused_until_ > Clock::now() ? std::optional(paused_until_) : std::nullopt;
+}
+
+std::optional<utilities::Socket> Listening_socket::accept() {
+    int const connection = ::accept4(socket_.get_fd(), nullptr, nullptr, SOCK_CLOEXEC);
+    if (connection >= 0) {
+        return utilities::Socket(connection);
+    }
+    if (is_shortage(errno)) {
+        pause(errno);
+    } else if (!is_of_one_connection(errno)) {
+        throw std::system_error(errno, std::generic_category(), "Socket::accept()");
+    }
+    return std::nullopt;
+}
+
+void Listening_socket::pause(int error) {
+    paused_until_ = Clock::now() + k_pause;
+    utilities::get_logger().LogError() << "no connection can be taken: " << base::system_error_text(error);
+}
+
+}  // namespace client_state_notifier

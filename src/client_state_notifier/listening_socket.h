@@ -1,0 +1,45 @@
+#ifndef CLIENT_STATE_NOTIFIER_LISTENING_SOCKET_H
+#define CLIENT_STATE_NOTIFIER_LISTENING_SOCKET_H
+
+#include "utilities/files.h"
+#include "utilities/socket.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include <poll.h>
+
+namespace client_state_notifier {
+
+/// The Unix stream socket at which clients arrive. The socket file is there as long as this object; who may connect is
+/// the matter of the directory and of the process's umask.
+class Listening_socket {
+ public:
+    /// How long no connection is taken after the process or the machine ran out of descriptors or memory for one.
+    static constexpr std::chrono::milliseconds k_pause{100};
+
+    /// Makes the directories of the path, replaces a socket file that an earlier process left, binds and listens.
+    explicit Listening_socket(std::string const& path);
+
+    /// The entry of the poll set; it waits for nothing during a pause.
+    pollfd poll_entry() const;
+
+    /// The end of a pause that is still going on.
+    std::optional<std::chrono::steady_clock::time_point> pause_end() const;
+
+    /// The next connection, close-on-exec. Nothing when it has gone again or could not be had; a failure that does not
+    /// concern this one connection is logged. Throws std::system_error when the socket itself is of no use any more.
+    std::optional<utilities::Socket> accept();
+
+ private:
+    void pause(int error);
+
+    utilities::Deleter socket_file_;
+    utilities::Socket socket_;
+    std::chrono::steady_clock::time_point paused_until_;
+};
+
+}  // namespace client_state_notifier
+
+#endif

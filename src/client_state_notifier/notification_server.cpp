@@ -1,0 +1,215 @@
+#include "client_state_notifier/notification_server.h"
+
+#include "utilities/logger.h"
+#include "utilities/poll.h"
+
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace client_state_notifier {
+
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+constexpr std::size_t k_listener = 0;  // places in the poll set
+constexpr std::size_t k_wake_up = 1;
+constexpr std::size_t k_clients = 2;
+
+long milliseconds_until(Clock::time_point time) {
+    auto const left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now()).count();
+    return std::max<long>(left, 0);
+}
+
+}  // namespace
+
+Notification_server::Notification_server(std::string const& path, Status_callback status_callback,
+                                         Request_slot& requests, Client_register& clients)
+    : status_callback_(std::move(status_callback)), requests_(requests), clients_(clients), listener_(path) {}
+
+void Notification_server::run() {
+    for (;;) {
+        fill_poll_set();
+        auto const clients = clients_.size();
+        if (utilities::poll(poll_set_, calculate_timeout())) {
+            if (poll_set_[k_listener].revents != 0) {
+                process_new_client();
+            }
+            if (poll_set_[k_wake_up].revents != 0) {
+                if (!requests_.receive_wake_up()) {
+                    return;
+                }
+                process_state_change_request();
+            }
+            process_client_responses(clients);
+        }
+        process_newcomers(clients);
+        delete_hangup_clients();
+        process_timeout();
+    }
+}
+
+std::optional<Notification_cycle> Notification_server::take_cycle() {
+    return std::exchange(cycle_, std::nullopt);
+}
+
+void Notification_server::fill_poll_set() {
+    poll_set_.clear();
+    poll_set_.push_back(listener_.poll_entry());
+    poll_set_.push_back(utilities::create_pollfd_helper(POLLIN, requests_.wake_up_end()));
+    clients_.add_to(poll_set_);
+    newcomers_.add_to(poll_set_);
+}
+
+/// Milliseconds to the next moment at which there is something to do without an event; -1 when there is none.
+long Notification_server::calculate_timeout() const {
+    auto next = listener_.pause_end();
+    auto const consider = [&](std::optional<Clock::time_point> const& time) {
+        if (time && (!next || *time < *next)) {
+            next = time;
+        }
+    };
+    consider(newcomers_.next_deadline());
+    if (cycle_) {
+        consider(cycle_->request().deadline);
+    }
+    return next ? milliseconds_until(*next) : -1;
+}
+
+void Notification_server::process_new_client() {
+    auto connection = listener_.accept();
+    if (!connection) {
+        return;
+    }
+    if (clients_.size() + newcomers_.size() >= k_most_connections) {
+        utilities::get_logger().LogWarn() << "connection refused, there are too many: " << k_most_connections;
+        return;
+    }
+    newcomers_.add(std::move(*connection));
+}
+
+void Notification_server::process_newcomers(std::size_t clients) {
+    auto const first = k_clients + clients;
+    for (auto& client : newcomers_.hear(poll_set_.data() + first, poll_set_.size() - first)) {
+        process_introduction(std::move(client));
+    }
+}
+
+void Notification_server::process_introduction(Introduced_client client) {
+    utilities::get_logger().LogInfo() << "client connected: name = " << client.name
+                                      << ", current state = " << client.state;
+    if (clients_.has(client.name)) {
+        report(client.name, Client_status::connected_under_known_name, client.state);
+    }
+    int const connection = client.socket.get_fd();
+    clients_.add(std::move(client.socket), client.name, std::move(client.inbox));
+    auto const current_state = clients_.current_state();
+    if (client.state != current_state) {
+        send(&Client_register::send_request, connection, current_state);
+    }
+    process_messages(connection);
+}
+
+void Notification_server::process_state_change_request() {
+    auto request = requests_.take();
+    if (!request) {
+        return;
+    }
+    utilities::get_logger().LogInfo() << "sending state change request to clients. new state = " << request->state;
+    cycle_.emplace(std::move(*request));
+    auto const& taken = cycle_->request();
+    for (auto const& [connection, name] : clients_.select(taken.predicate)) {
+        cycle_->ask(connection, name);
+        send(&Client_register::send_next_request, connection, taken.state);
+    }
+    if (cycle_->is_complete()) {
+        take_cycle()->complete();
+    }
+}
+
+void Notification_server::process_client_responses(std::size_t clients) {
+    for (auto entry = poll_set_.begin() + k_clients; clients > 0; ++entry, --clients) {
+        if (entry->revents != 0) {
+            process_readable_client(entry->fd);
+        }
+    }
+    call_callback_after_all_clients_responded();
+}
+
+/// A connection that hung up is read first: its last answers may still be there.
+void Notification_server::process_readable_client(int connection) {
+    try {
+        clients_.receive(connection);
+        process_messages(connection);
+    } catch (std::runtime_error const&) {  // closed or broken
+        leaving_.emplace(connection, "");
+    }
+}
+
+void Notification_server::process_messages(int connection) {
+    try {
+        while (auto const message = clients_.take_message(connection)) {
+            process_answer(connection, *message);
+        }
+    } catch (std::exception const& error) {
+        leaving_.emplace(connection, error.what());
+    }
+}
+
+void Notification_server::process_answer(int connection, utilities::Type_length_values const& answer) {
+    auto const request_number = answer.at(0).get_uint32();
+    auto const state = answer.at(1).get_string();
+    auto const status = static_cast<Component_client_return_type>(answer.at(2).get_uint32() & 0xffU);
+    if (!clients_.update(connection, request_number, state)) {
+        report(clients_.name_of(connection), Client_status::answered_out_of_turn, state);
+    } else if (cycle_) {
+        cycle_->answer(connection, status);
+    }
+}
+
+void Notification_server::call_callback_after_all_clients_responded() {
+    if (cycle_ && cycle_->is_complete()) {
+        utilities::get_logger().LogInfo() << "calling callback after all clients responded in time";
+        take_cycle()->complete();
+    }
+}
+
+void Notification_server::process_timeout() {
+    if (cycle_ && Clock::now() >= cycle_->request().deadline) {
+        utilities::get_logger().LogInfo() << "calling callback after some clients timed out";
+        take_cycle()->time_out();
+    }
+}
+
+void Notification_server::delete_hangup_clients() {
+    for (auto const& [connection, reason] : std::exchange(leaving_, {})) {
+        auto const name = clients_.remove(connection);
+        if (cycle_) {
+            cycle_->lose(connection);
+        }
+        if (!reason.empty()) {
+            utilities::get_logger().LogWarn() << "client dropped: " << name << ", reason: " << reason;
+        }
+        utilities::get_logger().LogInfo() << "client disconnected: " << name;
+    }
+}
+
+void Notification_server::report(std::string const& name, Client_status status, std::string const& state) const {
+    if (status_callback_) {
+        status_callback_(name, status, state);
+    }
+}
+
+void Notification_server::send(void (Client_register::*request)(int, std::string const&), int connection,
+                               std::string const& state) {
+    try {
+        (clients_.*request)(connection, state);
+    } catch (std::system_error const& error) {
+        leaving_.emplace(connection, error.what());
+    }
+}
+
+}  // namespace client_state_notifier

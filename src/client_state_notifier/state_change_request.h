@@ -1,0 +1,21 @@
+#ifndef CLIENT_STATE_NOTIFIER_STATE_CHANGE_REQUEST_H
+#define CLIENT_STATE_NOTIFIER_STATE_CHANGE_REQUEST_H
+
+#include "client_state_notifier/client_states.h"
+
+#include <chrono>
+#include <string>
+
+namespace client_state_notifier {
+
+/// What a caller asked for.
+struct State_change_request {
+    std::string state;
+    Client_predicate predicate;
+    Completion_callback completed;
+    std::chrono::steady_clock::time_point deadline;
+};
+
+}  // namespace client_state_notifier
+
+#endif

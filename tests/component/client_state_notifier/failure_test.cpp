@@ -1,0 +1,220 @@
+#include "server_fixture.h"
+
+#include "base/system_error.h"
+
+#include <cstring>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace client_state_notifier {
+namespace {
+
+using ara::log::LogLevel;
+using test_support::logged_in;
+using test_support::Test_client;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using utilities::Type_length_value;
+
+/// Each test plays one client that breaks the protocol, and sees that another is served as ever.
+class Server_with_a_bad_client : public Server_test {
+ protected:
+    /// A well-behaved client takes part in a whole request.
+    void expect_service() {
+        auto outcome = request("kPrepSD", 5s, [](auto const& name) { return name == "good"; });
+        good.obey();
+        auto const [status, results] = outcome_of(outcome);
+        EXPECT_EQ(status, Callback_status::succeeded);
+        EXPECT_THAT(results, ElementsAre(Pair("good", Component_client_return_type::succeeded)));
+    }
+
+    Test_client good = connect("good");
+};
+
+TEST_F(Server_with_a_bad_client, Waits_for_the_rest_of_an_introduction) {
+    Test_client bad(path);
+    auto const whole = utilities::serialize(
+        {Type_length_value("component_client_v1"), Type_length_value("slow"), Type_length_value("kOn")});
+    bad.send_bytes(whole.data(), 20);
+    expect_service();
+    bad.send_bytes(whole.data() + 20, whole.size() - 20);
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().size() == 2; }));
+}
+
+TEST_F(Server_with_a_bad_client, Takes_bytes_one_by_one) {
+    Test_client bad(path);
+    auto const whole = utilities::serialize(
+        {Type_length_value("component_client_v1"), Type_length_value("slow"), Type_length_value("kOn")});
+    for (auto const byte : whole) {
+        bad.send_bytes(&byte, 1);
+    }
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().size() == 2; }));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_one_that_never_introduces_itself) {
+    Test_client bad(path);
+    expect_service();
+    timeval const patience{20, 0};
+    ::setsockopt(bad.socket().get_fd(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    EXPECT_TRUE(bad.is_closed_by_server());
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "connection dropped before it introduced itself: ",
+                                     "no complete message in time")));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_an_introduction_with_too_few_elements) {
+    Test_client bad(path);
+    bad.send({Type_length_value("component_client_v1"), Type_length_value("short")});
+    EXPECT_TRUE(bad.is_closed_by_server());
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_an_introduction_without_any_element) {
+    Test_client bad(path);
+    bad.send({});
+    EXPECT_TRUE(bad.is_closed_by_server());
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_an_announced_length_beyond_the_bound) {
+    Test_client bad(path);
+    std::uint8_t header[12] = {2, 0, 0, 0};
+    std::uint64_t const length = 65'537;
+    std::memcpy(header + 4, &length, sizeof length);
+    bad.send_bytes(header, sizeof header);
+    EXPECT_TRUE(bad.is_closed_by_server());
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "connection dropped before it introduced itself: ",
+                                     "announced message length is too big: 65537")));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_an_answer_that_ends_too_early) {
+    auto bad = connect("bad");
+    bad.send({Type_length_value(1U), Type_length_value("kOn")});
+    EXPECT_TRUE(bad.is_closed_by_server());
+    EXPECT_TRUE(has_logged(info("client disconnected: ", "bad")));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_an_answer_whose_number_is_no_number) {
+    auto bad = connect("bad");
+    bad.send({Type_length_value("1"), Type_length_value("kOn"), Type_length_value(0U)});
+    EXPECT_TRUE(bad.is_closed_by_server());
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ",
+                                     "reached end of data while parsing")));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Is_not_held_up_by_half_an_answer) {
+    auto bad = connect("bad");
+    std::uint32_t const type = 2;
+    bad.send_bytes(&type, sizeof type);
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_one_that_floods) {
+    auto bad = connect("bad");
+    try {
+        for (int i = 0; i < 100'000; ++i) {
+            bad.answer(0, "kOn");
+        }
+    } catch (std::system_error const&) {  // NOLINT(bugprone-empty-catch): closed in the middle of it
+    }
+    EXPECT_TRUE(bad.is_closed_by_server());
+    EXPECT_TRUE(has_logged(
+        logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ", "too many messages")));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_one_that_never_reads) {
+    auto bad = connect("bad");
+    for (int i = 0; i < 20'000 && sut->get_connected_clients().size() == 2; ++i) {
+        outcome_of(request(std::string(200, 'x'), 0s, [](auto const& name) { return name == "bad"; }));
+    }
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().size() == 1; }));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Is_served_on_when_another_goes_at_any_byte) {
+    auto const whole = utilities::serialize(
+        {Type_length_value("component_client_v1"), Type_length_value("bad"), Type_length_value("kOff")});
+    for (std::size_t sent = 0; sent <= whole.size(); ++sent) {
+        Test_client bad(path);
+        bad.send_bytes(whole.data(), sent);
+    }
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().size() == 1; }));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Closes_connections_beyond_the_bound) {
+    std::vector<Test_client> many;
+    for (int i = 0; i < 450; ++i) {
+        many.emplace_back(path);
+    }
+    expect_service();
+}
+
+/// No descriptor can be had as long as it lives.
+class Full_descriptor_table {
+ public:
+    Full_descriptor_table() {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        int const next_free = ::dup(0);
+        ::close(next_free);
+        rlimit const full{static_cast<rlim_t>(next_free), before_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &full);
+    }
+    ~Full_descriptor_table() { setrlimit(RLIMIT_NOFILE, &before_); }
+    Full_descriptor_table(Full_descriptor_table const&) = delete;
+    Full_descriptor_table& operator=(Full_descriptor_table const&) = delete;
+
+ private:
+    rlimit before_{};
+};
+
+TEST_F(Server_with_a_bad_client, Survives_a_full_descriptor_table_without_spinning) {
+    utilities::Socket const late(AF_UNIX, SOCK_STREAM, 0);
+    auto const never = utilities::socket_pair();
+    {
+        Full_descriptor_table const full;
+        ASSERT_TRUE(late.try_connect(utilities::create_unix_address(path), never.first));
+        ASSERT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError, "no connection can be taken: ",
+                                         base::system_error_text(EMFILE))));
+        expect_service();
+        std::this_thread::sleep_for(250ms);
+        EXPECT_LE(log.messages(LogLevel::kError).size(), 6U) << "it tries again about every 100 ms";
+    }
+    utilities::send_type_length_values(
+        late, {Type_length_value("component_client_v1"), Type_length_value("late"), Type_length_value("kOn")});
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().size() == 2; }));
+}
+
+class Server_that_fails : public Server_test {};
+
+TEST_F(Server_that_fails, Says_so_and_completes_requests_as_timed_out) {
+    sut.reset();
+    sut.emplace("kOn", nullptr, files.file("run/") + std::string(200, 'x') + ".socket");
+    EXPECT_TRUE(eventually([&] { return !log.messages(LogLevel::kError).empty(); }));
+    auto const error = log.messages(LogLevel::kError).front();
+    EXPECT_EQ(error.context, "SNCC");
+    EXPECT_EQ(error.arguments.front(), test_support::make_log_argument("Client_states_impl thread crashed: "));
+    auto const [status, results] = outcome_of(request("kPrepSD", 1h));
+    EXPECT_EQ(status, Callback_status::timed_out);
+    EXPECT_THAT(results, IsEmpty());
+    EXPECT_EQ(outcome_of(request("kOn", 1h)).status, Callback_status::timed_out) << "and the next as well";
+    EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
+}
+
+TEST_F(Server_that_fails, Fails_where_the_directory_cannot_be_made) {
+    sut.reset();
+    files.write("file", "");
+    sut.emplace("kOn", nullptr, files.file("file/below/notification.socket"));
+    EXPECT_EQ(outcome_of(request("kPrepSD", 1h)).status, Callback_status::timed_out);
+    EXPECT_FALSE(log.messages(LogLevel::kError).empty());
+}
+
+}  // namespace
+}  // namespace client_state_notifier
