@@ -14,8 +14,8 @@ using Lock = base::Lock_guard<base::Mutex>;
 namespace {
 
 void send(utilities::Socket const& socket, Client_state const& client) {
-    auto const message = utilities::serialize({utilities::Type_length_value(client.request_number),
-                                               utilities::Type_length_value(client.requested_state)});
+    auto const message = utilities::serialize(
+        {utilities::Type_length_value(client.request_number), utilities::Type_length_value(client.requested_state)});
     socket.sendl(message.data(), message.size(), MSG_DONTWAIT);
 }
 
@@ -83,9 +83,9 @@ std::vector<std::pair<int, std::string>> Client_register::select(Client_predicat
             clients.emplace_back(socket.get_fd(), client.name);
         }
     }
-    clients.erase(std::remove_if(clients.begin(), clients.end(),
-                                 [&](auto const& client) { return !predicate(client.second); }),
-                  clients.end());
+    clients.erase(
+        std::remove_if(clients.begin(), clients.end(), [&](auto const& client) { return !predicate(client.second); }),
+        clients.end());
     return clients;
 }
 

@@ -63,7 +63,7 @@ class Notification_server {
     Listening_socket listener_;
     Newcomers newcomers_;
     std::optional<Notification_cycle> cycle_;
-    std::vector<pollfd> poll_set_;             ///< listener, wake-up channel, clients, newcomers
+    std::vector<pollfd> poll_set_;        ///< listener, wake-up channel, clients, newcomers
     std::map<int, std::string> leaving_;  ///< connections that end with this turn of the loop, and why
 };
 

@@ -21,9 +21,9 @@ State_factory::State_factory(config::State_manager_config const& configuration,
       service_handler_(service_handler),
       execution_management_(execution_management),
       shared_memory_(std::make_shared<smw::Shared_memory_update>(configuration_.get_smw_update_status_path())),
-      state_notifier_(std::make_shared<state_notifier::State_notifier>(
-          std::chrono::seconds(configuration_.get_app_timeout()),
-          std::chrono::seconds(configuration_.get_dm_timeout()))),
+      state_notifier_(
+          std::make_shared<state_notifier::State_notifier>(std::chrono::seconds(configuration_.get_app_timeout()),
+                                                           std::chrono::seconds(configuration_.get_dm_timeout()))),
       fast_shutdown_(std::make_shared<fast_shutdown::Fast_shutdown_handler>("/run/adaptive/poweroff")) {}
 
 std::unique_ptr<State_interface> State_factory::create_state(unsigned id) const {

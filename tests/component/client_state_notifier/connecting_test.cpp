@@ -33,8 +33,8 @@ TEST_F(Connecting, Tells_nobody_before_the_introduction) {
 TEST_F(Connecting, Adds_a_client_whose_state_is_not_known_yet) {
     auto const client = connect("radio");
     EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("radio", "unknown")));
-    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kInfo, "client connected: name = ", "radio",
-                                     ", current state = ", "kOn")));
+    EXPECT_TRUE(has_logged(
+        logged_in("SNCC", LogLevel::kInfo, "client connected: name = ", "radio", ", current state = ", "kOn")));
 }
 
 TEST_F(Connecting, Sends_nothing_to_a_client_in_the_current_state) {

@@ -1,6 +1,5 @@
-#include "server_fixture.h"
-
 #include "base/system_error.h"
+#include "server_fixture.h"
 
 #include <cstring>
 
@@ -60,8 +59,8 @@ TEST_F(Server_with_a_bad_client, Drops_one_that_never_introduces_itself) {
     timeval const patience{20, 0};
     ::setsockopt(bad.socket().get_fd(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     EXPECT_TRUE(bad.is_closed_by_server());
-    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "connection dropped before it introduced itself: ",
-                                     "no complete message in time")));
+    EXPECT_TRUE(has_logged(logged_in(
+        "SNCC", LogLevel::kWarn, "connection dropped before it introduced itself: ", "no complete message in time")));
     expect_service();
 }
 
@@ -103,8 +102,8 @@ TEST_F(Server_with_a_bad_client, Drops_an_answer_whose_number_is_no_number) {
     auto bad = connect("bad");
     bad.send({Type_length_value("1"), Type_length_value("kOn"), Type_length_value(0U)});
     EXPECT_TRUE(bad.is_closed_by_server());
-    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ",
-                                     "reached end of data while parsing")));
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad",
+                                     ", reason: ", "reached end of data while parsing")));
     expect_service();
 }
 
@@ -124,8 +123,8 @@ TEST_F(Server_with_a_bad_client, Drops_one_that_floods) {
     } catch (std::system_error const&) {  // NOLINT(bugprone-empty-catch): closed in the middle of it
     }
     EXPECT_TRUE(bad.is_closed_by_server());
-    EXPECT_TRUE(has_logged(
-        logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ", "too many messages")));
+    EXPECT_TRUE(
+        has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ", "too many messages")));
     expect_service();
 }
 
@@ -181,8 +180,8 @@ TEST_F(Server_with_a_bad_client, Survives_a_full_descriptor_table_without_spinni
     {
         Full_descriptor_table const full;
         ASSERT_TRUE(late.try_connect(utilities::create_unix_address(path), never.first));
-        ASSERT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError, "no connection can be taken: ",
-                                         base::system_error_text(EMFILE))));
+        ASSERT_TRUE(has_logged(
+            logged_in("SNCC", LogLevel::kError, "no connection can be taken: ", base::system_error_text(EMFILE))));
         expect_service();
         std::this_thread::sleep_for(250ms);
         EXPECT_LE(log.messages(LogLevel::kError).size(), 6U) << "it tries again about every 100 ms";

@@ -38,8 +38,7 @@ TEST_F(Request, Succeeds_when_all_answer_with_success) {
     EXPECT_EQ(status, Callback_status::succeeded);
     EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::succeeded),
                                      Pair("seat", Component_client_return_type::succeeded)));
-    EXPECT_TRUE(has_logged(
-        logged_in("SNCC", LogLevel::kInfo, "calling callback after all clients responded in time")));
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kInfo, "calling callback after all clients responded in time")));
 }
 
 TEST_F(Request, Fails_when_one_answers_without_success) {
@@ -83,8 +82,7 @@ TEST_F(Request, Asks_only_those_that_the_predicate_selects) {
     auto dem = connect("diag::dem");
     auto outcome = request("kPrepSD", 5s, [](auto const& name) { return name == "diag::dem"; });
     dem.obey();
-    EXPECT_THAT(outcome_of(outcome).results,
-                ElementsAre(Pair("diag::dem", Component_client_return_type::succeeded)));
+    EXPECT_THAT(outcome_of(outcome).results, ElementsAre(Pair("diag::dem", Component_client_return_type::succeeded)));
     EXPECT_FALSE(radio.has_input());
 }
 
@@ -235,11 +233,13 @@ TEST_F(Request, Is_replaced_by_a_newer_one_and_then_never_completes) {
 }
 
 TEST_F(Request, Without_a_predicate_or_a_callback_is_ignored) {
-    sut->request_state_change("kPrepSD", nullptr, [](auto, auto const&) { FAIL(); }, 0s);
-    sut->request_state_change("kPrepSD", [](auto const&) { return true; }, nullptr, 0s);
+    sut->request_state_change(
+        "kPrepSD", nullptr, [](auto, auto const&) { FAIL(); }, 0s);
+    sut->request_state_change(
+        "kPrepSD", [](auto const&) { return true; }, nullptr, 0s);
     EXPECT_EQ(outcome_of(request("kOn")).status, Callback_status::succeeded);
-    EXPECT_FALSE(testing::Value(log.messages(),
-                                testing::Contains(info("sending state change request to clients. new state = ", "kPrepSD"))));
+    EXPECT_FALSE(testing::Value(
+        log.messages(), testing::Contains(info("sending state change request to clients. new state = ", "kPrepSD"))));
 }
 
 TEST_F(Request, May_be_made_by_the_completion_of_another) {

@@ -1,6 +1,7 @@
 #include "statemanager/state_manager.h"
 
 #include "statemanager/states/state_interface.h"
+#include "support/fake_client_states.h"
 #include "support/fake_neighbours.h"
 #include "support/fake_service_handler.h"
 #include "support/log_capture.h"
@@ -38,6 +39,7 @@ class Driver : public testing::Test {
 
     void start() {
         ASSERT_TRUE(sut.init());
+        clients = test_support::last_made_clients;
         log.clear();
     }
     void start_and_run() {
@@ -45,6 +47,13 @@ class Driver : public testing::Test {
         start();
         sut.run_cyclic_task();
         log.clear();
+    }
+    /// The three groups of clients answer, each in its turn.
+    void run_while_clients_answer() {
+        for (int group = 0; group < 3; ++group) {
+            clients->requests.back().completed(client_state_notifier::Callback_status::succeeded, {});
+            sut.run_cyclic_task();
+        }
     }
     void press(Virtio_command command) { input->queue.push_back(command); }
     std::string written() const { return files.read("status"); }
@@ -56,6 +65,7 @@ class Driver : public testing::Test {
         std::make_shared<test_support::Fake_service_handler>();
     std::shared_ptr<test_support::Fake_execution_management> em =
         std::make_shared<test_support::Fake_execution_management>();
+    test_support::Fake_client_states* clients = nullptr;  // owned by the driver's states
     int beats{0};
     test_support::Fake_virtual_input* input = new test_support::Fake_virtual_input;  // owned by the driver
     State_manager sut{configuration, services, em, std::unique_ptr<virtio::Virtio_interface_abstract>(input),
@@ -162,10 +172,11 @@ TEST_F(Driver, Goes_through_a_suspend_and_back) {
     start_and_run();
     press(Virtio_command::prepare_sd);
     sut.run_cyclic_task();
-    sut.run_cyclic_task();
+    run_while_clients_answer();
+    EXPECT_EQ(written(), "startinguprunningpreparingprepared4sd");
     press(Virtio_command::run);
     sut.run_cyclic_task();
-    sut.run_cyclic_task();
+    run_while_clients_answer();
     EXPECT_EQ(written(), "startinguprunningpreparingprepared4sdresumingrunning");
     EXPECT_THAT(services->actions, ElementsAre("init", "request_network", "standby", "end_standby", "request_network"));
 }

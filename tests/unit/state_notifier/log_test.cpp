@@ -80,24 +80,23 @@ TEST_F(Notifier_log, Tells_how_each_client_ended) {
                                           {"d", Component_client_return_type::timed_out},
                                           {"e", Component_client_return_type{7}}});
     char const* const start = "State notification client [";
-    EXPECT_THAT(log.messages(),
-                ElementsAre(testing::_, logged(LogLevel::kInfo, start, "a", "] succeeded"),
-                            logged(LogLevel::kInfo, start, "b", "] general error"),
-                            logged(LogLevel::kInfo, start, "c", "] invalid"),
-                            logged(LogLevel::kInfo, start, "d", "] timed out"),
-                            logged(LogLevel::kInfo, start, "e", "] unknown status ", std::uint8_t{7})));
+    EXPECT_THAT(log.messages(), ElementsAre(testing::_, logged(LogLevel::kInfo, start, "a", "] succeeded"),
+                                            logged(LogLevel::kInfo, start, "b", "] general error"),
+                                            logged(LogLevel::kInfo, start, "c", "] invalid"),
+                                            logged(LogLevel::kInfo, start, "d", "] timed out"),
+                                            logged(LogLevel::kInfo, start, "e", "] unknown status ", std::uint8_t{7})));
 }
 
 TEST_F(Notifier_log, Tells_of_a_client_that_speaks_out_of_turn) {
     server->report("radio", Client_status::answered_out_of_turn, "kOn");
     EXPECT_THAT(log.messages(),
-                ElementsAre(logged(LogLevel::kWarn, "Client ", "radio", " errorneously reported state change to ", "kOn",
-                                   ". Client status: ", 1U)));
+                ElementsAre(logged(LogLevel::kWarn, "Client ", "radio", " errorneously reported state change to ",
+                                   "kOn", ". Client status: ", 1U)));
     log.clear();
     server->report("seat", Client_status::connected_under_known_name, "kOff");
     EXPECT_THAT(log.messages(),
-                ElementsAre(logged(LogLevel::kWarn, "Client ", "seat", " errorneously reported state change to ", "kOff",
-                                   ". Client status: ", 0U)));
+                ElementsAre(logged(LogLevel::kWarn, "Client ", "seat", " errorneously reported state change to ",
+                                   "kOff", ". Client status: ", 0U)));
 }
 
 TEST_F(Notifier_log, Tells_at_the_lowest_level_that_no_diagnostic_group_is_done) {

@@ -100,8 +100,7 @@ TEST_F(Sequence, Starts_at_DCM_again_with_a_second_standby) {
     EXPECT_EQ(complete_and_check(), 1U);
     EXPECT_EQ(complete_and_check(), 1U);
     EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(),
-                ElementsAre(k_dcm_standby, k_apps_standby, k_dcm_standby, k_apps_standby, k_dem_standby));
+    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_dcm_standby, k_apps_standby, k_dem_standby));
 }
 
 TEST_F(Sequence, Forgets_a_step_that_was_due_when_a_second_standby_starts) {
