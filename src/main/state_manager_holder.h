@@ -25,14 +25,25 @@ class State_manager_holder {
     /// Calls `action(State_manager&)` when an object is held. Any thread, any signal handler.
     template <class Action>
     void with(Action const& action) {
-        ++users_;
+        Use const use(users_);
         if (auto* const manager = held_.load(); manager != nullptr) {
             action(*manager);
         }
-        --users_;
     }
 
  private:
+    /// Counts one user for as long as it lives, also when an action ends with an exception.
+    class Use {
+     public:
+        explicit Use(std::atomic<int>& users) : users_(users) { ++users_; }
+        ~Use() { --users_; }
+        Use(Use const&) = delete;
+        Use& operator=(Use const&) = delete;
+
+     private:
+        std::atomic<int>& users_;
+    };
+
     std::atomic<State_manager*> held_{nullptr};
     std::atomic<int> users_{0};
 };

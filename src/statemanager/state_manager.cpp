@@ -10,7 +10,6 @@ namespace ximo::ap::statemanager {
 
 using states::k_shutting_down;
 using states::k_stay;
-using states::State_id;
 
 State_manager::State_manager(config::State_manager_config const& configuration,
                              std::shared_ptr<Service_handler_interface> const& service_handler,
@@ -75,7 +74,7 @@ virtio::Virtio_command State_manager::waiting_command() {
 
 void State_manager::change_state(unsigned next) {
     auto const leaving = states_[current_]->get_name();
-    current_ = next < k_stay ? static_cast<State_id>(next) : k_shutting_down;
+    current_ = states::state_of(next);
     auto& entered = *states_[current_];
     ara::log::LogInfo() << "AP_StateManger transition from" << leaving << " to " << entered.get_name();
     entered.entering_state();

@@ -62,6 +62,9 @@ std::unique_ptr<Log_sink> make_dlt_sink(std::string const& application_id, std::
 }
 
 void end_dlt() {
+    // Freeing alone would drop what libdlt keeps.
+    ::dlt_set_resend_timeout_atexit(static_cast<std::uint32_t>(k_exit_time_limit.count()));
+    ::dlt_user_atexit_blow_out_user_buffer();
     ::dlt_free();
 }
 

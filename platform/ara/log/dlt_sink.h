@@ -18,7 +18,8 @@ std::unique_ptr<Log_sink> make_dlt_sink(std::string const& application_id, std::
 /// own wait is ten seconds.
 inline constexpr std::chrono::milliseconds k_exit_time_limit{300};
 
-/// Hands over what libdlt still keeps, within `k_exit_time_limit`, and ends it. After the last message.
+/// Hands over what libdlt still keeps, within `k_exit_time_limit`, and ends it. After the last message, and only when
+/// there was a sink.
 void end_dlt();
 
 }  // namespace ara::log

@@ -15,6 +15,7 @@ void add_sinks(Log_engine& engine, std::string const& application_id, std::strin
                LogMode mode, std::string const& directory) {
     if (has_mode(mode, LogMode::kRemote)) {
         engine.add_sink(make_dlt_sink(application_id, description, level), level);
+        std::atexit(end_dlt);  // after libdlt registered its own handler, so that it runs before that one
     }
     if (has_mode(mode, LogMode::kConsole)) {
         engine.add_sink(make_console_sink(), level);
@@ -39,11 +40,7 @@ void InitLogging(std::string const& application_id, std::string const& descripti
     }
     auto& engine = Log_engine::instance();
     add_sinks(engine, application_id.substr(0, 4), description, level, mode, directory);
-    // Registered after libdlt registered its own handler, so that it runs before that one.
-    std::atexit([] {
-        Log_engine::instance().stop_writer();
-        end_dlt();
-    });
+    std::atexit([] { Log_engine::instance().stop_writer(); });
     engine.start_writer();
 }
 

@@ -26,6 +26,11 @@ enum State_id : std::uint32_t {
     k_stay = 8,  ///< no transition
 };
 
+/// The state that a transition to `id` leads to: an id that no state has leads to shutting down.
+constexpr State_id state_of(unsigned id) {
+    return id < k_stay ? static_cast<State_id>(id) : k_shutting_down;
+}
+
 /// One state of the machine.
 ///
 /// The driver calls `entering_state()` when the state becomes the current one, then in each cycle `check_transition()`

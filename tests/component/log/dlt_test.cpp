@@ -1,7 +1,11 @@
 #include "bench/process/child_process.h"
 #include "bench/vehicle/dlt_reader.h"
 
+#include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <set>
 #include <string>
@@ -32,6 +36,31 @@ class Dlt : public testing::Test {
     void run(std::string const& task) {
         auto program = started(task);
         ASSERT_EQ(program.wait(k_patience), 0);
+    }
+
+    // From then on nothing is logged any more, and what the log daemon has not taken lies with its client.
+    static void await_end_of_writer(pid_t program) {
+        auto const deadline = steady_clock::now() + k_patience;
+        while (has_writer(program) && steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+    }
+
+    static bool has_writer(pid_t program) {
+        std::error_code gone;
+        std::filesystem::directory_iterator const threads("/proc/" + std::to_string(program) + "/task", gone);
+        return std::any_of(begin(threads), end(threads), [](auto const& thread) {
+            std::string name;
+            std::getline(std::ifstream(thread.path() / "comm"), name);
+            return name == "log-writer";
+        });
+    }
+
+    static void expect_all_numbers(std::vector<std::string> const& texts) {
+        std::set<std::string> const seen(texts.begin(), texts.end());
+        for (int number = 0; number < 2000; ++number) {
+            ASSERT_EQ(seen.count("DFLT number " + std::to_string(number)), 1U) << number;
+        }
     }
 
     // The messages of contexts other than the daemon's own until one begins with `last`.
@@ -85,11 +114,7 @@ TEST_F(Dlt, Says_how_much_of_a_long_message_was_cut) {
 TEST_F(Dlt, Loses_nothing_of_a_busy_program) {
     Dlt_reader viewer;
     run("many");
-    auto const texts = texts_until(viewer, k_last_words);
-    std::set<std::string> const seen(texts.begin(), texts.end());
-    for (int number = 0; number < 2000; ++number) {
-        ASSERT_EQ(seen.count("DFLT number " + std::to_string(number)), 1U) << number;
-    }
+    expect_all_numbers(texts_until(viewer, k_last_words));
 }
 
 TEST_F(Dlt, Is_not_waited_for_at_the_end_of_a_program) {
@@ -116,6 +141,17 @@ TEST_F(Dlt, That_is_stopped_stops_nobody) {
     run("many");
     EXPECT_LT(steady_clock::now() - before, milliseconds(1500));
     viewer.daemon().signal(SIGCONT);
+}
+
+TEST_F(Dlt, That_reads_again_while_a_program_ends_gets_everything) {
+    Dlt_reader viewer;
+    viewer.daemon().signal(SIGSTOP);
+    auto program = started("many, told at the end");
+    char byte = 0;
+    ASSERT_EQ(::read(program.output(), &byte, 1), 1);
+    await_end_of_writer(program.pid());
+    viewer.daemon().signal(SIGCONT);
+    expect_all_numbers(texts_until(viewer, k_last_words));
 }
 
 TEST_F(Dlt, Says_nothing_on_standard_output) {

@@ -3,6 +3,7 @@
 #include "ara/log/logging.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <string>
@@ -53,6 +54,10 @@ int main(int argc, char** argv) {
         ara::log::LogInfo() << std::string(5000, 'x');
     } else if (task == "many") {
         log_many(2000);
+    } else if (task == "many, told at the end") {
+        log_many(2000);
+        std::puts("logged");
+        std::fflush(stdout);
     } else if (task == "wait") {
         ara::log::LogInfo() << "waiting";
         wait_for_end_of_input();

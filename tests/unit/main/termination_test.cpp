@@ -4,6 +4,7 @@
 #include "support/temporary_directory.h"
 
 #include <csignal>
+#include <stdexcept>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -85,6 +86,16 @@ TEST_F(Termination, Carries_on_when_a_handler_can_not_be_registered) {
 TEST_F(Termination, Destroys_the_driver_held_before) {
     hold_a_state_manager();
     hold_a_state_manager();
+    g_state_manager.reset(nullptr);
+    handle_termination_signal(SIGTERM);
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+// Otherwise emptying the holder would wait for ever for a user that has gone.
+TEST_F(Termination, Lets_go_of_the_driver_when_using_it_ends_with_an_exception) {
+    hold_a_state_manager();
+    EXPECT_THROW(g_state_manager.with([](auto& /*manager*/) { throw std::runtime_error("a defect"); }),
+                 std::runtime_error);
     g_state_manager.reset(nullptr);
     handle_termination_signal(SIGTERM);
     EXPECT_THAT(log.messages(), IsEmpty());
