@@ -17,9 +17,10 @@ namespace test_support {
 class Fake_execution_management : public ximo::ap::statemanager::Em_interface_abstract {
  public:
     std::vector<std::string> actions;
+    std::function<void(std::string const&)> listener = [](auto const& /*action*/) {};  ///< told of each action at once
 
-    void request_shutdown() override { actions.emplace_back("request_shutdown"); }
-    void request_running() override { actions.emplace_back("request_running"); }
+    void request_shutdown() override { note("request_shutdown"); }
+    void request_running() override { note("request_running"); }
     bool check_for_running_state() override { return true; }
     ara::exec::State_client_result StateClient_SetState(std::string const& /*function_group*/,
                                                         std::string const& /*state*/) override {
@@ -29,6 +30,12 @@ class Fake_execution_management : public ximo::ap::statemanager::Em_interface_ab
                                             ara::exec::Function_group_state_transition& /*transition*/) override {
         return ara::exec::State_client_result::kSuccess;
     }
+
+ private:
+    void note(std::string const& action) {
+        actions.push_back(action);
+        listener(action);
+    }
 };
 
 /// Suspend and resume sequences that last as long as `busy` says.
@@ -36,10 +43,17 @@ class Fake_state_notifier : public ximo::ap::statemanager::state_notifier::State
  public:
     bool busy{false};
     std::vector<std::string> actions;
+    std::function<void(std::string const&)> listener = [](auto const& /*action*/) {};  ///< told of each action at once
 
-    void request_standby() override { actions.emplace_back("request_standby"); }
-    void request_resume() override { actions.emplace_back("request_resume"); }
+    void request_standby() override { note("request_standby"); }
+    void request_resume() override { note("request_resume"); }
     unsigned int check_request_status() override { return busy ? 1 : 0; }
+
+ private:
+    void note(std::string const& action) {
+        actions.push_back(action);
+        listener(action);
+    }
 };
 
 /// A hypervisor that presses keys: commands wait in a queue until they are consumed.

@@ -3,6 +3,7 @@
 
 #include "statemanager/service_handler_interface.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,14 @@ class Fake_service_handler : public ximo::ap::statemanager::Service_handler_inte
     bool com_alive{false};
     bool ecu_alive{false};
     bool sleeping{false};
+    bool init_succeeds{true};
     std::vector<std::string> actions;
+    std::function<void(std::string const&)> listener = [](auto const& /*action*/) {};  ///< told of each action at once
 
-    bool init() override { return note("init"); }
+    bool init() override {
+        note("init");
+        return init_succeeds;
+    }
     void deinit() override { note("deinit"); }
     bool nm_interface_available() const override { return nm_found; }
     bool apps_keep_com_alive() const override { return com_alive; }
@@ -30,9 +36,9 @@ class Fake_service_handler : public ximo::ap::statemanager::Service_handler_inte
     void end_standby() override { note("end_standby"); }
 
  private:
-    bool note(std::string action) {
-        actions.push_back(std::move(action));
-        return true;
+    void note(std::string const& action) {
+        actions.push_back(action);
+        listener(action);
     }
 };
 

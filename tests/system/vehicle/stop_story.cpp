@@ -33,13 +33,14 @@ TEST_F(Stop, Follows_a_normal_shutdown_that_was_asked_of_execution_management) {
 }
 
 TEST_F(Stop, Does_not_follow_a_fast_shutdown) {
+    settings()["PMSuspendRequestTimeout"] = 7;
     start_and_run();
     machine->press("p");
     ASSERT_TRUE(sees(Kind::state_word, "prepared4sd"));
     machine->press("power");
-    ASSERT_TRUE(sees(Kind::power_off, "poweroff 60000"));
+    ASSERT_TRUE(sees(Kind::power_off, "poweroff 7000"));
     EXPECT_EQ(machine->await_end(std::chrono::milliseconds(500)), std::nullopt);
-    EXPECT_THAT(texts(Kind::power_off), ElementsAre("lookup vyn_per_daemon", "terminate", "poweroff 60000"));
+    EXPECT_THAT(texts(Kind::power_off), ElementsAre("lookup vyn_per_daemon", "terminate", "poweroff 7000"));
     EXPECT_THAT(texts(Kind::log), Contains("Fast shutdown executed"));
 }
 

@@ -8,7 +8,11 @@
 #include "support/notify_socket.h"
 #include "support/temporary_directory.h"
 
+#include <string>
+#include <vector>
+
 #include <gmock/gmock.h>
+#include <stdlib.h>
 
 namespace ximo::ap::statemanager {
 namespace {
@@ -20,6 +24,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 using virtio::Virtio_command;
 
 /// A driver among neighbours that behave; the real states and a control file that the test reads.
@@ -58,6 +63,14 @@ class Driver : public testing::Test {
     void press(Virtio_command command) { input->queue.push_back(command); }
     std::string written() const { return files.read("status"); }
 
+    std::vector<std::string> logged_texts() {
+        std::vector<std::string> texts;
+        for (auto const& message : log.messages()) {
+            texts.push_back(ara::log::to_text(message.arguments));
+        }
+        return texts;
+    }
+
     test_support::Log_capture log;
     test_support::Temporary_directory files;
     config::State_manager_config configuration;
@@ -92,6 +105,23 @@ TEST_F(Driver, Starts_the_services_and_enters_starting_up) {
     EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kInfo, "Entering startup state")));
 }
 
+TEST_F(Driver, Opens_the_input_then_starts_the_services_then_makes_what_the_states_share) {
+    std::vector<std::string> before_services;
+    services->listener = [&](std::string const& /*action*/) {
+        before_services = input->directories;
+        before_services.push_back(written());
+        EXPECT_THAT(log.messages(), IsEmpty()) << "the power-off channel is opened with what the states share";
+    };
+    ASSERT_TRUE(sut.init());
+    EXPECT_THAT(before_services, ElementsAre("/dev/input", ""));
+}
+
+TEST_F(Driver, Starts_also_when_the_services_do_not) {
+    services->init_succeeds = false;
+    EXPECT_TRUE(sut.init());
+    EXPECT_EQ(written(), "startingup");
+}
+
 TEST_F(Driver, Refuses_a_cycle_before_it_is_initialised) {
     sut.run_cyclic_task();
     EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "Starting AP_StateManager run_cyclic_task"),
@@ -106,7 +136,9 @@ TEST_F(Driver, Reports_alive_before_it_waits_one_period_for_a_command) {
     input->while_waiting = [&] { beats_before_waiting = beats; };
     sut.run_cyclic_task();
     EXPECT_EQ(beats_before_waiting, 1);
-    EXPECT_THAT(input->timeouts, ElementsAre(250U));
+    configuration.set_main_function_period(50);
+    sut.run_cyclic_task();
+    EXPECT_THAT(input->timeouts, ElementsAre(250U, 50U));
     EXPECT_THAT(log.messages().front(), logged(LogLevel::kVerbose, "Starting AP_StateManager run_cyclic_task"));
 }
 
@@ -114,8 +146,9 @@ TEST_F(Driver, Names_both_states_of_a_transition) {
     services->nm_found = true;
     start();
     sut.run_cyclic_task();
-    EXPECT_THAT(log.messages(),
-                Contains(logged(LogLevel::kInfo, "AP_StateManger transition from", "Starting up", " to ", "Running")));
+    EXPECT_THAT(log.at_least(LogLevel::kInfo),
+                ElementsAre(logged(LogLevel::kInfo, "AP_StateManger transition from", "Starting up", " to ", "Running"),
+                            logged(LogLevel::kInfo, "Entering running state")));
     EXPECT_EQ(written(), "startinguprunning");
     EXPECT_THAT(em->actions, ElementsAre("request_running"));
 }
@@ -134,6 +167,7 @@ TEST_F(Driver, Removes_the_waiting_command_also_when_a_condition_caused_the_tran
     start();
     press(Virtio_command::shutdown);
     sut.run_cyclic_task();
+    EXPECT_EQ(input->consumed, 1);
     EXPECT_THAT(input->queue, IsEmpty()) << "starting up ignores commands, yet its transition takes the command along";
     EXPECT_EQ(written(), "startinguprunning");
 }
@@ -148,9 +182,12 @@ TEST_F(Driver, Ticks_the_state_only_while_it_stays) {
     sut.run_cyclic_task();
     ASSERT_THAT(log.messages(), Contains(logged(LogLevel::kInfo, "AP_StateManger transition from", "NM Controlled",
                                                 " to ", "Post Run")));
-    log.clear();
+    EXPECT_THAT(log.messages(LogLevel::kDebug), IsEmpty());
     sut.run_cyclic_task();
-    EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kDebug, "Post rumn tick action")));
+    EXPECT_THAT(log.messages(LogLevel::kDebug), ElementsAre(logged(LogLevel::kDebug, "Post rumn tick action")));
+    services->com_alive = true;
+    sut.run_cyclic_task();
+    EXPECT_THAT(log.messages(LogLevel::kDebug).size(), 1U) << "a state that is left does not tick";
 }
 
 TEST_F(Driver, Leads_from_NM_controlled_for_a_suspend_over_post_run_to_preparing) {
@@ -203,13 +240,21 @@ TEST_F(Driver, Tells_execution_management_when_it_runs_and_when_it_ends) {
     EXPECT_EQ(messages.back(), logged(LogLevel::kInfo, "AP_StateManger reporting kTerminating to EM"));
 }
 
-TEST_F(Driver, Reports_terminating_only_after_the_services_are_withdrawn) {
+// Reports that can't be delivered are logged, and so show when they were tried.
+TEST_F(Driver, Reports_before_it_says_that_it_runs_and_after_the_services_are_withdrawn) {
     start_and_run();
+    services->listener = [](std::string const& action) { ara::log::LogInfo() << action; };
     press(Virtio_command::shutdown);
+    ::setenv("NOTIFY_SOCKET", "/nowhere/notify", 1);
     sut.run();
-    EXPECT_EQ(services->actions.back(), "deinit");
-    EXPECT_EQ(log.at_least(LogLevel::kInfo).back(),
-              logged(LogLevel::kInfo, "AP_StateManger reporting kTerminating to EM"));
+    ::unsetenv("NOTIFY_SOCKET");
+    auto const texts = logged_texts();
+    ASSERT_GE(texts.size(), 5U);
+    EXPECT_THAT(texts[0], StartsWith("Application state not reported: "));
+    EXPECT_EQ(texts[1], "AP_StateManger daemon started");
+    EXPECT_EQ(texts[texts.size() - 3], "deinit");
+    EXPECT_EQ(texts[texts.size() - 2], "AP_StateManger reporting kTerminating to EM");
+    EXPECT_THAT(texts.back(), StartsWith("Application state not reported: "));
 }
 
 TEST_F(Driver, Ends_after_the_cycle_in_which_it_is_asked_to) {
@@ -223,7 +268,9 @@ TEST_F(Driver, Ends_after_the_cycle_in_which_it_is_asked_to) {
 
 TEST_F(Driver, Loses_a_request_to_stop_that_comes_before_it_is_initialised) {
     sut.shutdown();
+    services->listener = [this](std::string const& /*action*/) { sut.shutdown(); };
     start();
+    services->listener = [](std::string const& /*action*/) {};
     sut.run_cyclic_task();
     EXPECT_EQ(beats, 1);
 }

@@ -1,6 +1,7 @@
 #include "statemanager/phm/supervision_manager.h"
 
 #include "support/log_capture.h"
+#include "support/virtual_slot.h"
 
 #include <stdexcept>
 #include <utility>
@@ -71,6 +72,10 @@ TEST_F(Supervision, Passes_other_exceptions_on_and_goes_on_reporting) {
     health.defective = false;
     sut.report_alive_status();
     EXPECT_EQ(health.reports.size(), 2U);
+}
+
+TEST(Supervision_manager_interface_of, Health_management_has_one_operation_after_its_destructor) {
+    EXPECT_EQ(test_support::virtual_slot(&Supervision_manager_interface::report_alive_status), 1U);
 }
 
 }  // namespace
