@@ -29,9 +29,14 @@ std::string write_configuration() {
     std::string path = "/tmp/dlt.conf";
     std::ofstream(path) << "LoggingMode = 2\nLoggingFilename = /tmp/dlt-daemon.log\nLoggingLevel = 3\n"
                            "ControlSocketPath = /tmp/dlt-ctrl.sock\nBindAddress = ::ffff:127.0.0.1\n"
-                           "ContextLogLevel = 6\nRingbufferMinSize = 500000\nRingbufferMaxSize = 10000000\n"
+                           "ContextLogLevel = 6\nSendContextRegistration = 1\nRingbufferMinSize = "
+                           "500000\nRingbufferMaxSize = 10000000\n"
                            "RingbufferStepSize = 500000\n";
     return path;
+}
+
+std::string id_in(char const* field) {
+    return {field, ::strnlen(field, DLT_ID_SIZE)};
 }
 
 Event to_event(DltMessage& message) {
@@ -42,13 +47,13 @@ Event to_event(DltMessage& message) {
         event.time = static_cast<std::int64_t>(message.headerextra.tmsp) * k_ns_per_tick;
     }
     event.level = DLT_GET_MSIN_MTIN(message.extendedheader->msin);
-    event.context.assign(message.extendedheader->ctid, ::strnlen(message.extendedheader->ctid, DLT_ID_SIZE));
+    event.context = id_in(message.extendedheader->ctid);
+    event.application = id_in(message.extendedheader->apid);
     return event;
 }
 
-bool is_log_message(DltMessage const& message) {
-    return DLT_IS_HTYP_UEH(message.standardheader->htyp) &&
-           DLT_GET_MSIN_MSTP(message.extendedheader->msin) == DLT_TYPE_LOG;
+bool is_of_type(DltMessage const& message, int type) {
+    return DLT_IS_HTYP_UEH(message.standardheader->htyp) && DLT_GET_MSIN_MSTP(message.extendedheader->msin) == type;
 }
 
 }  // namespace
@@ -85,20 +90,34 @@ class Dlt_reader::Client {
         return std::exchange(messages_, {});
     }
 
+    std::string announcements() {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        return announcements_;
+    }
+
  private:
     static int received(DltMessage* message, void* self) {
-        if (message != nullptr && is_log_message(*message)) {
-            auto& client = *static_cast<Client*>(self);
-            std::lock_guard<std::mutex> const lock(client.mutex_);
-            client.messages_.push_back(to_event(*message));
+        if (message != nullptr) {
+            static_cast<Client*>(self)->keep(*message);
         }
         return 0;
+    }
+
+    void keep(DltMessage& message) {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        if (is_of_type(message, DLT_TYPE_LOG)) {
+            messages_.push_back(to_event(message));
+        } else if (is_of_type(message, DLT_TYPE_CONTROL)) {
+            announcements_.append(reinterpret_cast<char const*>(message.databuffer),
+                                  static_cast<std::size_t>(message.datasize));
+        }
     }
 
     DltClient client_{};
     std::thread thread_;
     std::mutex mutex_;
     Timeline messages_;
+    std::string announcements_;
 };
 
 Dlt_reader::Dlt_reader() {
@@ -122,6 +141,10 @@ Dlt_reader::~Dlt_reader() {
     daemon_.reset();
     std::error_code ignored;
     std::filesystem::remove("/tmp/dlt", ignored);
+}
+
+std::string Dlt_reader::announcements() {
+    return client_->announcements();
 }
 
 Timeline Dlt_reader::take() {

@@ -22,6 +22,10 @@ class Dlt_reader {
     /// The messages of all programs since the last call, with the times of the log calls.
     Timeline take();
 
+    /// What the daemon has told about the programs so far, its control messages as they are: the ids and descriptions
+    /// of applications and contexts stand in them as text.
+    std::string announcements();
+
     Child_process& daemon() { return *daemon_; }
 
  private:

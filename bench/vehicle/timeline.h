@@ -24,8 +24,9 @@ struct Event {
     std::int64_t time;  ///< nanoseconds of CLOCK_MONOTONIC
     Kind kind;
     std::string text;
-    int level{0};           ///< of a log message, 1 fatal to 6 verbose
-    std::string context{};  ///< of a log message
+    int level{0};               ///< of a log message, 1 fatal to 6 verbose
+    std::string context{};      ///< of a log message
+    std::string application{};  ///< of a log message
 };
 
 using Timeline = std::vector<Event>;

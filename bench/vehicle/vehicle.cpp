@@ -77,8 +77,9 @@ void Vehicle::start_daemon() {
         environment.push_back("DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address());
     }
     exit_status_.reset();
-    daemon_ = std::make_unique<Child_process>(
-        std::vector<std::string>{(fs::path(options_.programs) / "src/main/ap_statemanager").string()}, environment);
+    auto words = options_.daemon_starter;
+    words.push_back((fs::path(options_.programs) / "src/main/ap_statemanager").string());
+    daemon_ = std::make_unique<Child_process>(words, environment);
 }
 
 void Vehicle::press(std::string const& key) {

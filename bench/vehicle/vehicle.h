@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace bench::vehicle {
 
@@ -25,6 +26,7 @@ struct Options {
     bool with_service_manager{true};
     bool with_notify_socket{true};  ///< of the service manager, told to the daemon
     bool with_power_off_service{true};
+    std::vector<std::string> daemon_starter{};  ///< program, and its arguments, that becomes the daemon; empty for none
 };
 
 /// The machine around one daemon: hypervisor, service manager, log and power-off service, each a process or a file of

@@ -100,6 +100,16 @@ TEST_F(Faults, Of_a_notify_socket_that_is_not_there_are_no_faults) {
     EXPECT_THAT(texts(Kind::log), testing::Not(Contains(testing::HasSubstr("AliveSupervision: caught"))));
 }
 
+// What the write itself comes to is told by the tests of the channel.
+TEST_F(Faults, Of_a_reader_that_went_away_do_not_end_the_daemon_by_a_signal) {
+    start_and_run();
+    std::ifstream status("/proc/" + std::to_string(machine->daemon().pid()) + "/status");
+    std::string const text(std::istreambuf_iterator<char>(status), {});
+    auto const ignored = text.find("SigIgn:\t");
+    ASSERT_NE(ignored, std::string::npos);
+    EXPECT_NE(std::stoull(text.substr(ignored + 8, 16), nullptr, 16) & 1ULL << (SIGPIPE - 1), 0U);
+}
+
 TEST_F(Faults, Of_the_supervision_stop_its_reports_for_good) {
     start_and_run();
     ASSERT_TRUE(sees(Kind::watchdog, "WATCHDOG"));

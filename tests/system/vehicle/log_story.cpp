@@ -24,6 +24,14 @@ TEST_F(Log, May_stop_reading_without_stopping_the_daemon) {
     machine->log().daemon().signal(SIGCONT);
 }
 
+TEST_F(Log, Is_announced_with_the_name_and_the_description_of_the_daemon) {
+    start_and_run();
+    auto const position = machine->await(Kind::log, "Entering running state");
+    ASSERT_TRUE(position);
+    EXPECT_EQ(machine->events()[*position].application, "STMG");
+    EXPECT_THAT(machine->log().announcements(), testing::HasSubstr("ORVAX State Manager"));
+}
+
 TEST_F(Log, Carries_level_context_and_time_of_a_call) {
     start_and_run();
     auto const position = machine->await(Kind::log, "Entering running state");

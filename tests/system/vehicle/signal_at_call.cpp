@@ -1,0 +1,145 @@
+// signal_at_call MOMENT PROGRAM...: becomes the program, and lets SIGTERM arrive at exactly one moment of its start:
+//
+//   handlers-installed   when its own handler of SIGTERM has just been installed
+//   first-word           when the word "startingup" has just been written
+//
+// A process beside it watches the program's system calls until that moment, sends the signal, writes the file
+// /tmp/signalled and goes. Exit status 77, and the reason on standard error, where a process may not be watched.
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string_view>
+
+#include <linux/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int k_not_allowed = 77;
+
+/// The program's main thread, stopped at its system calls.
+class Watched {
+ public:
+    explicit Watched(pid_t pid) : pid_(pid) {}
+
+    bool begin() const {
+        return trace(PTRACE_SEIZE, reinterpret_cast<void*>(PTRACE_O_TRACESYSGOOD)) &&
+               trace(PTRACE_INTERRUPT, nullptr) && stopped();
+    }
+    void end() const { trace(PTRACE_DETACH, nullptr); }
+
+    /// Runs to the next entry or exit of a system call; false when the program ends before.
+    bool next_call() const {
+        int signal_number = 0;
+        for (;;) {
+            int status = 0;
+            if (!trace(PTRACE_SYSCALL, reinterpret_cast<void*>(static_cast<std::intptr_t>(signal_number))) ||
+                ::waitpid(pid_, &status, __WALL) != pid_ || !WIFSTOPPED(status)) {
+                return false;
+            }
+            if (WSTOPSIG(status) == (SIGTRAP | 0x80)) {
+                return true;
+            }
+            signal_number = status >> 16 == 0 ? WSTOPSIG(status) : 0;
+        }
+    }
+
+    ptrace_syscall_info call() const {
+        ptrace_syscall_info info{};
+        ::syscall(SYS_ptrace, PTRACE_GET_SYSCALL_INFO, pid_, sizeof info, &info);
+        return info;
+    }
+
+    bool has_text_at(std::uint64_t address, std::string_view text) const {
+        std::array<char, 16> found{};
+        std::ifstream memory("/proc/" + std::to_string(pid_) + "/mem", std::ios::binary);
+        memory.seekg(static_cast<std::streamoff>(address));
+        memory.read(found.data(), static_cast<std::streamsize>(text.size()));
+        return memory && std::string_view(found.data(), text.size()) == text;
+    }
+
+ private:
+    bool trace(long request, void* data) const { return ::syscall(SYS_ptrace, request, pid_, nullptr, data) == 0; }
+    bool stopped() const {
+        int status = 0;
+        return ::waitpid(pid_, &status, __WALL) == pid_ && WIFSTOPPED(status);
+    }
+
+    pid_t pid_;
+};
+
+bool is_the_moment(std::string_view moment, Watched const& program, ptrace_syscall_info const& call) {
+    constexpr std::string_view first_word = "startingup";
+    if (call.op != PTRACE_SYSCALL_INFO_ENTRY) {
+        return false;
+    }
+    if (moment == "handlers-installed") {
+        return call.entry.nr == SYS_rt_sigaction && call.entry.args[0] == SIGTERM && call.entry.args[1] != 0;
+    }
+    return call.entry.nr == SYS_write && call.entry.args[2] == first_word.size() &&
+           program.has_text_at(call.entry.args[1], first_word);
+}
+
+void signal_at(std::string_view moment, pid_t pid, int ready) {
+    Watched const program(pid);
+    char const began = program.begin() ? 1 : 0;
+    if (::write(ready, &began, 1) != 1 || began == 0) {
+        return;
+    }
+    ::close(ready);
+    while (program.next_call()) {
+        if (is_the_moment(moment, program, program.call()) && program.next_call()) {
+            ::syscall(SYS_tgkill, pid, pid, SIGTERM);
+            std::ofstream("/tmp/signalled") << moment;
+            program.end();
+            return;
+        }
+    }
+}
+
+// The watcher is nobody's child, so that the program does not meet it.
+bool start_watcher(std::string_view moment) {
+    std::array<int, 2> ready{};
+    if (::pipe(ready.data()) != 0) {
+        return false;
+    }
+    pid_t const program = ::getpid();
+    pid_t const helper = ::fork();
+    if (helper == 0) {
+        if (::fork() == 0) {
+            ::close(ready[0]);
+            signal_at(moment, program, ready[1]);
+        }
+        ::_exit(0);
+    }
+    ::close(ready[1]);
+    char began = 0;
+    bool const watched = ::read(ready[0], &began, 1) == 1 && began == 1;
+    ::close(ready[0]);
+    ::waitpid(helper, nullptr, 0);
+    return watched;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 3) {
+        std::fprintf(stderr, "usage: signal_at_call MOMENT PROGRAM...\n");
+        return EXIT_FAILURE;
+    }
+    if (!start_watcher(argv[1])) {
+        std::fprintf(stderr, "A process may not be watched here: %s\n", std::strerror(errno));
+        return k_not_allowed;
+    }
+    ::execv(argv[2], argv + 2);
+    std::fprintf(stderr, "%s can't be started: %s\n", argv[2], std::strerror(errno));
+    return EXIT_FAILURE;
+}
