@@ -18,6 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::chrono::milliseconds k_quiet{100};  // as long as a busy machine may keep a player waiting
 constexpr char const* k_notify_socket = "/run/notify";
 
 std::string machine_state_of(std::string const& unit) {
@@ -92,8 +93,25 @@ std::optional<int> Vehicle::await_end(std::chrono::milliseconds limit) {
     do {
         update(k_poll);
     } while (!exit_status_ && std::chrono::steady_clock::now() < deadline);
-    update(k_poll * 3);  // what the log daemon still has
+    if (exit_status_) {
+        take_the_rest();
+    }
     return exit_status_;
+}
+
+// What the log daemon and the service manager still have to tell when the daemon itself has gone.
+void Vehicle::take_the_rest() {
+    auto const start = std::chrono::steady_clock::now();
+    auto last_news = start;
+    auto seen = events().size();
+    for (auto now = start; now - last_news < k_quiet && now - start < k_patience;
+         now = std::chrono::steady_clock::now()) {
+        update(k_poll);
+        if (events().size() != seen) {
+            seen = events().size();
+            last_news = now;
+        }
+    }
 }
 
 void Vehicle::update(std::chrono::milliseconds limit) {

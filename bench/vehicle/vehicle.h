@@ -61,6 +61,7 @@ class Vehicle : public Machine {
     void take_from_hypervisor();
     void take_from_service_manager();
     void take_end();
+    void take_the_rest();
 
     Options options_;
     std::unique_ptr<Private_bus> bus_;

@@ -18,6 +18,7 @@ TEST_P(Stop, Is_orderly_on_each_of_its_signals) {
     EXPECT_THAT(logged, Contains("Shutting down AP_StateManger"));
     EXPECT_THAT(logged, Contains("AP_StateManger reporting kTerminating to EM"));
     EXPECT_THAT(logged, Contains("AP_StateManger daemon shutting down"));
+    EXPECT_TRUE(sees(Kind::notification, "STOPPING"));
     EXPECT_THAT(texts(Kind::notification), ElementsAre("READY", "STOPPING"));
 }
 
