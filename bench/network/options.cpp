@@ -1,5 +1,7 @@
 #include "bench/network/options.h"
 
+#include <cerrno>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -25,14 +27,10 @@ namespace {
 constexpr long k_longest_ms = 3'600'000;
 
 long number_of(std::string const& option, std::string const& word, long lowest, long highest) {
-    std::size_t used = 0;
-    long number = lowest - 1;
-    try {
-        number = std::stol(word, &used);
-    } catch (std::logic_error const&) {
-        used = 0;
-    }
-    if (used != word.size() || word.empty() || number < lowest || number > highest) {
+    char* end = nullptr;
+    errno = 0;
+    long const number = std::strtol(word.c_str(), &end, 10);
+    if (word.empty() || *end != '\0' || errno != 0 || number < lowest || number > highest) {
         throw std::invalid_argument(option + " takes a number from " + std::to_string(lowest) + " to " +
                                     std::to_string(highest));
     }
