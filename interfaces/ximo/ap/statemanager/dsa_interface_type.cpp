@@ -1,0 +1,15 @@
+#include "ximo/ap/statemanager/dsa_interface_type.h"
+
+#include "dsa_interface.h"
+
+#include <cstddef>
+
+namespace ximo::ap::statemanager {
+
+ara::com::Service_type const k_dsa_interface{
+    "ximo::ap::statemanager::DSAInterface",
+    {&ximo_ap_statemanager_DSAInterface_Request_desc, sizeof(ximo_ap_statemanager_DSAInterface_Request)},
+    {&ximo_ap_statemanager_DSAInterface_Reply_desc, sizeof(ximo_ap_statemanager_DSAInterface_Reply)},
+    offsetof(ximo_ap_statemanager_DSAInterface_Reply, data)};
+
+}  // namespace ximo::ap::statemanager

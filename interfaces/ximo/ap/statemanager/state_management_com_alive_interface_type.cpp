@@ -1,0 +1,17 @@
+#include "ximo/ap/statemanager/state_management_com_alive_interface_type.h"
+
+#include "state_management_com_alive_interface.h"
+
+#include <cstddef>
+
+namespace ximo::ap::statemanager {
+
+ara::com::Service_type const k_state_management_com_alive_interface{
+    "ximo::ap::statemanager::StateManagementComAliveInterface",
+    {&ximo_ap_statemanager_StateManagementComAliveInterface_Request_desc,
+     sizeof(ximo_ap_statemanager_StateManagementComAliveInterface_Request)},
+    {&ximo_ap_statemanager_StateManagementComAliveInterface_Reply_desc,
+     sizeof(ximo_ap_statemanager_StateManagementComAliveInterface_Reply)},
+    offsetof(ximo_ap_statemanager_StateManagementComAliveInterface_Reply, data)};
+
+}  // namespace ximo::ap::statemanager

@@ -1,0 +1,13 @@
+#ifndef XIMO_AP_STATEMANAGER_STATE_MANAGEMENT_CWU_INTERFACE_TYPE_H
+#define XIMO_AP_STATEMANAGER_STATE_MANAGEMENT_CWU_INTERFACE_TYPE_H
+
+#include "ara/com/service_type.h"
+
+namespace ximo::ap::statemanager {
+
+/// What skeleton and proxy have in common.
+extern ara::com::Service_type const k_state_management_cwu_interface;
+
+}  // namespace ximo::ap::statemanager
+
+#endif

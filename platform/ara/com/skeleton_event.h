@@ -1,0 +1,106 @@
+#ifndef ARA_COM_SKELETON_EVENT_H
+#define ARA_COM_SKELETON_EVENT_H
+
+#include "ara/com/skeleton.h"
+#include "base/mutex.h"
+#include "ximo/com/future.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace ara::com {
+
+/// The sending end of an event in a skeleton. Thread-safe.
+template <class Value>
+class Skeleton_event : public Offered_part {
+ public:
+    /// Makes a sample of the value and gives it to the sink.
+    using Encode = void (*)(Value const& value, std::function<void(void const*)> const& sink);
+
+    Skeleton_event(Event_type const& type, Encode encode) : type_(type), encode_(encode) {}
+
+    /// Sends to all subscribers; to nobody while the instance is not offered. Bounded in time. Throws
+    /// `tarq::com::Infrastructure_exception` when the value can't be sent.
+    void Send(Value const& value) {
+        base::Lock_guard lock(mutex_);
+        send(value);
+    }
+
+    void open(InstanceIdentifier const& instance) override {
+        base::Lock_guard lock(mutex_);
+        source_ = binding()->offer_event(type_, instance);
+    }
+    void close() override {
+        base::Lock_guard lock(mutex_);
+        source_.reset();
+    }
+
+ protected:
+    void send(Value const& value) REQUIRES(mutex_) {
+        if (source_) {
+            auto& source = *source_;
+            encode_(value, [&source](void const* sample) { source.send(sample); });
+        }
+    }
+
+    base::Mutex mutex_;
+
+ private:
+    Event_type const& type_;
+    Encode const encode_;
+    std::unique_ptr<Event_source> source_ GUARDED_BY(mutex_);
+};
+
+/// A field with a getter and a notification. Its subscribers get the newest value at once, also those who come later.
+template <class Value>
+class Skeleton_field : public Skeleton_event<Value> {
+ public:
+    using Get_handler = std::function<ximo::com::Future<Value>()>;
+
+    using Skeleton_event<Value>::Skeleton_event;
+
+    /// Sets the value and notifies all subscribers, also when the value is the same as before. A value that is set
+    /// before the instance is offered is sent with the offer. Throws as `Send` does.
+    void Update(Value const& value) {
+        base::Lock_guard lock(this->mutex_);
+        value_ = value;
+        this->send(value);
+    }
+
+    /// Answers `Get` instead of the last value that was set. Set it before the instance is offered.
+    void RegisterGetHandler(Get_handler handler) {
+        base::Lock_guard lock(this->mutex_);
+        get_ = std::move(handler);
+    }
+
+    /// The getter's answer; the interface's code calls it. An empty value when none was set.
+    Value get() {
+        Get_handler handler;
+        {
+            base::Lock_guard lock(this->mutex_);
+            if (!get_) {
+                return value_.value_or(Value());
+            }
+            handler = get_;
+        }
+        return handler().get();
+    }
+
+    void open(InstanceIdentifier const& instance) override {
+        Skeleton_event<Value>::open(instance);
+        base::Lock_guard lock(this->mutex_);
+        if (value_) {
+            this->send(*value_);
+        }
+    }
+
+ private:
+    std::optional<Value> value_ GUARDED_BY(this->mutex_);
+    Get_handler get_ GUARDED_BY(this->mutex_);
+};
+
+}  // namespace ara::com
+
+#endif

@@ -1,0 +1,57 @@
+#ifndef ARA_COM_TYPED_REPLY_H
+#define ARA_COM_TYPED_REPLY_H
+
+#include "ara/com/binding.h"
+#include "ximo/com/future.h"
+
+#include <exception>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+namespace ara::com {
+
+/// Turns the outcome of a call into the value of a future.
+template <class Value>
+class Typed_reply : public Pending_reply {
+ public:
+    /// Reads the result from a reply; throws `tarq::com::Infrastructure_exception` when the reply is for another
+    /// method.
+    using Decode = std::function<Value(void const* reply)>;
+
+    explicit Typed_reply(Decode decode) : decode_(std::move(decode)) {}
+
+    ximo::com::Future<Value> future() { return promise_.get_future(); }
+
+    void succeed(void const* reply) override {
+        try {
+            if constexpr (std::is_void_v<Value>) {
+                decode_(reply);
+                promise_.set_value();
+            } else {
+                promise_.set_value(decode_(reply));
+            }
+        } catch (std::exception const&) {
+            promise_.set_exception(std::current_exception());
+        }
+    }
+
+    void fail(std::exception_ptr cause) override { promise_.set_exception(std::move(cause)); }
+
+ private:
+    Decode decode_;
+    ximo::com::Promise<Value> promise_;
+};
+
+/// Calls and returns the future of the result.
+template <class Value>
+ximo::com::Future<Value> call(Connection& connection, void* request, typename Typed_reply<Value>::Decode decode) {
+    auto reply = std::make_unique<Typed_reply<Value>>(std::move(decode));
+    auto future = reply->future();
+    connection.call(request, std::move(reply));
+    return future;
+}
+
+}  // namespace ara::com
+
+#endif
