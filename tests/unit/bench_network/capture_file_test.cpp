@@ -2,6 +2,7 @@
 
 #include "support/temporary_directory.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include <gmock/gmock.h>
@@ -44,7 +45,7 @@ TEST(Ip_packet_test, Its_checksums_are_right_for_even_and_odd_lengths) {
         auto const packet = ip_packet(k_from, k_to, payload);
         EXPECT_EQ(ones_sum({packet.begin(), packet.begin() + 20}), 0xffffU);
         Bits covered{127, 0, 0, 11, 127, 0, 0, 12, 0, 17, 0, static_cast<std::uint8_t>(8 + payload.size())};
-        covered.insert(covered.end(), packet.begin() + 20, packet.end());
+        std::copy(packet.begin() + 20, packet.end(), std::back_inserter(covered));
         EXPECT_EQ(ones_sum(covered), 0xffffU) << payload.size();
     }
 }
