@@ -37,6 +37,16 @@ std::string first_text(sd_bus_message* call) {
     return result;
 }
 
+std::string second_text(sd_bus_message* call) {
+    char const* text = nullptr;
+    if (sd_bus_message_has_signature(call, "ss") > 0) {
+        sd_bus_message_read(call, "ss", nullptr, &text);
+    }
+    std::string result = text != nullptr ? text : "";
+    sd_bus_message_rewind(call, 1);
+    return result;
+}
+
 std::vector<std::string> read_texts(sd_bus_message* call) {
     std::vector<std::string> result;
     if (sd_bus_message_enter_container(call, 'a', "s") <= 0) {

@@ -28,6 +28,9 @@ std::string unit_at(std::string const& path);
 /// The first argument of a call when it is a text, else empty. Reading the call starts at its beginning again.
 std::string first_text(sd_bus_message* call);
 
+/// The second argument of a call whose first two are texts, else empty; the same for the reading.
+std::string second_text(sd_bus_message* call);
+
 /// The next argument, a list of texts; empty when the call has none there.
 std::vector<std::string> read_texts(sd_bus_message* call);
 

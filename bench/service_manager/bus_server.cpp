@@ -63,6 +63,9 @@ int Bus_server::take(sd_bus_message* call) {
     if (!unit.empty()) {
         details["unit"] = unit;
     }
+    if (method == "StartUnit" || method == "StopUnit") {
+        details["mode"] = second_text(call);
+    }
     loop_.event("call", details);
     if (reaction.silent) {
         return 1;

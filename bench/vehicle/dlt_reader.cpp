@@ -90,6 +90,10 @@ class Dlt_reader::Client {
         return std::exchange(messages_, {});
     }
 
+    bool set_level(std::string application, std::string context, std::uint8_t level) {
+        return ::dlt_client_send_log_level(&client_, application.data(), context.data(), level) == DLT_RETURN_OK;
+    }
+
     std::string announcements() {
         std::lock_guard<std::mutex> const lock(mutex_);
         return announcements_;
@@ -145,6 +149,10 @@ Dlt_reader::~Dlt_reader() {
 
 std::string Dlt_reader::announcements() {
     return client_->announcements();
+}
+
+bool Dlt_reader::set_level(std::string const& application, std::string const& context, std::uint8_t level) {
+    return client_->set_level(application, context, level);
 }
 
 Timeline Dlt_reader::take() {

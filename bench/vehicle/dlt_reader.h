@@ -4,6 +4,7 @@
 #include "bench/process/child_process.h"
 #include "bench/vehicle/timeline.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -25,6 +26,10 @@ class Dlt_reader {
     /// What the daemon has told about the programs so far, its control messages as they are: the ids and descriptions
     /// of applications and contexts stand in them as text.
     std::string announcements();
+
+    /// Has a program's context log up to a level from now on, 1 fatal to 6 verbose, as soon as the program has heard of
+    /// it. False when the daemon could not be told.
+    bool set_level(std::string const& application, std::string const& context, std::uint8_t level);
 
     Child_process& daemon() { return *daemon_; }
 

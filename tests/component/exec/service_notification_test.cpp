@@ -5,12 +5,18 @@
 #include "support/log_capture.h"
 #include "support/notify_socket.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
 
 #include <gmock/gmock.h>
 #include <stdlib.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace {
 
@@ -49,6 +55,25 @@ TEST(Supervision_entity, Reports_each_checkpoint_as_one_watchdog_beat) {
     sut.ReportCheckpoint(1, 1);
     sut.ReportCheckpoint(1, 1);
     EXPECT_THAT(service_manager.received(), ElementsAre("WATCHDOG=1", "WATCHDOG=1"));
+}
+
+TEST(Supervision_entity, Reports_to_an_abstract_name_too) {
+    auto const name = std::string("@notified--") + std::to_string(::getpid());
+    int const service_manager = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::copy(name.begin() + 1, name.end(), address.sun_path + 1);
+    auto const size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
+    ASSERT_EQ(::bind(service_manager, reinterpret_cast<sockaddr const*>(&address), size), 0);
+    ::setenv("NOTIFY_SOCKET", name.c_str(), 1);
+    ara::phm::Phm_client const client("");
+    ara::phm::SupervisionEntity sut(client);
+    sut.ReportCheckpoint(1, 1);
+    ::unsetenv("NOTIFY_SOCKET");
+    std::array<char, 32> line{};
+    auto const count = ::recv(service_manager, line.data(), line.size(), 0);
+    EXPECT_EQ(std::string(line.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))), "WATCHDOG=1");
+    ::close(service_manager);
 }
 
 TEST(Supervision_entity, Succeeds_where_nobody_supervises) {

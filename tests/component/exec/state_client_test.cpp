@@ -54,7 +54,8 @@ class Execution_management : public testing::Test {
 
 TEST_F(Execution_management, Is_asked_to_start_the_target_of_the_state) {
     EXPECT_EQ(sut.SetState("MachineState", "Running"), State_client_result::kSuccess);
-    manager->await_event("call", {{"method", "StartUnit"}, {"unit", "MachineState-Running.target"}});
+    manager->await_event("call",
+                         {{"method", "StartUnit"}, {"unit", "MachineState-Running.target"}, {"mode", "replace"}});
     manager->await_event("unit", {{"unit", "MachineState-Running.target"}, {"active", "active"}});
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -46,15 +47,31 @@ class Dlt : public testing::Test {
         }
     }
 
-    static bool has_writer(pid_t program) {
+    static bool has_writer(pid_t program) { return !writer_of(program).empty(); }
+
+    // Where the system tells of the thread; empty when there is none.
+    static std::filesystem::path writer_of(pid_t program) {
         std::error_code gone;
         std::filesystem::directory_iterator const threads("/proc/" + std::to_string(program) + "/task", gone);
-        return std::any_of(begin(threads), end(threads), [](auto const& thread) {
+        for (auto const& thread : threads) {
             std::string name;
             std::getline(std::ifstream(thread.path() / "comm"), name);
-            return name == "log-writer";
-        });
+            if (name == "log-writer") {
+                return thread.path();
+            }
+        }
+        return {};
     }
+
+    static std::uint64_t blocked_signals_of_writer(pid_t program) {
+        std::ifstream status(writer_of(program) / "status");
+        std::string line;
+        while (std::getline(status, line) && line.rfind("SigBlk:", 0) != 0) {
+        }
+        return line.empty() ? 0 : std::stoull(line.substr(7), nullptr, 16);
+    }
+
+    static void tell(Child_process const& program, char what) { ASSERT_EQ(::write(program.input(), &what, 1), 1); }
 
     static void expect_all_numbers(std::vector<std::string> const& texts) {
         std::set<std::string> const seen(texts.begin(), texts.end());
@@ -132,6 +149,49 @@ TEST_F(Dlt, Gets_what_was_logged_before_it_was_there) {
     EXPECT_THAT(texts.back(), HasSubstr("waiting"));
     program.close_input();
     EXPECT_EQ(program.wait(k_patience), 0);
+}
+
+TEST_F(Dlt, Lowers_the_level_of_a_context_when_its_viewer_wants_it) {
+    Dlt_reader viewer;
+    auto program = started("wait");
+    EXPECT_THAT(texts_until(viewer, "waiting").back(), HasSubstr("waiting"));
+    ASSERT_TRUE(viewer.set_level("PROG", "DFLT", 4));
+    auto const deadline = steady_clock::now() + k_patience;
+    std::vector<std::string> between;
+    do {
+        tell(program, 'x');
+        texts_until(viewer, "told");
+        tell(program, 'x');
+        between = texts_until(viewer, "told");
+    } while (between.front() != "DFLT told" && steady_clock::now() < deadline);
+    EXPECT_THAT(between, testing::ElementsAre("DFLT told"));
+}
+
+// What is not severe waits for the writer's next turn: after one turn an error comes long before the next.
+TEST_F(Dlt, Gets_an_error_at_once) {
+    Dlt_reader viewer;
+    auto program = started("wait");
+    EXPECT_THAT(texts_until(viewer, "waiting").back(), HasSubstr("waiting"));
+    auto quickest = milliseconds::max();
+    for (int round = 0; round < 5; ++round) {
+        tell(program, 'x');
+        texts_until(viewer, "told in detail");
+        auto const before = steady_clock::now();
+        tell(program, 'e');
+        texts_until(viewer, "told of an error");
+        quickest = std::min(quickest, std::chrono::duration_cast<milliseconds>(steady_clock::now() - before));
+    }
+    EXPECT_LT(quickest, milliseconds(50));
+}
+
+TEST_F(Dlt, Is_fed_by_a_thread_in_which_no_signal_is_handled) {
+    Dlt_reader viewer;
+    auto program = started("wait");
+    texts_until(viewer, "waiting");
+    auto const blocked = blocked_signals_of_writer(program.pid());
+    for (int const signal_number : {SIGTERM, SIGINT, SIGABRT, SIGALRM, SIGUSR1}) {
+        EXPECT_NE(blocked & 1ULL << (signal_number - 1), 0U) << signal_number;
+    }
 }
 
 TEST_F(Dlt, That_is_stopped_stops_nobody) {

@@ -1,4 +1,5 @@
-// Logs what its argument tells, and ends.
+// log_program [TASK [MODES DIRECTORY]]: logs what the task tells, and ends. MODES is a number, 1 (the log daemon) by
+// default.
 
 #include "ara/log/logging.h"
 
@@ -32,6 +33,10 @@ void log_many(int count) {
 void wait_for_end_of_input() {
     char byte = 0;
     while (::read(STDIN_FILENO, &byte, 1) > 0) {
+        if (byte == 'e') {
+            ara::log::LogError() << "told of an error";
+            continue;
+        }
         ara::log::LogInfo() << "told";
         ara::log::LogDebug() << "told in detail";
     }
@@ -46,7 +51,8 @@ struct Logs_when_it_dies {
 int main(int argc, char** argv) {
     std::string const task = argc > 1 ? argv[1] : "";
     ara::log::LogInfo() << "before logging was initialised";
-    ara::log::InitLogging("PROG", "A program that logs", ara::log::LogLevel::kVerbose, ara::log::LogMode::kRemote, "");
+    auto const mode = static_cast<ara::log::LogMode>(argc > 3 ? std::stoi(argv[2]) : 1);
+    ara::log::InitLogging("PROG", "A program that logs", ara::log::LogLevel::kVerbose, mode, argc > 3 ? argv[3] : "");
     static Logs_when_it_dies const last;
     if (task == "types") {
         log_every_type();
@@ -58,6 +64,9 @@ int main(int argc, char** argv) {
         log_many(2000);
         std::puts("logged");
         std::fflush(stdout);
+    } else if (task == "initialise again") {
+        ara::log::InitLogging("MORE", "The same program", ara::log::LogLevel::kOff, mode, "");
+        ara::log::LogVerbose() << "still verbose";
     } else if (task == "wait") {
         ara::log::LogInfo() << "waiting";
         wait_for_end_of_input();

@@ -97,8 +97,25 @@ TEST(Argument_encoder, Cuts_text_between_two_characters) {
         text += "\xc3\xa4";
     }
     sut.add_text(text);
-    auto const kept = std::get<std::string>(decoded(sut).at(0));
-    EXPECT_EQ(kept.size() % 2, 1U);
+    sut.finish();
+    auto const kept = std::get<std::string>(decoded(sut).at(0)).size();
+    EXPECT_EQ(kept % 2, 1U);
+    EXPECT_EQ(std::get<std::string>(decoded(sut).at(1)), "[" + std::to_string(text.size() - kept) + " bytes cut]");
+}
+
+TEST(Argument_encoder, Counts_the_bytes_of_a_character_that_would_not_fit_whole) {
+    for (std::size_t shift = 0; shift < 4; ++shift) {
+        Argument_encoder sut;
+        std::string text(shift, 'a');
+        while (text.size() < 3000) {
+            text += "\xf0\x9f\x9a\x97";
+        }
+        sut.add_text(text);
+        sut.finish();
+        auto const kept = std::get<std::string>(decoded(sut).at(0)).size();
+        EXPECT_EQ(kept % 4, shift);
+        EXPECT_EQ(std::get<std::string>(decoded(sut).at(1)), "[" + std::to_string(text.size() - kept) + " bytes cut]");
+    }
 }
 
 TEST(Argument_encoder, Never_writes_past_its_end_whatever_is_added) {

@@ -1,0 +1,51 @@
+#include "ara/log/argument_decoder.h"
+#include "ara/log/log_engine.h"
+#include "ara/log/logging.h"
+
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace ara::log {
+namespace {
+
+using testing::ElementsAre;
+
+/// Keeps what it is handed; the engine owns it until the process ends.
+class Keeping_sink : public Log_sink {
+ public:
+    explicit Keeping_sink(std::vector<std::string>& lines) : lines_(lines) {}
+    void add_context(Log_context& /*context*/) override {}
+    void write(Queued_message const& message) override {
+        auto const arguments = decode_arguments(message.arguments.data(), message.header.size);
+        lines_.push_back(std::to_string(static_cast<int>(message.header.level)) + " " + to_text(arguments));
+    }
+
+ private:
+    std::vector<std::string>& lines_;
+};
+
+// Nobody empties the queue but this test.
+TEST(Full_queue, Drops_what_is_new_and_tells_each_time_how_much_was_dropped_once_it_is_empty) {
+    static std::vector<std::string> lines;
+    Log_engine::instance().add_sink(std::make_unique<Keeping_sink>(lines), LogLevel::kVerbose);
+    for (std::size_t const dropped : {976U, 3U}) {
+        lines.clear();
+        for (std::size_t number = 0; number < Message_queue::k_slots + dropped; ++number) {
+            LogInfo() << number;
+        }
+        Log_engine::instance().drain();
+        ASSERT_EQ(lines.size(), Message_queue::k_slots + 1);
+        EXPECT_EQ(lines.front(), "4 0");
+        EXPECT_EQ(lines[Message_queue::k_slots - 1], "4 1023");
+        EXPECT_EQ(lines.back(), "3 Log queue was full, messages dropped:  " + std::to_string(dropped));
+    }
+    lines.clear();
+    LogInfo() << "again";
+    Log_engine::instance().drain();
+    EXPECT_THAT(lines, ElementsAre("4 again"));
+}
+
+}  // namespace
+}  // namespace ara::log
