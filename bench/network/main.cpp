@@ -3,11 +3,13 @@
 
 #include "bench/network/commands.h"
 #include "bench/network/options.h"
+#include "bench/network/service_commands.h"
+#include "tarq/com/runtime/component_singleton.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <stdexcept>
+#include <optional>
 
 #include <unistd.h>
 
@@ -17,10 +19,19 @@ namespace players = bench::network;
 
 constexpr int k_usage_error = 2;
 
-int serve(players::Node_options const& options) {
-    if (options.offered) {
-        throw std::runtime_error("this build has no services to offer");
+/// The services with the communication that carries them.
+struct Offering {
+    Offering(std::string const& instance, players::Network_player& player, bench::Control_loop& loop,
+             bench::Command_table& commands)
+        : services(instance, player, loop) {
+        players::add_service_commands(commands, services);
     }
+
+    tarq::com::runtime::Component_singleton communication{false, ""};
+    players::Services services;
+};
+
+int serve(players::Node_options const& options) {
     bench::Command_table commands;
     bench::Control_loop loop(STDIN_FILENO, STDOUT_FILENO, commands);
     players::Network_player player(options.network, loop);
@@ -28,6 +39,10 @@ int serve(players::Node_options const& options) {
         player.start_capture(options.capture);
     }
     players::add_commands(commands, player);
+    std::optional<Offering> offering;
+    if (options.offered) {
+        offering.emplace(*options.offered, player, loop, commands);
+    }
     loop.event("ready", {{"node", options.network.id}, {"port", options.network.own.port}});
     return loop.run();
 }
