@@ -1,11 +1,9 @@
 #include "bench/vehicle/dlt_reader.h"
 
-#include "bench/json_lines/clock.h"
+#include "bench/vehicle/dlt_message.h"
 
-#include <array>
 #include <chrono>
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
@@ -23,7 +21,6 @@ namespace {
 
 constexpr int k_port = 3490;  // DLT's own
 constexpr std::chrono::seconds k_patience{10};
-constexpr std::int64_t k_ns_per_tick = 100'000;  // DLT counts 0.1 ms
 
 std::string write_configuration() {
     std::string path = "/tmp/dlt.conf";
@@ -35,25 +32,9 @@ std::string write_configuration() {
     return path;
 }
 
-std::string id_in(char const* field) {
-    return {field, ::strnlen(field, DLT_ID_SIZE)};
-}
-
-Event to_event(DltMessage& message) {
-    std::array<char, 10'024> text{};
-    ::dlt_message_payload(&message, text.data(), text.size(), DLT_OUTPUT_ASCII, 0);
-    Event event{monotonic_ns(), Kind::log, text.data()};
-    if (DLT_IS_HTYP_WTMS(message.standardheader->htyp)) {
-        event.time = static_cast<std::int64_t>(message.headerextra.tmsp) * k_ns_per_tick;
-    }
-    event.level = DLT_GET_MSIN_MTIN(message.extendedheader->msin);
-    event.context = id_in(message.extendedheader->ctid);
-    event.application = id_in(message.extendedheader->apid);
-    return event;
-}
-
-bool is_of_type(DltMessage const& message, int type) {
-    return DLT_IS_HTYP_UEH(message.standardheader->htyp) && DLT_GET_MSIN_MSTP(message.extendedheader->msin) == type;
+bool is_control(DltMessage const& message) {
+    return DLT_IS_HTYP_UEH(message.standardheader->htyp) &&
+           DLT_GET_MSIN_MSTP(message.extendedheader->msin) == DLT_TYPE_CONTROL;
 }
 
 }  // namespace
@@ -109,9 +90,9 @@ class Dlt_reader::Client {
 
     void keep(DltMessage& message) {
         std::lock_guard<std::mutex> const lock(mutex_);
-        if (is_of_type(message, DLT_TYPE_LOG)) {
-            messages_.push_back(to_event(message));
-        } else if (is_of_type(message, DLT_TYPE_CONTROL)) {
+        if (auto event = to_event(message)) {
+            messages_.push_back(*std::move(event));
+        } else if (is_control(message)) {
             announcements_.append(reinterpret_cast<char const*>(message.databuffer),
                                   static_cast<std::size_t>(message.datasize));
         }

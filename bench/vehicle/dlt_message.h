@@ -1,0 +1,18 @@
+#ifndef BENCH_VEHICLE_DLT_MESSAGE_H
+#define BENCH_VEHICLE_DLT_MESSAGE_H
+
+#include "bench/vehicle/timeline.h"
+
+#include <optional>
+
+struct sDltMessage;
+
+namespace bench::vehicle {
+
+/// What a DLT message says, at the time at which its program logged it, on that machine's clock since its start.
+/// Nothing for control messages.
+std::optional<Event> to_event(sDltMessage& message);
+
+}  // namespace bench::vehicle
+
+#endif

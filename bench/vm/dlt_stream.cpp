@@ -1,0 +1,68 @@
+#include "bench/vm/dlt_stream.h"
+
+#include "bench/vehicle/dlt_message.h"
+
+#include <utility>
+
+#include <dlt/dlt_common.h>
+
+namespace bench::vm {
+
+namespace {
+
+constexpr std::string_view k_header{"DLS\x01"};
+constexpr int k_resynchronise = 1;
+
+/// A message of libdlt's, which owns memory.
+class Message {
+ public:
+    Message() { ::dlt_message_init(&message_, 0); }
+    ~Message() { ::dlt_message_free(&message_, 0); }
+    Message(Message const&) = delete;
+    Message& operator=(Message const&) = delete;
+
+    bool read(std::string_view bytes) {
+        std::string copy(bytes);  // libdlt wants to be able to write
+        return ::dlt_message_read(&message_, reinterpret_cast<std::uint8_t*>(copy.data()),
+                                  static_cast<unsigned>(copy.size()), k_resynchronise, 0) == DLT_MESSAGE_ERROR_OK;
+    }
+
+    /// Without its serial header.
+    std::size_t size() const {
+        return static_cast<std::size_t>(message_.headersize + message_.datasize) - sizeof(DltStorageHeader);
+    }
+
+    sDltMessage& get() { return message_; }
+
+ private:
+    DltMessage message_{};
+};
+
+}  // namespace
+
+vehicle::Timeline Dlt_stream::add(std::string_view bytes) {
+    waiting_.append(bytes);
+    vehicle::Timeline messages;
+    for (;;) {
+        auto const begin = waiting_.find(k_header);
+        if (begin == std::string::npos) {
+            // Perhaps the first part of a header has arrived.
+            waiting_.erase(0, waiting_.size() - std::min(waiting_.size(), k_header.size() - 1));
+            return messages;
+        }
+        waiting_.erase(0, begin);
+        Message message;
+        if (message.read(waiting_)) {
+            if (auto event = vehicle::to_event(message.get())) {
+                messages.push_back(std::move(*event));
+            }
+            waiting_.erase(0, k_header.size() + message.size());
+        } else if (waiting_.find(k_header, k_header.size()) != std::string::npos) {
+            waiting_.erase(0, k_header.size());  // cut off: the next one has begun
+        } else {
+            return messages;
+        }
+    }
+}
+
+}  // namespace bench::vm

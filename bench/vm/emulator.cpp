@@ -1,0 +1,58 @@
+#include "bench/vm/emulator.h"
+
+#include <unistd.h>
+
+namespace bench::vm {
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+void append(Words& words, Words const& more) {
+    words.insert(words.end(), more.begin(), more.end());
+}
+
+// The machine is an aarch64 one: only there the processor can run it itself.
+Words processor() {
+#ifdef __aarch64__
+    if (::access("/dev/kvm", R_OK | W_OK) == 0) {
+        return {"-accel", "kvm", "-cpu", "host"};
+    }
+#endif
+    // Translated code is kept: 256 MB hold all that a boot runs.
+    return {"-accel", "tcg,thread=multi,tb-size=256", "-cpu", "cortex-a72"};
+}
+
+Words line(std::string const& name, std::string const& device, std::string const& directory) {
+    return {"-chardev", "socket,id=" + name + ",path=" + directory + "/" + name + ",server=on,wait=off", "-device",
+            device + ",chardev=" + name};
+}
+
+}  // namespace
+
+std::vector<std::string> command_line(Machine_options const& options, std::string const& directory) {
+    Words words{"qemu-system-aarch64",
+                "-machine",
+                "virt",
+                "-smp",
+                std::to_string(options.processors),
+                "-m",
+                std::to_string(options.memory_mb)};
+    append(words, processor());
+    append(words, {"-nodefaults", "-display", "none", "-no-reboot", "-nic", "none"});
+    append(words, {"-kernel", options.image + "/kernel", "-initrd", options.image + "/initrd", "-append",
+                   "console=ttyAMA0 quiet audit=0 rdinit=/init systemd.show_status=0 " + options.kernel_options});
+    // The keyboard sits in a slot of its own, so that it can be pulled out.
+    append(words, {"-device", "pcie-root-port,id=slot1,chassis=1", "-device",
+                   "virtio-keyboard-pci,id=keyboard,bus=slot1", "-device", "virtio-serial-pci"});
+    append(words, line("log", "virtconsole", directory));
+    append(words, line("state", "virtserialport,name=vmctl.state", directory));
+    append(words, line("restart", "virtserialport,name=vmctl.restart", directory));
+    append(words, line("shell", "virtserialport,name=vehicle.shell", directory));
+    append(words, line("journal", "virtserialport,name=vehicle.journal", directory));
+    append(words,
+           {"-qmp", "unix:" + directory + "/control,server=on,wait=off", "-serial", "file:" + directory + "/console"});
+    return words;
+}
+
+}  // namespace bench::vm

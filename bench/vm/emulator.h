@@ -1,0 +1,25 @@
+#ifndef BENCH_VM_EMULATOR_H
+#define BENCH_VM_EMULATOR_H
+
+#include <string>
+#include <vector>
+
+namespace bench::vm {
+
+/// What the emulator is started with.
+struct Machine_options {
+    std::string image;             ///< directory that holds `kernel` and `initrd`
+    unsigned processors{2};        ///< of the machine
+    unsigned memory_mb{512};       ///< of the machine; the file system lies in it
+    std::string kernel_options{};  ///< on top of the usual ones
+};
+
+/// The emulator's program and arguments. Its sockets and files lie in `directory`:
+///   log      the log daemon's serial line     state, restart   the VM-control ports
+///   shell    the operator's hand              journal          what the service manager says
+///   control  the emulator's own channel       console          the kernel's messages, a file
+std::vector<std::string> command_line(Machine_options const& options, std::string const& directory);
+
+}  // namespace bench::vm
+
+#endif

@@ -1,0 +1,75 @@
+// The target machine under an emulator: `virtual_machine IMAGE` in a terminal is the console of the virtual vehicle on
+// this machine; `--tour`, and without a terminal, it goes through the states by itself and checks each step.
+
+#include "bench/console/console.h"
+#include "bench/tour/picture.h"
+#include "bench/tour/tour.h"
+#include "bench/vm/steps.h"
+#include "bench/vm/virtual_machine.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+using bench::vm::Virtual_machine;
+
+constexpr int k_usage_error = 2;
+
+struct Arguments {
+    std::string image;
+    std::string picture;
+    bool touring{false};
+    bool are_wrong{false};
+};
+
+Arguments parse(std::vector<std::string> const& words) {
+    Arguments arguments;
+    arguments.touring = ::isatty(STDIN_FILENO) == 0 || ::isatty(STDOUT_FILENO) == 0;
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        if (*word == "--tour") {
+            arguments.touring = true;
+        } else if (*word == "--picture" && word + 1 != words.end()) {
+            arguments.picture = *++word;
+        } else if (word->front() != '-' && arguments.image.empty()) {
+            arguments.image = *word;
+        } else {
+            arguments.are_wrong = true;
+        }
+    }
+    arguments.are_wrong = arguments.are_wrong || arguments.image.empty();
+    return arguments;
+}
+
+int tour(Virtual_machine& machine, std::string const& picture) {
+    auto const findings = bench::tour::walk(machine, bench::vm::steps(), Virtual_machine::k_boot_patience);
+    bool const all_seen = bench::tour::print_summary(findings);
+    if (!picture.empty() && !(std::ofstream(picture) << bench::tour::draw(machine.events()) << std::flush)) {
+        std::fprintf(stderr, "%s can't be written\n", picture.c_str());
+        return EXIT_FAILURE;
+    }
+    return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    auto const arguments = parse({argv + 1, argv + argc});
+    if (arguments.are_wrong) {
+        std::fputs("usage: virtual_machine [--tour] [--picture FILE] IMAGE\n", stderr);
+        return k_usage_error;
+    }
+    try {
+        Virtual_machine machine({arguments.image});
+        return arguments.touring ? tour(machine, arguments.picture) : bench::console::run(machine, "/dev/null");
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "virtual_machine: %s\n", error.what());
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,81 @@
+#ifndef BENCH_VM_VIRTUAL_MACHINE_H
+#define BENCH_VM_VIRTUAL_MACHINE_H
+
+#include "bench/process/child_process.h"
+#include "bench/process/scratch_directory.h"
+#include "bench/vehicle/machine.h"
+#include "bench/vm/dlt_stream.h"
+#include "bench/vm/emulator.h"
+#include "bench/vm/journal.h"
+#include "bench/vm/port.h"
+#include "bench/vm/qmp.h"
+#include "bench/vm/shell.h"
+#include "bench/vm/word_splitter.h"
+
+#include <chrono>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace bench::vm {
+
+/// The whole target machine under an emulator: the kernel, the service manager as its first process, the log daemon,
+/// the bus, and the daemon from its package. Keys go to its keyboard; its words, its log and its journal come back on
+/// lines of their own. All times are this machine's clock.
+///
+///     Virtual_machine machine({image});
+///     machine.start_daemon();  // switches it on
+///     machine.press("p");
+///     machine.await(Kind::state_word, "prepared4sd", 0, Virtual_machine::k_boot_patience);
+class Virtual_machine : public vehicle::Machine {
+ public:
+    /// Without hardware help a boot takes seconds, and many more where other work is done at the same time.
+    static constexpr std::chrono::seconds k_boot_patience{90};
+
+    explicit Virtual_machine(Machine_options options);
+    ~Virtual_machine() override;
+
+    /// Switches the machine on when it is off; else starts the daemon on it.
+    void start_daemon() override;
+    void press(std::string const& key) override;
+    void signal_daemon(int number) override;
+    void update(std::chrono::milliseconds limit) override;
+
+    bool is_on() const { return running_ != nullptr; }
+
+    /// True when the machine switched itself off within the time.
+    bool await_power_off(std::chrono::milliseconds limit);
+
+    /// The hypervisor's hand: devices come and go. Only while it is on.
+    Qmp& hypervisor();
+    Shell& shell();
+
+    /// The journal since the machine was switched on, with the machine's own times.
+    std::vector<Entry> const& journal() const { return journal_; }
+
+    /// Waits for an entry of the unit (any, when empty) whose message contains the words, from entry `from` on.
+    Entry const* await_entry(std::string const& unit, std::string const& words, std::size_t from = 0,
+                             std::chrono::milliseconds limit = k_boot_patience);
+
+    /// The machine's clock at a time of this machine's, both in nanoseconds.
+    std::int64_t machine_time(std::int64_t time) const { return time - clock_offset_; }
+
+ private:
+    struct Running;
+
+    void take_words();
+    void take_log();
+    void take_journal();
+    void take_end();
+    std::int64_t to_host_time(std::int64_t machine_time);
+
+    Machine_options options_;
+    std::unique_ptr<Running> running_;
+    std::vector<Entry> journal_;
+    std::int64_t clock_offset_{std::numeric_limits<std::int64_t>::max()};
+};
+
+}  // namespace bench::vm
+
+#endif
