@@ -129,6 +129,8 @@ void Engine::exchange() {
         requests = connection_->receive();
     } catch (utilities::ExceptionSocketClosed const&) {
         lose("");
+    } catch (std::system_error const&) {  // the same, seen in another call
+        lose("");
     } catch (std::exception const& error) {
         lose(error.what());
     }

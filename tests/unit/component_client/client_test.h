@@ -2,7 +2,7 @@
 #define TESTS_COMPONENT_CLIENT_CLIENT_TEST_H
 
 #include "component_client/client.h"
-#include "played_server.h"
+#include "support/played_server.h"
 #include "support/temporary_directory.h"
 
 #include <condition_variable>
@@ -16,6 +16,12 @@
 #include <gmock/gmock.h>
 
 namespace component_client {
+
+using test_support::Hello;
+using test_support::k_patience;
+using test_support::Played_peer;
+using test_support::Played_server;
+using test_support::Reply;
 
 /// Things on their way from one thread to another; taking throws when nothing comes in time.
 template <class Item>

@@ -1,5 +1,5 @@
-#ifndef TESTS_COMPONENT_CLIENT_PLAYED_SERVER_H
-#define TESTS_COMPONENT_CLIENT_PLAYED_SERVER_H
+#ifndef TESTS_SUPPORT_PLAYED_SERVER_H
+#define TESTS_SUPPORT_PLAYED_SERVER_H
 
 #include "utilities/serialization.h"
 #include "utilities/socket.h"
@@ -9,7 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace component_client {
+namespace test_support {
 
 constexpr std::chrono::seconds k_patience{10};  ///< until a test fails
 
@@ -59,6 +59,6 @@ class Played_server {
     utilities::Socket socket_;
 };
 
-}  // namespace component_client
+}  // namespace test_support
 
 #endif

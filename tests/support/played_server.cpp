@@ -1,4 +1,4 @@
-#include "played_server.h"
+#include "support/played_server.h"
 
 #include "utilities/messages.h"
 
@@ -9,7 +9,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace component_client {
+namespace test_support {
 
 using utilities::Type_length_value;
 
@@ -88,4 +88,4 @@ Played_peer Played_server::accept() const {
     return Played_peer(utilities::Socket(::accept4(socket_.get_fd(), nullptr, nullptr, SOCK_CLOEXEC)));
 }
 
-}  // namespace component_client
+}  // namespace test_support

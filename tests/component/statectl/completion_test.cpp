@@ -1,0 +1,31 @@
+#include "statectl.h"
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace statectl {
+namespace {
+
+/// What bash offers for a command line whose last word is being typed, one word a line.
+std::string offered(std::string const& words, std::string const& index) {
+    auto const script = std::string(". " COMPLETION_SCRIPT "; COMP_WORDS=(" STATECTL " ") + words +
+                        "); COMP_CWORD=" + index +
+                        "; _ap_statectl; printf '%s\\n' \"${COMPREPLY[@]}\"; complete -p ap_statectl >/dev/null";
+    return run_shell(script).output;
+}
+
+TEST(Completion, In_bash_offers_the_subcommands) {
+    EXPECT_EQ(offered("cl", "1"), "client\n");
+}
+
+TEST(Completion, In_bash_offers_the_options_of_a_subcommand) {
+    EXPECT_EQ(offered("client --s", "2"), "--silent\n--socket\n--state\n--status\n");
+}
+
+TEST(Completion, In_bash_leaves_values_alone) {
+    EXPECT_EQ(offered("client --name ''", "3"), "\n");
+}
+
+}  // namespace
+}  // namespace statectl

@@ -1,0 +1,58 @@
+#include "tools/command.h"
+
+#include <CLI/CLI.hpp>
+
+#include <gmock/gmock.h>
+
+namespace statectl {
+namespace {
+
+class Commands : public testing::Test {
+ protected:
+    Commands() { add_commands(program, chosen); }
+
+    bool accepts(std::string const& words) {
+        try {
+            program.parse(words);
+            return true;
+        } catch (CLI::ParseError const&) {
+            return false;
+        }
+    }
+
+    CLI::App program;
+    Action chosen;
+};
+
+TEST_F(Commands, Are_described_each_with_its_options) {
+    for (auto const* const command : program.get_subcommands([](CLI::App const*) { return true; })) {
+        EXPECT_NE(command->get_description(), "");
+        for (auto const* const option : command->get_options()) {
+            EXPECT_NE(option->get_description(), "") << command->get_name() << ' ' << option->get_name();
+        }
+    }
+}
+
+TEST_F(Commands, Say_what_is_to_be_done_and_do_not_do_it_yet) {
+    EXPECT_TRUE(accepts("check-client --list"));
+    EXPECT_TRUE(chosen);
+}
+
+TEST_F(Commands, Of_a_client_need_its_name) {
+    EXPECT_FALSE(accepts("client"));
+    EXPECT_TRUE(accepts("client --name me"));
+}
+
+TEST_F(Commands, Of_a_client_take_numbers_in_their_range) {
+    EXPECT_FALSE(accepts("client --name me --status 256"));
+    EXPECT_FALSE(accepts("client --name me --status good"));
+    EXPECT_FALSE(accepts("client --name me --answer-after -1"));
+    EXPECT_TRUE(accepts("client --name me --status 255 --answer-after 86400000"));
+}
+
+TEST_F(Commands, Leave_the_words_of_a_program_alone) {
+    EXPECT_TRUE(accepts("check-client --quiet 10 -- program --json --quiet x"));
+}
+
+}  // namespace
+}  // namespace statectl

@@ -1,0 +1,71 @@
+#include "tools/client_report.h"
+
+#include <array>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace statectl {
+
+namespace {
+
+using nlohmann::json;
+
+void print(std::string const& line) {
+    std::puts(line.c_str());
+    std::fflush(stdout);
+}
+
+// Names and states are bytes of somebody's choice.
+void print(json const& event) {
+    print(event.dump(-1, ' ', false, json::error_handler_t::replace));
+}
+
+std::string describe(std::uint32_t status) {
+    static constexpr std::array<char const*, 4> texts{"succeeded", "general error", "invalid", "timed out"};
+    return status < texts.size() ? texts.at(status) : "status " + std::to_string(status);
+}
+
+}  // namespace
+
+void Client_report::connected(std::string const& name, std::string const& state) const {
+    if (as_json_) {
+        print(json{{"event", "connected"}, {"name", name}, {"state", state}});
+    } else {
+        print("connected as " + name + ", state " + state);
+    }
+}
+
+void Client_report::disconnected() const {
+    if (as_json_) {
+        print(json{{"event", "disconnected"}});
+    } else {
+        print(std::string("connection lost; waiting for the state manager"));
+    }
+}
+
+void Client_report::requested(std::uint32_t number, std::string const& state) const {
+    if (as_json_) {
+        print(json{{"event", "request"}, {"number", number}, {"state", state}});
+    } else {
+        print("request " + std::to_string(number) + ": " + state);
+    }
+}
+
+void Client_report::answered(std::uint32_t number, std::string const& state, std::uint32_t status, bool sent) const {
+    if (as_json_) {
+        print(json{{"event", "answer"}, {"number", number}, {"state", state}, {"status", status}, {"sent", sent}});
+    } else {
+        print("answer " + std::to_string(number) + ": " + describe(status) + ", state " + state +
+              (sent ? "" : " (not sent: nobody waits for it any more)"));
+    }
+}
+
+void Client_report::trouble(std::string const& text) const {
+    if (as_json_) {
+        print(json{{"event", "trouble"}, {"text", text}});
+    } else {
+        print("trouble: " + text);
+    }
+}
+
+}  // namespace statectl

@@ -1,0 +1,35 @@
+#ifndef TOOLS_COMMAND_H
+#define TOOLS_COMMAND_H
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace statectl {
+
+// A subcommand is one file with one function, and one line in commands.cpp. The function describes the subcommand, from
+// which help and completion are made, and says what it does when it is chosen:
+//
+//     void add_greet_command(CLI::App& program, Action& chosen) {
+//         auto options = std::make_shared<Greet_options>();
+//         auto* const command = program.add_subcommand("greet", "Greets the machine");
+//         command->add_option("--name", options->name, "Who greets")->required();
+//         command->callback([options, &chosen] { chosen = [options] { return greet(*options); }; });
+//     }
+
+/// What the chosen subcommand does: it returns the exit status. An exception is a failure that is told on standard
+/// error.
+using Action = std::function<int()>;
+
+constexpr int k_success = 0;
+constexpr int k_failure = 1;  ///< it could not do what it was asked, or what it checked is not so
+constexpr int k_usage = 2;    ///< wrong words on the command line
+
+/// Adds all subcommands to the program. The one that the command line names sets `chosen`.
+void add_commands(CLI::App& program, Action& chosen);
+
+}  // namespace statectl
+
+#endif

@@ -1,0 +1,16 @@
+#ifndef TOOLS_COMMANDS_H
+#define TOOLS_COMMANDS_H
+
+#include "tools/command.h"
+
+namespace statectl {
+
+using Add_command = void(CLI::App& program, Action& chosen);
+
+// Every subcommand, one line each; command.h shows what is behind a line.
+Add_command add_client_command;
+Add_command add_check_client_command;
+
+}  // namespace statectl
+
+#endif

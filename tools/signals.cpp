@@ -1,0 +1,24 @@
+#include "tools/signals.h"
+
+#include <csignal>
+
+#include <sys/signalfd.h>
+
+namespace statectl {
+
+namespace {
+
+int open_signals() {
+    sigset_t ends;
+    ::sigemptyset(&ends);
+    ::sigaddset(&ends, SIGINT);
+    ::sigaddset(&ends, SIGTERM);
+    ::sigprocmask(SIG_BLOCK, &ends, nullptr);
+    return ::signalfd(-1, &ends, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+}  // namespace
+
+End_signals::End_signals() : signals_(open_signals()) {}
+
+}  // namespace statectl
