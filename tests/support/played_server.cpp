@@ -3,9 +3,12 @@
 #include "utilities/messages.h"
 
 #include <stdexcept>
+#include <thread>
 #include <tuple>
 
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -60,6 +63,16 @@ Reply Played_peer::reply() const {
 
 void Played_peer::send(utilities::Bytes const& bytes) const {
     socket_.sendl(bytes.data(), bytes.size(), 0);
+}
+
+void Played_peer::await_read() const {
+    auto const deadline = std::chrono::steady_clock::now() + k_patience;
+    for (int unread = 1; unread > 0;) {
+        if (::ioctl(socket_.get_fd(), SIOCOUTQ, &unread) != 0 || std::chrono::steady_clock::now() > deadline) {
+            throw std::runtime_error("the client does not read");
+        }
+        std::this_thread::yield();
+    }
 }
 
 bool Played_peer::is_closed() const {

@@ -20,7 +20,7 @@ TEST(Completion, In_bash_offers_the_subcommands) {
 }
 
 TEST(Completion, In_bash_offers_the_options_of_a_subcommand) {
-    EXPECT_EQ(offered("client --s", "2"), "--silent\n--socket\n--state\n--status\n");
+    EXPECT_EQ(offered("client --s", "2"), "--state\n--status\n--silent\n--socket\n");
 }
 
 TEST(Completion, In_bash_leaves_values_alone) {
