@@ -100,6 +100,7 @@ void Client_register::send_request(int connection, std::string const& state) {
     Lock const lock(mutex_);
     auto& [socket, client] = *clients_.find(connection);
     client.requested_state = state;
+    client.inbox.expect_one();
     send(socket, client);
 }
 
@@ -108,6 +109,7 @@ void Client_register::send_next_request(int connection, std::string const& state
     auto& [socket, client] = *clients_.find(connection);
     client.requested_state = state;
     ++client.request_number;
+    client.inbox.expect_one();
     send(socket, client);
 }
 

@@ -12,12 +12,15 @@ namespace client_state_notifier {
 /// What one connection has sent, as messages. Reads what is there and never waits for the rest.
 class Inbox {
  public:
-    /// More messages than this within one second are a flood; a client owes one for each request.
-    static constexpr unsigned k_most_messages_a_second = 256;
+    /// More messages than this within one second are a flood, those aside for which the client was asked.
+    static constexpr unsigned k_most_unasked_a_second = 256;
 
     /// One receive of at most 4 KiB, so that no connection holds up another. Throws ExceptionSocketClosed when the peer
     /// has closed its end and everything before that was received, std::system_error when the connection is broken.
     void receive(utilities::Socket const& socket);
+
+    /// One message more may come: the client was asked for it.
+    void expect_one() { ++expected_; }
 
     /// The next whole message, if there is one. Throws what Frame_assembler::take does, and std::runtime_error in a
     /// flood; after that the connection is of no use.
@@ -28,7 +31,8 @@ class Inbox {
 
     utilities::Frame_assembler frames_;
     std::chrono::steady_clock::time_point second_started_;
-    unsigned messages_ = 0;  ///< in this second
+    unsigned expected_ = 0;  ///< asked for and not received
+    unsigned unasked_ = 0;   ///< received in this second
 };
 
 }  // namespace client_state_notifier

@@ -129,6 +129,13 @@ TEST_F(Server_with_a_bad_client, Drops_one_that_floods) {
     expect_service();
 }
 
+// More answers in a second than may come unasked.
+TEST_F(Server_with_a_bad_client, Keeps_one_that_is_asked_very_often) {
+    for (unsigned i = 0; i < 2 * Inbox::k_most_unasked_a_second; ++i) {
+        expect_service();
+    }
+}
+
 TEST_F(Server_with_a_bad_client, Drops_one_that_never_reads) {
     auto bad = connect("bad");
     for (int i = 0; i < 20'000 && sut->get_connected_clients().size() == 2; ++i) {
