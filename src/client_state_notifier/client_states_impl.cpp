@@ -56,7 +56,7 @@ void Client_states_impl::request_state_change(std::string const& state, Client_p
     if (!predicate || !completed) {
         return;
     }
-    requests_.put({state, predicate, completed, std::chrono::steady_clock::now() + timeout});
+    requests_.put({state, predicate, completed, std::chrono::steady_clock::now() + timeout, 0});
 }
 
 void Client_states_impl::thread_main_exception_handling() {

@@ -44,7 +44,7 @@ bool is_shortage(int error) {
 }  // namespace
 
 Listening_socket::Listening_socket(std::string const& path)
-    : socket_file_(with_free_place(path), false), socket_(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0) {
+    : socket_(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0), socket_file_(with_free_place(path), false) {
     bind(socket_, path);
     socket_.listen(k_backlog);
     utilities::get_logger().LogInfo() << "socket created: " << path;

@@ -35,8 +35,8 @@ class Listening_socket {
  private:
     void pause(int error);
 
-    utilities::Deleter socket_file_;
     utilities::Socket socket_;
+    utilities::Deleter socket_file_;
     std::chrono::steady_clock::time_point paused_until_;
 };
 

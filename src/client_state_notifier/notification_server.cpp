@@ -125,7 +125,7 @@ void Notification_server::process_state_change_request() {
         cycle_->ask(connection, name);
         send(&Client_register::send_next_request, connection, taken.state);
     }
-    if (cycle_->is_complete()) {
+    if (is_in_progress() && cycle_->is_complete()) {
         take_cycle()->complete();
     }
 }
@@ -170,15 +170,23 @@ void Notification_server::process_answer(int connection, utilities::Type_length_
     }
 }
 
+/// Drops a request that has been replaced, although the newer one has not been taken yet.
+bool Notification_server::is_in_progress() {
+    if (cycle_ && !requests_.is_newest(cycle_->request().request_number)) {
+        cycle_.reset();
+    }
+    return cycle_.has_value();
+}
+
 void Notification_server::call_callback_after_all_clients_responded() {
-    if (cycle_ && cycle_->is_complete()) {
+    if (is_in_progress() && cycle_->is_complete()) {
         utilities::get_logger().LogInfo() << "calling callback after all clients responded in time";
         take_cycle()->complete();
     }
 }
 
 void Notification_server::process_timeout() {
-    if (cycle_ && Clock::now() >= cycle_->request().deadline) {
+    if (is_in_progress() && Clock::now() >= cycle_->request().deadline) {
         utilities::get_logger().LogInfo() << "calling callback after some clients timed out";
         take_cycle()->time_out();
     }

@@ -49,6 +49,7 @@ class Notification_server {
     void process_readable_client(int connection);
     void process_messages(int connection);
     void process_answer(int connection, utilities::Type_length_values const& answer);
+    bool is_in_progress();
     void call_callback_after_all_clients_responded();
     void process_timeout();
     void delete_hangup_clients();

@@ -20,6 +20,7 @@ Request_slot::Request_slot() {
 void Request_slot::put(State_change_request request) {
     {
         base::Lock_guard const lock(mutex_);
+        request.request_number = ++request_number_;
         request_ = std::move(request);
     }
     changed_.notify_one();
@@ -48,6 +49,11 @@ bool Request_slot::receive_wake_up() {
 std::optional<State_change_request> Request_slot::take() {
     base::Lock_guard const lock(mutex_);
     return take_locked();
+}
+
+bool Request_slot::is_newest(std::uint32_t request_number) const {
+    base::Lock_guard const lock(mutex_);
+    return request_number == request_number_;
 }
 
 std::optional<State_change_request> Request_slot::wait() {

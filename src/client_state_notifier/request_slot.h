@@ -7,6 +7,7 @@
 #include "utilities/type_length_value.h"
 
 #include <condition_variable>
+#include <cstdint>
 #include <optional>
 
 namespace client_state_notifier {
@@ -32,6 +33,9 @@ class Request_slot {
     /// Thread: the request, if there is one that was not taken yet.
     std::optional<State_change_request> take();
 
+    /// Thread: no request has been put since the one with this number.
+    bool is_newest(std::uint32_t request_number) const;
+
     /// Thread: waits for a request without use of the channel; nothing when the thread is to end.
     std::optional<State_change_request> wait();
 
@@ -41,9 +45,10 @@ class Request_slot {
 
     utilities::Socket wake_up_end_;
     utilities::Socket callers_end_;
-    base::Mutex mutex_;
+    mutable base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::optional<State_change_request> request_ GUARDED_BY(mutex_);
+    std::uint32_t request_number_ GUARDED_BY(mutex_) = 0;  ///< of the request put last
     bool stopped_ GUARDED_BY(mutex_) = false;
 };
 

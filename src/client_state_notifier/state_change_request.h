@@ -4,6 +4,7 @@
 #include "client_state_notifier/client_states.h"
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 
 namespace client_state_notifier {
@@ -14,6 +15,7 @@ struct State_change_request {
     Client_predicate predicate;
     Completion_callback completed;
     std::chrono::steady_clock::time_point deadline;
+    std::uint32_t request_number = 0;  ///< counts the requests of all callers; given when it is put into the slot
 };
 
 }  // namespace client_state_notifier

@@ -26,9 +26,9 @@ Bytes introduction_of(Connection const& client) {
 }
 
 Bytes frame_that_announces(std::uint64_t length) {
-    Bytes header{2, 0, 0, 0};
-    auto const* bytes = reinterpret_cast<std::uint8_t const*>(&length);
-    header.insert(header.end(), bytes, bytes + sizeof length);
+    Bytes header(utilities::k_header_size);
+    header[0] = 2;
+    std::memcpy(header.data() + 4, &length, sizeof length);
     return header;
 }
 
