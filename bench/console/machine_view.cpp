@@ -44,6 +44,10 @@ void Machine_view::take(vehicle::Event const& event) {
             keep_newest(log_, event, k_log_lines);
             break;
         case Kind::notification:
+        case Kind::bus:
+        case Kind::network_state:
+        case Kind::user_data:
+        case Kind::application:
             break;
     }
 }

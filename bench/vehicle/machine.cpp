@@ -1,5 +1,7 @@
 #include "bench/vehicle/machine.h"
 
+#include <stdexcept>
+
 namespace bench::vehicle {
 
 namespace {
@@ -12,6 +14,14 @@ bool fits(Event const& event, Kind kind, std::string const& text) {
 }
 
 }  // namespace
+
+nlohmann::json Machine::tell(std::string const& neighbour, nlohmann::json const& /*command*/) {
+    throw std::runtime_error("This machine has no neighbour \"" + neighbour + "\"");
+}
+
+void Machine::change_configuration(nlohmann::json const& /*changes*/) {
+    throw std::runtime_error("The configuration of this machine stays as it is");
+}
 
 void Machine::watch(std::chrono::milliseconds duration) {
     auto const end = std::chrono::steady_clock::now() + duration;

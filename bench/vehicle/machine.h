@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
@@ -26,6 +27,15 @@ class Machine {
     virtual void start_daemon() = 0;
     virtual void press(std::string const& key) = 0;
     virtual void signal_daemon(int number) = 0;
+
+    /// Gives one of the machine's neighbours on the network or one of its applications a command, as docs/bench.md
+    /// describes them, and returns the answer: "node", "other node", "application 1". Throws `std::runtime_error` when
+    /// the machine has no such neighbour or the neighbour refuses.
+    virtual nlohmann::json tell(std::string const& neighbour, nlohmann::json const& command);
+
+    /// The daemon's next start reads a configuration that differs from the machine's own one by a merge patch
+    /// (RFC 7386). Throws `std::runtime_error` when this machine can't.
+    virtual void change_configuration(nlohmann::json const& changes);
 
     /// Takes in what has happened, and waits up to `limit` for something to happen.
     virtual void update(std::chrono::milliseconds limit) = 0;

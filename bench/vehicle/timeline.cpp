@@ -20,6 +20,14 @@ char const* name(Kind kind) {
             return "log";
         case Kind::power_off:
             return "power-off";
+        case Kind::bus:
+            return "bus";
+        case Kind::network_state:
+            return "network state";
+        case Kind::user_data:
+            return "user data";
+        case Kind::application:
+            return "application";
         case Kind::ended:
             return "ended";
     }

@@ -17,6 +17,10 @@ enum class Kind {
     watchdog,       ///< a watchdog beat reached the service manager
     log,            ///< the daemon logged; text: the arguments with a blank between them
     power_off,      ///< a command arrived at the power-off service
+    bus,            ///< the machine's node came into another state of network management; text: the state
+    network_state,  ///< who needs the network, as the machine is told it; text: the bytes
+    user_data,      ///< the machine set the user data of its messages; text: the bytes
+    application,    ///< text: "1 requests com_alive" once application 1 has done so
     ended,          ///< the daemon's process ended; text: its exit status
 };
 

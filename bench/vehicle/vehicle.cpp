@@ -1,10 +1,10 @@
 #include "bench/vehicle/vehicle.h"
 
 #include "bench/json_lines/clock.h"
+#include "bench/vehicle/player_events.h"
 #include "bench/vehicle/world.h"
 
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -21,20 +21,11 @@ namespace fs = std::filesystem;
 constexpr std::chrono::milliseconds k_quiet{100};  // as long as a busy machine may keep a player waiting
 constexpr char const* k_notify_socket = "/run/notify";
 
-std::string machine_state_of(std::string const& unit) {
-    constexpr std::string_view prefix = "MachineState-";
-    constexpr std::string_view suffix = ".target";
-    if (unit.rfind(prefix, 0) != 0 || unit.size() < prefix.size() + suffix.size()) {
-        return unit;
-    }
-    return unit.substr(prefix.size(), unit.size() - prefix.size() - suffix.size());
-}
-
 }  // namespace
 
 Vehicle::Vehicle(Options options) : options_(std::move(options)) {
     set_host_name(options_.host_name);
-    install_configuration();
+    install_configuration(options_.configuration);
     fs::create_directories("/run/dbus");
     auto const program = [this](char const* folder, char const* name) {
         return (fs::path(options_.programs) / "bench" / folder / name).string();
@@ -53,6 +44,10 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
     if (options_.with_power_off_service) {
         power_off_ = std::make_unique<Power_off_service>();
     }
+    if (options_.with_network) {
+        surroundings_ =
+            std::make_unique<Surroundings>(options_.programs, nlohmann::json::parse(options_.configuration));
+    }
 }
 
 Vehicle::~Vehicle() {
@@ -61,12 +56,22 @@ Vehicle::~Vehicle() {
     }
 }
 
-void Vehicle::install_configuration() const {
+void Vehicle::install_configuration(std::string const& text) const {
     fs::remove_all("/etc/adaptive");
     fs::create_directories("/etc/adaptive");
-    if (!options_.configuration.empty()) {
-        std::ofstream(fs::path("/etc/adaptive") / options_.configuration_name) << options_.configuration;
+    if (!text.empty()) {
+        std::ofstream(fs::path("/etc/adaptive") / options_.configuration_name) << text;
     }
+}
+
+void Vehicle::change_configuration(nlohmann::json const& changes) {
+    auto configuration = nlohmann::json::parse(options_.configuration);
+    configuration.merge_patch(changes);
+    install_configuration(configuration.dump());
+}
+
+nlohmann::json Vehicle::tell(std::string const& neighbour, nlohmann::json const& command) {
+    return surroundings_ ? surroundings_->tell(neighbour, command) : Machine::tell(neighbour, command);
 }
 
 void Vehicle::start_daemon() {
@@ -115,11 +120,15 @@ void Vehicle::take_the_rest() {
 }
 
 void Vehicle::update(std::chrono::milliseconds limit) {
-    std::array<pollfd, 2> sources{{{hypervisor_->process().output(), POLLIN, 0},
-                                   {service_manager_ ? service_manager_->process().output() : -1, POLLIN, 0}}};
-    ::poll(sources.data(), sources.size(), static_cast<int>(std::min(limit, k_poll).count()));
-    take_from_hypervisor();
-    take_from_service_manager();
+    std::vector<pollfd> polled;
+    for (auto const source : sources()) {
+        polled.push_back({source, POLLIN, 0});
+    }
+    ::poll(polled.data(), polled.size(), static_cast<int>(std::min(limit, k_poll).count()));
+    take_news(*hypervisor_, hypervisor_seen_, &events_of_hypervisor);
+    if (service_manager_) {
+        take_news(*service_manager_, service_manager_seen_, &events_of_service_manager);
+    }
     if (log_) {
         for (auto& message : log_->take()) {
             add(std::move(message));
@@ -130,36 +139,31 @@ void Vehicle::update(std::chrono::milliseconds limit) {
             add({monotonic_ns(), Kind::power_off, std::move(command)});
         }
     }
+    if (surroundings_) {
+        for (auto& event : surroundings_->take()) {
+            add(std::move(event));
+        }
+    }
     take_end();
 }
 
-void Vehicle::take_from_hypervisor() {
-    auto const& messages = hypervisor_->log().messages();
-    for (; hypervisor_seen_ < messages.size(); ++hypervisor_seen_) {
-        auto const& message = messages[hypervisor_seen_];
-        if (has_members(message, {{"event", "write"}})) {
-            bool const is_status = message.at("file") == "set_status";
-            add({message.at("t").get<std::int64_t>(), is_status ? Kind::state_word : Kind::restart_word,
-                 message.at("text").get<std::string>()});
-        }
+std::vector<int> Vehicle::sources() const {
+    std::vector<int> descriptors{hypervisor_->process().output()};
+    if (service_manager_) {
+        descriptors.push_back(service_manager_->process().output());
     }
+    if (surroundings_) {
+        auto const further = surroundings_->descriptors();
+        descriptors.insert(descriptors.end(), further.begin(), further.end());
+    }
+    return descriptors;
 }
 
-void Vehicle::take_from_service_manager() {
-    if (!service_manager_) {
-        return;
-    }
-    auto const& messages = service_manager_->log().messages();
-    for (; service_manager_seen_ < messages.size(); ++service_manager_seen_) {
-        auto const& message = messages[service_manager_seen_];
-        if (has_members(message, {{"event", "call"}, {"method", "StartUnit"}})) {
-            add({message.at("t").get<std::int64_t>(), Kind::machine_state,
-                 machine_state_of(message.at("unit").get<std::string>())});
-        } else if (has_members(message, {{"event", "notify"}})) {
-            for (auto const& [variable, value] : message.at("variables").items()) {
-                auto const kind = variable == "WATCHDOG" ? Kind::watchdog : Kind::notification;
-                add({message.at("t").get<std::int64_t>(), kind, variable});
-            }
+void Vehicle::take_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const&)) {
+    auto const& messages = player.log().messages();
+    for (; seen < messages.size(); ++seen) {
+        for (auto& event : meaning(messages[seen])) {
+            add(std::move(event));
         }
     }
 }

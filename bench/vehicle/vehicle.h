@@ -6,6 +6,7 @@
 #include "bench/vehicle/dlt_reader.h"
 #include "bench/vehicle/machine.h"
 #include "bench/vehicle/power_off_service.h"
+#include "bench/vehicle/surroundings.h"
 
 #include <chrono>
 #include <memory>
@@ -26,6 +27,7 @@ struct Options {
     bool with_service_manager{true};
     bool with_notify_socket{true};  ///< of the service manager, told to the daemon
     bool with_power_off_service{true};
+    bool with_network{false};  ///< nodes, and an application for each instance name in the configuration
     std::vector<std::string> daemon_starter{};  ///< program, and its arguments, that becomes the daemon; empty for none
 };
 
@@ -44,6 +46,8 @@ class Vehicle : public Machine {
     void start_daemon() override;
     void press(std::string const& key) override;
     void signal_daemon(int number) override { daemon_->signal(number); }
+    nlohmann::json tell(std::string const& neighbour, nlohmann::json const& command) override;
+    void change_configuration(nlohmann::json const& changes) override;
 
     /// The exit status; nothing when the daemon still runs after the time.
     std::optional<int> await_end(std::chrono::milliseconds limit = k_patience);
@@ -57,9 +61,9 @@ class Vehicle : public Machine {
     Child_process& daemon() { return *daemon_; }
 
  private:
-    void install_configuration() const;
-    void take_from_hypervisor();
-    void take_from_service_manager();
+    void install_configuration(std::string const& text) const;
+    std::vector<int> sources() const;
+    void take_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const& message));
     void take_end();
     void take_the_rest();
 
@@ -69,6 +73,7 @@ class Vehicle : public Machine {
     std::unique_ptr<Player> service_manager_;
     std::unique_ptr<Dlt_reader> log_;
     std::unique_ptr<Power_off_service> power_off_;
+    std::unique_ptr<Surroundings> surroundings_;
     std::unique_ptr<Child_process> daemon_;
     std::optional<int> exit_status_;
     std::size_t hypervisor_seen_{0};

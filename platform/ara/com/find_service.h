@@ -3,6 +3,7 @@
 
 #include "ara/com/instance.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,18 +17,25 @@ class Lookup;
 /// One offered instance, as a lookup reports it. Plain data: it stays valid when the offer goes.
 class ServiceHandle {
  public:
-    ServiceHandle(std::string interface_name, InstanceIdentifier instance, std::string participant)
-        : interface_(std::move(interface_name)), instance_(std::move(instance)), participant_(std::move(participant)) {}
+    ServiceHandle(std::string interface_name, InstanceIdentifier instance, std::string participant,
+                  std::chrono::system_clock::time_point offer_time = {})
+        : interface_(std::move(interface_name)),
+          instance_(std::move(instance)),
+          participant_(std::move(participant)),
+          offer_time_(offer_time) {}
 
     std::string const& GetInterfaceName() const noexcept { return interface_; }
     InstanceIdentifier const& GetInstanceId() const noexcept { return instance_; }
     /// Who offers it; another text for each start of a process.
     std::string const& GetParticipant() const noexcept { return participant_; }
+    /// Since when, by the offering process's clock.
+    std::chrono::system_clock::time_point GetOfferTime() const noexcept { return offer_time_; }
 
  private:
     std::string interface_;
     InstanceIdentifier instance_;
     std::string participant_;
+    std::chrono::system_clock::time_point offer_time_;
 };
 
 /// In order of the instances' names.

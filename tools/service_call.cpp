@@ -1,0 +1,62 @@
+#include "tools/service_call.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+namespace statectl {
+
+namespace {
+
+std::string without_blanks(std::string text) {
+    text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
+    return text;
+}
+
+}  // namespace
+
+void add_call_options(CLI::App& command, Call_options& options) {
+    constexpr std::int64_t k_longest_ms = 86'400'000;
+    command.add_option("--wait", options.wait_ms, "Milliseconds to wait for the instance to be offered")
+        ->check(CLI::Range(std::int64_t{0}, k_longest_ms))
+        ->capture_default_str();
+    command.add_flag("--json", options.as_json, "Tell the result as a JSON object");
+}
+
+int report_success(Call_options const& options, std::string const& done, std::chrono::microseconds duration) {
+    if (options.as_json) {
+        nlohmann::json const result{
+            {"ok", true}, {"instance", options.instance}, {"done", done}, {"microseconds", duration.count()}};
+        std::puts(result.dump().c_str());
+    } else {
+        std::printf("%s for \"%s\" (%.2f ms)\n", done.c_str(), options.instance.c_str(),
+                    static_cast<double>(duration.count()) / 1000);
+    }
+    return k_success;
+}
+
+int report_failure(Call_options const& options, std::string const& error) {
+    if (options.as_json) {
+        nlohmann::json const result{{"ok", false}, {"instance", options.instance}, {"error", error}};
+        std::puts(result.dump().c_str());
+    } else {
+        std::fprintf(stderr, "ap_statectl: %s\n", error.c_str());
+    }
+    return k_failure;
+}
+
+bool is_octets(std::string const& text) {
+    auto const digits = without_blanks(text);
+    return digits.size() % 2 == 0 && digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+}
+
+Octets octets_in(std::string const& text) {
+    auto const digits = without_blanks(text);
+    Octets octets;
+    for (std::size_t position = 0; position + 1 < digits.size(); position += 2) {
+        octets.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(position, 2), nullptr, 16)));
+    }
+    return octets;
+}
+
+}  // namespace statectl

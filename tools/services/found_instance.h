@@ -1,0 +1,79 @@
+#ifndef TOOLS_SERVICES_FOUND_INSTANCE_H
+#define TOOLS_SERVICES_FOUND_INSTANCE_H
+
+#include "ara/com/find_service.h"
+#include "base/mutex.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace statectl {
+
+/// One instance of a service, looked up for as long as this lives:
+///
+///     Found_instance<StateManagementAliveInterfaceProxy> instance("1");
+///     if (auto const proxy = instance.await(std::chrono::seconds(2))) {
+///         proxy->RequestAlive().get();
+///     }
+///
+/// The proxy is made when the instance is offered for the first time, and is kept: while the instance is not offered
+/// its calls fail. May be used by any thread.
+template <class Proxy>
+class Found_instance {
+ public:
+    /// Is told on a thread of the binding whenever the offer comes, with the way to it, and whenever it goes, with
+    /// null.
+    using On_change = std::function<void(std::shared_ptr<Proxy> const& way)>;
+
+    /// "*" is any instance: the first one that is found. Throws `tarq::com::Infrastructure_exception`, and
+    /// `tarq::com::Invalid_argument_exception` for a name that is none.
+    explicit Found_instance(std::string const& name, On_change on_change = {})
+        : on_change_(std::move(on_change)),
+          lookup_(Proxy::StartFindService([this](ara::com::ServiceHandleContainer const& found) { take(found); },
+                                          ara::com::InstanceSpecifier(name))) {}
+    ~Found_instance() { Proxy::StopFindService(lookup_); }
+    Found_instance(Found_instance const&) = delete;
+    Found_instance& operator=(Found_instance const&) = delete;
+
+    /// The way to the instance; null when it has not been offered within the time.
+    std::shared_ptr<Proxy> await(std::chrono::milliseconds limit) {
+        auto const end = std::chrono::steady_clock::now() + limit;
+        base::Lock_guard const lock(mutex_);
+        while (!proxy_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
+        }
+        return proxy_;
+    }
+
+ private:
+    void take(ara::com::ServiceHandleContainer const& found) {
+        auto const way = found.empty() ? nullptr : way_to(found.front());
+        bool const is_offered = way != nullptr;
+        if (on_change_ && std::exchange(was_offered_, is_offered) != is_offered) {
+            on_change_(way);
+        }
+    }
+
+    std::shared_ptr<Proxy> way_to(ara::com::ServiceHandle const& handle) {
+        base::Lock_guard const lock(mutex_);
+        if (!proxy_) {
+            proxy_ = std::make_shared<Proxy>(handle);
+            changed_.notify_all();
+        }
+        return proxy_;
+    }
+
+    On_change const on_change_;
+    base::Mutex mutex_;
+    std::condition_variable_any changed_;
+    std::shared_ptr<Proxy> proxy_ GUARDED_BY(mutex_);
+    bool was_offered_{false};  ///< only for the lookup's reports, which come one after the other
+    ara::com::FindServiceHandle lookup_;
+};
+
+}  // namespace statectl
+
+#endif

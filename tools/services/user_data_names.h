@@ -1,0 +1,43 @@
+#ifndef TOOLS_SERVICES_USER_DATA_NAMES_H
+#define TOOLS_SERVICES_USER_DATA_NAMES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace statectl {
+
+/// What the bits of the network mean to people. Bit k is bit k mod 8 of byte k / 8, counted from the least significant.
+using Octets = std::vector<std::uint8_t>;
+
+/// Where the parts of the NM user data lie; the defaults are the state manager's.
+struct User_data_layout {
+    std::size_t cwu_bit = 6;
+    std::size_t ac_offset = 1;
+    std::size_t ac_bytes = 2;
+    std::size_t cab_offset = 3;
+    std::size_t cab_bytes = 3;
+};
+
+/// The layout in a configuration of the state manager; what it does not say is the default.
+User_data_layout layout_in(nlohmann::json const& configuration);
+
+/// The name of each bit that is set, in their order: "awake" for the bit that is set while the machine takes part,
+/// "car wake-up", "AC 3", "CAB 5" (as applications number them), "bit 12" for one that has no meaning.
+std::vector<std::string> user_data_names(Octets const& data, User_data_layout const& layout = {});
+
+/// The name of each bit of the network state that is set: "CAB 5"; "ECU alive" for the one by which applications keep
+/// the ECU alive.
+std::vector<std::string> network_state_names(Octets const& state);
+
+/// "a, b, c"; "none" for an empty list.
+std::string enumerate(std::vector<std::string> const& names);
+
+/// Two hexadecimal digits a byte, with blanks between.
+std::string hexadecimal(Octets const& bytes);
+
+}  // namespace statectl
+
+#endif

@@ -1,0 +1,43 @@
+#include "tools/watch_report.h"
+
+#include "tools/time_text.h"
+
+#include <cstdio>
+
+namespace statectl {
+
+void Watch_report::offered(std::string const& service, bool is_offered) {
+    print(is_offered ? "offered" : "withdrawn", service, {{"service", service}});
+}
+
+void Watch_report::network_state(Octets const& state) {
+    values("network_state", state, network_state_names(state));
+}
+
+void Watch_report::user_data(Octets const& data) {
+    values("user_data", data, user_data_names(data, layout_));
+}
+
+void Watch_report::trouble(std::string const& text) {
+    print("trouble", text, {{"text", text}});
+}
+
+void Watch_report::values(char const* what, Octets const& bytes, std::vector<std::string> const& names) {
+    auto const hex = hexadecimal(bytes);
+    print(what, hex + "  " + enumerate(names), {{"bytes", hex}, {"set", names}});
+}
+
+void Watch_report::print(std::string const& what, std::string const& text, nlohmann::json details) {
+    auto const time = time_text(std::chrono::system_clock::now());
+    base::Lock_guard const lock(mutex_);
+    if (as_json_) {
+        details["event"] = what;
+        details["time"] = time;
+        std::puts(details.dump().c_str());
+    } else {
+        std::printf("%s  %-13s  %s\n", time.c_str(), what.c_str(), text.c_str());
+    }
+    std::fflush(stdout);
+}
+
+}  // namespace statectl
