@@ -7,13 +7,21 @@
 #include "statemanager/config/state_manager_json_parser.h"
 #include "statemanager/em/em_interface.h"
 #include "statemanager/phm/supervision_manager.h"
+#include "statemanager/service_handler/nm_interface.h"
+#include "statemanager/service_handler/service_handler.h"
+#include "statemanager/services/state_manager_com_alive_interface.h"
+#include "statemanager/services/state_manager_cwu_interface.h"
 #include "statemanager/state_manager.h"
 #include "statemanager/virtio/virtio_interface.h"
+#include "tarq/com/runtime/component_singleton.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 using namespace ximo::ap::statemanager;  // NOLINT(google-build-using-namespace): everything here is its
 
@@ -27,13 +35,33 @@ void start_logging() {
     std::atexit([] { g_state_manager.reset(nullptr); });
 }
 
+template <class Service, class Abstract>
+std::vector<std::unique_ptr<Abstract>> services_of(std::vector<std::string> const& instances) {
+    std::vector<std::unique_ptr<Abstract>> services;
+    for (auto const& instance : instances) {
+        services.push_back(std::make_unique<Service>(instance));
+    }
+    return services;
+}
+
+std::shared_ptr<Service_handler> make_service_handler(config::State_manager_config const& configuration) {
+    auto network_management = std::make_unique<Nm_interface>();
+    auto com_alive = services_of<State_manager_com_alive_interface, State_manager_com_alive_interface_abstract>(
+        configuration.get_apps_comalive());
+    auto cwu =
+        services_of<State_manager_cwu_interface, State_manager_cwu_interface_abstract>(configuration.get_apps_cwu());
+    return std::make_shared<Service_handler>(configuration, std::move(network_management), std::move(com_alive),
+                                             std::move(cwu));
+}
+
 void run(config::State_manager_config const& configuration) {
+    auto const service_handler = make_service_handler(configuration);
     auto const execution_management = std::make_shared<Em_interface>();
     auto virtual_input = std::make_unique<virtio::Virtio_interface>();
     ara::phm::Phm_client const phm_client(configuration.get_alive_supervision_instance_id());
     auto entity = std::make_unique<ara::phm::SupervisionEntity>(phm_client);
     auto supervision = std::make_unique<phm::Supervision_manager>(std::move(entity));
-    g_state_manager.reset(std::make_unique<State_manager>(configuration, nullptr, execution_management,
+    g_state_manager.reset(std::make_unique<State_manager>(configuration, service_handler, execution_management,
                                                           std::move(virtual_input), std::move(supervision)));
     g_state_manager.with([](State_manager& manager) {
         if (manager.init()) {
@@ -47,6 +75,7 @@ void run(config::State_manager_config const& configuration) {
 }  // namespace
 
 int main() {
+    tarq::com::runtime::Component_singleton const communication(false, "");
     std::signal(SIGPIPE, SIG_IGN);
     start_logging();
 

@@ -1,0 +1,159 @@
+// What applications ask for, and what of it network management is told.
+
+#include "ara/log/logging.h"
+#include "statemanager/service_handler/service_handler.h"
+
+namespace ximo::ap::statemanager {
+
+namespace {
+
+Bit_vector const& ecu_alive_pattern() {
+    static Bit_vector const pattern{0x00, 0x00, 0x01, 0x00};
+    return pattern;
+}
+
+}  // namespace
+
+void Service_handler::handle_com_alive_request(std::string const& id, Bit_vector const& cab_bits,
+                                               std::uint8_t ac_number) {
+    base::Lock_guard const lock(mutex_);
+    ara::log::LogInfo() << "State_manager::handle_com_alive_request(" << id << ", " << bitvector2str(cab_bits) << ", "
+                        << ac_number << ")";
+    if (aggregator_) {
+        aggregator_->set_ac_bit(id, ac_number);
+        aggregator_->request_cab_bits(id, cab_bits);
+        com_alive_ = aggregator_->is_com_alive();
+        request_network(aggregator_->get_application_bits() ^ requested_cab_pattern_);
+        set_user_data(aggregator_->get_user_data());
+    }
+}
+
+void Service_handler::handle_com_alive_release(std::string const& id, Bit_vector const& cab_bits) {
+    base::Lock_guard const lock(mutex_);
+    ara::log::LogInfo() << "State_manager::handle_com_alive_release(" << id << ", " << bitvector2str(cab_bits) << ")";
+    if (aggregator_) {
+        aggregator_->release_cab_bits(id, cab_bits);
+        com_alive_ = aggregator_->is_com_alive();
+        release_network(aggregator_->get_application_bits() ^ requested_cab_pattern_);
+        set_user_data(aggregator_->get_user_data());
+    }
+}
+
+void Service_handler::handle_cwu_request(std::string const& id, std::uint8_t ac_number) {
+    base::Lock_guard const lock(mutex_);
+    ara::log::LogInfo() << "State_manager::handle_cwu_request(" << id << ", " << ac_number << ")";
+    if (aggregator_) {
+        aggregator_->set_ac_bit(id, ac_number);
+        aggregator_->request_cwu(id);
+        com_alive_ = aggregator_->is_com_alive();
+        set_user_data(aggregator_->get_user_data());
+    }
+}
+
+void Service_handler::handle_cwu_release(std::string const& id) {
+    base::Lock_guard const lock(mutex_);
+    ara::log::LogInfo() << "State_manager::handle_cwu_release(" << id << ")";
+    if (aggregator_) {
+        aggregator_->release_cwu(id);
+        com_alive_ = aggregator_->is_com_alive();
+        set_user_data(aggregator_->get_user_data());
+    }
+}
+
+void Service_handler::ecu_alive_request(std::string const& instance_id) {
+    ara::log::LogInfo() << "State_manager::ecu_alive_request: " << instance_id;
+    base::Lock_guard const lock(mutex_);
+    if (may_send()) {
+        network_management_->request_network(ecu_alive_pattern());
+    }
+}
+
+void Service_handler::ecu_alive_release(std::string const& instance_id) {
+    ara::log::LogDebug() << "State_manager::ecu_alive_release: " << instance_id;
+    base::Lock_guard const lock(mutex_);
+    if (!apps_keep_ecu_alive() && may_send()) {
+        ara::log::LogInfo() << "State_manager::ecu_alive_release network";
+        network_management_->release_network(ecu_alive_pattern());
+    }
+}
+
+void Service_handler::init_user_data() {
+    ara::log::LogInfo() << "Initializing user data";
+    set_user_data(aggregator_->get_user_data());
+}
+
+void Service_handler::set_user_data(Bit_vector const& data) {
+    Bit_vector sent(data);
+    sent.resize(user_data_.size());
+    if (sent == user_data_) {
+        ara::log::LogInfo() << "State_manager::set_user_data: no change to user data";
+        return;
+    }
+    user_data_ = sent;
+    ara::log::LogInfo() << "State_manager::set_user_data(" << bitvector2str(user_data_) << ")";
+    if (may_send()) {
+        network_management_->set_user_data(user_data_);
+    }
+}
+
+void Service_handler::request_network(Bit_vector const& bits) {
+    if (!has_bits(bits)) {
+        ara::log::LogInfo() << "State_manager::request_network: no changes to CAB pattern";
+        return;
+    }
+    ara::log::LogInfo() << "State_manager::request_network(" << bitvector2str(bits) << ")";
+    requested_cab_pattern_ |= bits;
+    if (may_send()) {
+        network_management_->request_network(bits);
+    }
+}
+
+void Service_handler::release_network(Bit_vector const& bits) {
+    if (!has_bits(bits)) {
+        ara::log::LogInfo() << "State_manager::release_network: no changes to CAB pattern";
+        return;
+    }
+    ara::log::LogInfo() << "State_manager::release_network(" << bitvector2str(bits) << ")";
+    requested_cab_pattern_ &= ~bits;
+    if (may_send()) {
+        // A default pattern that is shorter than the bits says nothing about the rest of them.
+        Bit_vector released(bits);
+        released &= ~default_nm_pattern_;
+        network_management_->release_network(released);
+    }
+}
+
+// What applications ask for meanwhile is kept, and not sent.
+void Service_handler::standby() {
+    base::Lock_guard const lock(mutex_);
+    if (nm_usage_) {
+        ara::log::LogInfo() << "Stop sending NM messages";
+        ecu_alive_release("Standby call");
+        network_management_->set_user_data(Bit_vector(user_data_.size()));
+        network_management_->release_network(requested_cab_pattern_);
+        network_management_->release_network(default_nm_pattern_);
+    } else {
+        ara::log::LogInfo() << "UdpNm usage disabled, no preparing actions performed";
+    }
+    nm_active_ = false;
+}
+
+void Service_handler::end_standby() {
+    base::Lock_guard const lock(mutex_);
+    nm_active_ = true;
+    if (!nm_usage_) {
+        ara::log::LogInfo() << "UdpNm usage disabled, no resuming actions performed";
+        return;
+    }
+    ara::log::LogInfo() << "Start sending NM messages";
+    network_management_->request_network(default_nm_pattern_);
+    network_management_->request_network(requested_cab_pattern_);
+    if (apps_keep_ecu_alive()) {
+        ecu_alive_request("End standby call");
+    }
+    if (aggregator_) {
+        network_management_->set_user_data(aggregator_->get_user_data());
+    }
+}
+
+}  // namespace ximo::ap::statemanager

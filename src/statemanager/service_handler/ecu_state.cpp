@@ -1,0 +1,31 @@
+#include "statemanager/service_handler/ecu_state.h"
+
+#include "ara/log/logging.h"
+
+namespace ximo::ap::statemanager {
+
+void Ecu_state::update(bool network_active) {
+    auto before = value_.load();
+    auto after = before;
+    do {
+        after = network_active ? Value::active : after_rest(before);
+    } while (!value_.compare_exchange_weak(before, after));
+
+    switch (after) {
+        case Value::active:
+            ara::log::LogInfo() << "Ecu state based on NM activity: active";
+            break;
+        case Value::ready_sleep:
+            ara::log::LogInfo() << "Ecu state based on NM activity: ready sleep";
+            break;
+        case Value::sleep_mode:
+            ara::log::LogInfo() << "Ecu state based on NM activity: inactive (sleep mode)";
+            break;
+    }
+}
+
+Ecu_state::Value Ecu_state::after_rest(Value value) {
+    return value == Value::active ? Value::ready_sleep : Value::sleep_mode;
+}
+
+}  // namespace ximo::ap::statemanager

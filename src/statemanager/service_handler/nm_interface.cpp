@@ -1,0 +1,145 @@
+#include "statemanager/service_handler/nm_interface.h"
+
+#include "ara/log/logging.h"
+#include "tarq/com/exception.h"
+
+#include <utility>
+
+namespace ximo::ap::statemanager {
+
+namespace {
+
+// Nothing of the binding's failures reaches the caller; what else goes wrong does.
+template <class Action>
+void log_infrastructure_exceptions(Action const& action) {
+    try {
+        action();
+    } catch (tarq::com::Infrastructure_exception const& error) {
+        ara::log::LogError() << "infrastructure exception " << error.what();
+    }
+}
+
+}  // namespace
+
+/// What one search calls when both services are there: once, however often and from however many threads at once it is
+/// asked to.
+class Nm_interface::Announcement {
+ public:
+    explicit Announcement(std::function<void()> on_services_found) : on_services_found_(std::move(on_services_found)) {}
+
+    void make() {
+        if (!made_.exchange(true)) {
+            on_services_found_();
+        }
+    }
+
+ private:
+    std::function<void()> const on_services_found_;
+    std::atomic<bool> made_{false};
+};
+
+// The receive handler may hold the proxy itself, so dropping the proxy would not wait for it.
+Nm_interface::~Nm_interface() {
+    stop_find_network_state_service();
+    stop_find_user_data_service();
+    if (auto const proxy = network_state_.proxy()) {
+        proxy->NetworkState.Unsubscribe();
+    }
+    set_network_state_updated_func(nullptr);
+    user_data_.hold(nullptr);
+    network_state_.hold(nullptr);
+}
+
+void Nm_interface::start_find_services(std::function<void()> const& on_services_found) {
+    auto const announcement = std::make_shared<Announcement>(on_services_found);
+    network_state_.start([this, announcement](ara::com::ServiceHandleContainer const& handles) {
+        log_infrastructure_exceptions([&] { network_state_reported(handles, *announcement); });
+    });
+    user_data_.start([this, announcement](ara::com::ServiceHandleContainer const& handles) {
+        log_infrastructure_exceptions([&] { user_data_reported(handles, *announcement); });
+    });
+}
+
+void Nm_interface::network_state_reported(ara::com::ServiceHandleContainer const& handles, Announcement& announcement) {
+    if (handles.empty()) {
+        ara::log::LogWarn() << "Could not find NetworkState service";
+        return;
+    }
+    ara::log::LogInfo() << "Found NetworkState service";
+    auto const proxy = std::make_shared<Network_state_proxy>(handles.front());
+    network_state_.hold(proxy);
+    proxy->NetworkState.SetReceiveHandler([this] { network_state_field_updated(); });
+    proxy->NetworkState.Subscribe(1);
+    network_state_found_ = true;
+    announce_when_complete(announcement);
+    stop_find_network_state_service();
+}
+
+void Nm_interface::user_data_reported(ara::com::ServiceHandleContainer const& handles, Announcement& announcement) {
+    if (handles.empty()) {
+        ara::log::LogWarn() << "Could not find UserData service";
+        return;
+    }
+    ara::log::LogInfo() << "Found UserData service";
+    user_data_.hold(std::make_shared<User_data_proxy>(handles.front()));
+    user_data_found_ = true;
+    announce_when_complete(announcement);
+    stop_find_user_data_service();
+}
+
+void Nm_interface::announce_when_complete(Announcement& announcement) {
+    if (network_state_found_ && user_data_found_) {
+        announcement.make();
+    }
+}
+
+void Nm_interface::stop_find_network_state_service() {
+    network_state_.stop();
+}
+
+void Nm_interface::stop_find_user_data_service() {
+    user_data_.stop();
+}
+
+void Nm_interface::network_state_field_updated() {
+    auto const proxy = network_state_.proxy();
+    if (!proxy) {
+        return;
+    }
+    proxy->NetworkState.Update();
+    auto const samples = proxy->NetworkState.GetCachedSamples();
+    if (!samples.empty()) {
+        network_state_updated_func()(std::vector<std::uint8_t>(*samples.back()));
+    }
+}
+
+void Nm_interface::set_network_state_updated_func(Network_state_func const& func) {
+    Network_state_func replaced = func;
+    base::Lock_guard const lock(mutex_);
+    network_state_updated_func_.swap(replaced);
+}
+
+Nm_interface::Network_state_func Nm_interface::network_state_updated_func() const {
+    base::Lock_guard const lock(mutex_);
+    return network_state_updated_func_;
+}
+
+void Nm_interface::request_network(std::vector<std::uint8_t> const& bits) {
+    if (auto const proxy = network_state_.proxy()) {
+        log_infrastructure_exceptions([&] { proxy->RequestNetwork(bits).get(); });
+    }
+}
+
+void Nm_interface::release_network(std::vector<std::uint8_t> const& bits) {
+    if (auto const proxy = network_state_.proxy()) {
+        log_infrastructure_exceptions([&] { proxy->ReleaseNetwork(bits).get(); });
+    }
+}
+
+void Nm_interface::set_user_data(std::vector<std::uint8_t> const& data) {
+    if (auto const proxy = user_data_.proxy()) {
+        log_infrastructure_exceptions([&] { proxy->SetUserData(data).get(); });
+    }
+}
+
+}  // namespace ximo::ap::statemanager

@@ -1,0 +1,59 @@
+#ifndef TESTS_SUPPORT_FAKE_NETWORK_MANAGEMENT_H
+#define TESTS_SUPPORT_FAKE_NETWORK_MANAGEMENT_H
+
+#include "statemanager/nm/bit_vector.h"
+#include "statemanager/service_handler/nm_interface_abstract.h"
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace test_support {
+
+/// Network management that is found and reports when a test says so, and notes in order what it is asked for:
+/// "search", "request 00 01 ", "release ", "user data 80 00 ".
+class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abstract {
+ public:
+    /// `actions` outlives this object.
+    explicit Fake_network_management(std::vector<std::string>& actions) : actions_(actions) {}
+    ~Fake_network_management() override { note("gone"); }
+
+    // What the network does.
+    void be_found() { on_services_found_(); }
+    void report(ximo::ap::statemanager::Bit_vector const& state) { network_state_updated_(state); }
+
+    /// Runs inside of each request, release and change of user data.
+    std::function<void()> meanwhile = [] {};
+
+    void release_network(std::vector<std::uint8_t> const& bits) override { ask("release ", bits); }
+    void request_network(std::vector<std::uint8_t> const& bits) override { ask("request ", bits); }
+    void set_user_data(std::vector<std::uint8_t> const& data) override { ask("user data ", data); }
+    void start_find_services(std::function<void()> const& on_services_found) override {
+        note("search");
+        on_services_found_ = on_services_found;
+    }
+    void set_network_state_updated_func(std::function<void(std::vector<std::uint8_t> const&)> const& func) override {
+        network_state_updated_ = func;
+    }
+
+ private:
+    void ask(char const* what, std::vector<std::uint8_t> const& bits) {
+        note(what + ximo::ap::statemanager::bitvector2str(bits));
+        meanwhile();
+    }
+    void note(std::string const& action) {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        actions_.push_back(action);
+    }
+
+    std::mutex mutex_;
+    std::vector<std::string>& actions_;
+    std::function<void()> on_services_found_;
+    std::function<void(std::vector<std::uint8_t> const&)> network_state_updated_;
+};
+
+}  // namespace test_support
+
+#endif

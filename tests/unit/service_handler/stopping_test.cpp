@@ -1,0 +1,57 @@
+#include "service_handler_fixture.h"
+
+namespace ximo::ap::statemanager {
+namespace {
+
+class Stopping : public Service_handler_test {};
+
+TEST_F(Stopping, Withdraws_every_service_in_order) {
+    build_and_find();
+
+    sut->deinit();
+
+    EXPECT_THAT(binding.record(), ElementsAre("withdraw " + k_dsa + " DSA_Interface", "withdraw " + k_alive + " door",
+                                              "withdraw " + k_alive + " roof", "withdraw " + k_com_alive + " radio",
+                                              "withdraw " + k_com_alive + " phone", "withdraw " + k_cwu + " radio",
+                                              "withdraw " + k_cwu + " alarm"));
+    EXPECT_THAT(log.messages(), IsEmpty());
+    EXPECT_THAT(actions, IsEmpty());
+}
+
+TEST_F(Stopping, Withdraws_the_restart_service_alone_without_network_management) {
+    configuration.set_nm_usage(false);
+    build().init();
+    forget();
+
+    sut->deinit();
+
+    EXPECT_THAT(binding.record(), ElementsAre("withdraw " + k_dsa + " DSA_Interface"));
+}
+
+TEST_F(Stopping, Offers_nothing_when_network_management_is_found_after_that) {
+    build().init();
+    sut->deinit();
+    forget();
+
+    network->be_found();
+
+    EXPECT_THAT(binding.record(), IsEmpty());
+}
+
+TEST_F(Stopping, Destroys_network_management_when_no_application_can_call_any_more) {
+    build_and_find();
+    bool offered_at_the_end = true;
+    network->meanwhile = [&] { offered_at_the_end = binding.is_offered(k_com_alive, "radio"); };
+    com_alive("radio").RequestComAlive({0x01}, 0).get();
+    ASSERT_TRUE(offered_at_the_end);
+    forget();
+
+    sut.reset();
+
+    EXPECT_THAT(actions, ElementsAre("gone"));
+    EXPECT_FALSE(binding.is_offered(k_com_alive, "radio"));
+    EXPECT_FALSE(binding.is_offered(k_dsa, "DSA_Interface"));
+}
+
+}  // namespace
+}  // namespace ximo::ap::statemanager
