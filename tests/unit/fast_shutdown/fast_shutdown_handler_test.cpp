@@ -21,6 +21,7 @@ using test_support::descriptors_on;
 using test_support::Log_capture;
 using test_support::logged;
 using test_support::Power_off_channel;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -49,6 +50,22 @@ TEST_F(Fast_shutdown, The_channel_is_write_only_does_not_block_and_is_not_inheri
     int const descriptor = descriptors_on(channel.path()).front();
     EXPECT_EQ(::fcntl(descriptor, F_GETFL) & (O_ACCMODE | O_NONBLOCK), O_WRONLY | O_NONBLOCK);
     EXPECT_EQ(::fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+}
+
+// A daemon may be started with its standard input closed.
+TEST_F(Fast_shutdown, Descriptor_0_is_as_good_as_any_other) {
+    int const standard_input = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    ::close(STDIN_FILENO);
+    sut = std::make_unique<Fast_shutdown_handler>(channel.path());
+    ASSERT_THAT(descriptors_on(channel.path()), Contains(STDIN_FILENO));
+
+    sut->process_lookup();
+
+    EXPECT_TRUE(sut->is_possible());
+    EXPECT_EQ(channel.take(), "lookup vyn_per_daemon\n");
+    sut.reset();
+    ::dup2(standard_input, STDIN_FILENO);
+    ::close(standard_input);
 }
 
 TEST_F(Fast_shutdown, The_look_up_is_told_and_written) {
