@@ -4,6 +4,7 @@
 #include "utilities/serialization.h"
 
 #include <algorithm>
+#include <system_error>
 
 #include <sys/socket.h>
 
@@ -13,10 +14,16 @@ using Lock = base::Lock_guard<base::Mutex>;
 
 namespace {
 
-void send(utilities::Socket const& socket, Client_state const& client) {
-    auto const message = utilities::serialize(
-        {utilities::Type_length_value(client.request_number), utilities::Type_length_value(client.requested_state)});
-    socket.sendl(message.data(), message.size(), MSG_DONTWAIT);
+/// The message that asks for a state. Its number differs from client to client and stands in the first element.
+utilities::Type_length_values make_request(std::string const& state) {
+    return {utilities::Type_length_value(0U), utilities::Type_length_value(state)};
+}
+
+void send(utilities::Socket const& socket, Client_state& client, utilities::Type_length_values& request) {
+    client.inbox.expect_one();
+    request.front() = utilities::Type_length_value(client.request_number);
+    auto const bytes = utilities::serialize(request);
+    socket.sendl(bytes.data(), bytes.size(), MSG_DONTWAIT);
 }
 
 }  // namespace
@@ -79,6 +86,7 @@ std::vector<std::pair<int, std::string>> Client_register::select(Client_predicat
     std::vector<std::pair<int, std::string>> clients;
     {
         Lock const lock(mutex_);
+        clients.reserve(clients_.size());
         for (auto const& [socket, client] : clients_) {
             clients.emplace_back(socket.get_fd(), client.name);
         }
@@ -97,20 +105,29 @@ void Client_register::add_to(std::vector<pollfd>& poll_set) const {
 }
 
 void Client_register::send_request(int connection, std::string const& state) {
+    auto request = make_request(state);
     Lock const lock(mutex_);
     auto& [socket, client] = *clients_.find(connection);
     client.requested_state = state;
-    client.inbox.expect_one();
-    send(socket, client);
+    send(socket, client, request);
 }
 
-void Client_register::send_next_request(int connection, std::string const& state) {
+std::map<int, std::string> Client_register::send_next_request(std::vector<int> const& connections,
+                                                              std::string const& state) {
+    std::map<int, std::string> failures;
+    auto request = make_request(state);
     Lock const lock(mutex_);
-    auto& [socket, client] = *clients_.find(connection);
-    client.requested_state = state;
-    ++client.request_number;
-    client.inbox.expect_one();
-    send(socket, client);
+    for (int const connection : connections) {
+        auto& [socket, client] = *clients_.find(connection);
+        client.requested_state = state;
+        ++client.request_number;
+        try {
+            send(socket, client, request);
+        } catch (std::system_error const& error) {
+            failures.emplace(connection, error.what());
+        }
+    }
+    return failures;
 }
 
 void Client_register::receive(int connection) {
@@ -119,19 +136,21 @@ void Client_register::receive(int connection) {
     client.inbox.receive(socket);
 }
 
-std::optional<utilities::Type_length_values> Client_register::take_message(int connection) {
-    Lock const lock(mutex_);
-    return clients_.find(connection)->second.inbox.take();
-}
-
-bool Client_register::update(int connection, std::uint32_t request_number, std::string const& state) {
+std::optional<Client_answer> Client_register::take_answer(int connection) {
     Lock const lock(mutex_);
     auto& client = clients_.find(connection)->second;
-    if (client.request_number != request_number) {
-        return false;
+    auto const message = client.inbox.take();
+    if (!message) {
+        return std::nullopt;
+    }
+    auto const request_number = message->at(0).get_uint32();
+    auto state = message->at(1).get_string();
+    auto const status = static_cast<Component_client_return_type>(message->at(2).get_uint32() & 0xffU);
+    if (request_number != client.request_number) {
+        return Client_answer{false, std::move(state), status};
     }
     client.state = state;
-    return true;
+    return Client_answer{true, std::move(state), status};
 }
 
 }  // namespace client_state_notifier

@@ -6,6 +6,7 @@
 #include "client_state_notifier/client_states.h"
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +14,13 @@
 #include <poll.h>
 
 namespace client_state_notifier {
+
+/// What a client has answered.
+struct Client_answer {
+    bool is_in_turn;  ///< it has the number of the last request sent to the client
+    std::string state;
+    Component_client_return_type status;
+};
 
 /// The connected clients that have introduced themselves. Any thread may ask; only the server's thread adds, removes,
 /// sends and receives, and so what it knows of a client stays true until it changes it. A connection is named by its
@@ -47,16 +55,16 @@ class Client_register {
     /// Sends the client's request number and a state. Throws std::system_error when it does not go out at once.
     void send_request(int connection, std::string const& state);
 
-    /// The same, after counting the client's request number up.
-    void send_next_request(int connection, std::string const& state);
+    /// The same for many clients, after counting the request number of each up. The clients that it did not go out to
+    /// at once, and why.
+    std::map<int, std::string> send_next_request(std::vector<int> const& connections, std::string const& state);
 
     /// Receives once from the client, see Inbox.
     void receive(int connection);
-    std::optional<utilities::Type_length_values> take_message(int connection);
 
-    /// Takes over a state that the client reached. False, and nothing else, when the number is not that of the last
-    /// request sent to it.
-    bool update(int connection, std::uint32_t request_number, std::string const& state);
+    /// The next whole answer of the client, if there is one; an answer in turn is taken over as the client's state.
+    /// Throws what Inbox::take does, and std::out_of_range for an answer that is too short.
+    std::optional<Client_answer> take_answer(int connection);
 
  private:
     mutable base::Mutex mutex_;

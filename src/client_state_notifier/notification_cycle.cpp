@@ -4,20 +4,22 @@
 
 namespace client_state_notifier {
 
+void Notification_cycle::ask(int connection, std::string name) {
+    asked_.push_back({connection, std::move(name)});
+    ++unanswered_;
+}
+
 void Notification_cycle::answer(int connection, Component_client_return_type status) {
-    auto const client = unanswered_.find(connection);
-    if (client == unanswered_.end()) {
-        return;
+    if (auto* const client = find_open(connection)) {
+        client->has_answered = true;
+        --unanswered_;
+        record(client->name, status);
     }
-    record(client->second, status);
-    unanswered_.erase(client);
 }
 
 void Notification_cycle::lose(int connection) {
-    auto const client = unanswered_.find(connection);
-    if (client != unanswered_.end()) {
-        lost_.push_back(client->second);
-        unanswered_.erase(client);
+    if (auto* const client = find_open(connection)) {
+        client->has_gone = true;
     }
 }
 
@@ -26,11 +28,10 @@ void Notification_cycle::complete() const {
 }
 
 void Notification_cycle::time_out() {
-    for (auto const& [connection, name] : unanswered_) {
-        record(name, Component_client_return_type::timed_out);
-    }
-    for (auto const& name : lost_) {
-        record(name, Component_client_return_type::timed_out);
+    for (auto const& client : asked_) {
+        if (!client.has_answered) {
+            record(client.name, Component_client_return_type::timed_out);
+        }
     }
     request_.completed(Callback_status::timed_out, results_);
 }
@@ -40,6 +41,14 @@ Callback_status Notification_cycle::get_overall_status() const {
         return result.second == Component_client_return_type::succeeded;
     });
     return succeeded ? Callback_status::succeeded : Callback_status::failed;
+}
+
+Notification_cycle::Asked_client* Notification_cycle::find_open(int connection) {
+    auto const client =
+        std::lower_bound(asked_.begin(), asked_.end(), connection,
+                         [](Asked_client const& asked, int number) { return asked.connection < number; });
+    bool const found = client != asked_.end() && client->connection == connection;
+    return found && !client->has_answered && !client->has_gone ? &*client : nullptr;
 }
 
 void Notification_cycle::record(std::string const& name, Component_client_return_type status) {

@@ -3,7 +3,9 @@
 
 #include "client_state_notifier/state_change_request.h"
 
-#include <map>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 namespace client_state_notifier {
 
@@ -14,7 +16,8 @@ class Notification_cycle {
 
     State_change_request const& request() const { return request_; }
 
-    void ask(int connection, std::string const& name) { unanswered_.emplace(connection, name); }
+    /// Called in the order of the connections.
+    void ask(int connection, std::string name);
 
     /// The first answer of each connection that was asked counts, and no other.
     void answer(int connection, Component_client_return_type status);
@@ -23,7 +26,7 @@ class Notification_cycle {
     void lose(int connection);
 
     /// Everybody who was asked has answered.
-    bool is_complete() const { return unanswered_.empty() && lost_.empty(); }
+    bool is_complete() const { return unanswered_ == 0; }
 
     /// Ends the cycle with what was answered: calls the request's callback.
     void complete() const;
@@ -35,11 +38,19 @@ class Notification_cycle {
     Callback_status get_overall_status() const;
 
  private:
+    struct Asked_client {
+        int connection;
+        std::string name;
+        bool has_answered = false;
+        bool has_gone = false;
+    };
+
+    Asked_client* find_open(int connection);
     void record(std::string const& name, Component_client_return_type status);
 
     State_change_request request_;
-    std::map<int, std::string> unanswered_;  ///< names by connection
-    std::vector<std::string> lost_;          ///< names of those that went without an answer
+    std::vector<Asked_client> asked_;  ///< in the order of the connections
+    std::size_t unanswered_ = 0;       ///< how many of them have not answered, whether they are there or gone
     Client_results results_;
 };
 

@@ -1,7 +1,6 @@
 #include "client_state_notifier/notification_server.h"
 
 #include "utilities/logger.h"
-#include "utilities/poll.h"
 
 #include <algorithm>
 #include <exception>
@@ -14,10 +13,6 @@ namespace client_state_notifier {
 using Clock = std::chrono::steady_clock;
 
 namespace {
-
-constexpr std::size_t k_listener = 0;  // places in the poll set
-constexpr std::size_t k_wake_up = 1;
-constexpr std::size_t k_clients = 2;
 
 long milliseconds_until(Clock::time_point time) {
     auto const left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now()).count();
@@ -32,21 +27,20 @@ Notification_server::Notification_server(std::string const& path, Status_callbac
 
 void Notification_server::run() {
     for (;;) {
-        fill_poll_set();
-        auto const clients = clients_.size();
-        if (utilities::poll(poll_set_, calculate_timeout())) {
-            if (poll_set_[k_listener].revents != 0) {
+        poll_set_.fill(listener_, requests_, clients_, newcomers_);
+        if (poll_set_.wait(calculate_timeout())) {
+            if (poll_set_.is_listener_ready()) {
                 process_new_client();
             }
-            if (poll_set_[k_wake_up].revents != 0) {
+            if (poll_set_.is_wake_up_ready()) {
                 if (!requests_.receive_wake_up()) {
                     return;
                 }
                 process_state_change_request();
             }
-            process_client_responses(clients);
+            process_client_responses();
         }
-        process_newcomers(clients);
+        process_newcomers();
         delete_hangup_clients();
         process_timeout();
     }
@@ -54,14 +48,6 @@ void Notification_server::run() {
 
 std::optional<Notification_cycle> Notification_server::take_cycle() {
     return std::exchange(cycle_, std::nullopt);
-}
-
-void Notification_server::fill_poll_set() {
-    poll_set_.clear();
-    poll_set_.push_back(listener_.poll_entry());
-    poll_set_.push_back(utilities::create_pollfd_helper(POLLIN, requests_.wake_up_end()));
-    clients_.add_to(poll_set_);
-    newcomers_.add_to(poll_set_);
 }
 
 /// Milliseconds to the next moment at which there is something to do without an event; -1 when there is none.
@@ -91,9 +77,8 @@ void Notification_server::process_new_client() {
     newcomers_.add(std::move(*connection));
 }
 
-void Notification_server::process_newcomers(std::size_t clients) {
-    auto const first = k_clients + clients;
-    for (auto& client : newcomers_.hear(poll_set_.data() + first, poll_set_.size() - first)) {
+void Notification_server::process_newcomers() {
+    for (auto& client : newcomers_.hear(poll_set_.newcomers(), poll_set_.newcomer_count())) {
         process_introduction(std::move(client));
     }
 }
@@ -106,11 +91,20 @@ void Notification_server::process_introduction(Introduced_client client) {
     }
     int const connection = client.socket.get_fd();
     clients_.add(std::move(client.socket), client.name, std::move(client.inbox));
+    poll_set_.forget_clients();
     auto const current_state = clients_.current_state();
     if (client.state != current_state) {
-        send(&Client_register::send_request, connection, current_state);
+        send_current_state(connection, current_state);
     }
     process_messages(connection);
+}
+
+void Notification_server::send_current_state(int connection, std::string const& state) {
+    try {
+        clients_.send_request(connection, state);
+    } catch (std::system_error const& error) {
+        leaving_.emplace(connection, error.what());
+    }
 }
 
 void Notification_server::process_state_change_request() {
@@ -121,20 +115,20 @@ void Notification_server::process_state_change_request() {
     utilities::get_logger().LogInfo() << "sending state change request to clients. new state = " << request->state;
     cycle_.emplace(std::move(*request));
     auto const& taken = cycle_->request();
-    for (auto const& [connection, name] : clients_.select(taken.predicate)) {
-        cycle_->ask(connection, name);
-        send(&Client_register::send_next_request, connection, taken.state);
+    std::vector<int> connections;
+    for (auto& [connection, name] : clients_.select(taken.predicate)) {
+        connections.push_back(connection);
+        cycle_->ask(connection, std::move(name));
     }
+    leaving_.merge(clients_.send_next_request(connections, taken.state));
     if (is_in_progress() && cycle_->is_complete()) {
         take_cycle()->complete();
     }
 }
 
-void Notification_server::process_client_responses(std::size_t clients) {
-    for (auto entry = poll_set_.begin() + k_clients; clients > 0; ++entry, --clients) {
-        if (entry->revents != 0) {
-            process_readable_client(entry->fd);
-        }
+void Notification_server::process_client_responses() {
+    for (int const connection : poll_set_.ready_clients()) {
+        process_readable_client(connection);
     }
     call_callback_after_all_clients_responded();
 }
@@ -151,22 +145,19 @@ void Notification_server::process_readable_client(int connection) {
 
 void Notification_server::process_messages(int connection) {
     try {
-        while (auto const message = clients_.take_message(connection)) {
-            process_answer(connection, *message);
+        while (auto const answer = clients_.take_answer(connection)) {
+            process_answer(connection, *answer);
         }
     } catch (std::exception const& error) {
         leaving_.emplace(connection, error.what());
     }
 }
 
-void Notification_server::process_answer(int connection, utilities::Type_length_values const& answer) {
-    auto const request_number = answer.at(0).get_uint32();
-    auto const state = answer.at(1).get_string();
-    auto const status = static_cast<Component_client_return_type>(answer.at(2).get_uint32() & 0xffU);
-    if (!clients_.update(connection, request_number, state)) {
-        report(clients_.name_of(connection), Client_status::answered_out_of_turn, state);
+void Notification_server::process_answer(int connection, Client_answer const& answer) {
+    if (!answer.is_in_turn) {
+        report(clients_.name_of(connection), Client_status::answered_out_of_turn, answer.state);
     } else if (cycle_) {
-        cycle_->answer(connection, status);
+        cycle_->answer(connection, answer.status);
     }
 }
 
@@ -195,6 +186,7 @@ void Notification_server::process_timeout() {
 void Notification_server::delete_hangup_clients() {
     for (auto const& [connection, reason] : std::exchange(leaving_, {})) {
         auto const name = clients_.remove(connection);
+        poll_set_.forget_clients();
         if (cycle_) {
             cycle_->lose(connection);
         }
@@ -208,15 +200,6 @@ void Notification_server::delete_hangup_clients() {
 void Notification_server::report(std::string const& name, Client_status status, std::string const& state) const {
     if (status_callback_) {
         status_callback_(name, status, state);
-    }
-}
-
-void Notification_server::send(void (Client_register::*request)(int, std::string const&), int connection,
-                               std::string const& state) {
-    try {
-        (clients_.*request)(connection, state);
-    } catch (std::system_error const& error) {
-        leaving_.emplace(connection, error.what());
     }
 }
 

@@ -6,14 +6,12 @@
 #include "client_state_notifier/listening_socket.h"
 #include "client_state_notifier/newcomers.h"
 #include "client_state_notifier/notification_cycle.h"
+#include "client_state_notifier/poll_set.h"
 #include "client_state_notifier/request_slot.h"
 
 #include <map>
 #include <optional>
 #include <string>
-#include <vector>
-
-#include <poll.h>
 
 namespace client_state_notifier {
 
@@ -38,25 +36,22 @@ class Notification_server {
     std::optional<Notification_cycle> take_cycle();
 
  private:
-    void fill_poll_set();
     long calculate_timeout() const;
 
     void process_new_client();
-    void process_newcomers(std::size_t clients);
+    void process_newcomers();
     void process_introduction(Introduced_client client);
+    void send_current_state(int connection, std::string const& state);
     void process_state_change_request();
-    void process_client_responses(std::size_t clients);
+    void process_client_responses();
     void process_readable_client(int connection);
     void process_messages(int connection);
-    void process_answer(int connection, utilities::Type_length_values const& answer);
+    void process_answer(int connection, Client_answer const& answer);
     bool is_in_progress();
     void call_callback_after_all_clients_responded();
     void process_timeout();
     void delete_hangup_clients();
     void report(std::string const& name, Client_status status, std::string const& state) const;
-
-    /// Sends a state; a client that it does not go out to at once leaves.
-    void send(void (Client_register::*request)(int, std::string const&), int connection, std::string const& state);
 
     Status_callback status_callback_;
     Request_slot& requests_;
@@ -64,7 +59,7 @@ class Notification_server {
     Listening_socket listener_;
     Newcomers newcomers_;
     std::optional<Notification_cycle> cycle_;
-    std::vector<pollfd> poll_set_;        ///< listener, wake-up channel, clients, newcomers
+    Poll_set poll_set_;
     std::map<int, std::string> leaving_;  ///< connections that end with this turn of the loop, and why
 };
 

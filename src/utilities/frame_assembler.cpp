@@ -4,6 +4,12 @@
 
 namespace utilities {
 
+namespace {
+
+constexpr std::size_t k_idle_capacity = 256;  // bytes; room for what most clients send
+
+}  // namespace
+
 std::optional<Type_length_values> Frame_assembler::take() {
     auto iterator = pending_.cbegin() + static_cast<Bytes_iterator::difference_type>(taken_);
     auto const end = pending_.cend();
@@ -26,13 +32,16 @@ std::optional<Type_length_values> Frame_assembler::take() {
     return message;
 }
 
-/// Keeps what is left of an unfinished message; an idle connection keeps no memory.
+/// Keeps what is left of an unfinished message; an idle connection keeps hardly any memory.
 void Frame_assembler::forget_taken() {
     if (taken_ == 0) {
         return;
     }
-    Bytes(pending_.cbegin() + static_cast<Bytes_iterator::difference_type>(taken_), pending_.cend()).swap(pending_);
+    pending_.erase(pending_.begin(), pending_.begin() + static_cast<Bytes_iterator::difference_type>(taken_));
     taken_ = 0;
+    if (pending_.capacity() > k_idle_capacity) {
+        pending_.shrink_to_fit();
+    }
 }
 
 }  // namespace utilities

@@ -7,6 +7,8 @@ namespace utilities {
 
 namespace {
 
+constexpr std::size_t k_usual_count = 3;  // elements of most messages; more are as good
+
 template <class Number>
 void append_number(Bytes& bytes, Number number) {
     auto const* first = reinterpret_cast<std::uint8_t const*>(&number);
@@ -75,6 +77,9 @@ Type_length_values deserialize_vector(std::uint64_t length, Bytes_iterator& iter
     auto announced_end = iterator;
     advance_with_check(announced_end, length, end);
     Type_length_values list;
+    if (iterator < end) {
+        list.reserve(k_usual_count);
+    }
     while (iterator < end) {
         auto const type = static_cast<Payload_type>(read_number<std::uint32_t>(iterator, end));
         auto const element_length = read_number<std::uint64_t>(iterator, end);
