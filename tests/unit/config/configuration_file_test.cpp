@@ -1,9 +1,12 @@
 #include "statemanager/config/configuration_file.h"
 
+#include "support/open_descriptors.h"
 #include "support/temporary_directory.h"
 
+#include <memory>
 #include <stdexcept>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,8 +14,12 @@
 namespace ximo::ap::statemanager::config {
 namespace {
 
+using test_support::descriptors_on;
 using test_support::Temporary_directory;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
 using testing::ThrowsMessage;
 
 TEST(Configuration_file, Is_read_whole_also_with_zero_bytes_and_beyond_one_chunk) {
@@ -71,6 +78,35 @@ TEST(Configuration_file, A_directory_a_device_and_a_FIFO_that_nobody_writes_to_a
         ASSERT_TRUE(sut.is_open()) << path;
         EXPECT_THAT([&] { sut.read(); }, ThrowsMessage<std::runtime_error>("it is not a regular file")) << path;
     }
+}
+
+TEST(Configuration_file, Is_not_inherited_and_is_closed_at_the_end) {
+    Temporary_directory const directory;
+    auto const path = directory.write("file", "{}");
+
+    auto sut = std::make_unique<Configuration_file>(path);
+
+    ASSERT_THAT(descriptors_on(path), SizeIs(1));
+    EXPECT_EQ(::fcntl(descriptors_on(path).front(), F_GETFD), FD_CLOEXEC);
+    sut.reset();
+    EXPECT_THAT(descriptors_on(path), IsEmpty());
+}
+
+// A daemon may be started with its standard input closed.
+TEST(Configuration_file, Descriptor_0_is_as_good_as_any_other) {
+    Temporary_directory const directory;
+    auto const path = directory.write("file", "{}");
+    int const standard_input = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    ::close(STDIN_FILENO);
+
+    auto sut = std::make_unique<Configuration_file>(path);
+
+    EXPECT_THAT(descriptors_on(path), ElementsAre(STDIN_FILENO));
+    EXPECT_TRUE(sut->is_open());
+    EXPECT_EQ(sut->read(), "{}");
+    sut.reset();
+    ::dup2(standard_input, STDIN_FILENO);
+    ::close(standard_input);
 }
 
 TEST(Configuration_file, A_failure_of_reading_says_why) {
