@@ -27,6 +27,20 @@ install_packages() {
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# install_cross: what a cross build for arm64 needs. Takes the architecture back out of this machine's package management
+# when nothing can be had for it.
+install_cross() {
+    [ "$(dpkg --print-architecture)" = arm64 ] && return
+    local added=
+    if ! dpkg --print-foreign-architectures | grep -q -x arm64; then
+        as_root dpkg --add-architecture arm64
+        added=yes
+    fi
+    install_packages cross && return
+    [ -z "$added" ] || as_root dpkg --remove-architecture arm64
+    return 1
+}
+
 # build PRESET [TARGET...]: configures when there is no build yet, then builds. CMake configures again by itself when a
 # list of files changed.
 build() {
@@ -38,4 +52,21 @@ build() {
         mv "build-$preset.log" "build/$preset/configure.log"
     fi
     cmake --build "build/$preset" ${1:+--target "$@"}
+}
+
+# prepare_machine: everything for the virtual machine, ending in build/vm. What is there and up to date is not made again.
+# What it prints goes to build/vm.log. Fails, with the reason printed, where the emulator or the cross compiler can't be
+# installed.
+prepare_machine() {
+    install_packages build run test packages vm || { echo "the emulator and what belongs to it can't be installed here"; return 1; }
+    install_cross || { echo "the arm64 packages of the cross build can't be installed here"; return 1; }
+    mkdir -p "$root/build"
+    if ! make_machine >"$root/build/vm.log" 2>&1; then
+        tail -n 60 "$root/build/vm.log"
+        exit 1
+    fi
+}
+
+make_machine() {
+    build release && "$root/deploy/scripts/package" arm64 && "$root/bench/vm/guest/build" "$root/build/vm" "$root/build/packages/arm64"
 }

@@ -89,7 +89,8 @@ Answer StateClient::Connection::send(Message call, Deadline deadline) {
         return {nullptr, std::string(error.name())};
     }
     if (is_over(deadline)) {
-        bus_.reset();  // a late answer belongs to nobody
+        // The connection is kept: the service manager asks who may do this, and would refuse a caller that has gone. A
+        // late answer belongs to nobody.
         throw std::runtime_error("no answer from execution management in time");
     }
     throw Broken("no answer from execution management: " + error.text());

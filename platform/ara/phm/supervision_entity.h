@@ -3,7 +3,9 @@
 
 #include "ara/phm/phm_client.h"
 
+#include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace ara::phm {
@@ -20,16 +22,22 @@ class SupervisionEntityInterface {
     virtual void ReportCheckpoint(std::uint32_t checkpoint, std::uint32_t instance) = 0;
 };
 
-/// Supervision by the service manager's watchdog: every checkpoint is one WATCHDOG=1 to the socket that the environment
-/// names in NOTIFY_SOCKET. A process that is not supervised (no such variable) reports to nobody and succeeds.
+/// Supervision by the service manager's watchdog: a checkpoint is one WATCHDOG=1 to the socket that the environment
+/// names in NOTIFY_SOCKET, unless the last one was sent a moment ago. A process that is not supervised (no such
+/// variable) reports to nobody and succeeds. Used by one thread.
 class SupervisionEntity : public SupervisionEntityInterface {
  public:
+    /// How close beats may follow each other. The service manager reads them before everything else that it does: a
+    /// process that reports without a pause would keep it from all other work.
+    static constexpr std::chrono::milliseconds k_shortest_interval{20};
+
     explicit SupervisionEntity(Phm_client_interface const& client);
 
     void ReportCheckpoint(std::uint32_t checkpoint, std::uint32_t instance) override;
 
  private:
     std::string instance_id_;
+    std::optional<std::chrono::steady_clock::time_point> last_beat_;
 };
 
 }  // namespace ara::phm

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <stdlib.h>
@@ -53,8 +54,22 @@ TEST(Supervision_entity, Reports_each_checkpoint_as_one_watchdog_beat) {
     ara::phm::Phm_client const client("ap_statemanager");
     ara::phm::SupervisionEntity sut(client);
     sut.ReportCheckpoint(1, 1);
+    std::this_thread::sleep_for(ara::phm::SupervisionEntity::k_shortest_interval);  // the time that is meant
     sut.ReportCheckpoint(1, 1);
     EXPECT_THAT(service_manager.received(), ElementsAre("WATCHDOG=1", "WATCHDOG=1"));
+}
+
+TEST(Supervision_entity, Does_not_flood_the_service_manager) {
+    test_support::Notify_socket const service_manager;
+    ara::phm::Phm_client const client("");
+    ara::phm::SupervisionEntity sut(client);
+    auto const begin = steady_clock::now();
+    for (int i = 0; i < 10'000; ++i) {
+        sut.ReportCheckpoint(1, 1);
+    }
+    auto const room = (steady_clock::now() - begin) / ara::phm::SupervisionEntity::k_shortest_interval + 1;
+    EXPECT_THAT(service_manager.received().size(),
+                testing::AllOf(testing::Ge(1U), testing::Le(static_cast<std::size_t>(room))));
 }
 
 TEST(Supervision_entity, Reports_to_an_abstract_name_too) {

@@ -109,6 +109,16 @@ TEST_F(Execution_management, That_does_not_answer_is_given_up_in_time) {
     EXPECT_EQ(sut.SetState("MachineState", "Running"), State_client_result::kSuccess) << "the next request is served";
 }
 
+// The service manager asks the bus who the caller is before it does what was asked for.
+TEST_F(Execution_management, That_answers_late_still_finds_its_caller_on_the_bus) {
+    manager->command({{"do", "reaction"}, {"silent", true}});
+    EXPECT_THROW(sut.SetState("MachineState", "Running"), std::runtime_error);
+    auto const late = manager->await_event("call", {{"unit", "MachineState-Running.target"}});
+    ASSERT_EQ(sut.SetState("MachineState", "Shutdown"), State_client_result::kSuccess);
+    auto const next = manager->await_event("call", {{"unit", "MachineState-Shutdown.target"}});
+    EXPECT_EQ(late.at("sender"), next.at("sender"));
+}
+
 TEST_F(Execution_management, That_is_not_on_the_bus_is_an_error) {
     manager.reset();
     EXPECT_THROW(sut.SetState("MachineState", "Running"), std::runtime_error);

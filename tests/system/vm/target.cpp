@@ -1,0 +1,93 @@
+#include "target.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace bench::vm {
+
+std::unique_ptr<Virtual_machine> Target::shared_machine;
+
+/// Ends the machine before the program does.
+class Shared_machine : public testing::Environment {
+ public:
+    void TearDown() override { Target::shared_machine.reset(); }
+};
+
+namespace {
+
+auto* const g_shared_machine = testing::AddGlobalTestEnvironment(new Shared_machine);
+
+std::string last_word(vehicle::Timeline const& events) {
+    auto const last =
+        std::find_if(events.rbegin(), events.rend(), [](auto const& event) { return event.kind == Kind::state_word; });
+    return last == events.rend() ? "" : last->text;
+}
+
+double seconds(std::int64_t nanoseconds) {
+    return static_cast<double>(nanoseconds) / 1e9;
+}
+
+}  // namespace
+
+Virtual_machine& Target::machine() {
+    if (!shared_machine) {
+        shared_machine = std::make_unique<Virtual_machine>(Machine_options{VM_IMAGE});
+    }
+    return *shared_machine;
+}
+
+void Target::switch_off() {
+    shared_machine.reset();
+}
+
+void Target::SetUp() {
+    mark();
+    if (!machine().is_on()) {
+        machine().start_daemon();
+    } else if (last_word(machine().events()) != "running") {
+        start_the_daemon_again();
+    }
+    ASSERT_TRUE(last_word(machine().events()) == "running" || shows("running"));
+    mark();
+}
+
+void Target::TearDown() {
+    if (!HasFailure()) {
+        return;
+    }
+    auto const& events = machine().events();
+    for (auto event = events.begin() + static_cast<std::ptrdiff_t>(std::min(begin_, events.size()));
+         event != events.end(); ++event) {
+        std::printf("%10.3f s  %s  %s\n", seconds(machine().machine_time(event->time)), name(event->kind),
+                    event->text.c_str());
+    }
+    auto const& journal = machine().journal();
+    auto const shown = std::min<std::size_t>(journal.size(), 40);
+    for (auto entry = journal.end() - static_cast<std::ptrdiff_t>(shown); entry != journal.end(); ++entry) {
+        std::printf("%10.3f s  %s: %s\n", seconds(entry->time), entry->unit.c_str(), entry->message.c_str());
+    }
+}
+
+void Target::start_the_daemon_again() {
+    mark();
+    machine().shell().run("systemctl reset-failed ap_statemanager.service; systemctl restart ap_statemanager.service");
+}
+
+std::string Target::output_of(std::string const& command) {
+    auto output = machine().shell().run(command).output;
+    output.erase(output.find_last_not_of('\n') + 1);
+    return output;
+}
+
+bool Target::comes_true(std::string const& command) {
+    auto const deadline = std::chrono::steady_clock::now() + k_patience;
+    while (machine().shell().run(command).status != 0) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        machine().watch(std::chrono::milliseconds(100));
+    }
+    return true;
+}
+
+}  // namespace bench::vm
