@@ -29,7 +29,7 @@ class SupervisionEntity : public SupervisionEntityInterface {
  public:
     /// How close beats may follow each other. The service manager reads them before everything else that it does: a
     /// process that reports without a pause would keep it from all other work.
-    static constexpr std::chrono::milliseconds k_shortest_interval{20};
+    static constexpr std::chrono::milliseconds k_shortest_interval{5};
 
     explicit SupervisionEntity(Phm_client_interface const& client);
 
