@@ -38,6 +38,7 @@ void start_logging() {
 template <class Service, class Abstract>
 std::vector<std::unique_ptr<Abstract>> services_of(std::vector<std::string> const& instances) {
     std::vector<std::unique_ptr<Abstract>> services;
+    services.reserve(instances.size());
     for (auto const& instance : instances) {
         services.push_back(std::make_unique<Service>(instance));
     }

@@ -20,7 +20,10 @@ class Absent_nm_interface : public Nm_interface_abstract {
 };
 
 inline std::unique_ptr<Nm_interface_abstract> or_absent(std::unique_ptr<Nm_interface_abstract> network_management) {
-    return network_management ? std::move(network_management) : std::make_unique<Absent_nm_interface>();
+    if (!network_management) {
+        network_management = std::make_unique<Absent_nm_interface>();
+    }
+    return network_management;
 }
 
 }  // namespace ximo::ap::statemanager

@@ -5,13 +5,12 @@
 namespace ximo::ap::statemanager {
 
 void Ecu_state::update(bool network_active) {
+    auto const next = [network_active](Value value) { return network_active ? Value::active : after_rest(value); };
     auto before = value_.load();
-    auto after = before;
-    do {
-        after = network_active ? Value::active : after_rest(before);
-    } while (!value_.compare_exchange_weak(before, after));
+    while (!value_.compare_exchange_weak(before, next(before))) {
+    }
 
-    switch (after) {
+    switch (next(before)) {
         case Value::active:
             ara::log::LogInfo() << "Ecu state based on NM activity: active";
             break;

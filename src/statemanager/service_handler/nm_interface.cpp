@@ -45,7 +45,7 @@ Nm_interface::~Nm_interface() {
     if (auto const proxy = network_state_.proxy()) {
         proxy->NetworkState.Unsubscribe();
     }
-    set_network_state_updated_func(nullptr);
+    replace_network_state_updated_func(nullptr);
     user_data_.hold(nullptr);
     network_state_.hold(nullptr);
 }
@@ -114,9 +114,12 @@ void Nm_interface::network_state_field_updated() {
 }
 
 void Nm_interface::set_network_state_updated_func(Network_state_func const& func) {
-    Network_state_func replaced = func;
+    replace_network_state_updated_func(func);
+}
+
+void Nm_interface::replace_network_state_updated_func(Network_state_func func) {
     base::Lock_guard const lock(mutex_);
-    network_state_updated_func_.swap(replaced);
+    network_state_updated_func_.swap(func);
 }
 
 Nm_interface::Network_state_func Nm_interface::network_state_updated_func() const {

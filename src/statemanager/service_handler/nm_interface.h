@@ -46,6 +46,7 @@ class Nm_interface : public Nm_interface_abstract {
     void network_state_reported(ara::com::ServiceHandleContainer const& handles, Announcement& announcement);
     void user_data_reported(ara::com::ServiceHandleContainer const& handles, Announcement& announcement);
     void announce_when_complete(Announcement& announcement);
+    void replace_network_state_updated_func(Network_state_func func);
     Network_state_func network_state_updated_func() const;
 
     Service_search<Network_state_proxy> network_state_{"Stopping NetworkState service lookup"};

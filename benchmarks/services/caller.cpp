@@ -1,0 +1,75 @@
+// An application that calls its COM-alive service as fast as it is answered:
+//
+//     benchmark_caller INSTANCE changing|repeated MILLISECONDS
+//
+// Writes "ready" when it has found the service, waits for a line, calls for the given time and writes how many calls
+// were answered. "changing" requests and releases a bit of its own in turn, "repeated" requests the same one each time.
+
+#include "tarq/com/runtime/component_singleton.h"
+#include "tools/services/found_instance.h"
+#include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
+
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Proxy = ximo::ap::statemanager::proxy::StateManagementComAliveInterfaceProxy;
+using Clock = std::chrono::steady_clock;
+
+/// One of the 32 bits that count, by the number in the instance's name.
+std::vector<std::uint8_t> own_bit(std::string const& instance) {
+    auto const number = static_cast<unsigned>(std::stoul(instance)) % 32;
+    std::vector<std::uint8_t> bits(4);
+    bits[number / 8] = static_cast<std::uint8_t>(1U << (number % 8));
+    return bits;
+}
+
+int answered_calls(Proxy& proxy, std::vector<std::uint8_t> const& bits, bool changing, std::chrono::milliseconds time) {
+    int calls = 0;
+    for (auto const end = Clock::now() + time; Clock::now() < end; ++calls) {
+        if (changing && calls % 2 == 1) {
+            proxy.ReleaseComAlive(bits).get();
+        } else {
+            proxy.RequestComAlive(bits, 0).get();
+        }
+    }
+    return calls;
+}
+
+int run(std::string const& instance, bool changing, std::chrono::milliseconds time) {
+    tarq::com::runtime::Component_singleton const communication(false, "");
+    statectl::Found_instance<Proxy> service(instance);
+    auto const proxy = service.await(std::chrono::seconds(10));
+    if (!proxy) {
+        throw std::runtime_error("no service " + instance);
+    }
+    proxy->RequestComAlive(own_bit(instance), 0).get();
+    std::cout << "ready" << std::endl;
+    std::string go;
+    std::getline(std::cin, go);
+    auto const calls = answered_calls(*proxy, own_bit(instance), changing, time);
+    std::cout << calls << std::endl;
+    proxy->ReleaseComAlive(own_bit(instance)).get();
+    return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4) {
+        std::cerr << "usage: benchmark_caller INSTANCE changing|repeated MILLISECONDS\n";
+        return 2;
+    }
+    try {
+        return run(argv[1], std::string(argv[2]) == "changing", std::chrono::milliseconds(std::stoi(argv[3])));
+    } catch (std::exception const& error) {
+        std::cerr << "benchmark_caller: " << error.what() << '\n';
+        return EXIT_FAILURE;
+    }
+}
