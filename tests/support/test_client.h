@@ -6,8 +6,10 @@
 #include "utilities/serialization.h"
 #include "utilities/socket.h"
 
+#include <array>
 #include <chrono>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 #include <poll.h>
@@ -48,6 +50,24 @@ class Test_client {
 
     void send(utilities::Type_length_values const& message) { utilities::send_type_length_values(socket_, message); }
     void send_bytes(void const* bytes, std::size_t count) { socket_.sendl(bytes, count, 0); }
+
+    /// Sends a message with a descriptor of this process's.
+    void send_with_descriptor(utilities::Type_length_values const& message, int descriptor) {
+        auto bytes = utilities::serialize(message);
+        alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof descriptor)> control{};
+        iovec part{bytes.data(), bytes.size()};
+        msghdr sent{};
+        sent.msg_iov = &part;
+        sent.msg_iovlen = 1;
+        sent.msg_control = control.data();
+        sent.msg_controllen = control.size();
+        auto* const header = CMSG_FIRSTHDR(&sent);
+        header->cmsg_level = SOL_SOCKET;
+        header->cmsg_type = SCM_RIGHTS;
+        header->cmsg_len = CMSG_LEN(sizeof descriptor);
+        std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
+        ::sendmsg(socket_.get_fd(), &sent, MSG_NOSIGNAL);
+    }
 
     /// The next request; throws when there is none within a few seconds, or the server has closed the connection.
     Request receive() {

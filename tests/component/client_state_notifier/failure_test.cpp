@@ -1,9 +1,11 @@
 #include "base/system_error.h"
 #include "client_state_notifier/notification_server.h"
 #include "server_fixture.h"
+#include "support/open_descriptors.h"
 
 #include <cstring>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -106,6 +108,27 @@ TEST_F(Server_with_a_bad_client, Drops_an_answer_whose_number_is_no_number) {
     EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad",
                                      ", reason: ", "reached end of data while parsing")));
     expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_an_element_longer_than_its_frame) {
+    auto bad = connect("bad");
+    std::uint8_t const frame[28] = {2, 0, 0, 0, 16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 200, 0, 0, 0, 0, 0, 0, 0};
+    bad.send_bytes(frame, sizeof frame);
+    EXPECT_TRUE(bad.is_closed_by_server());
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad",
+                                     ", reason: ", "reached end of data while parsing")));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Takes_no_descriptors_from_it) {
+    auto bad = connect("bad", "kOff");
+    auto const file = files.write("file", "");
+    int const descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    bad.send_with_descriptor({Type_length_value(bad.receive().number), Type_length_value("kOn"), Type_length_value(0U)},
+                             descriptor);
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().back().second == "kOn"; }));
+    EXPECT_THAT(test_support::descriptors_on(file), ElementsAre(descriptor));
+    ::close(descriptor);
 }
 
 TEST_F(Server_with_a_bad_client, Is_not_held_up_by_half_an_answer) {
