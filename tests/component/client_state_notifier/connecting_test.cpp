@@ -17,6 +17,29 @@ using testing::UnorderedElementsAre;
 
 using Connecting = Server_test;
 
+/// Holds the server's thread in a predicate as long as it lives.
+class Busy_server {
+ public:
+    explicit Busy_server(Client_states& server) {
+        server.request_state_change(
+            "kPrepSD",
+            [this](auto const& /*name*/) {
+                held_.set_value();
+                end_.get_future().wait();
+                return false;
+            },
+            [](auto, auto const&) {}, 5s);
+        held_.get_future().wait();
+    }
+    ~Busy_server() { end_.set_value(); }
+    Busy_server(Busy_server const&) = delete;
+    Busy_server& operator=(Busy_server const&) = delete;
+
+ private:
+    std::promise<void> held_;
+    std::promise<void> end_;
+};
+
 TEST_F(Connecting, Works_at_a_socket_in_a_directory_that_the_server_makes) {
     Test_client const client(path);
     struct stat directory {};
@@ -88,6 +111,28 @@ TEST_F(Connecting, Reports_a_name_that_is_connected_already_and_keeps_both) {
     EXPECT_EQ(reports()[0].status, Client_status::connected_under_known_name);
     EXPECT_EQ(reports()[0].state, "kPrepSD");
     EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("radio", "unknown"), Pair("radio", "unknown")));
+}
+
+TEST_F(Connecting, Reports_a_name_once_however_many_have_it) {
+    auto const first = connect("radio");
+    auto const second = connect("radio");
+    auto const third = connect("radio");
+    EXPECT_THAT(reports(), SizeIs(2)) << "for the second and for the third";
+    EXPECT_THAT(sut->get_connected_clients(), SizeIs(3));
+}
+
+// A backlog of ten is full when eleven wait.
+TEST_F(Connecting, Lets_a_few_wait_while_the_server_is_busy_and_sends_the_others_away) {
+    auto const radio = connect("radio");
+    Busy_server const busy(*sut);
+    std::vector<utilities::Socket> waiting;
+    auto const address = utilities::create_unix_address(path);
+    for (int result = 0; result == 0 && waiting.size() < 100;) {
+        waiting.emplace_back(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        result = ::connect(waiting.back().get_fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address);
+    }
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_EQ(waiting.size() - 1, 11U);
 }
 
 TEST_F(Connecting, Looks_at_no_protocol_version) {

@@ -3,7 +3,10 @@
 #include "server_fixture.h"
 #include "support/open_descriptors.h"
 
+#include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -250,6 +253,15 @@ TEST_F(Server_that_fails, Says_so_and_completes_requests_as_timed_out) {
     EXPECT_THAT(results, IsEmpty());
     EXPECT_EQ(outcome_of(request("kOn", 1h)).status, Callback_status::timed_out) << "and the next as well";
     EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
+}
+
+TEST_F(Server_that_fails, Says_that_it_could_not_bind) {
+    sut.reset();
+    std::filesystem::create_symlink("nowhere", files.file("link"));
+    sut.emplace("kOn", nullptr, files.file("link"));
+    EXPECT_TRUE(
+        has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
+                             std::system_error(EADDRINUSE, std::generic_category(), "Socket::bind(...)").what())));
 }
 
 TEST_F(Server_that_fails, Fails_where_the_directory_cannot_be_made) {

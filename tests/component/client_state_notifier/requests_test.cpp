@@ -1,5 +1,11 @@
 #include "server_fixture.h"
 
+#include <fstream>
+#include <utility>
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
 namespace client_state_notifier {
 namespace {
 
@@ -26,6 +32,57 @@ TEST_F(Request, Succeeds_at_once_with_nobody_selected) {
     EXPECT_EQ(outcome.status, Callback_status::succeeded);
     EXPECT_THAT(outcome.results, IsEmpty());
     EXPECT_FALSE(client.has_input());
+}
+
+TEST_F(Request, With_nobody_to_ask_does_not_say_that_all_responded) {
+    outcome_of(request("kPrepSD"));
+    auto const messages = log.messages();
+    EXPECT_THAT(messages, testing::Not(testing::Contains(logged_in(
+                              "SNCC", LogLevel::kInfo, "calling callback after all clients responded in time"))));
+}
+
+TEST_F(Request, Calls_everything_back_on_the_thread_of_the_server) {
+    std::promise<std::thread::id> completed;
+    std::thread::id asked;
+    auto const client = connect("radio");
+    sut->request_state_change(
+        "kPrepSD",
+        [&](auto const& /*name*/) {
+            asked = std::this_thread::get_id();
+            return false;
+        },
+        [&](auto, auto const&) { completed.set_value(std::this_thread::get_id()); }, 1h);
+    EXPECT_EQ(completed.get_future().get(), asked);
+    EXPECT_NE(asked, std::this_thread::get_id());
+}
+
+/// How often a thread of this process has given its processor away by itself, so that it waits for something.
+long waits_of(pid_t thread) {
+    std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/status");
+    for (std::string word; status >> word;) {
+        if (word == "voluntary_ctxt_switches:") {
+            long count = 0;
+            status >> count;
+            return count;
+        }
+    }
+    return -1;
+}
+
+TEST_F(Request, Leaves_a_server_behind_that_waits_without_a_time_limit) {
+    pid_t thread = 0;
+    auto const client = connect("radio");
+    outcome_of(request("kPrepSD", 1h, [&](auto const& /*name*/) {
+        thread = static_cast<pid_t>(::syscall(SYS_gettid));
+        return false;
+    }));
+    long last = -1;
+    ASSERT_TRUE(eventually([&] {  // it has gone back to its wait
+        std::this_thread::sleep_for(50ms);
+        return std::exchange(last, waits_of(thread)) == last;
+    }));
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(waits_of(thread), last);
 }
 
 TEST_F(Request, Succeeds_when_all_answer_with_success) {

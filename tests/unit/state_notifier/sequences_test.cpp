@@ -34,6 +34,14 @@ TEST_F(Sequence, Of_a_resume_goes_from_DEM_over_the_applications_to_DCM) {
     EXPECT_THAT(steps(), ElementsAre(k_dem_on, k_apps_on, k_dcm_on));
 }
 
+TEST_F(Sequence, Takes_every_other_name_for_an_application) {
+    sut.request_standby();
+    complete_and_check();
+    for (auto const* name : {"", "radio", "diag::", "diag::dcm2", "Diag::dcm", "dem", " diag::dem"}) {
+        EXPECT_TRUE(last().predicate(name)) << name;
+    }
+}
+
 TEST_F(Sequence, Takes_no_step_before_the_group_has_answered) {
     sut.request_standby();
     sut.check_request_status();

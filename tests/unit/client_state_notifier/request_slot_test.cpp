@@ -1,0 +1,96 @@
+#include "client_state_notifier/request_slot.h"
+
+#include "utilities/messages.h"
+
+#include <chrono>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <poll.h>
+
+namespace client_state_notifier {
+namespace {
+
+using testing::ElementsAre;
+using utilities::Type_length_value;
+
+State_change_request request_for(std::string const& state) {
+    return {state, [](auto const& /*name*/) { return true; }, [](auto, auto const&) {}, {}, 0};
+}
+
+class Request_slot_of_a_server : public testing::Test {
+ protected:
+    bool is_woken() const { return sut.wake_up_end().poll(POLLIN, 0).second; }
+    utilities::Type_length_values wake_up() const { return utilities::receive_type_length_values(sut.wake_up_end()); }
+
+    Request_slot sut;
+};
+
+TEST_F(Request_slot_of_a_server, Has_no_request_at_first) {
+    EXPECT_FALSE(sut.take());
+    EXPECT_FALSE(is_woken());
+}
+
+TEST_F(Request_slot_of_a_server, Wakes_the_thread_with_the_word_for_a_request) {
+    sut.put(request_for("kPrepSD"));
+    EXPECT_THAT(wake_up(), ElementsAre(Type_length_value("state_change_request_added")));
+    EXPECT_FALSE(is_woken());
+}
+
+TEST_F(Request_slot_of_a_server, Wakes_the_thread_with_the_word_for_its_end) {
+    sut.stop();
+    EXPECT_THAT(wake_up(), ElementsAre(Type_length_value("terminate")));
+}
+
+TEST_F(Request_slot_of_a_server, Tells_the_thread_to_go_on_or_to_end) {
+    sut.put(request_for("kPrepSD"));
+    EXPECT_TRUE(sut.receive_wake_up());
+    sut.stop();
+    EXPECT_FALSE(sut.receive_wake_up());
+}
+
+TEST_F(Request_slot_of_a_server, Hands_a_request_out_once) {
+    sut.put(request_for("kPrepSD"));
+    EXPECT_EQ(sut.take()->state, "kPrepSD");
+    EXPECT_FALSE(sut.take());
+}
+
+TEST_F(Request_slot_of_a_server, Keeps_the_newest_of_several_requests) {
+    sut.put(request_for("kPrepSD"));
+    sut.put(request_for("kOn"));
+    EXPECT_EQ(sut.take()->state, "kOn");
+    EXPECT_FALSE(sut.take());
+}
+
+TEST_F(Request_slot_of_a_server, Numbers_the_requests_and_knows_the_newest) {
+    sut.put(request_for("kPrepSD"));
+    auto const first = sut.take()->request_number;
+    EXPECT_TRUE(sut.is_newest(first));
+    sut.put(request_for("kOn"));
+    EXPECT_FALSE(sut.is_newest(first)) << "although it has not been taken yet";
+    EXPECT_EQ(sut.take()->request_number, first + 1);
+}
+
+// The thread may have ended, and nobody reads the channel.
+TEST_F(Request_slot_of_a_server, Never_holds_up_its_caller_and_ends_the_thread_through_a_full_channel) {
+    for (int i = 0; i < 20'000; ++i) {
+        sut.put(request_for("kOn"));
+    }
+    sut.stop();
+    EXPECT_FALSE(sut.receive_wake_up());
+}
+
+TEST_F(Request_slot_of_a_server, Gives_a_request_to_who_waits_for_one) {
+    std::thread caller([this] { sut.put(request_for("kPrepSD")); });
+    EXPECT_EQ(sut.wait()->state, "kPrepSD");
+    caller.join();
+}
+
+TEST_F(Request_slot_of_a_server, Gives_nothing_to_who_waits_when_it_is_the_end) {
+    std::thread caller([this] { sut.stop(); });
+    EXPECT_FALSE(sut.wait());
+    caller.join();
+}
+
+}  // namespace
+}  // namespace client_state_notifier
