@@ -1,9 +1,75 @@
 #include "ara/com/dds/dds_binding.h"
 
+#include "ara/com/dds/caller.h"
+#include "ara/com/dds/closing.h"
+#include "ara/com/dds/engine.h"
+#include "ara/com/dds/event_sender.h"
+#include "ara/com/dds/running_lookup.h"
+#include "ara/com/dds/served_instance.h"
+#include "base/mutex.h"
+
+#include <utility>
+
 namespace ara::com::dds {
 
+namespace {
+
+class Dds_binding : public Binding {
+ public:
+    ~Dds_binding() override {
+        if (auto const engine = started()) {
+            engine->shut_down();
+        }
+    }
+
+    std::unique_ptr<Event_source> offer_event(Event_type const& event, InstanceIdentifier const& instance) override {
+        auto sender = std::make_shared<Event_sender>(engine());
+        sender->open(event, instance);
+        return std::make_unique<Owned_event_source>(std::move(sender));
+    }
+
+    std::unique_ptr<Offer> offer(Service_type const& type, InstanceIdentifier const& instance,
+                                 Request_handler handler) override {
+        auto served = std::make_shared<Served_instance>(engine(), type, instance, std::move(handler));
+        served->open();
+        return std::make_unique<Closing<Offer, Served_instance>>(std::move(served));
+    }
+
+    std::shared_ptr<Lookup> find(Service_type const& type, InstanceSpecifier const& wanted,
+                                 FindServiceHandler handler) override {
+        auto lookup = std::make_shared<Running_lookup>(engine(), type.name, wanted, std::move(handler));
+        lookup->start();
+        return lookup;
+    }
+
+    std::shared_ptr<Connection> connect(Service_type const& type, ServiceHandle const& handle) override {
+        auto caller = std::make_shared<Caller>(engine(), type, handle.GetInstanceId());
+        caller->open();
+        return caller;
+    }
+
+ private:
+    std::shared_ptr<Engine> started() {
+        base::Lock_guard lock(mutex_);
+        return engine_;
+    }
+
+    std::shared_ptr<Engine> engine() {
+        base::Lock_guard lock(mutex_);
+        if (!engine_) {
+            engine_ = std::make_shared<Engine>();
+        }
+        return engine_;
+    }
+
+    base::Mutex mutex_;
+    std::shared_ptr<Engine> engine_ GUARDED_BY(mutex_);
+};
+
+}  // namespace
+
 std::shared_ptr<Binding> make_binding() {
-    return nullptr;
+    return std::make_shared<Dds_binding>();
 }
 
 }  // namespace ara::com::dds

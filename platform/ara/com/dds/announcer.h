@@ -1,0 +1,39 @@
+#ifndef ARA_COM_DDS_ANNOUNCER_H
+#define ARA_COM_DDS_ANNOUNCER_H
+
+#include "ara/com/dds/endpoints.h"
+#include "base/mutex.h"
+
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace ara::com::dds {
+
+/// Tells everybody what this process offers. Thread-safe.
+class Announcer {
+ public:
+    explicit Announcer(Participant& participant) : participant_(participant) {}
+
+    /// Throws `tarq::com::Infrastructure_exception`, also when this process offers the instance already.
+    void announce(std::string const& interface_name, std::string const& instance);
+    void withdraw(std::string const& interface_name, std::string const& instance) noexcept;
+
+    /// Takes back what is left and ends.
+    void close() noexcept;
+
+ private:
+    using Name = std::pair<std::string, std::string>;
+
+    std::shared_ptr<Writer> writer();
+
+    Participant& participant_;
+    base::Mutex mutex_;
+    std::shared_ptr<Writer> writer_ GUARDED_BY(mutex_);  // once there was an offer
+    std::set<Name> offered_ GUARDED_BY(mutex_);
+};
+
+}  // namespace ara::com::dds
+
+#endif

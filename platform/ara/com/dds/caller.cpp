@@ -1,0 +1,218 @@
+#include "ara/com/dds/caller.h"
+
+#include "ara/com/dds/closing.h"
+#include "ara/com/dds/event_receiver.h"
+#include "tarq/com/exception.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+#include <vector>
+
+namespace ara::com::dds {
+
+namespace {
+
+using tarq::com::Infrastructure_exception;
+using tarq::com::Service_not_available_exception;
+
+// From the call to the end of its future. An instance that was just found is connected within a few milliseconds.
+constexpr std::chrono::seconds k_longest_call{2};
+constexpr std::chrono::milliseconds k_longest_connecting{500};
+
+template <class Calls>
+void fail_all(Calls& calls, std::exception_ptr const& cause) {
+    for (auto& [number, call] : calls) {
+        call.reply->fail(cause);
+    }
+}
+
+}  // namespace
+
+Caller::Caller(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier const& instance)
+    : engine_(std::move(engine)), type_(type), instance_(instance) {}
+
+void Caller::open() {
+    engine_->adopt(weak_from_this());
+    engine_->timer().start();
+    auto path = std::make_shared<Call_path>(
+        engine_->participant(), type_, instance_.ToString(),
+        [this](Sample reply, dds_sample_info_t const& info) {
+            if (info.valid_data) {
+                received(reply.get());
+            }
+        },
+        [this] { connection_changed(); });
+    {
+        base::Lock_guard lock(mutex_);
+        path_ = std::move(path);
+    }
+    engine_->offers().add(weak_from_this());
+}
+
+void Caller::connection_changed() {
+    base::Lock_guard lock(mutex_);
+    ++version_;
+    changed_.notify_all();
+}
+
+void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
+    auto const now = Clock::now();
+    std::optional<Begun_call> begun;
+    try {
+        await_server(now + k_longest_connecting);
+        begun = begin(pending, now + k_longest_call);
+        begun->path->send(request, begun->number);
+    } catch (Infrastructure_exception const&) {
+        if (begun) {
+            base::Lock_guard lock(mutex_);
+            pending = take(begun->number);
+        }
+        if (pending) {
+            pending->fail(std::current_exception());
+        }
+    }
+}
+
+// Throws when there is none.
+void Caller::await_server(Clock::time_point deadline) {
+    unsigned seen = 0;
+    while (auto const candidate = next_candidate(seen, deadline)) {
+        seen = candidate->version;
+        if (candidate->path->reaches(candidate->server)) {
+            set_reached(candidate->server);
+        }
+    }
+}
+
+// Waits for one that was not seen yet; nothing when the server is reached already.
+std::optional<Caller::Candidate> Caller::next_candidate(unsigned seen, Clock::time_point deadline) {
+    base::Lock_guard lock(mutex_);
+    while (!reached_) {
+        if (!path_) {
+            throw Infrastructure_exception("The communication runtime does not run");
+        }
+        if (informed_ && !server_) {
+            throw Service_not_available_exception();
+        }
+        if (informed_ && version_ != seen) {
+            return Candidate{path_, *server_, version_};
+        }
+        if (changed_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
+            throw tarq::com::Timeout_exception("The service could not be reached in time");
+        }
+    }
+    return std::nullopt;
+}
+
+void Caller::set_reached(Guid const& server) {
+    base::Lock_guard lock(mutex_);
+    reached_ = server_ == server;
+}
+
+// The server may have gone since it was reached.
+std::optional<Caller::Begun_call> Caller::begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline) {
+    base::Lock_guard lock(mutex_);
+    if (!reached_ || !path_) {
+        throw Service_not_available_exception();
+    }
+    calls_[++last_number_] = {std::move(pending), deadline};
+    if (!std::exchange(timed_, true)) {
+        engine_->timer().watch(weak_from_this(), deadline);
+    }
+    return Begun_call{path_, last_number_};
+}
+
+void Caller::received(void const* reply) {
+    auto const& header = *static_cast<dds_rpc_ReplyHeader const*>(reply);
+    auto const pending = take(header);
+    if (!pending) {
+        return;
+    }
+    if (header.remoteEx == dds_rpc_REMOTE_EX_OK) {
+        pending->succeed(reply);
+    } else {
+        auto const code = static_cast<tarq::com::Remote_exception_code>(header.remoteEx);
+        pending->fail(std::make_exception_ptr(tarq::com::Remote_exception(code)));
+    }
+}
+
+std::unique_ptr<Pending_reply> Caller::take(dds_rpc_ReplyHeader const& header) {
+    base::Lock_guard lock(mutex_);
+    return path_ ? take(path_->number_of(header)) : nullptr;
+}
+
+std::unique_ptr<Pending_reply> Caller::take(std::int64_t number) {
+    auto const call = calls_.find(number);
+    if (call == calls_.end()) {
+        return nullptr;
+    }
+    auto pending = std::move(call->second.reply);
+    calls_.erase(call);
+    return pending;
+}
+
+void Caller::offers_changed(Known_offer_list const& offers) {
+    Calls lost;
+    {
+        base::Lock_guard lock(mutex_);
+        auto const is_ours = [this](auto const& offer) {
+            return offer.interface_name == type_.name && offer.instance == instance_.ToString();
+        };
+        auto const is_server = [&](auto const& offer) { return is_ours(offer) && server_ == offer.participant; };
+        informed_ = true;
+        if (std::none_of(offers.begin(), offers.end(), is_server)) {
+            auto const next = std::find_if(offers.begin(), offers.end(), is_ours);
+            server_ = next == offers.end() ? std::nullopt : std::make_optional(next->participant);
+            reached_ = false;
+            ++version_;
+            std::swap(lost, calls_);
+        }
+        changed_.notify_all();
+    }
+    fail_all(lost, std::make_exception_ptr(Service_not_available_exception()));
+}
+
+std::optional<Clock::time_point> Caller::expire(Clock::time_point now) {
+    Calls late;
+    std::optional<Clock::time_point> next;
+    {
+        base::Lock_guard lock(mutex_);
+        for (auto call = calls_.begin(); call != calls_.end();) {
+            auto const current = call++;
+            if (current->second.deadline <= now) {
+                late.insert(calls_.extract(current));
+            } else {
+                next = next ? std::min(*next, current->second.deadline) : current->second.deadline;
+            }
+        }
+        timed_ = next.has_value();
+    }
+    fail_all(late, std::make_exception_ptr(tarq::com::Timeout_exception("The service did not answer in time")));
+    return next;
+}
+
+std::unique_ptr<Subscription> Caller::subscribe(Event_type const& event, Sample_handler handler) {
+    auto receiver = std::make_shared<Event_receiver>(engine_, event, std::move(handler));
+    receiver->open(instance_);
+    return std::make_unique<Closing<Subscription, Event_receiver>>(std::move(receiver));
+}
+
+void Caller::release() {
+    std::shared_ptr<Call_path> path;
+    Calls lost;
+    {
+        base::Lock_guard lock(mutex_);
+        path = std::move(path_);
+        reached_ = false;
+        std::swap(lost, calls_);
+        changed_.notify_all();
+    }
+    fail_all(lost, std::make_exception_ptr(Infrastructure_exception("The communication runtime has ended")));
+}
+
+void Caller::close() {
+    release();
+}
+
+}  // namespace ara::com::dds

@@ -1,0 +1,87 @@
+#ifndef ARA_COM_DDS_CALLER_H
+#define ARA_COM_DDS_CALLER_H
+
+#include "ara/com/binding.h"
+#include "ara/com/dds/call_path.h"
+#include "ara/com/dds/call_timer.h"
+#include "ara/com/dds/engine.h"
+#include "ara/com/dds/known_offers.h"
+#include "base/mutex.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <exception>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace ara::com::dds {
+
+/// A client's way to one instance, whoever offers it: it follows the offers and forgets a server whose offer goes, with
+/// the calls that wait for it.
+class Caller : public Connection,
+               public Offer_observer,
+               public Expiring,
+               public Part,
+               public std::enable_shared_from_this<Caller> {
+ public:
+    Caller(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier const& instance);
+    ~Caller() override { close(); }
+
+    /// Throws `tarq::com::Infrastructure_exception`.
+    void open();
+
+    void call(void* request, std::unique_ptr<Pending_reply> pending) override;
+    std::unique_ptr<Subscription> subscribe(Event_type const& event, Sample_handler handler) override;
+
+    void offers_changed(Known_offer_list const& offers) override;
+    std::optional<Clock::time_point> expire(Clock::time_point now) override;
+    void release() override;
+    void close() override;
+
+ private:
+    struct Pending {
+        std::unique_ptr<Pending_reply> reply;
+        Clock::time_point deadline;
+    };
+    using Calls = std::map<std::int64_t, Pending>;  // by number of the request
+
+    // A server whose connection is to be looked at, and the state in which that was told.
+    struct Candidate {
+        std::shared_ptr<Call_path> path;
+        Guid server;
+        unsigned version;
+    };
+    struct Begun_call {
+        std::shared_ptr<Call_path> path;
+        std::int64_t number;
+    };
+
+    void await_server(Clock::time_point deadline);
+    std::optional<Candidate> next_candidate(unsigned seen, Clock::time_point deadline);
+    void set_reached(Guid const& server);
+    std::optional<Begun_call> begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline);
+    void received(void const* reply);
+    std::unique_ptr<Pending_reply> take(dds_rpc_ReplyHeader const& header);
+    std::unique_ptr<Pending_reply> take(std::int64_t number) REQUIRES(mutex_);
+    void connection_changed();
+
+    std::shared_ptr<Engine> const engine_;
+    Service_type const& type_;
+    InstanceIdentifier const instance_;
+    base::Mutex mutex_;
+    std::condition_variable_any changed_;
+    std::shared_ptr<Call_path> path_ GUARDED_BY(mutex_);  // null before it is open and when it is closed
+    bool informed_ GUARDED_BY(mutex_) = false;            // of the offers
+    std::optional<Guid> server_ GUARDED_BY(mutex_);       // who offers the instance
+    bool reached_ GUARDED_BY(mutex_) = false;             // requests get to the server, and replies back
+    unsigned version_ GUARDED_BY(mutex_) = 1;             // of the server and of what is connected
+    std::int64_t last_number_ GUARDED_BY(mutex_) = 0;
+    Calls calls_ GUARDED_BY(mutex_);
+    bool timed_ GUARDED_BY(mutex_) = false;  // the timer looks after the calls
+};
+
+}  // namespace ara::com::dds
+
+#endif

@@ -1,0 +1,41 @@
+#ifndef ARA_COM_DDS_EVENT_RECEIVER_H
+#define ARA_COM_DDS_EVENT_RECEIVER_H
+
+#include "ara/com/binding.h"
+#include "ara/com/dds/endpoints.h"
+#include "ara/com/dds/engine.h"
+#include "ara/com/dds/strand.h"
+#include "base/mutex.h"
+
+#include <deque>
+#include <memory>
+
+namespace ara::com::dds {
+
+/// A subscription: takes the samples of an event of one instance, whoever offers it.
+class Event_receiver : public Part, public std::enable_shared_from_this<Event_receiver> {
+ public:
+    Event_receiver(std::shared_ptr<Engine> engine, Event_type const& event, Sample_handler handler);
+    ~Event_receiver() override { close(); }
+
+    /// Throws `tarq::com::Infrastructure_exception`.
+    void open(InstanceIdentifier const& instance);
+
+    void close() override;
+
+ private:
+    void received(Sample sample);
+    void deliver();
+
+    std::shared_ptr<Engine> const engine_;
+    Event_type const& event_;
+    Sample_handler const handler_;
+    std::shared_ptr<Strand> const strand_;
+    base::Mutex mutex_;
+    std::deque<Sample> waiting_ GUARDED_BY(mutex_);
+    std::unique_ptr<Reader> reader_ GUARDED_BY(mutex_);
+};
+
+}  // namespace ara::com::dds
+
+#endif

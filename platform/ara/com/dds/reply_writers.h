@@ -1,0 +1,45 @@
+#ifndef ARA_COM_DDS_REPLY_WRITERS_H
+#define ARA_COM_DDS_REPLY_WRITERS_H
+
+#include "ara/com/dds/endpoints.h"
+#include "ara/com/dds/matched.h"
+#include "ara/com/service_type.h"
+#include "base/mutex.h"
+
+#include <map>
+#include <memory>
+
+namespace ara::com::dds {
+
+/// The way back to each client of one instance: a writer in a partition of its own, which is named by the client's
+/// request writer. So a reply goes to one client only, and a client that does not read holds up no other. Thread-safe.
+class Reply_writers {
+ public:
+    Reply_writers(Participant& participant, Topic_type const& reply) : participant_(participant), reply_(reply) {}
+
+    /// Makes a writer for each client whose requests the reader gets, and gives up those of clients that have gone.
+    void follow(dds_entity_t requests);
+
+    /// Sends a reply to the client that sent a request; to nobody when it has gone. Bounded in time. Throws
+    /// `tarq::com::Infrastructure_exception`.
+    void send(dds_entity_t requests, dds_instance_handle_t client, void const* reply);
+
+    /// Gives up all; from then on nothing is made nor sent.
+    void close();
+
+ private:
+    class Way;
+    using Ways = std::map<dds_instance_handle_t, std::shared_ptr<Way>>;
+
+    std::shared_ptr<Way> way_to(dds_instance_handle_t client);
+
+    Participant& participant_;
+    Topic_type const reply_;
+    base::Mutex mutex_;
+    Ways ways_ GUARDED_BY(mutex_);
+    bool closed_ GUARDED_BY(mutex_) = false;
+};
+
+}  // namespace ara::com::dds
+
+#endif

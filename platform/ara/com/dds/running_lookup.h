@@ -1,0 +1,48 @@
+#ifndef ARA_COM_DDS_RUNNING_LOOKUP_H
+#define ARA_COM_DDS_RUNNING_LOOKUP_H
+
+#include "ara/com/binding.h"
+#include "ara/com/dds/engine.h"
+#include "ara/com/dds/known_offers.h"
+#include "ara/com/dds/strand.h"
+#include "base/mutex.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ara::com::dds {
+
+/// A lookup; it keeps itself until it is stopped or the engine ends.
+class Running_lookup : public Lookup,
+                       public Offer_observer,
+                       public Part,
+                       public std::enable_shared_from_this<Running_lookup> {
+ public:
+    Running_lookup(std::shared_ptr<Engine> engine, std::string interface_name, InstanceSpecifier wanted,
+                   FindServiceHandler handler);
+
+    /// Throws `tarq::com::Infrastructure_exception`.
+    void start();
+
+    void stop() override { close(); }
+    void close() override;
+    void offers_changed(Known_offer_list const& offers) override;
+
+ private:
+    std::vector<Known_offer> matching(Known_offer_list const& offers) const;
+
+    std::shared_ptr<Engine> const engine_;
+    std::string const interface_;
+    InstanceSpecifier const wanted_;
+    FindServiceHandler const handler_;
+    std::shared_ptr<Strand> const strand_;
+    std::optional<std::vector<Known_offer>> reported_;  // the engine's strand alone uses it
+    base::Mutex mutex_;
+    std::shared_ptr<Running_lookup> self_ GUARDED_BY(mutex_);
+};
+
+}  // namespace ara::com::dds
+
+#endif

@@ -1,0 +1,53 @@
+#ifndef ARA_COM_DDS_SERVED_INSTANCE_H
+#define ARA_COM_DDS_SERVED_INSTANCE_H
+
+#include "ara/com/binding.h"
+#include "ara/com/dds/endpoints.h"
+#include "ara/com/dds/engine.h"
+#include "ara/com/dds/reply_writers.h"
+#include "ara/com/dds/strand.h"
+#include "base/mutex.h"
+#include "dds_rpc.h"
+
+#include <atomic>
+#include <memory>
+
+namespace ara::com::dds {
+
+/// The server's side of one offered instance: takes the requests, has them handled one after the other, and answers.
+class Served_instance : public Part, public std::enable_shared_from_this<Served_instance> {
+ public:
+    Served_instance(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier instance,
+                    Request_handler handler);
+    ~Served_instance() override { close(); }
+
+    /// Takes requests and announces the offer. Throws `tarq::com::Infrastructure_exception`.
+    void open();
+
+    void close() override;
+
+ private:
+    struct Request;
+
+    std::shared_ptr<Reader> requests();
+    void follow_clients();
+    void received(Sample sample, dds_sample_info_t const& info);
+    void serve(Request const& request);
+    dds_rpc_RemoteExceptionCode_t handle(Request const& request, Reply_sink const& answer);
+    void send(Request const& request, dds_rpc_RemoteExceptionCode_t code, void* reply);
+    void refuse(Request const& request, dds_rpc_RemoteExceptionCode_t code);
+
+    std::shared_ptr<Engine> const engine_;
+    Service_type const& type_;
+    InstanceIdentifier const instance_;
+    Request_handler const handler_;
+    std::shared_ptr<Strand> const strand_;
+    Reply_writers replies_;
+    std::atomic<int> waiting_{0};
+    base::Mutex mutex_;
+    std::shared_ptr<Reader> requests_ GUARDED_BY(mutex_);
+};
+
+}  // namespace ara::com::dds
+
+#endif
