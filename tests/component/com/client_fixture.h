@@ -1,0 +1,137 @@
+#ifndef TESTS_COMPONENT_COM_CLIENT_FIXTURE_H
+#define TESTS_COMPONENT_COM_CLIENT_FIXTURE_H
+
+#include "ara/com/find_service.h"
+#include "ara/com/instance.h"
+#include "bench/process/player.h"
+#include "tarq/com/runtime/component_singleton.h"
+#include "tarq/udpnm/interface/network_state_interface_proxy.h"
+#include "tarq/udpnm/interface/user_data_interface_proxy.h"
+#include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <future>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace com_test {
+
+using Bytes = std::vector<std::uint8_t>;
+using Com_alive_proxy = ximo::ap::statemanager::proxy::StateManagementComAliveInterfaceProxy;
+using Network_proxy = tarq::udpnm::interface::proxy::NetworkStateInterfaceProxy;
+using User_data_proxy = tarq::udpnm::interface::proxy::UserDataInterfaceProxy;
+
+inline constexpr std::chrono::seconds k_patience{10};
+
+/// What happened on the binding's threads, in order; the test awaits it.
+template <class Item>
+class Seen {
+ public:
+    void add(Item item) {
+        std::lock_guard const lock(mutex_);
+        items_.push_back(std::move(item));
+        changed_.notify_all();
+    }
+
+    /// Waits until the items fulfil the condition; returns them in any case when the patience ends.
+    template <class Condition>
+    std::vector<Item> await(Condition const& condition) {
+        std::unique_lock lock(mutex_);
+        changed_.wait_for(lock, k_patience, [&] { return condition(items_); });
+        return items_;
+    }
+    std::vector<Item> await_count(std::size_t count) {
+        return await([count](auto const& items) { return items.size() >= count; });
+    }
+
+ private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<Item> items_;
+};
+
+inline std::vector<std::string> names(ara::com::ServiceHandleContainer const& handles) {
+    std::vector<std::string> names;
+    for (auto const& handle : handles) {
+        names.push_back(handle.GetInstanceId().ToString());
+    }
+    return names;
+}
+
+/// A lookup that writes down the names of each report.
+template <class Proxy>
+class Watching {
+ public:
+    explicit Watching(std::string const& wanted)
+        : handle_(Proxy::StartFindService([this](auto const& handles) { reports.add(names(handles)); },
+                                          ara::com::InstanceSpecifier(wanted))) {}
+    ~Watching() { Proxy::StopFindService(handle_); }
+    Watching(Watching const&) = delete;
+    Watching& operator=(Watching const&) = delete;
+
+    /// Waits for a report of exactly these names to be the last.
+    void expect(std::vector<std::string> const& wanted) {
+        auto const all = reports.await([&](auto const& items) { return !items.empty() && items.back() == wanted; });
+        EXPECT_EQ(all.back(), wanted);
+    }
+
+    Seen<std::vector<std::string>> reports;
+
+ private:
+    ara::com::FindServiceHandle handle_;
+};
+
+/// The handle of an instance, once it is offered.
+template <class Proxy>
+ara::com::ServiceHandle found(std::string const& name) {
+    Seen<ara::com::ServiceHandle> handles;
+    auto const lookup = Proxy::StartFindService(
+        [&handles](auto const& report) {
+            for (auto const& handle : report) {
+                handles.add(handle);
+            }
+        },
+        ara::com::InstanceSpecifier(name));
+    auto const first = handles.await_count(1);
+    Proxy::StopFindService(lookup);
+    if (first.empty()) {
+        throw std::runtime_error("nobody offers " + name);
+    }
+    return first.front();
+}
+
+/// A client in the test's own process; servers are processes of their own.
+class Client : public testing::Test {
+ protected:
+    static bench::Player server(std::vector<std::string> const& instances) {
+        std::vector<std::string> words{PEER_PROGRAM};
+        words.insert(words.end(), instances.begin(), instances.end());
+        return bench::Player(words);
+    }
+
+    tarq::com::runtime::Component_singleton runtime_{false, ""};
+};
+
+/// Whether a future that must be ready in time holds a value; else its error is shown.
+template <class Value>
+testing::AssertionResult succeeds(ximo::com::Future<Value> future) {
+    if (future.wait_for(k_patience) != std::future_status::ready) {
+        return testing::AssertionFailure() << "no end";
+    }
+    try {
+        future.get();
+        return testing::AssertionSuccess();
+    } catch (std::exception const& error) {
+        return testing::AssertionFailure() << error.what();
+    }
+}
+
+}  // namespace com_test
+
+#endif
