@@ -13,9 +13,9 @@ constexpr dds_domainid_t k_local_domain = 0;
 // Multicast is off: on the loopback interface each participant announces itself to every index instead. With the
 // engine's default of 9 the eleventh process of a machine would find no index. A lease of a second: below half a second
 // a crowd of starting processes loses sight of each other, and each of 50 would take more than 1 % of a core when idle.
-// A reader ignores a writer until it hears the first heartbeat, and a writer that goes waits for the last
-// acknowledgement, which a heartbeat asks for: with the engine's 100 ms many a first call took that long. Nothing beats
-// while all is acknowledged.
+// What is sent to a reader that has not yet heard the first heartbeat is repeated once the reader complains, and a
+// writer that goes waits for the last acknowledgement, which a heartbeat asks for: with the engine's 100 ms each, many
+// a first call took that long. Nothing beats while all is acknowledged.
 constexpr char const* k_local_configuration = R"(<CycloneDDS><Domain id="any">
 <General>
  <Interfaces><NetworkInterface name="lo" multicast="false"/></Interfaces>
@@ -29,6 +29,7 @@ constexpr char const* k_local_configuration = R"(<CycloneDDS><Domain id="any">
 </Discovery>
 <Internal>
  <PreEmptiveAckDelay>0s</PreEmptiveAckDelay>
+ <NackDelay>1ms</NackDelay>
  <HeartbeatInterval min="5ms" minsched="5ms" max="1s">5ms</HeartbeatInterval>
  <WriterLingerDuration>20ms</WriterLingerDuration>
 </Internal>
