@@ -4,6 +4,7 @@
 #include "ara/com/find_service.h"
 #include "ara/com/instance.h"
 #include "bench/process/player.h"
+#include "tarq/com/exception.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "tarq/udpnm/interface/network_state_interface_proxy.h"
 #include "tarq/udpnm/interface/user_data_interface_proxy.h"
@@ -14,6 +15,7 @@
 #include <cstdint>
 #include <future>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -44,6 +46,10 @@ class Seen {
     std::vector<Item> await(Condition const& condition) {
         std::unique_lock lock(mutex_);
         changed_.wait_for(lock, k_patience, [&] { return condition(items_); });
+        return items_;
+    }
+    std::vector<Item> now() {
+        std::lock_guard const lock(mutex_);
         return items_;
     }
     std::vector<Item> await_count(std::size_t count) {
@@ -130,6 +136,26 @@ testing::AssertionResult succeeds(ximo::com::Future<Value> future) {
     } catch (std::exception const& error) {
         return testing::AssertionFailure() << error.what();
     }
+}
+
+/// The text of the exception that ends a call.
+template <class Value>
+std::string error_of(ximo::com::Future<Value> future) {
+    auto const outcome = succeeds(std::move(future));
+    return outcome ? "none" : outcome.message();
+}
+
+/// How the server refused a call; `kOk` for a call that did not fail.
+template <class Value>
+tarq::com::Remote_exception_code remote_code(ximo::com::Future<Value> future) {
+    try {
+        future.get();
+    } catch (tarq::com::Remote_exception const& error) {
+        return error.code();
+    } catch (std::exception const& error) {
+        ADD_FAILURE() << error.what();
+    }
+    return tarq::com::Remote_exception_code::kOk;
 }
 
 }  // namespace com_test

@@ -1,10 +1,12 @@
 // A process that offers services to the tests. Takes commands as JSON lines on standard input, answers them and tells
 // of calls on standard output. The arguments are the names of instances that are offered at once.
 #include "bench/json_lines/command_table.h"
+#include "client_fixture.h"
 #include "peer_services.h"
 #include "tarq/com/runtime/component_singleton.h"
 
 #include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -40,6 +42,28 @@ void add_commands(bench::Command_table& commands, com_test::Peer_services& servi
     });
 }
 
+int succeeded_calls(std::string const& instance, std::int64_t times) {
+    com_test::User_data_proxy proxy(com_test::found<com_test::User_data_proxy>(instance));
+    int succeeded = 0;
+    for (std::int64_t call = 0; call < times; ++call) {
+        succeeded += com_test::succeeds(proxy.SetUserData({2})) ? 1 : 0;
+    }
+    return succeeded;
+}
+
+void add_client_commands(bench::Command_table& commands, std::unique_ptr<com_test::Network_proxy>& subscriber) {
+    commands.add("subscribe", [&subscriber](bench::Arguments& arguments) {
+        auto const handle = com_test::found<com_test::Network_proxy>(arguments.text("instance"));
+        subscriber = std::make_unique<com_test::Network_proxy>(handle);
+        subscriber->NetworkState.Subscribe(1);
+        return json();
+    });
+    commands.add("call", [](bench::Arguments& arguments) {
+        auto const instance = arguments.text("instance");
+        return json{{"succeeded", succeeded_calls(instance, arguments.number("times", 1, 1'000'000))}};
+    });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -47,6 +71,8 @@ int main(int argc, char** argv) {
     com_test::Peer_services services([](json const& event) { com_test::print(event); });
     bench::Command_table commands;
     add_commands(commands, services);
+    std::unique_ptr<com_test::Network_proxy> subscriber;
+    add_client_commands(commands, subscriber);
     for (int word = 1; word < argc; ++word) {
         services.offer(argv[word]);
     }

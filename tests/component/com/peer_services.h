@@ -1,6 +1,7 @@
 #ifndef TESTS_COMPONENT_COM_PEER_SERVICES_H
 #define TESTS_COMPONENT_COM_PEER_SERVICES_H
 
+#include "peer_numbers.h"
 #include "tarq/udpnm/interface/network_state_interface_skeleton.h"
 #include "tarq/udpnm/interface/user_data_interface_skeleton.h"
 #include "ximo/ap/statemanager/state_management_com_alive_interface_skeleton.h"
@@ -23,11 +24,6 @@ using Tell = std::function<void(nlohmann::json const& event)>;
 
 /// One line on standard output. Any thread.
 void print(nlohmann::json const& message);
-
-/// The number in a request tells what its handler does besides telling of it.
-inline constexpr std::uint8_t k_throw = 100;
-inline constexpr std::uint8_t k_wait = 101;  ///< until `let_go`
-inline constexpr std::uint8_t k_break_promise = 102;
 
 class Com_alive : public ximo::ap::statemanager::skeleton::StateManagementComAliveInterfaceSkeleton {
  public:

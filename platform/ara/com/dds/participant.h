@@ -22,7 +22,8 @@ class Participant {
     dds_entity_t entity() const noexcept { return participant_.get(); }
     Guid const& identity() const noexcept { return identity_; }
 
-    /// The topic that has the name of its type, with a slash for two colons. Throws `tarq::com::Infrastructure_exception`.
+    /// The topic that has the name of its type, with a slash for two colons. Throws
+    /// `tarq::com::Infrastructure_exception`.
     dds_entity_t topic(Topic_type const& type);
 
  private:

@@ -1,0 +1,198 @@
+#include "client_fixture.h"
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <stdexcept>
+
+namespace com_test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Names = std::vector<std::string>;
+using Watch = Watching<Com_alive_proxy>;
+
+// The lease after which the engine gives up a participant that it does not hear is a second; it was seen to take 470 ms
+// at least. What is faster was seen in another way.
+constexpr milliseconds k_faster_than_lease{300};
+
+class Finding : public Client {};
+
+TEST_F(Finding, Nothing_is_reported_at_once_as_an_empty_list) {
+    Watch sut("*");
+    EXPECT_THAT(sut.reports.await_count(1), ElementsAre(IsEmpty()));
+}
+
+TEST_F(Finding, What_was_offered_before_is_found) {
+    auto peer = server({"early"});
+    Watch sut("*");
+    sut.expect({"early"});
+}
+
+TEST_F(Finding, What_is_offered_later_is_found) {
+    Watch sut("*");
+    sut.expect({});
+    auto peer = server({"late"});
+    sut.expect({"late"});
+}
+
+TEST_F(Finding, The_first_report_of_a_second_lookup_has_what_is_known) {
+    auto peer = server({"app"});
+    Watch first("*");
+    first.expect({"app"});
+    Watch sut("*");
+    EXPECT_THAT(sut.reports.await_count(1), ElementsAre(Names{"app"}));
+}
+
+TEST_F(Finding, Instances_of_several_processes_come_in_order_of_their_names) {
+    auto one = server({"b", "d"});
+    auto two = server({"c", "a"});
+    Watch sut("*");
+    sut.expect({"a", "b", "c", "d"});
+}
+
+TEST_F(Finding, One_instance_is_found_among_others) {
+    auto peer = server({"a", "b", "ab"});
+    Watch sut("b");
+    sut.expect({"b"});
+}
+
+TEST_F(Finding, Another_instance_is_no_reason_for_a_report) {
+    auto peer = server({"a"});
+    Watch all("*");
+    Watch sut("a");
+    sut.expect({"a"});
+    peer.command({{"do", "offer"}, {"instance", "b"}});
+    all.expect({"a", "b"});
+    EXPECT_EQ(sut.reports.await_count(1).back(), Names{"a"});
+    EXPECT_LE(sut.reports.await_count(1).size(), 2U);
+}
+
+TEST_F(Finding, What_is_offered_by_two_processes_is_reported_twice) {
+    auto one = server({"same"});
+    auto two = server({"same"});
+    Watch sut("*");
+    sut.expect({"same", "same"});
+}
+
+TEST_F(Finding, A_withdrawal_is_reported_at_once) {
+    auto peer = server({"app"});
+    Watch sut("*");
+    sut.expect({"app"});
+    auto const begin = steady_clock::now();
+    peer.command({{"do", "withdraw"}, {"instance", "app"}});
+    sut.expect({});
+    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
+}
+
+TEST_F(Finding, A_killed_process_is_reported_at_once) {
+    auto peer = server({"app"});
+    Watch sut("*");
+    sut.expect({"app"});
+    auto const begin = steady_clock::now();
+    peer.process().signal(SIGKILL);
+    sut.expect({});
+    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
+}
+
+TEST_F(Finding, A_process_that_stands_still_is_given_up_and_found_again) {
+    auto peer = server({"app"});
+    Watch sut("*");
+    sut.expect({"app"});
+    peer.process().signal(SIGSTOP);
+    sut.expect({});
+    peer.process().signal(SIGCONT);
+    sut.expect({"app"});
+}
+
+TEST_F(Finding, A_stopped_lookup_reports_no_more) {
+    Watch all("*");
+    std::atomic<int> reports{0};
+    Seen<int> first;
+    auto const sut = Com_alive_proxy::StartFindService(
+        [&](auto const&) {
+            ++reports;
+            first.add(1);
+        },
+        ara::com::InstanceSpecifier("*"));
+    first.await_count(1);
+    Com_alive_proxy::StopFindService(sut);
+    Com_alive_proxy::StopFindService(sut);
+    auto peer = server({"app"});
+    all.expect({"app"});
+    EXPECT_EQ(reports, 1);
+}
+
+TEST_F(Finding, A_lookup_may_be_stopped_by_its_own_handler) {
+    Watch all("*");
+    std::promise<ara::com::FindServiceHandle> promise;
+    auto const handle = promise.get_future().share();
+    Seen<Names> reports;
+    promise.set_value(Com_alive_proxy::StartFindService(
+        [&reports, handle](auto const& handles) {
+            Com_alive_proxy::StopFindService(handle.get());
+            reports.add(names(handles));
+        },
+        ara::com::InstanceSpecifier("*")));
+    reports.await_count(1);
+    auto peer = server({"app"});
+    all.expect({"app"});
+    EXPECT_THAT(reports.await_count(1), ElementsAre(IsEmpty()));
+}
+
+TEST_F(Finding, Nobody_need_keep_the_handle_of_a_lookup) {
+    Seen<Names> reports;
+    Com_alive_proxy::StartFindService([&reports](auto const& handles) { reports.add(names(handles)); },
+                                      ara::com::InstanceSpecifier("*"));
+    auto peer = server({"app"});
+    EXPECT_THAT(reports.await([](auto const& all) { return !all.empty() && !all.back().empty(); }).back(),
+                ElementsAre("app"));
+}
+
+TEST_F(Finding, A_handler_that_throws_gets_further_reports) {
+    Seen<Names> reports;
+    auto const sut = Com_alive_proxy::StartFindService(
+        [&reports](auto const& handles) {
+            reports.add(names(handles));
+            throw std::runtime_error("on purpose");
+        },
+        ara::com::InstanceSpecifier("*"));
+    auto peer = server({"app"});
+    EXPECT_THAT(reports.await([](auto const& all) { return !all.empty() && !all.back().empty(); }).back(),
+                ElementsAre("app"));
+    Com_alive_proxy::StopFindService(sut);
+}
+
+TEST_F(Finding, A_handler_may_make_proxies_and_calls) {
+    auto peer = server({"app"});
+    Seen<std::string> results;
+    auto const sut = Com_alive_proxy::StartFindService(
+        [&results](auto const& handles) {
+            for (auto const& handle : handles) {
+                Com_alive_proxy proxy(handle);
+                results.add(error_of(proxy.ReleaseComAlive({})));
+            }
+        },
+        ara::com::InstanceSpecifier("*"));
+    EXPECT_THAT(results.await_count(1), ElementsAre("none"));
+    Com_alive_proxy::StopFindService(sut);
+}
+
+// One for each process besides this one that finds a place; more of them would be refused by the engine.
+TEST_F(Finding, Fifty_processes_of_a_machine_are_found) {
+    std::vector<std::unique_ptr<bench::Player>> peers;
+    Names expected;
+    for (int number = 10; number < 60; ++number) {
+        expected.push_back("app" + std::to_string(number));
+        peers.push_back(std::make_unique<bench::Player>(Names{PEER_PROGRAM, expected.back()}));
+    }
+    Watch sut("*");
+    sut.expect(expected);
+}
+
+}  // namespace
+}  // namespace com_test

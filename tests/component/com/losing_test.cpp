@@ -1,0 +1,150 @@
+#include "client_fixture.h"
+#include "peer_numbers.h"
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+
+namespace com_test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr char const* k_not_available = "Service not available exception";
+
+// Faster than the engine gives up a participant that it does not hear, which takes 470 ms at least.
+constexpr milliseconds k_faster_than_lease{300};
+
+class Losing : public Client {
+ protected:
+    // A call that waits in the peer's handler.
+    ximo::com::Future<void> waiting_call() {
+        auto future = proxy_.RequestComAlive({1}, k_wait);
+        peer_->await_event("request", {{"bytes", {1}}});
+        return future;
+    }
+
+    void expect_working() {
+        auto const deadline = steady_clock::now() + k_patience;
+        auto outcome = succeeds(proxy_.ReleaseComAlive({}));
+        while (!outcome && steady_clock::now() < deadline) {
+            outcome = succeeds(proxy_.ReleaseComAlive({}));
+        }
+        EXPECT_TRUE(outcome);
+    }
+
+    std::unique_ptr<bench::Player> peer_ = started();
+    Com_alive_proxy proxy_{found<Com_alive_proxy>("app")};
+
+    static std::unique_ptr<bench::Player> started() {
+        return std::make_unique<bench::Player>(std::vector<std::string>{PEER_PROGRAM, "app"});
+    }
+};
+
+TEST_F(Losing, A_withdrawal_fails_pending_calls_at_once) {
+    auto future = waiting_call();
+    auto const begin = steady_clock::now();
+    // The answer would come when the handler has ended.
+    peer_->send_line(R"({"do":"withdraw","instance":"app"})");
+    EXPECT_EQ(error_of(std::move(future)), k_not_available);
+    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
+    peer_->process().signal(SIGKILL);
+}
+
+TEST_F(Losing, A_killed_server_fails_pending_calls_at_once) {
+    auto future = waiting_call();
+    auto const begin = steady_clock::now();
+    peer_->process().signal(SIGKILL);
+    EXPECT_EQ(error_of(std::move(future)), k_not_available);
+    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
+}
+
+TEST_F(Losing, All_pending_calls_fail) {
+    std::vector<ximo::com::Future<void>> futures;
+    futures.push_back(waiting_call());
+    for (int call = 0; call < 20; ++call) {
+        futures.push_back(proxy_.ReleaseComAlive({}));
+    }
+    peer_->process().signal(SIGKILL);
+    for (auto& future : futures) {
+        EXPECT_EQ(error_of(std::move(future)), k_not_available);
+    }
+}
+
+TEST_F(Losing, Calls_after_a_withdrawal_fail_at_once) {
+    Watching<Com_alive_proxy> lookup("*");
+    lookup.expect({"app"});
+    peer_->command({{"do", "withdraw"}, {"instance", "app"}});
+    lookup.expect({});
+    auto const begin = steady_clock::now();
+    EXPECT_EQ(error_of(proxy_.ReleaseComAlive({})), k_not_available);
+    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
+}
+
+TEST_F(Losing, A_new_offer_of_the_same_process_serves_the_proxy_again) {
+    peer_->command({{"do", "withdraw"}, {"instance", "app"}});
+    peer_->command({{"do", "offer"}, {"instance", "app"}});
+    expect_working();
+}
+
+TEST_F(Losing, A_server_that_is_killed_and_started_again_serves_the_proxy_again) {
+    EXPECT_TRUE(succeeds(proxy_.ReleaseComAlive({})));
+    peer_->process().signal(SIGKILL);
+    peer_ = started();
+    expect_working();
+}
+
+TEST_F(Losing, A_server_that_ends_and_is_started_again_serves_the_proxy_again) {
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_TRUE(succeeds(proxy_.ReleaseComAlive({})));
+        peer_->process().close_input();
+        ASSERT_EQ(peer_->process().wait(k_patience), 0);
+        peer_ = started();
+        expect_working();
+    }
+}
+
+TEST_F(Losing, A_server_that_stands_still_fails_pending_calls_within_two_seconds) {
+    auto const begin = steady_clock::now();
+    auto future = waiting_call();
+    peer_->process().signal(SIGSTOP);
+    EXPECT_NE(error_of(std::move(future)), "none");
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(2500));
+    peer_->process().signal(SIGCONT);
+}
+
+TEST_F(Losing, A_server_that_stood_still_serves_the_proxy_again) {
+    Watching<Com_alive_proxy> lookup("*");
+    lookup.expect({"app"});
+    peer_->process().signal(SIGSTOP);
+    lookup.expect({});
+    peer_->process().signal(SIGCONT);
+    lookup.expect({"app"});
+    expect_working();
+}
+
+TEST_F(Losing, A_handler_that_does_not_end_fails_its_call_after_two_seconds) {
+    auto const begin = steady_clock::now();
+    auto future = waiting_call();
+    EXPECT_THROW(future.get(), tarq::com::Timeout_exception);
+    auto const time = steady_clock::now() - begin;
+    EXPECT_GE(time, milliseconds(2000));
+    EXPECT_LT(time, milliseconds(2500));
+}
+
+TEST_F(Losing, A_client_that_is_killed_in_its_call_harms_nobody) {
+    auto other = std::make_unique<bench::Player>(std::vector<std::string>{PEER_PROGRAM});
+    other->send_line(R"({"do":"call","instance":"app","times":1000000})");
+    EXPECT_TRUE(succeeds(proxy_.ReleaseComAlive({})));
+    other->process().signal(SIGKILL);
+    auto const begin = steady_clock::now();
+    for (int call = 0; call < 1000; ++call) {
+        ASSERT_TRUE(succeeds(proxy_.ReleaseComAlive({})));
+        peer_->log().messages();
+    }
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(1000));
+}
+
+}  // namespace
+}  // namespace com_test
