@@ -30,7 +30,7 @@ bool Call_path::reaches(Guid const& server) const {
            has_one_of(writers_matched_by(replies_.entity()), server);
 }
 
-void Call_path::send(void* request, std::int64_t number) {
+void Call_path::send(void* request, std::int64_t number) const {
     auto& header = *static_cast<dds_rpc_RequestHeader*>(request);
     static_assert(sizeof header.requestId.writer_guid == sizeof identity_);
     std::memcpy(&header.requestId.writer_guid, identity_.data(), identity_.size());

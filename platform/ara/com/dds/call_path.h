@@ -23,14 +23,14 @@ class Call_path {
     bool reaches(Guid const& server) const;
 
     /// Fills the request's header and sends it. Throws `tarq::com::Infrastructure_exception`.
-    void send(void* request, std::int64_t number);
+    void send(void* request, std::int64_t number) const;
 
     /// The number of the request that a reply answers; 0 for a reply to somebody else.
     std::int64_t number_of(dds_rpc_ReplyHeader const& header) const;
 
  private:
     std::string const instance_;
-    Writer requests_;
+    Writer const requests_;
     Guid const identity_;  // of the request writer
     Reader const replies_;
 };

@@ -152,18 +152,24 @@ std::unique_ptr<Pending_reply> Caller::take(std::int64_t number) {
     return pending;
 }
 
+std::vector<Guid> Caller::servers_among(Known_offer_list const& offers) const {
+    std::vector<Guid> servers;
+    for (auto const& offer : offers) {
+        if (offer.interface_name == type_.name && offer.instance == instance_.ToString()) {
+            servers.push_back(offer.participant);
+        }
+    }
+    return servers;
+}
+
 void Caller::offers_changed(Known_offer_list const& offers) {
+    auto const servers = servers_among(offers);
     Calls lost;
     {
         base::Lock_guard lock(mutex_);
-        auto const is_ours = [this](auto const& offer) {
-            return offer.interface_name == type_.name && offer.instance == instance_.ToString();
-        };
-        auto const is_server = [&](auto const& offer) { return is_ours(offer) && server_ == offer.participant; };
         informed_ = true;
-        if (std::none_of(offers.begin(), offers.end(), is_server)) {
-            auto const next = std::find_if(offers.begin(), offers.end(), is_ours);
-            server_ = next == offers.end() ? std::nullopt : std::make_optional(next->participant);
+        if (!server_ || std::find(servers.begin(), servers.end(), *server_) == servers.end()) {
+            server_ = servers.empty() ? std::nullopt : std::make_optional(servers.front());
             reached_ = false;
             ++version_;
             std::swap(lost, calls_);

@@ -14,7 +14,7 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <string>
+#include <vector>
 
 namespace ara::com::dds {
 
@@ -58,6 +58,7 @@ class Caller : public Connection,
         std::int64_t number;
     };
 
+    std::vector<Guid> servers_among(Known_offer_list const& offers) const;
     void await_server(Clock::time_point deadline);
     std::optional<Candidate> next_candidate(unsigned seen, Clock::time_point deadline);
     void set_reached(Guid const& server);

@@ -56,7 +56,7 @@ Writer::Writer(Participant& participant, Channel const& channel, Quality const& 
                                 writer_listener(matched_).get()),
               "There can be no writer") {}
 
-void Writer::write(void const* sample) {
+void Writer::write(void const* sample) const {
     if (auto const code = dds_write(entity(), sample); code < 0) {
         throw_engine_error("Nothing could be sent", code);
     }

@@ -31,7 +31,7 @@ class Writer {
     dds_entity_t entity() const noexcept { return writer_.get(); }
 
     /// Blocks for as long as its quality allows. Throws `tarq::com::Infrastructure_exception`.
-    void write(void const* sample);
+    void write(void const* sample) const;
 
  private:
     Matched_handler const matched_;

@@ -99,6 +99,11 @@ void Process_watch::run() {
 void Process_watch::forget(pid_t process) {
     base::Lock_guard lock(mutex_);
     auto const watched = watched_.find(process);
+    if (watched == watched_.end()) {
+        return;
+    }
+    // Closing alone does not end the interest while a process that was just forked has a copy.
+    ::epoll_ctl(events_, EPOLL_CTL_DEL, watched->second, nullptr);
     ::close(watched->second);
     watched_.erase(watched);
 }

@@ -41,7 +41,7 @@ class Reply_writers::Way {
         }
     }
 
-    Writer writer_;
+    Writer const writer_;
     bool began_ = false;
 };
 
