@@ -43,40 +43,30 @@ std::shared_ptr<Writer> Announcer::writer() {
     return writer_;
 }
 
+void Announcer::claim(std::string const& interface_name, std::string const& instance) {
+    base::Lock_guard lock(mutex_);
+    if (!claimed_.emplace(interface_name, instance).second) {
+        throw tarq::com::Infrastructure_exception("This process offers the instance already: " + instance);
+    }
+}
+
 void Announcer::announce(std::string const& interface_name, std::string const& instance) {
-    auto const writer = this->writer();
-    {
-        base::Lock_guard lock(mutex_);
-        if (!offered_.emplace(interface_name, instance).second) {
-            throw tarq::com::Infrastructure_exception("This process offers the instance already: " + instance);
-        }
-    }
-    try {
-        auto const offer = make_offer(participant_.identity(), interface_name, instance);
-        writer->write(&offer);
-    } catch (tarq::com::Infrastructure_exception const&) {
-        withdraw(interface_name, instance);
-        throw;
-    }
+    auto const offer = make_offer(participant_.identity(), interface_name, instance);
+    writer()->write(&offer);
 }
 
 void Announcer::withdraw(std::string const& interface_name, std::string const& instance) noexcept {
     std::shared_ptr<Writer> writer;
     {
         base::Lock_guard lock(mutex_);
-        if (offered_.erase({interface_name, instance}) == 0) {
-            return;
-        }
+        claimed_.erase({interface_name, instance});
         writer = writer_;
     }
-    auto const offer = make_offer(participant_.identity(), interface_name, instance);
-    dds_dispose(writer->entity(), &offer);
-    dds_unregister_instance(writer->entity(), &offer);
-}
-
-void Announcer::close() noexcept {
-    base::Lock_guard lock(mutex_);
-    writer_.reset();
+    if (writer) {
+        auto const offer = make_offer(participant_.identity(), interface_name, instance);
+        dds_dispose(writer->entity(), &offer);
+        dds_unregister_instance(writer->entity(), &offer);
+    }
 }
 
 }  // namespace ara::com::dds

@@ -16,12 +16,14 @@ class Announcer {
  public:
     explicit Announcer(Participant& participant) : participant_(participant) {}
 
-    /// Throws `tarq::com::Infrastructure_exception`, also when this process offers the instance already.
-    void announce(std::string const& interface_name, std::string const& instance);
-    void withdraw(std::string const& interface_name, std::string const& instance) noexcept;
+    /// First an instance is claimed. Throws `tarq::com::Infrastructure_exception` when this process has it already.
+    void claim(std::string const& interface_name, std::string const& instance);
 
-    /// Takes back what is left and ends.
-    void close() noexcept;
+    /// Tells of a claimed instance. Throws `tarq::com::Infrastructure_exception`.
+    void announce(std::string const& interface_name, std::string const& instance);
+
+    /// Ends offer and claim.
+    void withdraw(std::string const& interface_name, std::string const& instance) noexcept;
 
  private:
     using Name = std::pair<std::string, std::string>;
@@ -31,7 +33,7 @@ class Announcer {
     Participant& participant_;
     base::Mutex mutex_;
     std::shared_ptr<Writer> writer_ GUARDED_BY(mutex_);  // once there was an offer
-    std::set<Name> offered_ GUARDED_BY(mutex_);
+    std::set<Name> claimed_ GUARDED_BY(mutex_);
 };
 
 }  // namespace ara::com::dds

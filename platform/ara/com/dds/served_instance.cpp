@@ -37,6 +37,8 @@ Served_instance::Served_instance(std::shared_ptr<Engine> engine, Service_type co
 // A client may be matched before the reader is known here, so the clients are looked at once more.
 void Served_instance::open() {
     engine_->adopt(weak_from_this());
+    engine_->announcer().claim(type_.name, instance_.ToString());
+    claimed_ = true;
     auto reader = std::make_shared<Reader>(
         engine_->participant(), Channel{type_.request, instance_.ToString()}, call_quality(k_longest_write),
         [this](Sample sample, dds_sample_info_t const& info) { received(std::move(sample), info); },
@@ -55,7 +57,7 @@ void Served_instance::close() {
         base::Lock_guard lock(mutex_);
         reader = std::move(requests_);
     }
-    if (reader) {
+    if (claimed_.exchange(false)) {
         engine_->announcer().withdraw(type_.name, instance_.ToString());
     }
     strand_->close();

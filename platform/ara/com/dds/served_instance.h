@@ -43,6 +43,7 @@ class Served_instance : public Part, public std::enable_shared_from_this<Served_
     Request_handler const handler_;
     std::shared_ptr<Strand> const strand_;
     Reply_writers replies_;
+    std::atomic<bool> claimed_{false};
     std::atomic<int> waiting_{0};
     base::Mutex mutex_;
     std::shared_ptr<Reader> requests_ GUARDED_BY(mutex_);

@@ -1,0 +1,168 @@
+#include "client_fixture.h"
+#include "peer_numbers.h"
+#include "peer_services.h"
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <iterator>
+#include <optional>
+#include <thread>
+
+namespace com_test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::ElementsAre;
+
+std::ptrdiff_t threads() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+/// The runtime's end in a process that is client and server of itself.
+class Shutdown : public testing::Test {
+ protected:
+    void start() { runtime_.emplace(false, ""); }
+    void end() { runtime_.reset(); }
+
+    std::optional<tarq::com::runtime::Component_singleton> runtime_{std::in_place, false, ""};
+    Seen<nlohmann::json> told_;
+    std::promise<void> open_;
+    std::shared_future<void> gate_{open_.get_future()};
+    Tell tell_ = [this](auto const& event) { told_.add(event); };
+};
+
+TEST_F(Shutdown, A_runtime_that_is_not_used_starts_no_thread) {
+    EXPECT_EQ(threads(), 1);
+}
+
+TEST_F(Shutdown, All_threads_end_with_the_runtime) {
+    Com_alive service("app", tell_, gate_);
+    service.OfferService();
+    Com_alive_proxy proxy(found<Com_alive_proxy>("app"));
+    EXPECT_TRUE(succeeds(proxy.ReleaseComAlive({})));
+    EXPECT_GT(threads(), 1);
+    end();
+    EXPECT_EQ(threads(), 1);
+}
+
+TEST_F(Shutdown, What_outlives_the_runtime_has_no_effect_and_no_fault) {
+    Network service("app", tell_);
+    service.OfferService();
+    auto const lookup = Network_proxy::StartFindService([](auto const&) {}, ara::com::InstanceSpecifier("*"));
+    Network_proxy proxy(found<Network_proxy>("app"));
+    proxy.NetworkState.Subscribe(1);
+    EXPECT_TRUE(succeeds(proxy.RequestNetwork({1})));
+    end();
+    EXPECT_THROW(proxy.RequestNetwork({1}).get(), tarq::com::Infrastructure_exception);
+    EXPECT_THROW(service.NetworkState.Update({1}), tarq::com::Infrastructure_exception);
+    Network_proxy::StopFindService(lookup);
+    proxy.NetworkState.Unsubscribe();
+    service.StopOfferService();
+}
+
+TEST_F(Shutdown, A_pending_call_fails) {
+    Com_alive service("app", tell_, gate_);
+    service.OfferService();
+    Com_alive_proxy proxy(found<Com_alive_proxy>("app"));
+    auto future = proxy.RequestComAlive({}, k_wait);
+    told_.await_count(1);
+    // The runtime waits for the handler.
+    std::thread ending([this] { end(); });
+    EXPECT_THROW(future.get(), tarq::com::Infrastructure_exception);
+    open_.set_value();
+    ending.join();
+}
+
+TEST_F(Shutdown, A_runtime_can_be_started_again) {
+    for (int round = 0; round < 3; ++round) {
+        Com_alive service("app", tell_, gate_);
+        service.OfferService();
+        Com_alive_proxy proxy(found<Com_alive_proxy>("app"));
+        EXPECT_TRUE(succeeds(proxy.ReleaseComAlive({})));
+        end();
+        start();
+    }
+}
+
+TEST_F(Shutdown, Nothing_can_be_used_without_a_runtime) {
+    end();
+    Network service("app", tell_);
+    EXPECT_THROW(service.OfferService(), tarq::com::Infrastructure_exception);
+    EXPECT_THROW(Network_proxy::StartFindService([](auto const&) {}, ara::com::InstanceSpecifier("*")),
+                 tarq::com::Infrastructure_exception);
+}
+
+TEST_F(Shutdown, Calls_may_go_on_until_the_end) {
+    User_data service("app");
+    service.OfferService();
+    User_data_proxy proxy(found<User_data_proxy>("app"));
+    std::atomic<bool> called{false};
+    std::thread caller([&] {
+        try {
+            for (;;) {
+                proxy.SetUserData({1}).get();
+                called = true;
+            }
+        } catch (tarq::com::Infrastructure_exception const&) {
+        }
+    });
+    while (!called) {
+        std::this_thread::yield();
+    }
+    end();
+    caller.join();
+}
+
+TEST_F(Shutdown, The_end_of_an_offer_waits_for_the_handler_that_runs) {
+    Com_alive service("app", tell_, gate_);
+    service.OfferService();
+    Com_alive_proxy proxy(found<Com_alive_proxy>("app"));
+    auto future = proxy.RequestComAlive({}, k_wait);
+    told_.await_count(1);
+    std::atomic<bool> stopped{false};
+    std::thread stopping([&] {
+        service.StopOfferService();
+        stopped = true;
+    });
+    EXPECT_EQ(error_of(std::move(future)), "Service not available exception");
+    EXPECT_FALSE(stopped);
+    open_.set_value();
+    stopping.join();
+}
+
+/// Withdraws itself when it is called.
+class Ends_itself : public User_data {
+ public:
+    using User_data::User_data;
+    ximo::com::Future<void> SetUserData(Bytes const& data) override {
+        StopOfferService();
+        return User_data::SetUserData(data);
+    }
+};
+
+TEST_F(Shutdown, A_handler_may_end_its_own_offer) {
+    Ends_itself service("app");
+    service.OfferService();
+    User_data_proxy proxy(found<User_data_proxy>("app"));
+    EXPECT_EQ(error_of(proxy.SetUserData({1})), "Service not available exception");
+    service.OfferService();
+    EXPECT_TRUE(succeeds(User_data_proxy(found<User_data_proxy>("app")).GetUserData()));
+}
+
+TEST_F(Shutdown, An_instance_can_be_offered_once_in_a_process) {
+    User_data first("app");
+    User_data second("app");
+    first.OfferService();
+    first.OfferService();
+    EXPECT_THROW(second.OfferService(), tarq::com::Infrastructure_exception);
+    EXPECT_TRUE(succeeds(User_data_proxy(found<User_data_proxy>("app")).GetUserData()));
+    first.StopOfferService();
+    first.StopOfferService();
+    second.OfferService();
+    EXPECT_TRUE(succeeds(User_data_proxy(found<User_data_proxy>("app")).GetUserData()));
+}
+
+}  // namespace
+}  // namespace com_test
