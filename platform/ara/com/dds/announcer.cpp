@@ -55,11 +55,11 @@ void Announcer::announce(std::string const& interface_name, std::string const& i
     writer()->write(&offer);
 }
 
+// The claim goes last, so that a new offer of the instance is not withdrawn.
 void Announcer::withdraw(std::string const& interface_name, std::string const& instance) noexcept {
     std::shared_ptr<Writer> writer;
     {
         base::Lock_guard lock(mutex_);
-        claimed_.erase({interface_name, instance});
         writer = writer_;
     }
     if (writer) {
@@ -67,6 +67,8 @@ void Announcer::withdraw(std::string const& interface_name, std::string const& i
         dds_dispose(writer->entity(), &offer);
         dds_unregister_instance(writer->entity(), &offer);
     }
+    base::Lock_guard lock(mutex_);
+    claimed_.erase({interface_name, instance});
 }
 
 }  // namespace ara::com::dds

@@ -1,0 +1,165 @@
+// A client of the COM-alive service that knows docs/wire.md, the IDL files and the DDS engine, and nothing of the
+// binding. Arguments: the instance, the AC number, what is to be wrong with the request if anything, and CAB bits.
+// Prints the remote exception code of the reply and the number of the method that it answers.
+#include "service_offer.h"
+#include "state_management_com_alive_interface.h"
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <dds/dds.h>
+
+namespace {
+
+using Request = ximo_ap_statemanager_StateManagementComAliveInterface_Request;
+using Reply = ximo_ap_statemanager_StateManagementComAliveInterface_Reply;
+
+constexpr char const* k_interface = "ximo::ap::statemanager::StateManagementComAliveInterface";
+
+dds_entity_t checked(dds_return_t result) {
+    if (result < 0) {
+        std::fprintf(stderr, "stranger: %s\n", dds_strretcode(result));
+        std::exit(EXIT_FAILURE);
+    }
+    return result;
+}
+
+template <class Condition>
+void await(Condition const& condition) {
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            std::printf("nothing came\n");
+            std::exit(EXIT_FAILURE);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+dds_qos_t* reliable(bool for_late_joiners) {
+    auto* quality = dds_create_qos();
+    dds_qset_reliability(quality, DDS_RELIABILITY_RELIABLE, DDS_MSECS(100));
+    if (for_late_joiners) {
+        dds_qset_durability(quality, DDS_DURABILITY_TRANSIENT_LOCAL);
+    } else {
+        dds_qset_history(quality, DDS_HISTORY_KEEP_ALL, 0);
+    }
+    return quality;
+}
+
+dds_qos_t* partition(std::string const& name) {
+    auto* quality = dds_create_qos();
+    dds_qset_partition1(quality, name.c_str());
+    return quality;
+}
+
+template <class Sample>
+bool take(dds_entity_t reader, Sample& sample, dds_sample_info_t& info) {
+    void* slot = &sample;
+    return checked(dds_take(reader, &slot, &info, 1, 1)) == 1;
+}
+
+bool is_offered(dds_entity_t offers, std::string const& instance) {
+    ara_com_ServiceOffer offer{};
+    dds_sample_info_t info;
+    while (take(offers, offer, info)) {
+        if (info.valid_data && info.instance_state == DDS_IST_ALIVE && offer.version == 1 &&
+            std::strcmp(offer.interface_name, k_interface) == 0 && instance == offer.instance_name) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool is_connected(dds_entity_t writer, dds_entity_t reader) {
+    dds_publication_matched_status_t requests;
+    dds_subscription_matched_status_t replies;
+    checked(dds_get_publication_matched_status(writer, &requests));
+    checked(dds_get_subscription_matched_status(reader, &replies));
+    return requests.current_count > 0 && replies.current_count > 0;
+}
+
+std::string hexadecimal(dds_guid_t const& guid) {
+    std::string text;
+    for (auto const byte : guid.v) {
+        std::array<char, 3> digits{};
+        std::snprintf(digits.data(), digits.size(), "%02x", byte);
+        text += digits.data();
+    }
+    return text;
+}
+
+Request make_request(dds_guid_t const& writer, std::string const& instance, std::uint8_t number,
+                     std::vector<std::uint8_t>& bits, std::string const& fault) {
+    Request request{};
+    std::memcpy(&request.header.requestId.writer_guid, writer.v, sizeof writer.v);
+    request.header.requestId.sequence_number = {0, 1};
+    std::strncpy(request.header.instanceName, instance.c_str(), sizeof request.header.instanceName - 1);
+    request.data._d = 1;
+    request.data._u.requestComAlive.cab_bits = {static_cast<std::uint32_t>(bits.size()),
+                                                static_cast<std::uint32_t>(bits.size()), bits.data(), false};
+    request.data._u.requestComAlive.ac_number = number;
+    if (fault == "method") {
+        request.data = {};
+        request.data._d = 77;
+    } else if (fault == "instance") {
+        std::strcpy(request.header.instanceName, "other");
+    } else if (fault == "identity") {
+        std::memset(&request.header.requestId, 255, sizeof request.header.requestId);
+    }
+    return request;
+}
+
+void call(dds_entity_t participant, std::string const& instance, std::uint8_t number, std::string const& fault,
+          std::vector<std::uint8_t> bits) {
+    auto const requests =
+        checked(dds_create_topic(participant, &ximo_ap_statemanager_StateManagementComAliveInterface_Request_desc,
+                                 "ximo/ap/statemanager/StateManagementComAliveInterface_Request", nullptr, nullptr));
+    auto const replies =
+        checked(dds_create_topic(participant, &ximo_ap_statemanager_StateManagementComAliveInterface_Reply_desc,
+                                 "ximo/ap/statemanager/StateManagementComAliveInterface_Reply", nullptr, nullptr));
+    auto const publisher = checked(dds_create_publisher(participant, partition(instance), nullptr));
+    auto const writer = checked(dds_create_writer(publisher, requests, reliable(false), nullptr));
+    dds_guid_t guid;
+    checked(dds_get_guid(writer, &guid));
+    auto const subscriber = checked(dds_create_subscriber(participant, partition(hexadecimal(guid)), nullptr));
+    auto const reader = checked(dds_create_reader(subscriber, replies, reliable(false), nullptr));
+    await([&] { return is_connected(writer, reader); });
+
+    auto const request = make_request(guid, instance, number, bits, fault);
+    checked(dds_write(writer, &request));
+    Reply reply{};
+    dds_sample_info_t info;
+    await([&] { return take(reader, reply, info) && info.valid_data; });
+    auto const& related = reply.header.relatedRequestId;
+    bool const is_ours = std::memcmp(&related, &request.header.requestId, sizeof related) == 0;
+    std::printf("%s: exception %d, method %d\n", is_ours ? "reply" : "reply to another request",
+                static_cast<int>(reply.header.remoteEx), reply.data._d);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 4) {
+        return 2;
+    }
+    std::string const instance = argv[1];
+    std::vector<std::uint8_t> bits;
+    for (int word = 4; word < argc; ++word) {
+        bits.push_back(static_cast<std::uint8_t>(std::atoi(argv[word])));
+    }
+    auto const participant = checked(dds_create_participant(DDS_DOMAIN_DEFAULT, nullptr, nullptr));
+    auto const topic =
+        checked(dds_create_topic(participant, &ara_com_ServiceOffer_desc, "ara/com/ServiceOffer", nullptr, nullptr));
+    auto const offers = checked(dds_create_reader(participant, topic, reliable(true), nullptr));
+    await([&] { return is_offered(offers, instance); });
+    call(participant, instance, static_cast<std::uint8_t>(std::atoi(argv[2])), argv[3], bits);
+    dds_delete(participant);
+    return EXIT_SUCCESS;
+}
