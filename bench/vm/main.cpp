@@ -1,9 +1,11 @@
 // The target machine under an emulator: `virtual_machine IMAGE` in a terminal is the console of the virtual vehicle on
-// this machine; `--tour`, and without a terminal, it goes through the states by itself and checks each step.
+// this machine; `--tour`, and without a terminal, it goes through the states by itself and checks each step;
+// `--figures` measures.
 
 #include "bench/console/console.h"
 #include "bench/tour/picture.h"
 #include "bench/tour/tour.h"
+#include "bench/vm/figures.h"
 #include "bench/vm/steps.h"
 #include "bench/vm/virtual_machine.h"
 
@@ -26,6 +28,7 @@ struct Arguments {
     std::string image;
     std::string picture;
     bool touring{false};
+    bool measuring{false};
     bool are_wrong{false};
 };
 
@@ -35,6 +38,8 @@ Arguments parse(std::vector<std::string> const& words) {
     for (auto word = words.begin(); word != words.end(); ++word) {
         if (*word == "--tour") {
             arguments.touring = true;
+        } else if (*word == "--figures") {
+            arguments.measuring = true;
         } else if (*word == "--picture" && word + 1 != words.end()) {
             arguments.picture = *++word;
         } else if (word->front() != '-' && arguments.image.empty()) {
@@ -62,11 +67,14 @@ int tour(Virtual_machine& machine, std::string const& picture) {
 int main(int argc, char** argv) {
     auto const arguments = parse({argv + 1, argv + argc});
     if (arguments.are_wrong) {
-        std::fputs("usage: virtual_machine [--tour] [--picture FILE] IMAGE\n", stderr);
+        std::fputs("usage: virtual_machine [--tour] [--picture FILE] [--figures] IMAGE\n", stderr);
         return k_usage_error;
     }
     try {
         Virtual_machine machine({arguments.image});
+        if (arguments.measuring) {
+            return bench::vm::print_figures(machine) ? EXIT_SUCCESS : EXIT_FAILURE;
+        }
         return arguments.touring ? tour(machine, arguments.picture) : bench::console::run(machine, "/dev/null");
     } catch (std::exception const& error) {
         std::fprintf(stderr, "virtual_machine: %s\n", error.what());
