@@ -1,5 +1,6 @@
-// log_program [TASK [MODES DIRECTORY]]: logs what the task tells, and ends. MODES is a number, 1 (the log daemon) by
-// default.
+// log_program [TASK [MODES DIRECTORY]]: logs what the task tells, and ends. Task "wait" ends with its standard input,
+// on which each byte tells what to log: e an error, m another thousand numbers, anything else two levels. MODES is a
+// number, 1 (the log daemon) by default.
 
 #include "ara/log/logging.h"
 
@@ -21,24 +22,37 @@ void log_every_type() {
     ara::log::CreateLogger("OTHR", "Another context").LogWarn() << "from another context";
 }
 
-void log_many(int count) {
-    for (int number = 0; number < count; ++number) {
-        ara::log::LogInfo() << "number" << number;
-        if (number % 100 == 99) {
-            ::usleep(1000);
-        }
+// As many as the log's queue holds, so that none is lost also while the writer gets no processor; and longer than what
+// the log daemon's pipe holds, so that libdlt has to keep some when the daemon does not read.
+constexpr int k_many = 1000;
+
+void log_many(int first) {
+    std::string const padding(100, 'x');
+    for (int number = first; number < first + k_many; ++number) {
+        ara::log::LogInfo() << "number" << number << padding;
     }
 }
 
-void wait_for_end_of_input() {
+void log_told() {
+    ara::log::LogInfo() << "told";
+    ara::log::LogDebug() << "told in detail";
+}
+
+void do_as_told() {
+    int next = 0;
     char byte = 0;
     while (::read(STDIN_FILENO, &byte, 1) > 0) {
-        if (byte == 'e') {
-            ara::log::LogError() << "told of an error";
-            continue;
+        switch (byte) {
+            case 'e':
+                ara::log::LogError() << "told of an error";
+                break;
+            case 'm':
+                log_many(next);
+                next += k_many;
+                break;
+            default:
+                log_told();
         }
-        ara::log::LogInfo() << "told";
-        ara::log::LogDebug() << "told in detail";
     }
 }
 
@@ -59,9 +73,9 @@ int main(int argc, char** argv) {
     } else if (task == "long") {
         ara::log::LogInfo() << std::string(5000, 'x');
     } else if (task == "many") {
-        log_many(2000);
+        log_many(0);
     } else if (task == "many, told at the end") {
-        log_many(2000);
+        log_many(0);
         std::puts("logged");
         std::fflush(stdout);
     } else if (task == "initialise again") {
@@ -69,7 +83,7 @@ int main(int argc, char** argv) {
         ara::log::LogVerbose() << "still verbose";
     } else if (task == "wait") {
         ara::log::LogInfo() << "waiting";
-        wait_for_end_of_input();
+        do_as_told();
     }
     return EXIT_SUCCESS;
 }
