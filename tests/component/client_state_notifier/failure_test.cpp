@@ -255,6 +255,45 @@ TEST_F(Server_that_fails, Says_so_and_completes_requests_as_timed_out) {
     EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
 }
 
+/// No set of descriptors is small enough for a poll as long as it lives.
+class Polls_that_fail {
+ public:
+    Polls_that_fail() {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        rlimit const none{0, before_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~Polls_that_fail() { setrlimit(RLIMIT_NOFILE, &before_); }
+    Polls_that_fail(Polls_that_fail const&) = delete;
+    Polls_that_fail& operator=(Polls_that_fail const&) = delete;
+
+ private:
+    rlimit before_{};
+};
+
+TEST_F(Server_that_fails, Completes_the_request_in_progress_as_timed_out_and_closes_all_connections) {
+    auto radio = connect("radio");
+    auto seat = connect("seat");
+    auto outcome = request("kPrepSD", 1h);
+    radio.obey();
+    ASSERT_TRUE(eventually([&] { return sut->get_connected_clients().front().second == "kPrepSD"; }));
+    seat.receive();
+    {
+        Polls_that_fail const polls;
+        seat.answer(99, "");  // wakes it for another poll
+        auto const [status, results] = outcome_of(outcome);
+        EXPECT_EQ(status, Callback_status::timed_out);
+        EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::succeeded),
+                                         Pair("seat", Component_client_return_type::timed_out)));
+    }
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
+                                     std::system_error(EINVAL, std::generic_category(), "Socket::poll()").what())));
+    EXPECT_TRUE(seat.is_closed_by_server());
+    EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
+    EXPECT_EQ(outcome_of(request("kOn", 1h)).status, Callback_status::timed_out);
+    EXPECT_NE(::access(path.c_str(), F_OK), 0) << "the socket file has gone";
+}
+
 TEST_F(Server_that_fails, Says_that_it_could_not_bind) {
     sut.reset();
     std::filesystem::create_symlink("nowhere", files.file("link"));

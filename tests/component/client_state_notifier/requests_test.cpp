@@ -1,5 +1,6 @@
 #include "server_fixture.h"
 
+#include <csignal>
 #include <fstream>
 #include <utility>
 
@@ -11,6 +12,7 @@ namespace {
 
 using ara::log::LogLevel;
 using test_support::logged_in;
+using test_support::Test_client;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -56,33 +58,50 @@ TEST_F(Request, Calls_everything_back_on_the_thread_of_the_server) {
     EXPECT_NE(asked, std::this_thread::get_id());
 }
 
-/// How often a thread of this process has given its processor away by itself, so that it waits for something.
-long waits_of(pid_t thread) {
+/// What the kernel says of a thread of this process; "" for what it does not know.
+std::string status_of(pid_t thread, std::string const& what) {
     std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/status");
-    for (std::string word; status >> word;) {
-        if (word == "voluntary_ctxt_switches:") {
-            long count = 0;
-            status >> count;
-            return count;
+    for (std::string word, value; status >> word;) {
+        if (word == what + ":") {
+            status >> value;
+            return value;
         }
     }
-    return -1;
+    return "";
 }
 
-TEST_F(Request, Leaves_a_server_behind_that_waits_without_a_time_limit) {
-    pid_t thread = 0;
-    auto const client = connect("radio");
-    outcome_of(request("kPrepSD", 1h, [&](auto const& /*name*/) {
-        thread = static_cast<pid_t>(::syscall(SYS_gettid));
-        return false;
-    }));
-    long last = -1;
+class Thread_of_the_server : public Server_test {
+ protected:
+    /// Asked of itself, in a predicate.
+    pid_t thread() {
+        pid_t thread = 0;
+        outcome_of(request("kPrepSD", 1h, [&](auto const& /*name*/) {
+            thread = static_cast<pid_t>(::syscall(SYS_gettid));
+            return false;
+        }));
+        return thread;
+    }
+
+    Test_client const client = connect("radio");
+};
+
+// The count is how often it has given its processor away by itself.
+TEST_F(Thread_of_the_server, Waits_without_a_time_limit_while_there_is_nothing_to_do) {
+    auto const sut_thread = thread();
+    std::string last;
     ASSERT_TRUE(eventually([&] {  // it has gone back to its wait
         std::this_thread::sleep_for(50ms);
-        return std::exchange(last, waits_of(thread)) == last;
+        return std::exchange(last, status_of(sut_thread, "voluntary_ctxt_switches")) == last && !last.empty();
     }));
     std::this_thread::sleep_for(300ms);
-    EXPECT_EQ(waits_of(thread), last);
+    EXPECT_EQ(status_of(sut_thread, "voluntary_ctxt_switches"), last);
+}
+
+TEST_F(Thread_of_the_server, Takes_no_signals) {
+    auto const blocked = std::stoull(status_of(thread(), "SigBlk"), nullptr, 16);
+    for (int const signal : {SIGTERM, SIGINT, SIGABRT, SIGHUP, SIGUSR1}) {
+        EXPECT_NE(blocked >> (signal - 1) & 1U, 0U) << signal;
+    }
 }
 
 TEST_F(Request, Succeeds_when_all_answer_with_success) {
