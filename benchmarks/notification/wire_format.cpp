@@ -24,7 +24,7 @@ Type_length_values longest() {
 }
 
 void count_bytes(benchmark::State& state, Bytes const& bytes) {
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
 }
 
 void Encode(benchmark::State& state, Type_length_values const& list) {

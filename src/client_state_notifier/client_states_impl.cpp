@@ -3,11 +3,11 @@
 #include "client_state_notifier/notification_server.h"
 #include "utilities/logger.h"
 
+#include <csignal>
 #include <exception>
 #include <utility>
 
 #include <pthread.h>
-#include <signal.h>
 
 namespace client_state_notifier {
 

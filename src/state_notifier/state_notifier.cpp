@@ -170,7 +170,7 @@ void State_notifier::dem_completed(std::uint64_t request_number, Callback_status
 
 /// False, and nothing else, for the completion of a request that a newer one has replaced.
 bool State_notifier::take_results(Group& group, std::uint64_t request_number, char const* text, Callback_status status,
-                                  Client_results const& results) {
+                                  Client_results const& results) const {
     if (request_number != request_number_) {
         return false;
     }

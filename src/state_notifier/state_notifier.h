@@ -63,7 +63,7 @@ class State_notifier : public State_notifier_interface {
     void apps_completed(std::uint64_t request_number, Callback_status status, Client_results const& results);
     void dem_completed(std::uint64_t request_number, Callback_status status, Client_results const& results);
     bool take_results(Group& group, std::uint64_t request_number, char const* text, Callback_status status,
-                      Client_results const& results) REQUIRES(mutex_);
+                      Client_results const& results) const REQUIRES(mutex_);
 
     void check_application_request_status() REQUIRES(mutex_);
     void check_dm_request_status() REQUIRES(mutex_);
