@@ -4,6 +4,7 @@
 #include "tarq/com/exception.h"
 
 #include <exception>
+#include <optional>
 
 namespace ximo::ap::statemanager {
 namespace {
@@ -56,15 +57,33 @@ TEST_F(Starting, Sends_the_initial_user_data_then_offers_the_services_when_netwo
     EXPECT_TRUE(sut->nm_interface_available());
 }
 
+/// Notes whether network management is available when the service is offered, and counts withdrawals.
+class Watching_cwu : public State_manager_cwu_interface {
+ public:
+    explicit Watching_cwu(std::string const& instance) : State_manager_cwu_interface(instance) {}
+    void offer() override { available_at_offer = handler->nm_interface_available(); }
+    void stop_offer() override { ++withdrawals; }
+
+    Service_handler_interface const* handler{nullptr};
+    std::optional<bool> available_at_offer;
+    int withdrawals{0};
+};
+
 TEST_F(Starting, Is_available_only_when_everything_is_offered) {
-    bool available_early = false;
-    build().init();
-    network->meanwhile = [&] { available_early = available_early || sut->nm_interface_available(); };
+    auto service = std::make_unique<Watching_cwu>("alarm");
+    auto& alarm = *service;
+    Service_handler::Cwu_services cwu;
+    cwu.push_back(std::move(service));
+    auto client = std::make_unique<test_support::Fake_network_management>(actions);
+    network = client.get();
+    Service_handler handler(configuration, std::move(client), {}, std::move(cwu));
+    alarm.handler = &handler;
+    handler.init();
 
     network->be_found();
 
-    EXPECT_FALSE(available_early);
-    EXPECT_TRUE(sut->nm_interface_available());
+    EXPECT_EQ(alarm.available_at_offer, false);
+    EXPECT_TRUE(handler.nm_interface_available());
 }
 
 TEST_F(Starting, Sends_the_CAB_area_only_when_its_bits_are_enabled) {
@@ -193,6 +212,21 @@ TEST_F(Starting_without_network_management, Offers_the_restart_service_alone) {
     EXPECT_THAT(binding.recorded("offer"), ElementsAre("offer " + k_dsa + " DSA_Interface"));
     EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "NM usage is disabled"),
                                             logged(LogLevel::kInfo, "Offering DSA service")));
+}
+
+TEST_F(Starting_without_network_management, Neither_offers_nor_withdraws_the_services_of_applications) {
+    auto service = std::make_unique<Watching_cwu>("alarm");
+    auto& alarm = *service;
+    Service_handler::Cwu_services cwu;
+    cwu.push_back(std::move(service));
+    Service_handler handler(configuration, nullptr, {}, std::move(cwu));
+    alarm.handler = &handler;
+
+    handler.init();
+    handler.deinit();
+
+    EXPECT_EQ(alarm.available_at_offer, std::nullopt);
+    EXPECT_EQ(alarm.withdrawals, 0);
 }
 
 TEST_F(Starting_without_network_management, Never_calls_network_management) {

@@ -1,0 +1,146 @@
+// What the network does to the machine, and what becomes of it when the network manager fails.
+
+#include "network_machine.h"
+
+namespace bench::vehicle {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsSupersetOf;
+using testing::Not;
+
+class Network : public Network_story {
+ protected:
+    /// Before the daemon starts: the node without its services.
+    void build_without_manager() {
+        build();
+        tell_node({{"do", "withdraw"}});
+    }
+};
+
+TEST_F(Network, Is_awaited_before_the_machine_runs) {
+    build_without_manager();
+    start();
+    ASSERT_TRUE(logs("Could not find NetworkState service"));
+    ASSERT_TRUE(logs("Could not find UserData service"));
+    ASSERT_TRUE(logs("Transition form startup to running not possible. Waiting for nm interface."));
+    EXPECT_THAT(texts(Kind::state_word), ElementsAre("startingup"));
+
+    tell_node({{"do", "offer"}});
+
+    EXPECT_TRUE(sees(Kind::state_word, "running"));
+    for (auto const* text : {"Found NetworkState service", "Stopping NetworkState service lookup",
+                             "Found UserData service", "Stopping UserData service lookup", "Initializing user data",
+                             "Offering ECU alive services", "Offering COM alive services", "Offering CWU services"}) {
+        EXPECT_TRUE(logs(text)) << text;
+    }
+    EXPECT_THAT(texts(Kind::user_data), ElementsAre("80 00 00"));
+    EXPECT_TRUE(sees(Kind::network_state, "01 00 00 00 00 00"));
+    EXPECT_TRUE(logs("We received the notification that network was updated:  01 00 00 00 00 00"));
+}
+
+TEST_F(Network, Lets_the_machine_go_when_it_has_been_at_rest_twice) {
+    start_and_run();
+    machine->press("n");
+    EXPECT_TRUE(ends_with(0));
+    EXPECT_THAT(texts(Kind::state_word), ElementsAre("startingup", "running", "runnmcontrolled", "shuttingdown"));
+    EXPECT_THAT(texts(Kind::log),
+                IsSupersetOf({"Ecu state based on NM activity: active", "Ecu state based on NM activity: ready sleep",
+                              "Ecu state based on NM activity: inactive (sleep mode)"}));
+}
+
+TEST_F(Network, Keeps_the_machine_as_long_as_an_application_needs_communication) {
+    start_and_run();
+    request("1", com_alive("02", 1));
+    machine->press("s");
+    ASSERT_TRUE(sees(Kind::state_word, "runnmcontrolled"));
+    ASSERT_TRUE(sees(Kind::network_state, "02 00 00 00 00 00"));
+
+    release("1", com_alive("02"));
+
+    EXPECT_TRUE(sees(Kind::state_word, "prepared4sd"));
+}
+
+TEST_F(Network, Keeps_the_machine_as_long_as_another_node_needs_it) {
+    start_and_run();
+    machine->tell("other node", {{"do", "request"}, {"bits", "00 00 00 00 10"}});
+    ASSERT_TRUE(sees(Kind::network_state, "01 00 00 00 10 00"));
+    machine->press("n");
+    ASSERT_TRUE(sees(Kind::network_state, "00 00 00 00 10 00"));
+    machine->tell("other node", {{"do", "release"}, {"bits", "00 00 00 00 10"}});
+    EXPECT_TRUE(ends_with(0));
+}
+
+TEST_F(Network, Hears_nothing_during_a_suspend_and_everything_after_it) {
+    start_and_run();
+    request("1", com_alive("02", 3));
+    request("1", k_ecu_alive);
+    machine->press("p");
+    ASSERT_TRUE(sees(Kind::state_word, "prepared4sd"));
+    EXPECT_TRUE(sees(Kind::user_data, "00 00 00"));
+    EXPECT_EQ(requests_of_node(), "00 00 01 00 00 00");  // the application holds on
+    request("1", com_alive("04", 3));
+    release("1", k_ecu_alive);
+    EXPECT_EQ(requests_of_node(), "00 00 01 00 00 00");
+
+    machine->press("r");
+    ASSERT_TRUE(logs("Start sending NM messages"));
+    ASSERT_TRUE(logs("AP_StateManger transition from Resuming  to  Running"));
+    EXPECT_TRUE(sees(Kind::user_data, "80 04 00 06 00 00"));
+    EXPECT_EQ(requests_of_node(), "07 00 01 00 00 00");
+}
+
+TEST_F(Network, Manager_may_go_and_come_back) {
+    start_and_run();
+    tell_node({{"do", "withdraw"}});
+    request("1", com_alive("02", 1));
+    ASSERT_TRUE(logs("infrastructure exception  Service not available exception"));
+
+    tell_node({{"do", "offer"}});
+    request("1", com_alive("04", 1));
+    EXPECT_TRUE(logs("State_manager::request_network( 04 00 00 00  )"));
+    EXPECT_EQ(requests_of_node(), "05 00 00 00 00 00");
+    machine->tell("other node", {{"do", "request"}, {"bits", "20"}});
+    EXPECT_TRUE(logs("We received the notification that network was updated:  25 00 00 00 00 00"));
+}
+
+TEST_F(Network, Manager_may_refuse) {
+    start_and_run();
+    tell_node({{"do", "reaction"}, {"method", "RequestNetwork"}, {"refuse", true}});
+    request("1", com_alive("02", 1));
+    EXPECT_TRUE(logs("infrastructure exception  The service failed to handle the call"));
+    EXPECT_TRUE(sees(Kind::user_data, "80 01 00"));
+    EXPECT_EQ(requests_of_node(), "01 00 00 00 00 00");
+}
+
+TEST_F(Network, Manager_may_never_answer) {
+    start_and_run();
+    tell_node({{"do", "reaction"}, {"method", "RequestNetwork"}, {"silent", true}});
+    request("1", com_alive("02", 0));
+    EXPECT_TRUE(logs("infrastructure exception  The service did not answer in time"));
+
+    tell_node({{"do", "withdraw"}});
+    tell_node({{"do", "offer"}});
+    release("1", com_alive("02"));
+    EXPECT_TRUE(sees(Kind::network_state, "01 00 00 00 00 00"));
+    EXPECT_EQ(requests_of_node(), "01 00 00 00 00 00");
+}
+
+TEST_F(Network, Manager_that_is_slow_does_not_hold_up_the_daemon) {
+    settings()["StateManagerMainPeriod"] = 10;
+    start_and_run();
+    tell_node({{"do", "reaction"}, {"method", "RequestNetwork"}, {"delay_ms", 500}});
+    auto const before = texts(Kind::watchdog).size();
+    auto const start = std::chrono::steady_clock::now();
+
+    request("1", com_alive("02", 0));
+
+    auto const taken = std::chrono::steady_clock::now() - start;
+    machine->watch(std::chrono::milliseconds(50));
+    EXPECT_GE(taken, std::chrono::milliseconds(500));
+    EXPECT_GE(texts(Kind::watchdog).size() - before, 20U);  // 50 cycles fit into that time
+}
+
+}  // namespace
+}  // namespace bench::vehicle
