@@ -107,6 +107,20 @@ TEST_F(Services, Are_offered_once_where_an_instance_is_named_twice) {
     EXPECT_EQ(requests_of_node(), "03 00 00 00 00 00");
 }
 
+TEST_F(Services, Are_none_for_applications_where_nobody_may_use_them) {
+    for (auto const* maximum :
+         {"MaxNumberOfApplicationsRequestAlive", "MaxNumberOfApplicationsRequestNetwork", "MaxNumberOfCWURequest"}) {
+        settings()[maximum] = 0;
+    }
+    start_and_run();
+    EXPECT_TRUE(logs("Offering CWU services"));
+    restart(1);
+    EXPECT_TRUE(sees(Kind::restart_word, "restartao"));
+    for (auto const* what : {"ecu_alive", "cwu"}) {
+        EXPECT_THROW(machine->tell("application 1", {{"do", "release"}, {"what", what}}), std::runtime_error) << what;
+    }
+}
+
 TEST_F(Services, End_with_the_daemon) {
     start_and_run();
     request("1", k_ecu_alive);
