@@ -1,11 +1,16 @@
 #include "tools/command.h"
 
 #include <CLI/CLI.hpp>
+#include <fstream>
+#include <iterator>
+#include <string>
 
 #include <gmock/gmock.h>
 
 namespace statectl {
 namespace {
+
+using testing::HasSubstr;
 
 class Commands : public testing::Test {
  protected:
@@ -29,6 +34,19 @@ TEST_F(Commands, Are_described_each_with_its_options) {
         EXPECT_NE(command->get_description(), "");
         for (auto const* const option : command->get_options()) {
             EXPECT_NE(option->get_description(), "") << command->get_name() << ' ' << option->get_name();
+        }
+    }
+}
+
+TEST_F(Commands, Are_in_the_manual_page_each_with_its_options) {
+    std::ifstream page(MANUAL_PAGE);
+    std::string const manual{std::istreambuf_iterator<char>(page), {}};
+    for (auto const* const command : program.get_subcommands([](CLI::App const*) { return true; })) {
+        EXPECT_THAT(manual, HasSubstr("\n.Ss " + command->get_name() + "\n"));
+        for (auto const* const option : command->get_options()) {
+            for (auto const& name : option->get_lnames()) {
+                EXPECT_THAT(manual, HasSubstr("Fl -" + name)) << command->get_name();
+            }
         }
     }
 }
