@@ -14,8 +14,8 @@ Behaviour behaviour_in(Arguments& arguments) {
     }
     Behaviour behaviour;
     behaviour.manner = *manner;
-    behaviour.delay = std::chrono::milliseconds(
-        arguments.number_or("delay_ms", behaviour.delay.count(), 0, k_longest_delay_ms));
+    behaviour.delay =
+        std::chrono::milliseconds(arguments.number_or("delay_ms", behaviour.delay.count(), 0, k_longest_delay_ms));
     behaviour.status = static_cast<int>(arguments.number_or("status", behaviour.status, 1, k_highest_status));
     arguments.end();
     return behaviour;

@@ -47,6 +47,7 @@ void Machine_view::take(vehicle::Event const& event) {
         case Kind::bus:
         case Kind::network_state:
         case Kind::user_data:
+        case Kind::client:
         case Kind::application:
             break;
     }

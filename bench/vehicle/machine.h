@@ -1,6 +1,7 @@
 #ifndef BENCH_VEHICLE_MACHINE_H
 #define BENCH_VEHICLE_MACHINE_H
 
+#include "bench/vehicle/client_status.h"
 #include "bench/vehicle/timeline.h"
 
 #include <chrono>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace bench::vehicle {
 
@@ -28,9 +30,9 @@ class Machine {
     virtual void press(std::string const& key) = 0;
     virtual void signal_daemon(int number) = 0;
 
-    /// Gives one of the machine's neighbours on the network or one of its applications a command, as docs/bench.md
-    /// describes them, and returns the answer: "node", "other node", "application 1". Throws `std::runtime_error` when
-    /// the machine has no such neighbour or the neighbour refuses.
+    /// Gives one of the machine's neighbours on the network, one of its applications or one of its clients a command,
+    /// as docs/bench.md describes them, and returns the answer: "node", "other node", "application 1", "diag::dcm".
+    /// Throws `std::runtime_error` when the machine has no such neighbour or the neighbour refuses.
     virtual nlohmann::json tell(std::string const& neighbour, nlohmann::json const& command);
 
     /// The daemon's next start reads a configuration that differs from the machine's own one by a merge patch
@@ -42,6 +44,9 @@ class Machine {
 
     /// Takes in what happens during that time.
     void watch(std::chrono::milliseconds duration);
+
+    /// The clients of the state manager as far as they are players of this machine.
+    virtual std::vector<Client_status> clients() const { return {}; }
 
     /// Everything so far, in the order in which it became known.
     Timeline const& events() const { return events_; }

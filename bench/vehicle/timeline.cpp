@@ -26,6 +26,8 @@ char const* name(Kind kind) {
             return "network state";
         case Kind::user_data:
             return "user data";
+        case Kind::client:
+            return "client";
         case Kind::application:
             return "application";
         case Kind::ended:

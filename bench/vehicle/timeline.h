@@ -20,6 +20,8 @@ enum class Kind {
     bus,            ///< the machine's node came into another state of network management; text: the state
     network_state,  ///< who needs the network, as the machine is told it; text: the bytes
     user_data,      ///< the machine set the user data of its messages; text: the bytes
+    client,         ///< text: name, then "connected" and state, "asked" and state, "answered", state and status,
+                    ///< "disconnected" or "crashed"
     application,    ///< text: "1 requests com_alive" once application 1 has done so
     ended,          ///< the daemon's process ended; text: its exit status
 };

@@ -44,6 +44,8 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
     if (options_.with_power_off_service) {
         power_off_ = std::make_unique<Power_off_service>();
     }
+    clients_ = std::make_unique<Clients>(program("client", "bench_client"), options_.clients);
+    clients_->take_limits(nlohmann::json::parse(options_.configuration, nullptr, false));
     if (options_.with_network) {
         surroundings_ =
             std::make_unique<Surroundings>(options_.programs, nlohmann::json::parse(options_.configuration));
@@ -68,9 +70,13 @@ void Vehicle::change_configuration(nlohmann::json const& changes) {
     auto configuration = nlohmann::json::parse(options_.configuration);
     configuration.merge_patch(changes);
     install_configuration(configuration.dump());
+    clients_->take_limits(configuration);
 }
 
 nlohmann::json Vehicle::tell(std::string const& neighbour, nlohmann::json const& command) {
+    if (clients_->has(neighbour)) {
+        return clients_->tell(neighbour, command);
+    }
     return surroundings_ ? surroundings_->tell(neighbour, command) : Machine::tell(neighbour, command);
 }
 
@@ -130,21 +136,24 @@ void Vehicle::update(std::chrono::milliseconds limit) {
         take_news(*service_manager_, service_manager_seen_, &events_of_service_manager);
     }
     if (log_) {
-        for (auto& message : log_->take()) {
-            add(std::move(message));
-        }
+        add_all(log_->take());
     }
     if (power_off_) {
         for (auto& command : power_off_->take()) {
             add({monotonic_ns(), Kind::power_off, std::move(command)});
         }
     }
+    add_all(clients_->take());
     if (surroundings_) {
-        for (auto& event : surroundings_->take()) {
-            add(std::move(event));
-        }
+        add_all(surroundings_->take());
     }
     take_end();
+}
+
+void Vehicle::add_all(Timeline events) {
+    for (auto& event : events) {
+        add(std::move(event));
+    }
 }
 
 std::vector<int> Vehicle::sources() const {
@@ -152,8 +161,10 @@ std::vector<int> Vehicle::sources() const {
     if (service_manager_) {
         descriptors.push_back(service_manager_->process().output());
     }
+    auto further = clients_->descriptors();
+    descriptors.insert(descriptors.end(), further.begin(), further.end());
     if (surroundings_) {
-        auto const further = surroundings_->descriptors();
+        further = surroundings_->descriptors();
         descriptors.insert(descriptors.end(), further.begin(), further.end());
     }
     return descriptors;
@@ -162,9 +173,7 @@ std::vector<int> Vehicle::sources() const {
 void Vehicle::take_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const&)) {
     auto const& messages = player.log().messages();
     for (; seen < messages.size(); ++seen) {
-        for (auto& event : meaning(messages[seen])) {
-            add(std::move(event));
-        }
+        add_all(meaning(messages[seen]));
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include "bench/process/player.h"
 #include "bench/process/private_bus.h"
+#include "bench/vehicle/clients.h"
 #include "bench/vehicle/dlt_reader.h"
 #include "bench/vehicle/machine.h"
 #include "bench/vehicle/power_off_service.h"
@@ -27,12 +28,14 @@ struct Options {
     bool with_service_manager{true};
     bool with_notify_socket{true};  ///< of the service manager, told to the daemon
     bool with_power_off_service{true};
+    std::vector<std::string> clients{"diag::dcm", "navigation", "radio", "diag::dem"};  ///< that take part in suspends
     bool with_network{false};  ///< nodes, and an application for each instance name in the configuration
     std::vector<std::string> daemon_starter{};  ///< program, and its arguments, that becomes the daemon; empty for none
 };
 
-/// The machine around one daemon: hypervisor, service manager, log and power-off service, each a process or a file of
-/// the kind that the daemon meets in a vehicle. Inside a world (world.h) only, one at a time; used by one thread.
+/// The machine around one daemon: hypervisor, service manager, log, power-off service and clients, each a process or a
+/// file of the kind that the daemon meets in a vehicle. Inside a world (world.h) only, one at a time; used by one
+/// thread.
 ///
 ///     Vehicle vehicle(options);
 ///     vehicle.start_daemon();
@@ -48,6 +51,7 @@ class Vehicle : public Machine {
     void signal_daemon(int number) override { daemon_->signal(number); }
     nlohmann::json tell(std::string const& neighbour, nlohmann::json const& command) override;
     void change_configuration(nlohmann::json const& changes) override;
+    std::vector<Client_status> clients() const override { return clients_->statuses(); }
 
     /// The exit status; nothing when the daemon still runs after the time.
     std::optional<int> await_end(std::chrono::milliseconds limit = k_patience);
@@ -62,6 +66,7 @@ class Vehicle : public Machine {
 
  private:
     void install_configuration(std::string const& text) const;
+    void add_all(Timeline events);
     std::vector<int> sources() const;
     void take_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const& message));
     void take_end();
@@ -73,6 +78,7 @@ class Vehicle : public Machine {
     std::unique_ptr<Player> service_manager_;
     std::unique_ptr<Dlt_reader> log_;
     std::unique_ptr<Power_off_service> power_off_;
+    std::unique_ptr<Clients> clients_;
     std::unique_ptr<Surroundings> surroundings_;
     std::unique_ptr<Child_process> daemon_;
     std::optional<int> exit_status_;

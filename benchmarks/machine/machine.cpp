@@ -20,6 +20,7 @@ bench::vehicle::Options options() {
     bench::vehicle::Options result;
     result.programs = PROGRAMS;
     result.configuration = configuration.dump();
+    result.clients.clear();  // figures of the daemon alone
     return result;
 }
 

@@ -1,0 +1,59 @@
+#ifndef BENCH_VEHICLE_CLIENTS_H
+#define BENCH_VEHICLE_CLIENTS_H
+
+#include "bench/process/player.h"
+#include "bench/vehicle/client_status.h"
+#include "bench/vehicle/timeline.h"
+
+#include <cstddef>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace bench::vehicle {
+
+/// The clients that the state manager asks before a suspend and after it, a process each.
+class Clients {
+ public:
+    /// `program` is the player of one client. Throws `std::runtime_error`.
+    Clients(std::string program, std::vector<std::string> const& names);
+
+    /// How long the state manager waits for their answers, from its configuration.
+    void take_limits(nlohmann::json const& configuration);
+
+    bool has(std::string const& name) const;
+
+    /// Gives one of them a command as docs/bench.md describes it and returns its answer. One that has crashed is
+    /// started again first. Throws `std::runtime_error` for a command that is refused.
+    nlohmann::json tell(std::string const& name, nlohmann::json const& command);
+
+    /// What has happened since the last call.
+    Timeline take();
+
+    std::vector<Client_status> statuses() const;
+
+    /// To poll for what happens.
+    std::vector<int> descriptors() const;
+
+ private:
+    struct Client {
+        std::unique_ptr<Player> player;
+        Client_status status;
+        std::size_t seen{0};  ///< messages taken so far
+    };
+
+    void start(Client& client) const;
+    void take_news(Client& client, Timeline& events) const;
+    void take_end(Client& client, Timeline& events) const;
+    std::int64_t deadline_of(Client const& client, nlohmann::json const& request) const;
+
+    std::string program_;
+    std::vector<Client> clients_;
+    std::int64_t application_limit_s_{0};
+    std::int64_t diagnosis_limit_s_{0};
+};
+
+}  // namespace bench::vehicle
+
+#endif
