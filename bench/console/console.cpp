@@ -1,6 +1,7 @@
 #include "bench/console/console.h"
 
 #include "bench/console/screen.h"
+#include "bench/json_lines/clock.h"
 
 #include <algorithm>
 #include <chrono>
@@ -22,7 +23,9 @@ namespace bench::console {
 namespace {
 
 constexpr std::chrono::milliseconds k_frame{50};
+constexpr std::chrono::milliseconds k_late{3'000};
 constexpr int k_control_c = 3;
+constexpr int k_tab = '\t';
 
 /// The terminal as the console needs it, and as it was when this goes.
 class Terminal {
@@ -101,6 +104,7 @@ class Session {
             for (auto const& event : machine_.take_events()) {
                 view_.take(event);
             }
+            view_.take_clients(machine_.clients(), monotonic_ns());
             for (int key = ::getch(); key != ERR; key = ::getch()) {
                 handle(key);
             }
@@ -115,15 +119,30 @@ class Session {
     void handle(int key) {
         static auto const& keys = *new std::map<int, std::string>{{'r', "r"}, {'n', "n"},     {'s', "s"},
                                                                   {'p', "p"}, {'o', "power"}, {KEY_F(10), "power"}};
+        static auto const& manners = *new std::map<int, std::string>{
+            {'w', "well"}, {'l', "late"}, {'i', "silent"}, {'f', "failing"}, {'c', "crashing"}};
         auto const pressed = keys.find(key);
+        auto const manner = manners.find(key);
         if (pressed != keys.end()) {
             machine_.press(pressed->second);
+        } else if (manner != manners.end()) {
+            behave(manner->second);
+        } else if (key == k_tab) {
+            view_.select_next_client();
         } else if (key >= '1' && key <= '6') {
             level_ = key - '0';
         } else if (key == 'x') {
             stop_or_start();
         } else if (key == 'q' || key == k_control_c) {
             is_over_ = true;
+        }
+    }
+
+    // For the client that is selected; its answer to the state manager may be due by this at once.
+    void behave(std::string const& manner) {
+        if (!view_.clients().empty()) {
+            auto const& client = view_.clients().at(view_.selected_client()).name;
+            machine_.tell(client, {{"do", "behave"}, {"as", manner}, {"delay_ms", k_late.count()}});
         }
     }
 

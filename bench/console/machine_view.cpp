@@ -1,5 +1,7 @@
 #include "bench/console/machine_view.h"
 
+#include <utility>
+
 namespace bench::console {
 
 using vehicle::Kind;
@@ -51,6 +53,15 @@ void Machine_view::take(vehicle::Event const& event) {
         case Kind::application:
             break;
     }
+}
+
+void Machine_view::take_clients(std::vector<vehicle::Client_status> clients, std::int64_t now) {
+    clients_ = std::move(clients);
+    now_ = now;
+}
+
+void Machine_view::select_next_client() {
+    selected_client_ = clients_.empty() ? 0 : (selected_client_ + 1) % clients_.size();
 }
 
 void Machine_view::begin_life() {

@@ -1,12 +1,15 @@
 #ifndef BENCH_CONSOLE_MACHINE_VIEW_H
 #define BENCH_CONSOLE_MACHINE_VIEW_H
 
+#include "bench/vehicle/client_status.h"
 #include "bench/vehicle/timeline.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace bench::console {
 
@@ -18,6 +21,12 @@ class Machine_view {
 
     void take(vehicle::Event const& event);
 
+    /// The clients as they are at the time `now` (nanoseconds of CLOCK_MONOTONIC).
+    void take_clients(std::vector<vehicle::Client_status> clients, std::int64_t now);
+
+    /// The next client is the one that keys are for.
+    void select_next_client();
+
     std::string const& state_word() const { return state_word_; }        ///< empty before the first
     std::string const& machine_state() const { return machine_state_; }  ///< last one asked for
     std::deque<std::string> const& keys() const { return keys_; }        ///< newest last
@@ -25,6 +34,10 @@ class Machine_view {
     std::deque<vehicle::Event> const& log() const { return log_; }
     std::size_t beats() const { return beats_; }
     std::optional<std::string> const& exit_status() const { return exit_status_; }  ///< once the daemon has ended
+
+    std::vector<vehicle::Client_status> const& clients() const { return clients_; }
+    std::size_t selected_client() const { return selected_client_; }  ///< its index
+    std::int64_t now() const { return now_; }
 
     /// The daemon is started again.
     void begin_life();
@@ -35,6 +48,9 @@ class Machine_view {
     std::deque<std::string> keys_;
     std::deque<std::string> words_;
     std::deque<vehicle::Event> log_;
+    std::vector<vehicle::Client_status> clients_;
+    std::size_t selected_client_{0};
+    std::int64_t now_{0};
     std::size_t beats_{0};
     std::optional<std::string> exit_status_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 namespace bench::console {
@@ -22,7 +23,7 @@ constexpr std::array<wchar_t const*, 12> k_diagram{L" ╭───────�
                                                    L"        ╰───────────────│ PreparedSD │──────▶│ Shutting down │",
                                                    L"                        ╰────────────╯       ╰───────────────╯"};
 constexpr std::size_t k_side = 64;
-constexpr std::size_t k_log_top = 13;
+constexpr std::size_t k_below_diagram = 12;
 
 struct Box {
     char const* state_word;
@@ -88,13 +89,60 @@ std::string line_of(vehicle::Event const& message) {
     return prefix.data() + message.text;
 }
 
-void draw_log(Canvas& canvas, Machine_view const& machine, int level) {
+/// "asked for kPrepSD, 2.4 s left", and how it is to be seen.
+std::pair<std::string, Style> debt_of(vehicle::Client_status const& client, std::int64_t now) {
+    if (!client.is_running) {
+        return {"crashed; w starts it again", Style::bad};
+    }
+    if (client.owed.empty()) {
+        return {client.is_connected ? "" : "not connected", client.is_connected ? Style::plain : Style::dim};
+    }
+    if (client.deadline == 0) {
+        return {"asked for " + client.owed, Style::warning};
+    }
+    if (client.deadline < now) {
+        return {"asked for " + client.owed + ", its time is over", Style::bad};
+    }
+    std::array<char, 24> left{};
+    std::snprintf(left.data(), left.size(), ", %.1f s left", static_cast<double>(client.deadline - now) / 1e9);
+    return {"asked for " + client.owed + left.data(), Style::warning};
+}
+
+void draw_client(Canvas& canvas, std::size_t row, Machine_view const& machine, std::size_t index) {
+    constexpr std::size_t k_name = 2;
+    constexpr std::size_t k_manner = 16;
+    constexpr std::size_t k_state = 26;
+    constexpr std::size_t k_debt = 36;
+    auto const& client = machine.clients()[index];
+    auto const [debt, style] = debt_of(client, machine.now());
+    canvas.put(row, 0, std::string(index == machine.selected_client() ? ">" : " "), Style::title);
+    canvas.put(row, k_name, client.name.substr(0, k_manner - k_name - 1), style);
+    canvas.put(row, k_manner, client.manner, client.manner == "well" ? Style::plain : Style::warning);
+    canvas.put(row, k_state, client.state, style);
+    canvas.put(row, k_debt, debt, style);
+}
+
+/// Returns the row behind the clients.
+std::size_t draw_clients(Canvas& canvas, Machine_view const& machine) {
+    auto row = k_below_diagram;
+    if (machine.clients().empty()) {
+        return row;
+    }
+    canvas.put(row++, 0, std::string("Clients  Tab next  w well  l late  i silent  f fails  c crashes"),
+               Style::title);
+    for (std::size_t index = 0; index < machine.clients().size(); ++index) {
+        draw_client(canvas, row++, machine, index);
+    }
+    return row;
+}
+
+void draw_log(Canvas& canvas, Machine_view const& machine, int level, std::size_t top) {
     static constexpr std::array<char const*, 7> names{"nothing", "fatal", "error", "warn", "info", "debug", "verbose"};
-    canvas.put(k_log_top - 1, 0,
-               std::string("Log up to ") + names.at(static_cast<std::size_t>(std::clamp(level, 0, 6))), Style::title);
+    canvas.put(top, 0, std::string("Log up to ") + names.at(static_cast<std::size_t>(std::clamp(level, 0, 6))),
+               Style::title);
     auto const& log = machine.log();
     auto row = canvas.rows() - 1;
-    for (auto message = log.rbegin(); message != log.rend() && row > k_log_top; ++message) {
+    for (auto message = log.rbegin(); message != log.rend() && row > top + 1; ++message) {
         if (message->level <= level) {
             canvas.put(--row, 0, line_of(*message), style_of(message->level));
         }
@@ -110,7 +158,7 @@ void draw(Canvas& canvas, Machine_view const& machine, int level) {
     }
     draw_diagram(canvas, machine);
     draw_side(canvas, machine);
-    draw_log(canvas, machine, level);
+    draw_log(canvas, machine, level, draw_clients(canvas, machine));
     auto const last = canvas.rows() - 1;
     canvas.put(last, 0, std::string("r run  n net  s net+suspend  p suspend  o power  1-6 log  x stop/start  q quit"),
                Style::title);

@@ -10,7 +10,7 @@ inline constexpr std::size_t k_least_rows = 20;
 inline constexpr std::size_t k_least_columns = 80;
 
 /// Draws the machine: the state diagram with the current state lit, beside it what the machine told its neighbours,
-/// below it the log up to `level` (1 fatal to 6 verbose), and the keys in the last row.
+/// below it its clients, the log up to `level` (1 fatal to 6 verbose), and the keys in the last row.
 void draw(Canvas& canvas, Machine_view const& machine, int level);
 
 }  // namespace bench::console

@@ -7,12 +7,14 @@
 #include "bench/vehicle/vehicle.h"
 #include "bench/vehicle/world.h"
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -27,6 +29,8 @@ using bench::vehicle::Options;
 using bench::vehicle::Vehicle;
 
 constexpr int k_usage_error = 2;
+constexpr std::chrono::seconds k_client_limit_of_tour{3};
+constexpr std::chrono::seconds k_client_limit_of_console{10};
 
 void print_usage(std::FILE* out) {
     std::fputs(
@@ -45,10 +49,16 @@ std::string content_of(fs::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-Options complete_machine(fs::path const& build) {
+// The example waits a minute for a client, which is longer than a spectator does.
+Options complete_machine(fs::path const& build, std::chrono::seconds client_limit) {
+    auto configuration =
+        nlohmann::json::parse(content_of(fs::path(VEHICLE_PROJECT) / "deploy/config/ap_statemanager.json"));
+    for (char const* const limit : {"ApplicationSuspendRequestTimeout", "DMSuspendRequestTimeout"}) {
+        configuration["ap_statemanager"][limit] = client_limit.count();
+    }
     Options options;
     options.programs = build.string();
-    options.configuration = content_of(fs::path(VEHICLE_PROJECT) / "deploy/config/ap_statemanager.json");
+    options.configuration = configuration.dump();
     return options;
 }
 
@@ -76,7 +86,7 @@ std::vector<fs::path> usual_places(fs::path const& build) {
 }
 
 int tour(fs::path const& build, Picture_file& picture) {
-    Vehicle vehicle(complete_machine(build));
+    Vehicle vehicle(complete_machine(build, k_client_limit_of_tour));
     auto const findings = bench::tour::walk(vehicle, bench::tour::steps());
     bool const all_seen = bench::tour::print_summary(findings);
     if (!(picture.stream << bench::tour::draw(vehicle.events()) << std::flush)) {
@@ -89,7 +99,7 @@ int tour(fs::path const& build, Picture_file& picture) {
 }
 
 int console(fs::path const& build) {
-    Vehicle vehicle(complete_machine(build));
+    Vehicle vehicle(complete_machine(build, k_client_limit_of_console));
     return bench::console::run(vehicle, "/tmp/stderr");
 }
 

@@ -1,5 +1,7 @@
 #include "bench/tour/picture.h"
 
+#include "bench/tour/client_bars.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -18,6 +20,8 @@ namespace {
 constexpr double k_left = 150;
 constexpr double k_width = 1200;
 constexpr double k_lane = 44;
+constexpr double k_state_lanes = 1.9;  // with room for slanted names below
+constexpr double k_client_lane = 26;
 constexpr double k_top = 76;
 constexpr double k_label_width = 7.2;  // of one character of a label, px
 
@@ -41,6 +45,18 @@ std::map<std::string, char const*> const& colours_of_states() {
     return colours;
 }
 
+char const* colour_of(Client_bar::Outcome outcome) {
+    switch (outcome) {
+        case Client_bar::Outcome::done:
+            return "#68d391";
+        case Client_bar::Outcome::failed:
+            return "#f6ad55";
+        case Client_bar::Outcome::missing:
+            break;
+    }
+    return "#fc8181";
+}
+
 std::string escaped(std::string const& text) {
     std::string result;
     for (char const character : text) {
@@ -59,7 +75,7 @@ class Axis {
     explicit Axis(Timeline const& events) {
         std::vector<std::int64_t> times;
         for (auto const& event : events) {
-            if (event.kind != Kind::log && event.kind != Kind::watchdog) {
+            if (event.kind != Kind::log && event.kind != Kind::watchdog && event.kind != Kind::client) {
                 times.push_back(event.time);
             }
         }
@@ -103,7 +119,10 @@ class Picture {
     }
 
     std::string draw() {
-        auto const height = k_top + k_lane * (k_lanes.size() + 1.6) + 40;
+        auto const clients = clients_in(events_);
+        auto const bottom =
+            k_top + k_lane * (k_state_lanes + k_lanes.size()) + k_client_lane * static_cast<double>(clients.size());
+        auto const height = bottom + 40;
         out_ << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << k_left + k_width + 40 << ' ' << height
              << "\" font-family=\"DejaVu Sans, Helvetica, sans-serif\" font-size=\"12\">\n"
              << "<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n"
@@ -111,13 +130,14 @@ class Picture {
                 "machine</text>\n"
              << "<text x=\"24\" y=\"56\" fill=\"#4a5568\">Times in seconds since the first event; pauses are drawn "
                 "shorter than they were.</text>\n";
-        draw_times(k_top + k_lane * (1.6 + k_lanes.size()));
+        draw_times(bottom);
         draw_states();
-        double y = k_top + k_lane * 1.6;
+        double y = k_top + k_lane * k_state_lanes;
         for (auto const& lane : k_lanes) {
             draw_lane(lane, y);
             y += k_lane;
         }
+        draw_clients(clients, y);
         out_ << "</svg>\n";
         return out_.str();
     }
@@ -176,6 +196,28 @@ class Picture {
             if (!is_beat) {
                 draw_label(event.text, x + 7, y, lane.colour, free_from);
             }
+        }
+    }
+
+    void draw_clients(std::vector<std::string> const& clients, double y) {
+        std::map<std::string, double> rows;
+        for (auto const& client : clients) {
+            rows[client] = y;
+            text(k_left - 12, y + 16, client, "#1a202c", "end");
+            y += k_client_lane;
+        }
+        for (auto const& bar : client_bars(events_)) {
+            draw_bar(bar, rows.at(bar.client));
+        }
+    }
+
+    void draw_bar(Client_bar const& bar, double y) {
+        auto const x = axis_.position(bar.begin);
+        auto const width = std::max(axis_.position(bar.end) - x, 3.0);
+        out_ << "<rect x=\"" << x << "\" y=\"" << y + 3 << "\" width=\"" << width << "\" height=\"18\" rx=\"2\" fill=\""
+             << colour_of(bar.outcome) << "\"><title>" << escaped(bar.state) << "</title></rect>\n";
+        if (width > k_label_width * static_cast<double>(bar.state.size())) {
+            text(x + width / 2, y + 16, bar.state, "#1a202c", "middle");
         }
     }
 

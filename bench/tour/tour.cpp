@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <map>
+#include <utility>
 
 namespace bench::tour {
 
@@ -15,6 +16,14 @@ constexpr std::chrono::milliseconds k_pause{700};  // so that a person can follo
 
 std::string describe(Expectation const& expectation) {
     return std::string(vehicle::name(expectation.kind)) + " \"" + expectation.text + "\"";
+}
+
+/// A kind of event, and for clients which of them.
+using Thread = std::pair<vehicle::Kind, std::string>;
+
+Thread thread_of(Expectation const& expectation) {
+    bool const is_of_client = expectation.kind == vehicle::Kind::client;
+    return {expectation.kind, is_of_client ? expectation.text.substr(0, expectation.text.find(' ')) : ""};
 }
 
 double seconds_since(std::int64_t start, std::int64_t time) {
@@ -28,20 +37,22 @@ void print_step(std::size_t number, Step const& step, double at, bool all_seen) 
 
 }  // namespace
 
-// What is expected of one kind happens in the order of the steps, so each kind is followed by a position of its own.
+// What is expected of one kind, or of one client, happens in the order of the steps: each is followed by a position of
+// its own.
 std::vector<Finding> walk(vehicle::Machine& machine, std::vector<Step> const& steps,
                           std::chrono::milliseconds patience) {
     std::vector<Finding> findings;
-    std::map<vehicle::Kind, std::size_t> next;
+    std::map<Thread, std::size_t> next;
     auto const start = monotonic_ns();
     std::size_t number = 0;
     for (auto const& step : steps) {
-        next[vehicle::Kind::watchdog] = machine.events().size();  // beats come all the time; only fresh ones count
+        next[{vehicle::Kind::watchdog, ""}] =
+            machine.events().size();  // beats come all the time; only fresh ones count
         step.action(machine);
         std::int64_t latest = 0;
         bool all_seen = true;
         for (auto const& expectation : step.expectations) {
-            auto& from = next[expectation.kind];
+            auto& from = next[thread_of(expectation)];
             auto const position = machine.await(expectation.kind, expectation.text, from, patience);
             auto const time = position ? machine.events()[*position].time : 0;
             from = position ? *position + 1 : from;

@@ -31,7 +31,8 @@ struct Finding {
     std::int64_t time;  ///< nanoseconds of CLOCK_MONOTONIC; 0 when not seen
 };
 
-/// The way through every state that can be reached, in two lives of the daemon.
+/// The way through every transition that needs no network, in three lives of the daemon, with clients that answer,
+/// do not, and fail.
 std::vector<Step> steps();
 
 /// Goes the way and prints a line for each step as it happens. An expectation has `patience` to be seen.

@@ -44,7 +44,7 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
     if (options_.with_power_off_service) {
         power_off_ = std::make_unique<Power_off_service>();
     }
-    clients_ = std::make_unique<Clients>(program("client", "bench_client"), options_.clients);
+    clients_ = std::make_unique<Client_players>(program("client", "bench_client"), options_.clients);
     clients_->take_limits(nlohmann::json::parse(options_.configuration, nullptr, false));
     if (options_.with_network) {
         surroundings_ =

@@ -3,7 +3,7 @@
 
 #include "bench/process/player.h"
 #include "bench/process/private_bus.h"
-#include "bench/vehicle/clients.h"
+#include "bench/vehicle/client_players.h"
 #include "bench/vehicle/dlt_reader.h"
 #include "bench/vehicle/machine.h"
 #include "bench/vehicle/power_off_service.h"
@@ -78,7 +78,7 @@ class Vehicle : public Machine {
     std::unique_ptr<Player> service_manager_;
     std::unique_ptr<Dlt_reader> log_;
     std::unique_ptr<Power_off_service> power_off_;
-    std::unique_ptr<Clients> clients_;
+    std::unique_ptr<Client_players> clients_;
     std::unique_ptr<Surroundings> surroundings_;
     std::unique_ptr<Child_process> daemon_;
     std::optional<int> exit_status_;

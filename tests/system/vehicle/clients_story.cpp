@@ -12,6 +12,8 @@ using testing::HasSubstr;
 
 class Clients : public Story {
  protected:
+    Clients() { options.clients.clear(); }  // the test plays them
+
     void TearDown() override { std::filesystem::remove_all("/run/adaptive/ara_SM"); }
 
     static Test_client client(std::string const& name) { return {utilities::get_socket_path(), name, "kOn"}; }

@@ -106,6 +106,60 @@ TEST(Screen, Says_when_the_terminal_is_too_small) {
     EXPECT_THAT(drawn(Machine_view{}, 4, 20, 80), HasSubstr(L"q quit"));
 }
 
+vehicle::Client_status radio() {
+    vehicle::Client_status client;
+    client.name = "radio";
+    client.is_connected = true;
+    client.state = "kOn";
+    return client;
+}
+
+std::wstring drawn_with(vehicle::Client_status client, std::int64_t now = 0) {
+    Machine_view view;
+    view.take_clients({std::move(client)}, now);
+    return drawn(view);
+}
+
+TEST(Screen, Shows_each_client_with_its_manner_and_state) {
+    auto client = radio();
+    EXPECT_THAT(drawn_with(client), HasSubstr(L"> radio         well      kOn\n"));
+    client.manner = "silent";
+    client.is_connected = false;
+    EXPECT_THAT(drawn_with(client), HasSubstr(L"> radio         silent    kOn       not connected\n"));
+    client.is_running = false;
+    EXPECT_THAT(drawn_with(client), HasSubstr(L"crashed"));
+}
+
+TEST(Screen, Shows_what_a_client_owes_and_how_long_it_has_left) {
+    auto client = radio();
+    client.owed = "kPrepSD";
+    client.deadline = 2'400'000'000;
+    EXPECT_THAT(drawn_with(client), HasSubstr(L"asked for kPrepSD, 2.4 s left"));
+    EXPECT_THAT(drawn_with(client, 2'400'000'001), HasSubstr(L"asked for kPrepSD, its time is over"));
+    client.deadline = 0;
+    EXPECT_THAT(drawn_with(client), HasSubstr(L"asked for kPrepSD\n"));
+}
+
+TEST(Screen, Marks_the_client_that_keys_are_for) {
+    Machine_view view;
+    view.select_next_client();
+    auto other = radio();
+    other.name = "tv";
+    view.take_clients({radio(), other}, 0);
+    EXPECT_THAT(drawn(view), HasSubstr(L"> radio"));
+    view.select_next_client();
+    EXPECT_THAT(drawn(view), HasSubstr(L"> tv"));
+    view.select_next_client();
+    EXPECT_THAT(drawn(view), HasSubstr(L"> radio"));
+}
+
+TEST(Screen, Leaves_room_for_the_log_below_four_clients_in_the_smallest_terminal) {
+    Machine_view view;
+    view.take_clients({radio(), radio(), radio(), radio()}, 0);
+    view.take({1, Kind::log, "an error", 2, "DFLT"});
+    EXPECT_THAT(drawn(view, 4, 20, 80), HasSubstr(L"an error"));
+}
+
 TEST(Screen, Shows_control_characters_as_question_marks) {
     Machine_view view;
     view.take({1, Kind::log, "bell \a and \xff", 4, "DFLT"});

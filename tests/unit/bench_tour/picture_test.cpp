@@ -71,6 +71,20 @@ TEST(Picture, Puts_events_in_the_order_of_their_times) {
     EXPECT_LT(picture.find("sooner"), picture.find("later"));
 }
 
+TEST(Picture, Has_a_lane_for_each_client_with_what_it_owed) {
+    auto const picture = draw({{0, Kind::key, "p"},
+                               {k_second, Kind::client, "radio asked kPrepSD"},
+                               {3 * k_second, Kind::client, "radio answered kPrepSD 0"},
+                               {4 * k_second, Kind::key, "r"}});
+    EXPECT_THAT(picture, HasSubstr(">radio<"));
+    auto const begins = numbers(picture, k_bar);
+    auto const widths = numbers(picture, k_bar_width);
+    ASSERT_EQ(begins.size(), 1U);
+    auto const keys = numbers(picture, "<circle cx=\"([0-9.]+)\"");
+    ASSERT_EQ(keys.size(), 2U);
+    EXPECT_NEAR(widths[0], (keys[1] - keys[0]) / 2, 1) << "two of the four seconds";
+}
+
 TEST(Picture, Shows_texts_as_they_are) {
     EXPECT_THAT(draw({{0, Kind::power_off, "a<b&c"}}), HasSubstr("a&lt;b&amp;c"));
 }

@@ -56,5 +56,22 @@ TEST(Steps, Reach_every_state_that_needs_no_network_management) {
                                                      "shuttingdown"));
 }
 
+TEST(Steps, Take_every_transition_that_needs_no_network_management) {
+    std::set<std::string> transitions;
+    std::string const prefix = "AP_StateManger transition from ";
+    for (auto const& step : steps()) {
+        for (auto const& expectation : step.expectations) {
+            if (expectation.kind == Kind::log && expectation.text.rfind(prefix, 0) == 0) {
+                transitions.insert(expectation.text.substr(prefix.size()));
+            }
+        }
+    }
+    EXPECT_THAT(transitions, testing::UnorderedElementsAre("Starting up  to  Running", "Running  to  Preparing",
+                                                           "Running  to  Shutting down", "Preparing  to  PreparedSD",
+                                                           "Preparing  to  Resuming", "PreparedSD  to  Resuming",
+                                                           "PreparedSD  to  Shutting down", "Resuming  to  Running",
+                                                           "Resuming  to  Shutting down"));
+}
+
 }  // namespace
 }  // namespace bench::tour

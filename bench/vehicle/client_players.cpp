@@ -1,4 +1,4 @@
-#include "bench/vehicle/clients.h"
+#include "bench/vehicle/client_players.h"
 
 #include "bench/json_lines/clock.h"
 
@@ -45,7 +45,8 @@ std::string text_of(std::string const& name, json const& message) {
 
 }  // namespace
 
-Clients::Clients(std::string program, std::vector<std::string> const& names) : program_(std::move(program)) {
+Client_players::Client_players(std::string program, std::vector<std::string> const& names)
+    : program_(std::move(program)) {
     for (auto const& name : names) {
         Client client;
         client.status.name = name;
@@ -54,7 +55,7 @@ Clients::Clients(std::string program, std::vector<std::string> const& names) : p
     }
 }
 
-void Clients::start(Client& client) const {
+void Client_players::start(Client& client) const {
     auto const name = client.status.name;
     client.player = std::make_unique<Player>(std::vector<std::string>{program_, name});
     client.status = {};
@@ -62,17 +63,17 @@ void Clients::start(Client& client) const {
     client.seen = 0;
 }
 
-void Clients::take_limits(json const& configuration) {
+void Client_players::take_limits(json const& configuration) {
     application_limit_s_ = limit_in(configuration, "/ap_statemanager/ApplicationSuspendRequestTimeout");
     diagnosis_limit_s_ = limit_in(configuration, "/ap_statemanager/DMSuspendRequestTimeout");
 }
 
-bool Clients::has(std::string const& name) const {
+bool Client_players::has(std::string const& name) const {
     return std::any_of(clients_.begin(), clients_.end(),
                        [&](Client const& client) { return client.status.name == name; });
 }
 
-json Clients::tell(std::string const& name, json const& command) {
+json Client_players::tell(std::string const& name, json const& command) {
     auto const client = std::find_if(clients_.begin(), clients_.end(),
                                      [&](Client const& candidate) { return candidate.status.name == name; });
     if (client == clients_.end()) {
@@ -90,7 +91,7 @@ json Clients::tell(std::string const& name, json const& command) {
 }
 
 // Each client tells its own events in their order; together they are put in that of their times.
-Timeline Clients::take() {
+Timeline Client_players::take() {
     Timeline events;
     for (auto& client : clients_) {
         if (client.status.is_running) {
@@ -103,7 +104,7 @@ Timeline Clients::take() {
     return events;
 }
 
-void Clients::take_news(Client& client, Timeline& events) const {
+void Client_players::take_news(Client& client, Timeline& events) const {
     auto const& messages = client.player->log().messages();
     auto& status = client.status;
     for (; client.seen < messages.size(); ++client.seen) {
@@ -123,12 +124,12 @@ void Clients::take_news(Client& client, Timeline& events) const {
 }
 
 // Nobody waits for the answer to the request that comes when a client connects; its number is 0.
-std::int64_t Clients::deadline_of(Client const& client, json const& request) const {
+std::int64_t Client_players::deadline_of(Client const& client, json const& request) const {
     auto const limit = is_diagnosis(client.status.name) ? diagnosis_limit_s_ : application_limit_s_;
     return request.value("number", 0U) == 0 ? 0 : request.at("t").get<std::int64_t>() + limit * k_ns_per_s;
 }
 
-void Clients::take_end(Client& client, Timeline& events) const {
+void Client_players::take_end(Client& client, Timeline& events) const {
     if (!client.player->process().wait(std::chrono::milliseconds::zero())) {
         return;
     }
@@ -140,7 +141,7 @@ void Clients::take_end(Client& client, Timeline& events) const {
     events.push_back({monotonic_ns(), Kind::client, status.name + " crashed"});
 }
 
-std::vector<Client_status> Clients::statuses() const {
+std::vector<Client_status> Client_players::statuses() const {
     std::vector<Client_status> statuses;
     for (auto const& client : clients_) {
         statuses.push_back(client.status);
@@ -148,7 +149,7 @@ std::vector<Client_status> Clients::statuses() const {
     return statuses;
 }
 
-std::vector<int> Clients::descriptors() const {
+std::vector<int> Client_players::descriptors() const {
     std::vector<int> descriptors;
     for (auto const& client : clients_) {
         if (client.status.is_running) {

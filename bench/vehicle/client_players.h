@@ -1,5 +1,5 @@
-#ifndef BENCH_VEHICLE_CLIENTS_H
-#define BENCH_VEHICLE_CLIENTS_H
+#ifndef BENCH_VEHICLE_CLIENT_PLAYERS_H
+#define BENCH_VEHICLE_CLIENT_PLAYERS_H
 
 #include "bench/process/player.h"
 #include "bench/vehicle/client_status.h"
@@ -14,10 +14,10 @@
 namespace bench::vehicle {
 
 /// The clients that the state manager asks before a suspend and after it, a process each.
-class Clients {
+class Client_players {
  public:
     /// `program` is the player of one client. Throws `std::runtime_error`.
-    Clients(std::string program, std::vector<std::string> const& names);
+    Client_players(std::string program, std::vector<std::string> const& names);
 
     /// How long the state manager waits for their answers, from its configuration.
     void take_limits(nlohmann::json const& configuration);

@@ -1,0 +1,119 @@
+#include "bench/process/player.h"
+#include "support/played_server.h"
+#include "support/temporary_directory.h"
+
+#include <csignal>
+#include <optional>
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace bench {
+namespace {
+
+using nlohmann::json;
+using test_support::Hello;
+using test_support::Reply;
+
+/// A client of a state manager that the test plays.
+class Bench_client : public testing::Test {
+ protected:
+    Bench_client() { hello = peer.hello(); }
+
+    json behave(json command) {
+        command["do"] = "behave";
+        return sut.command(std::move(command));
+    }
+
+    bool is_asked(std::uint32_t number, std::string const& state) {
+        peer.request(number, state);
+        return sut.await_event("request", {{"number", number}, {"state", state}}).is_object();
+    }
+
+    test_support::Temporary_directory directory;
+    std::string const path = directory.file("socket");
+    test_support::Played_server server{path};
+    Player sut{{BENCH_CLIENT, "radio", "kOn", path}};
+    test_support::Played_peer peer{server.accept()};
+    Hello hello;
+};
+
+TEST_F(Bench_client, Says_who_it_is) {
+    EXPECT_EQ(hello, (Hello{"component_client_v1", "radio", "kOn"}));
+    EXPECT_EQ(sut.await_event("connected")["state"], "kOn");
+    auto const list = sut.command({{"do", "list"}});
+    EXPECT_TRUE(
+        has_members(list, {{"name", "radio"}, {"state", "kOn"}, {"as", "well"}, {"connected", true}, {"owes", {}}}))
+        << list;
+}
+
+TEST_F(Bench_client, Answers_at_once_unless_told_otherwise) {
+    EXPECT_TRUE(is_asked(7, "kPrepSD"));
+    EXPECT_EQ(peer.reply(), (Reply{7, "kPrepSD", 0}));
+    sut.await_event("answer", {{"number", 7}, {"state", "kPrepSD"}, {"status", 0}});
+}
+
+TEST_F(Bench_client, Fails_when_told_and_stays_in_its_state) {
+    behave({{"as", "failing"}, {"status", 2}});
+    EXPECT_TRUE(is_asked(1, "kPrepSD"));
+    EXPECT_EQ(peer.reply(), (Reply{1, "kOn", 2}));
+    EXPECT_EQ(sut.command({{"do", "list"}})["state"], "kOn");
+}
+
+TEST_F(Bench_client, Answers_after_its_delay_when_it_is_late) {
+    behave({{"as", "late"}, {"delay_ms", 200}});
+    auto const asked = std::chrono::steady_clock::now();
+    EXPECT_TRUE(is_asked(1, "kPrepSD"));
+    EXPECT_EQ(peer.reply(), (Reply{1, "kPrepSD", 0}));
+    EXPECT_GE(std::chrono::steady_clock::now() - asked, std::chrono::milliseconds(200));
+}
+
+TEST_F(Bench_client, Keeps_its_answer_when_it_is_silent_and_gives_it_once_it_behaves) {
+    behave({{"as", "silent"}});
+    EXPECT_TRUE(is_asked(1, "kPrepSD"));
+    EXPECT_EQ(sut.command({{"do", "list"}})["owes"], "kPrepSD");
+    behave({{"as", "well"}});
+    EXPECT_EQ(peer.reply(), (Reply{1, "kPrepSD", 0}));
+    EXPECT_EQ(sut.command({{"do", "list"}})["owes"], json());
+}
+
+TEST_F(Bench_client, Owes_only_the_newest_request) {
+    behave({{"as", "silent"}});
+    EXPECT_TRUE(is_asked(1, "kPrepSD"));
+    EXPECT_TRUE(is_asked(2, "kOn"));
+    behave({{"as", "well"}});
+    EXPECT_EQ(peer.reply(), (Reply{2, "kOn", 0}));
+}
+
+TEST_F(Bench_client, Owes_nothing_on_a_lost_connection) {
+    behave({{"as", "silent"}});
+    EXPECT_TRUE(is_asked(1, "kPrepSD"));
+    peer = test_support::Played_peer(utilities::Socket());
+    sut.await_event("disconnected");
+    EXPECT_EQ(sut.command({{"do", "list"}})["owes"], json());
+    EXPECT_EQ(server.accept().hello().state, "kOn");
+}
+
+TEST_F(Bench_client, Is_killed_by_the_next_request_when_it_is_to_crash) {
+    behave({{"as", "crashing"}});
+    EXPECT_TRUE(is_asked(1, "kPrepSD"));
+    EXPECT_TRUE(peer.is_closed()) << "without an answer";
+    sut.await_event("crash");
+    EXPECT_EQ(sut.process().wait(Player::k_patience), 128 + SIGKILL);
+}
+
+TEST_F(Bench_client, Refuses_commands_that_are_none) {
+    EXPECT_EQ(behave({{"as", "kind"}})["error"], "\"as\" must be well, late, silent, failing or crashing");
+    EXPECT_EQ(behave({{"as", "failing"}, {"status", 0}})["ok"], false) << "that is no failure";
+    EXPECT_EQ(behave({{"as", "late"}, {"delay_ms", -1}})["ok"], false);
+    EXPECT_EQ(behave({{"as", "late"}, {"delay", 1}})["ok"], false);
+    EXPECT_EQ(sut.command({{"do", "list"}})["as"], "well");
+}
+
+TEST(Bench_clients, Need_a_name) {
+    Child_process nameless({BENCH_CLIENT}, {});
+    EXPECT_EQ(nameless.wait(Player::k_patience), 2);
+}
+
+}  // namespace
+}  // namespace bench

@@ -1,0 +1,72 @@
+#include "bench/tour/client_bars.h"
+
+#include <gmock/gmock.h>
+
+namespace bench::tour {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using vehicle::Kind;
+using vehicle::Timeline;
+using Outcome = Client_bar::Outcome;
+
+Client_bar the_only_bar(Timeline const& events) {
+    auto const bars = client_bars(events);
+    EXPECT_EQ(bars.size(), 1U);
+    return bars.at(0);
+}
+
+TEST(Client_bars, Are_none_where_nobody_is_asked) {
+    EXPECT_THAT(client_bars({}), IsEmpty());
+    EXPECT_THAT(client_bars({{1, Kind::client, "radio connected kOn"}, {2, Kind::log, "radio asked kOn"}}), IsEmpty());
+}
+
+TEST(Client_bars, Last_from_the_request_to_the_answer_of_that_client) {
+    auto const bar = the_only_bar({{10, Kind::client, "radio asked kPrepSD"},
+                                   {20, Kind::client, "tv answered kPrepSD 0"},
+                                   {30, Kind::client, "radio answered kPrepSD 0"},
+                                   {40, Kind::client, "radio disconnected"}});
+    EXPECT_EQ(bar.client, "radio");
+    EXPECT_EQ(bar.state, "kPrepSD");
+    EXPECT_EQ(bar.begin, 10);
+    EXPECT_EQ(bar.end, 30);
+    EXPECT_EQ(bar.outcome, Outcome::done);
+}
+
+TEST(Client_bars, Tell_a_failure) {
+    EXPECT_EQ(the_only_bar({{1, Kind::client, "radio asked kOn"}, {2, Kind::client, "radio answered kOn 1"}}).outcome,
+              Outcome::failed);
+}
+
+TEST(Client_bars, Tell_a_missing_answer) {
+    auto const bar = the_only_bar({{1, Kind::client, "radio asked kOn"}, {9, Kind::key, "p"}});
+    EXPECT_EQ(bar.outcome, Outcome::missing);
+    EXPECT_EQ(bar.end, 9) << "up to the end of what was seen";
+    for (char const* const end : {"radio disconnected", "radio crashed"}) {
+        EXPECT_EQ(the_only_bar({{1, Kind::client, "radio asked kOn"}, {2, Kind::client, end}}).outcome,
+                  Outcome::missing);
+    }
+}
+
+TEST(Client_bars, Count_an_answer_as_missing_that_came_too_late) {
+    auto const late = [](char const* log) {
+        return the_only_bar({{1, Kind::client, "radio asked kOn"},
+                             {2, Kind::log, log},
+                             {3, Kind::client, "radio answered kOn 0"}})
+            .outcome;
+    };
+    EXPECT_EQ(late("State notification client [ radio ] timed out"), Outcome::missing);
+    EXPECT_EQ(late("State notification client [ tv ] timed out"), Outcome::done);
+}
+
+TEST(Client_bars, Name_each_client_once) {
+    EXPECT_THAT(clients_in({{1, Kind::client, "radio connected kOn"},
+                            {2, Kind::log, "tv asked kOn"},
+                            {3, Kind::client, "diag::dem connected kOn"},
+                            {4, Kind::client, "radio asked kOn"}}),
+                ElementsAre("radio", "diag::dem"));
+}
+
+}  // namespace
+}  // namespace bench::tour
