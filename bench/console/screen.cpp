@@ -128,8 +128,7 @@ std::size_t draw_clients(Canvas& canvas, Machine_view const& machine) {
     if (machine.clients().empty()) {
         return row;
     }
-    canvas.put(row++, 0, std::string("Clients  Tab next  w well  l late  i silent  f fails  c crashes"),
-               Style::title);
+    canvas.put(row++, 0, std::string("Clients  Tab next  w well  l late  i silent  f fails  c crashes"), Style::title);
     for (std::size_t index = 0; index < machine.clients().size(); ++index) {
         draw_client(canvas, row++, machine, index);
     }
