@@ -22,6 +22,10 @@ class Stranger : public Client {
     // What a client prints that knows the wire and nothing of the binding.
     static std::string printed_by(std::vector<std::string> words) {
         words.insert(words.begin(), STRANGER_PROGRAM);
+        return output_of(words);
+    }
+
+    static std::string output_of(std::vector<std::string> const& words) {
         bench::Child_process program(words, {k_configuration});
         program.wait(k_patience);
         std::string text(1000, '\0');
@@ -53,6 +57,14 @@ TEST_F(Stranger, A_request_to_another_instance_is_refused) {
 
 TEST_F(Stranger, The_identity_of_a_request_is_not_believed_but_given_back) {
     EXPECT_EQ(printed_by({"app", "7", "identity"}), "reply: exception 0, method 1\n");
+}
+
+TEST_F(Stranger, What_does_not_decode_reaches_no_handler_and_harms_nobody) {
+    EXPECT_EQ(output_of({HOSTILE_PROGRAM, "app"}), "512 sent to 1\n");
+    EXPECT_EQ(printed_by({"app", "7", "nothing"}), "reply: exception 0, method 1\n");
+    peer_.await_event("request", {{"number", 7}});
+    // Besides that it is ready.
+    EXPECT_EQ(peer_.log().messages().size(), 2U);
 }
 
 }  // namespace

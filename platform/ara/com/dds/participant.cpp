@@ -1,5 +1,6 @@
 #include "ara/com/dds/participant.h"
 
+#include "ara/com/dds/engine_log.h"
 #include "ara/com/dds/sample.h"
 
 #include <cstdlib>
@@ -63,10 +64,15 @@ std::string topic_name(dds_topic_descriptor_t const& type) {
     return name;
 }
 
+std::shared_ptr<Entity> configured_domain() {
+    log_what_the_engine_tells();
+    return is_configured_by_environment() ? nullptr : local_domain();
+}
+
 }  // namespace
 
 Participant::Participant()
-    : domain_(is_configured_by_environment() ? nullptr : local_domain()),
+    : domain_(configured_domain()),
       participant_(dds_create_participant(domain_ ? k_local_domain : DDS_DOMAIN_DEFAULT, nullptr, nullptr),
                    "The communication engine does not start"),
       identity_(guid_of(participant_.get())) {}
