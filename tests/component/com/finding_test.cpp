@@ -145,11 +145,11 @@ TEST_F(Finding, A_lookup_may_be_stopped_by_its_own_handler) {
 }
 
 TEST_F(Finding, Nobody_need_keep_the_handle_of_a_lookup) {
-    Seen<Names> reports;
-    Com_alive_proxy::StartFindService([&reports](auto const& handles) { reports.add(names(handles)); },
+    auto const reports = std::make_shared<Seen<Names>>();
+    Com_alive_proxy::StartFindService([reports](auto const& handles) { reports->add(names(handles)); },
                                       ara::com::InstanceSpecifier("*"));
     auto peer = server({"app"});
-    EXPECT_THAT(reports.await([](auto const& all) { return !all.empty() && !all.back().empty(); }).back(),
+    EXPECT_THAT(reports->await([](auto const& all) { return !all.empty() && !all.back().empty(); }).back(),
                 ElementsAre("app"));
 }
 
