@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -42,20 +43,22 @@ void await(Condition const& condition) {
     }
 }
 
-dds_qos_t* reliable(bool for_late_joiners) {
-    auto* quality = dds_create_qos();
-    dds_qset_reliability(quality, DDS_RELIABILITY_RELIABLE, DDS_MSECS(100));
+using Quality = std::unique_ptr<dds_qos_t, decltype(&dds_delete_qos)>;
+
+Quality reliable(bool for_late_joiners) {
+    Quality quality(dds_create_qos(), dds_delete_qos);
+    dds_qset_reliability(quality.get(), DDS_RELIABILITY_RELIABLE, DDS_MSECS(100));
     if (for_late_joiners) {
-        dds_qset_durability(quality, DDS_DURABILITY_TRANSIENT_LOCAL);
+        dds_qset_durability(quality.get(), DDS_DURABILITY_TRANSIENT_LOCAL);
     } else {
-        dds_qset_history(quality, DDS_HISTORY_KEEP_ALL, 0);
+        dds_qset_history(quality.get(), DDS_HISTORY_KEEP_ALL, 0);
     }
     return quality;
 }
 
-dds_qos_t* partition(std::string const& name) {
-    auto* quality = dds_create_qos();
-    dds_qset_partition1(quality, name.c_str());
+Quality partition(std::string const& name) {
+    Quality quality(dds_create_qos(), dds_delete_qos);
+    dds_qset_partition1(quality.get(), name.c_str());
     return quality;
 }
 
@@ -124,12 +127,12 @@ void call(dds_entity_t participant, std::string const& instance, std::uint8_t nu
     auto const replies =
         checked(dds_create_topic(participant, &ximo_ap_statemanager_StateManagementComAliveInterface_Reply_desc,
                                  "ximo/ap/statemanager/StateManagementComAliveInterface_Reply", nullptr, nullptr));
-    auto const publisher = checked(dds_create_publisher(participant, partition(instance), nullptr));
-    auto const writer = checked(dds_create_writer(publisher, requests, reliable(false), nullptr));
+    auto const publisher = checked(dds_create_publisher(participant, partition(instance).get(), nullptr));
+    auto const writer = checked(dds_create_writer(publisher, requests, reliable(false).get(), nullptr));
     dds_guid_t guid;
     checked(dds_get_guid(writer, &guid));
-    auto const subscriber = checked(dds_create_subscriber(participant, partition(hexadecimal(guid)), nullptr));
-    auto const reader = checked(dds_create_reader(subscriber, replies, reliable(false), nullptr));
+    auto const subscriber = checked(dds_create_subscriber(participant, partition(hexadecimal(guid)).get(), nullptr));
+    auto const reader = checked(dds_create_reader(subscriber, replies, reliable(false).get(), nullptr));
     await([&] { return is_connected(writer, reader); });
 
     auto const request = make_request(guid, instance, number, bits, fault);
@@ -157,7 +160,7 @@ int main(int argc, char** argv) {
     auto const participant = checked(dds_create_participant(DDS_DOMAIN_DEFAULT, nullptr, nullptr));
     auto const topic =
         checked(dds_create_topic(participant, &ara_com_ServiceOffer_desc, "ara/com/ServiceOffer", nullptr, nullptr));
-    auto const offers = checked(dds_create_reader(participant, topic, reliable(true), nullptr));
+    auto const offers = checked(dds_create_reader(participant, topic, reliable(true).get(), nullptr));
     await([&] { return is_offered(offers, instance); });
     call(participant, instance, static_cast<std::uint8_t>(std::atoi(argv[2])), argv[3], bits);
     dds_delete(participant);
