@@ -25,10 +25,21 @@ void Skeleton::OfferService() {
     if (offer_) {
         return;
     }
-    for (auto* part : parts_) {
-        part->open(instance_);
+    try {
+        for (auto* part : parts_) {
+            part->open(instance_);
+        }
+        offer_ = binding()->offer(type_, instance_, handler_);
+    } catch (tarq::com::Infrastructure_exception const&) {
+        close_parts();
+        throw;
     }
-    offer_ = binding()->offer(type_, instance_, handler_);
+}
+
+void Skeleton::close_parts() {
+    for (auto* part : parts_) {
+        part->close();
+    }
 }
 
 // The handler that is waited for may itself stop the offer, so the mutex is free meanwhile.
@@ -42,9 +53,7 @@ void Skeleton::StopOfferService() {
         return;
     }
     offer.reset();
-    for (auto* part : parts_) {
-        part->close();
-    }
+    close_parts();
 }
 
 }  // namespace ara::com

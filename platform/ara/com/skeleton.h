@@ -45,6 +45,8 @@ class Skeleton {
     void add_part(Offered_part& part) { parts_.push_back(&part); }
 
  private:
+    void close_parts();
+
     Service_type const& type_;
     InstanceIdentifier const instance_;
     Request_handler const handler_;

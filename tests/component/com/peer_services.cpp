@@ -80,12 +80,13 @@ ximo::com::Future<void> User_data::SetUserData(Bytes const& data) {
 }
 
 void Peer_services::offer(std::string const& name) {
-    Services services{std::make_unique<Network>(name, tell_), std::make_unique<User_data>(name),
-                      std::make_unique<Com_alive>(name, tell_, gate_)};
+    auto& services = offered_[name];
+    services.network = std::make_unique<Network>(name, tell_);
+    services.user_data = std::make_unique<User_data>(name);
+    services.com_alive = std::make_unique<Com_alive>(name, tell_, gate_);
     services.network->OfferService();
     services.user_data->OfferService();
     services.com_alive->OfferService();
-    offered_[name] = std::move(services);
 }
 
 void Peer_services::let_go() {

@@ -3,7 +3,6 @@
 #include "peer_services.h"
 
 #include <atomic>
-#include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <optional>
@@ -12,8 +11,6 @@
 namespace com_test {
 namespace {
 
-using std::chrono::milliseconds;
-using std::chrono::steady_clock;
 using testing::ElementsAre;
 
 std::ptrdiff_t threads() {
@@ -166,6 +163,26 @@ TEST_F(Shutdown, An_instance_can_be_offered_once_in_a_process) {
     first.StopOfferService();
     second.OfferService();
     EXPECT_TRUE(succeeds(User_data_proxy(found<User_data_proxy>("app")).GetUserData()));
+}
+
+TEST_F(Shutdown, A_field_whose_service_could_not_be_offered_sends_nothing) {
+    Network first("app", tell_);
+    Network second("app", tell_);
+    first.OfferService();
+    first.NetworkState.Update({1});
+    EXPECT_THROW(second.OfferService(), tarq::com::Infrastructure_exception);
+    second.NetworkState.Update({2});
+    Network_proxy proxy(found<Network_proxy>("app"));
+    Seen<Bytes> seen;
+    proxy.NetworkState.SetReceiveHandler([&] {
+        proxy.NetworkState.Update();
+        seen.add(*proxy.NetworkState.GetCachedSamples().back());
+    });
+    proxy.NetworkState.Subscribe(1);
+    seen.await_count(1);
+    first.NetworkState.Update({3});
+    EXPECT_THAT(seen.await_count(2), ElementsAre(Bytes{1}, Bytes{3}));
+    proxy.NetworkState.Unsubscribe();
 }
 
 }  // namespace

@@ -112,7 +112,7 @@ Request make_request(dds_guid_t const& writer, std::string const& instance, std:
         request.data = {};
         request.data._d = 77;
     } else if (fault == "instance") {
-        std::strcpy(request.header.instanceName, "other");
+        std::strncpy(request.header.instanceName, "other", sizeof request.header.instanceName - 1);
     } else if (fault == "identity") {
         std::memset(&request.header.requestId, 255, sizeof request.header.requestId);
     }
@@ -155,14 +155,14 @@ int main(int argc, char** argv) {
     std::string const instance = argv[1];
     std::vector<std::uint8_t> bits;
     for (int word = 4; word < argc; ++word) {
-        bits.push_back(static_cast<std::uint8_t>(std::atoi(argv[word])));
+        bits.push_back(static_cast<std::uint8_t>(std::stoi(argv[word])));
     }
     auto const participant = checked(dds_create_participant(DDS_DOMAIN_DEFAULT, nullptr, nullptr));
     auto const topic =
         checked(dds_create_topic(participant, &ara_com_ServiceOffer_desc, "ara/com/ServiceOffer", nullptr, nullptr));
     auto const offers = checked(dds_create_reader(participant, topic, reliable(true).get(), nullptr));
     await([&] { return is_offered(offers, instance); });
-    call(participant, instance, static_cast<std::uint8_t>(std::atoi(argv[2])), argv[3], bits);
+    call(participant, instance, static_cast<std::uint8_t>(std::stoi(argv[2])), argv[3], bits);
     dds_delete(participant);
     return EXIT_SUCCESS;
 }

@@ -5,6 +5,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
+#include <filesystem>
+#include <iterator>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -115,6 +118,22 @@ TEST_F(Process_watch_test, Several_processes_are_watched) {
     await(1);
     one.kill();
     EXPECT_THAT(await(2), ElementsAre(two.id(), one.id()));
+}
+
+TEST_F(Process_watch_test, Sixty_four_processes_are_watched_at_most) {
+    std::vector<std::unique_ptr<Idle_process>> processes;
+    auto const descriptors = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                             std::filesystem::directory_iterator());
+    };
+    Idle_process first;
+    sut_.watch(first.id());
+    auto const with_one = descriptors();
+    for (int number = 0; number < 70; ++number) {
+        processes.push_back(std::make_unique<Idle_process>());
+        EXPECT_TRUE(sut_.watch(processes.back()->id()));
+    }
+    EXPECT_EQ(descriptors(), with_one + 63);
 }
 
 TEST_F(Process_watch_test, A_watch_may_end_before_the_process) {

@@ -1,6 +1,7 @@
 #include "ara/com/dds/process_watch.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <system_error>
 
@@ -15,6 +16,10 @@ namespace ara::com::dds {
 namespace {
 
 constexpr pid_t k_nobody = 0;
+
+// More processes than find a place in the domain of a machine. Each takes a descriptor, and offers may name any
+// process.
+constexpr std::size_t k_most_watched = 64;
 
 // The process is ready for reading once it has ended.
 int open_process(pid_t process) {
@@ -54,7 +59,7 @@ bool Process_watch::watch(pid_t process) {
     if (descriptor < 0) {
         return errno != ESRCH;
     }
-    if (!start() || !add(events_, descriptor, process)) {
+    if (watched_.size() >= k_most_watched || !start() || !add(events_, descriptor, process)) {
         ::close(descriptor);
         return true;
     }
