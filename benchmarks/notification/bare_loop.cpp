@@ -7,6 +7,8 @@
 #include "utilities/serialization.h"
 
 #include <array>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include <sys/socket.h>
@@ -24,7 +26,9 @@ utilities::Socket listen_at(std::string const& path) {
     utilities::Socket socket(AF_UNIX, SOCK_STREAM, 0);
     utilities::delete_file(path);
     auto const address = utilities::create_unix_address(path);
-    ::bind(socket.get_fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address);
+    if (::bind(socket.get_fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
+        throw std::system_error(errno, std::generic_category(), "bind");
+    }
     socket.listen(10);
     return socket;
 }
@@ -77,7 +81,7 @@ void Bare_loop::accept_clients() {
     is_complete_ = true;
 }
 
-bool Bare_loop::receive_wake_up() {
+bool Bare_loop::receive_wake_up() const {
     std::array<char, 4096> message{};
     return wake_up_.first.recv(message.data(), message.size(), 0) > 1;
 }

@@ -35,7 +35,7 @@ class Bare_loop {
  private:
     void serve();
     void accept_clients();
-    bool receive_wake_up();
+    bool receive_wake_up() const;
     void send_requests();
     std::size_t read_answers();
 

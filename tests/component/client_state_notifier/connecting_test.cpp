@@ -80,6 +80,18 @@ TEST_F(Connecting, Takes_over_the_state_that_a_client_reaches_after_it) {
     EXPECT_THAT(reports(), IsEmpty());
 }
 
+TEST_F(Connecting, Takes_an_answer_that_comes_together_with_the_introduction) {
+    Test_client client(path);
+    auto bytes = utilities::serialize({utilities::Type_length_value("component_client_v1"),
+                                       utilities::Type_length_value("radio"), utilities::Type_length_value("kOff")});
+    auto const answer = utilities::serialize(
+        {utilities::Type_length_value(0U), utilities::Type_length_value("kOn"), utilities::Type_length_value(0U)});
+    bytes.insert(bytes.end(), answer.begin(), answer.end());
+    client.send_bytes(bytes.data(), bytes.size());
+    EXPECT_TRUE(eventually([&] { return !sut->get_connected_clients().empty(); }));
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().front().second == "kOn"; }));
+}
+
 TEST_F(Connecting, Compares_with_the_state_that_was_set_last) {
     sut->set_default_state("kPrepSD");
     auto late = connect("radio", "kOn");
