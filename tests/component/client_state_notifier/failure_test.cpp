@@ -3,6 +3,7 @@
 #include "server_fixture.h"
 #include "support/open_descriptors.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -33,6 +34,16 @@ class Server_with_a_bad_client : public Server_test {
         auto const [status, results] = outcome_of(outcome);
         EXPECT_EQ(status, Callback_status::succeeded);
         EXPECT_THAT(results, ElementsAre(Pair("good", Component_client_return_type::succeeded)));
+    }
+
+    /// The same without a future.
+    bool serves() {
+        auto const served = std::make_shared<std::atomic<bool>>(false);
+        sut->request_state_change(
+            "kPrepSD", [](auto const& name) { return name == "good"; },
+            [served](auto status, auto const& /*results*/) { *served = status == Callback_status::succeeded; }, 5s);
+        good.obey();
+        return eventually([&] { return served->load(); });
     }
 
     Test_client good = connect("good");
@@ -201,14 +212,19 @@ TEST_F(Server_with_a_bad_client, Closes_connections_beyond_the_bound) {
     expect_service();
 }
 
+/// The lowest descriptor that is free.
+int next_descriptor() {
+    int const descriptor = ::dup(0);
+    ::close(descriptor);
+    return descriptor;
+}
+
 /// No descriptor can be had as long as it lives.
 class Full_descriptor_table {
  public:
     Full_descriptor_table() {
         getrlimit(RLIMIT_NOFILE, &before_);
-        int const next_free = ::dup(0);
-        ::close(next_free);
-        rlimit const full{static_cast<rlim_t>(next_free), before_.rlim_max};
+        rlimit const full{static_cast<rlim_t>(next_descriptor()), before_.rlim_max};
         setrlimit(RLIMIT_NOFILE, &full);
     }
     ~Full_descriptor_table() { setrlimit(RLIMIT_NOFILE, &before_); }
@@ -222,15 +238,16 @@ class Full_descriptor_table {
 TEST_F(Server_with_a_bad_client, Survives_a_full_descriptor_table_without_spinning) {
     utilities::Socket const late(AF_UNIX, SOCK_STREAM, 0);
     auto const never = utilities::socket_pair();
-    // A sanitizer needs descriptors for what it sees for the first time, so it sees all of this once before.
+    // A sanitizer needs descriptors for what it sees for the first time, so it sees all of this once before; and no
+    // future is used without descriptors.
     ASSERT_TRUE(has_logged(info("socket created: ", path)));
-    expect_service();
+    EXPECT_TRUE(serves());
     {
         Full_descriptor_table const full;
         ASSERT_TRUE(late.try_connect(utilities::create_unix_address(path), never.first));
         ASSERT_TRUE(has_logged(
             logged_in("SNCC", LogLevel::kError, "no connection can be taken: ", base::system_error_text(EMFILE))));
-        expect_service();
+        EXPECT_TRUE(serves());
         std::this_thread::sleep_for(250ms);
         EXPECT_LE(log.messages(LogLevel::kError).size(), 6U) << "it tries again about every 100 ms";
     }
@@ -255,39 +272,26 @@ TEST_F(Server_that_fails, Says_so_and_completes_requests_as_timed_out) {
     EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
 }
 
-/// No set of descriptors is small enough for a poll as long as it lives.
-class Polls_that_fail {
- public:
-    Polls_that_fail() {
-        getrlimit(RLIMIT_NOFILE, &before_);
-        rlimit const none{0, before_.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~Polls_that_fail() { setrlimit(RLIMIT_NOFILE, &before_); }
-    Polls_that_fail(Polls_that_fail const&) = delete;
-    Polls_that_fail& operator=(Polls_that_fail const&) = delete;
-
- private:
-    rlimit before_{};
-};
-
+// Its wake-up channel breaks, which it opens before everything else.
 TEST_F(Server_that_fails, Completes_the_request_in_progress_as_timed_out_and_closes_all_connections) {
+    sut.reset();
+    int const wake_up_channel = next_descriptor();
+    sut.emplace("kOn", nullptr, path);
     auto radio = connect("radio");
     auto seat = connect("seat");
     auto outcome = request("kPrepSD", 1h);
     radio.obey();
     ASSERT_TRUE(eventually([&] { return sut->get_connected_clients().front().second == "kPrepSD"; }));
     seat.receive();
-    {
-        Polls_that_fail const polls;
-        seat.answer(99, "");  // wakes it for another poll
-        auto const [status, results] = outcome_of(outcome);
-        EXPECT_EQ(status, Callback_status::timed_out);
-        EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::succeeded),
-                                         Pair("seat", Component_client_return_type::timed_out)));
-    }
-    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
-                                     std::system_error(EINVAL, std::generic_category(), "Socket::poll()").what())));
+
+    ::shutdown(wake_up_channel, SHUT_RDWR);
+
+    auto const [status, results] = outcome_of(outcome);
+    EXPECT_EQ(status, Callback_status::timed_out);
+    EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::succeeded),
+                                     Pair("seat", Component_client_return_type::timed_out)));
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError,
+                                     "Client_states_impl thread crashed: ", "Socket::recv called with closed socket")));
     EXPECT_TRUE(seat.is_closed_by_server());
     EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
     EXPECT_EQ(outcome_of(request("kOn", 1h)).status, Callback_status::timed_out);
