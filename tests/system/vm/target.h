@@ -50,8 +50,12 @@ class Target : public testing::Test {
 
     void start_the_daemon_again();
 
+    /// The next story begins with a new daemon.
+    static void needs_new_daemon() { daemon_is_used_up = true; }
+
  private:
     static std::unique_ptr<Virtual_machine> shared_machine;
+    static bool daemon_is_used_up;
     friend class Shared_machine;
 
     std::size_t begin_{0};
