@@ -67,6 +67,7 @@ TEST_F(Clients, That_are_in_no_group_are_refused) {
     auto const refused = machine().shell().run(
         "systemd-run --quiet --wait --pipe --property=DynamicUser=yes --property=RuntimeMaxSec=5 ap_statectl client "
         "--name stranger --json");
+    EXPECT_THAT(refused.output, testing::HasSubstr("Permission denied"));
     EXPECT_THAT(refused.output, testing::Not(testing::HasSubstr("\"event\":\"connected\"")));
 }
 
