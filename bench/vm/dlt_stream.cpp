@@ -2,6 +2,8 @@
 
 #include "bench/vehicle/dlt_message.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include <dlt/dlt_common.h>
@@ -38,6 +40,17 @@ class Message {
     DltMessage message_{};
 };
 
+// How long a message says that it is, with its serial header; 0 when it has not said so yet.
+std::size_t announced_size(std::string_view message) {
+    constexpr std::size_t position = 2;  // behind the serial header, in network order
+    auto const begin = k_header.size() + position;
+    if (message.size() < begin + 2) {
+        return 0;
+    }
+    return k_header.size() + static_cast<std::uint8_t>(message[begin]) * 256U +
+           static_cast<std::uint8_t>(message[begin + 1]);
+}
+
 }  // namespace
 
 vehicle::Timeline Dlt_stream::add(std::string_view bytes) {
@@ -51,14 +64,19 @@ vehicle::Timeline Dlt_stream::add(std::string_view bytes) {
             return messages;
         }
         waiting_.erase(0, begin);
+        auto const next = waiting_.find(k_header, k_header.size());
+        if (next < announced_size(waiting_)) {
+            waiting_.erase(0, next);  // cut off: the next one has begun
+            continue;
+        }
         Message message;
         if (message.read(waiting_)) {
             if (auto event = vehicle::to_event(message.get())) {
                 messages.push_back(std::move(*event));
             }
             waiting_.erase(0, k_header.size() + message.size());
-        } else if (waiting_.find(k_header, k_header.size()) != std::string::npos) {
-            waiting_.erase(0, k_header.size());  // cut off: the next one has begun
+        } else if (next != std::string::npos) {
+            waiting_.erase(0, k_header.size());  // complete, and none
         } else {
             return messages;
         }

@@ -54,19 +54,19 @@ build() {
     cmake --build "build/$preset" ${1:+--target "$@"}
 }
 
-# prepare_machine: everything for the virtual machine, ending in build/vm. What is there and up to date is not made again.
-# What it prints goes to build/vm.log. Fails, with the reason printed, where the emulator or the cross compiler can't be
-# installed.
+# prepare_machine PROGRAM: everything for the virtual machine, which ends in build/vm, and the program of this machine that
+# uses it. What is there and up to date is not made again. What it prints goes to build/vm.log. Fails, with the reason
+# printed, where the emulator or the cross compiler can't be installed.
 prepare_machine() {
     install_packages build run test packages vm || { echo "the emulator and what belongs to it can't be installed here"; return 1; }
     install_cross || { echo "the arm64 packages of the cross build can't be installed here"; return 1; }
     mkdir -p "$root/build"
-    if ! make_machine >"$root/build/vm.log" 2>&1; then
+    if ! make_machine "$1" >"$root/build/vm.log" 2>&1; then
         tail -n 60 "$root/build/vm.log"
         exit 1
     fi
 }
 
 make_machine() {
-    build release && "$root/deploy/scripts/package" arm64 && "$root/bench/vm/guest/build" "$root/build/vm" "$root/build/packages/arm64"
+    build release "$1" && "$root/deploy/scripts/package" arm64 && "$root/bench/vm/guest/build" "$root/build/vm" "$root/build/packages/arm64"
 }
