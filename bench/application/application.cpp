@@ -6,12 +6,10 @@ namespace bench::application {
 
 namespace {
 
-constexpr std::chrono::milliseconds k_patience{0};  // what is not offered yet is the user's business
-
-/// The way to an instance that has been offered.
+/// The way to an instance that is offered. An offer that is on its way is awaited.
 template <class Proxy>
-std::shared_ptr<Proxy> way_to(statectl::Found_instance<Proxy>& instance) {
-    auto proxy = instance.await(k_patience);
+std::shared_ptr<Proxy> way_to(statectl::Found_instance<Proxy>& instance, std::chrono::milliseconds patience) {
+    auto proxy = instance.await(patience);
     if (!proxy) {
         throw tarq::com::Service_not_available_exception();
     }
@@ -41,13 +39,13 @@ Application::Application(std::string const& instance, On_change const& on_change
 void Application::request(Means means, Request const& request) {
     switch (means) {
         case Means::ecu_alive:
-            way_to(ecu_alive_)->RequestAlive().get();
+            way_to(ecu_alive_, request.patience)->RequestAlive().get();
             break;
         case Means::com_alive:
-            way_to(com_alive_)->RequestComAlive(request.cab_bits, request.ac_number).get();
+            way_to(com_alive_, request.patience)->RequestComAlive(request.cab_bits, request.ac_number).get();
             break;
         case Means::car_wake_up:
-            way_to(car_wake_up_)->RequestCarWakeUp(request.ac_number).get();
+            way_to(car_wake_up_, request.patience)->RequestCarWakeUp(request.ac_number).get();
             break;
     }
 }
@@ -55,19 +53,19 @@ void Application::request(Means means, Request const& request) {
 void Application::release(Means means, Request const& request) {
     switch (means) {
         case Means::ecu_alive:
-            way_to(ecu_alive_)->ReleaseAlive().get();
+            way_to(ecu_alive_, request.patience)->ReleaseAlive().get();
             break;
         case Means::com_alive:
-            way_to(com_alive_)->ReleaseComAlive(request.cab_bits).get();
+            way_to(com_alive_, request.patience)->ReleaseComAlive(request.cab_bits).get();
             break;
         case Means::car_wake_up:
-            way_to(car_wake_up_)->ReleaseCarWakeUp().get();
+            way_to(car_wake_up_, request.patience)->ReleaseCarWakeUp().get();
             break;
     }
 }
 
 void Application::restart(std::uint8_t type) {
-    way_to(restart_)->RequestRestart(type).get();
+    way_to(restart_, Request().patience)->RequestRestart(type).get();
 }
 
 }  // namespace bench::application

@@ -23,12 +23,14 @@ char const* name(Means means);
 
 /// What a request for communication, or to wake the car, carries.
 struct Request {
-    std::vector<std::uint8_t> cab_bits;  ///< com_alive only
-    std::uint8_t ac_number = 0;          ///< com_alive and car_wake_up
+    std::vector<std::uint8_t> cab_bits;        ///< com_alive only
+    std::uint8_t ac_number = 0;                ///< com_alive and car_wake_up
+    std::chrono::milliseconds patience{2000};  ///< for the service to be offered
 };
 
-/// One application of the machine: it reaches the state manager's services under its own instance name. A call blocks
-/// until its answer is there, at most two seconds, and throws `tarq::com::Infrastructure_exception` when it fails.
+/// One application of the machine: it reaches the state manager's services under its own instance name. A call waits
+/// for the service to be offered, then up to two seconds for its answer, and throws
+/// `tarq::com::Infrastructure_exception` when it fails.
 class Application {
  public:
     /// Is told on a thread of the binding whenever a service is offered or withdrawn.

@@ -31,6 +31,9 @@ Request request_of(Arguments& arguments, Means means, bool with_number) {
     if (with_number && means != Means::ecu_alive) {
         request.ac_number = static_cast<std::uint8_t>(arguments.number_or("ac", 0, 0, 255));
     }
+    constexpr std::int64_t k_longest_wait_ms = 60'000;
+    request.patience =
+        std::chrono::milliseconds(arguments.number_or("wait_ms", request.patience.count(), 0, k_longest_wait_ms));
     arguments.end();
     return request;
 }

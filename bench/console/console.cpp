@@ -1,5 +1,6 @@
 #include "bench/console/console.h"
 
+#include "bench/console/network_keys.h"
 #include "bench/console/screen.h"
 #include "bench/json_lines/clock.h"
 
@@ -95,7 +96,10 @@ class Terminal {
 
 class Session {
  public:
-    explicit Session(vehicle::Machine& machine) : machine_(machine) {}
+    Session(vehicle::Machine& machine, statectl::User_data_layout const& layout) : machine_(machine) {
+        hand_.applications = machine.applications();
+        hand_.layout = layout;
+    }
 
     int run() {
         machine_.start_daemon();
@@ -109,7 +113,7 @@ class Session {
                 handle(key);
             }
             auto canvas = Terminal::blank_canvas();
-            draw(canvas, view_, level_);
+            draw(canvas, view_, level_, hand_);
             Terminal::show(canvas);
         }
         return EXIT_SUCCESS;
@@ -135,6 +139,8 @@ class Session {
             stop_or_start();
         } else if (key == 'q' || key == k_control_c) {
             is_over_ = true;
+        } else {
+            handle_network_key(key, machine_, view_, hand_);
         }
     }
 
@@ -157,15 +163,16 @@ class Session {
 
     vehicle::Machine& machine_;
     Machine_view view_;
+    Network_hand hand_;
     int level_{4};
     bool is_over_{false};
 };
 
 }  // namespace
 
-int run(vehicle::Machine& machine, std::string const& messages) {
+int run(vehicle::Machine& machine, std::string const& messages, statectl::User_data_layout const& layout) {
     Terminal const terminal(messages);
-    return Session(machine).run();
+    return Session(machine, layout).run();
 }
 
 }  // namespace bench::console

@@ -41,16 +41,25 @@ void Machine_view::take(vehicle::Event const& event) {
             break;
         case Kind::ended:
             exit_status_ = event.text;
+            held_.clear();  // the daemon alone knew of it
             break;
         case Kind::log:
-            keep_newest(log_, event, k_log_lines);
+            take_log(event);
+            break;
+        case Kind::bus:
+            bus_ = event.text;
+            break;
+        case Kind::network_state:
+            network_state_ = event.text;
+            break;
+        case Kind::user_data:
+            user_data_ = event.text;
+            break;
+        case Kind::application:
+            take_application(event.text);
             break;
         case Kind::notification:
-        case Kind::bus:
-        case Kind::network_state:
-        case Kind::user_data:
         case Kind::client:
-        case Kind::application:
             break;
     }
 }
@@ -64,8 +73,38 @@ void Machine_view::select_next_client() {
     selected_client_ = clients_.empty() ? 0 : (selected_client_ + 1) % clients_.size();
 }
 
+void Machine_view::take_log(vehicle::Event const& event) {
+    constexpr std::string_view k_ecu_state = "Ecu state based on NM activity: ";
+    if (event.text.rfind(k_ecu_state, 0) == 0) {
+        ecu_state_ = event.text.substr(k_ecu_state.size());
+    }
+    keep_newest(log_, event, k_log_lines);
+}
+
+// "1 requests ecu_alive"; the application's name may have blanks in it.
+void Machine_view::take_application(std::string const& text) {
+    for (bool const is_request : {true, false}) {
+        std::string const verb = is_request ? " requests " : " releases ";
+        auto const position = text.rfind(verb);
+        if (position == std::string::npos) {
+            continue;
+        }
+        auto const entry = text.substr(0, position) + ' ' + text.substr(position + verb.size());
+        if (is_request) {
+            held_.insert(entry);
+        } else {
+            held_.erase(entry);
+        }
+    }
+}
+
+bool Machine_view::holds(std::string const& application, std::string const& what) const {
+    return held_.count(application + ' ' + what) != 0;
+}
+
 void Machine_view::begin_life() {
     state_word_.clear();
+    ecu_state_.clear();
     exit_status_.reset();
 }
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,14 @@ class Machine_view {
     std::size_t beats() const { return beats_; }
     std::optional<std::string> const& exit_status() const { return exit_status_; }  ///< once the daemon has ended
 
+    std::string const& bus() const { return bus_; }                      ///< state of the machine's node
+    std::string const& network_state() const { return network_state_; }  ///< bytes; empty before the first
+    std::string const& user_data() const { return user_data_; }
+    std::string const& ecu_state() const { return ecu_state_; }  ///< as the daemon tells it
+
+    /// Whether an application has asked for "ecu_alive", "com_alive" or "cwu" and not given it back.
+    bool holds(std::string const& application, std::string const& what) const;
+
     std::vector<vehicle::Client_status> const& clients() const { return clients_; }
     std::size_t selected_client() const { return selected_client_; }  ///< its index
     std::int64_t now() const { return now_; }
@@ -43,6 +52,9 @@ class Machine_view {
     void begin_life();
 
  private:
+    void take_log(vehicle::Event const& event);
+    void take_application(std::string const& text);
+
     std::string state_word_;
     std::string machine_state_;
     std::deque<std::string> keys_;
@@ -53,6 +65,11 @@ class Machine_view {
     std::int64_t now_{0};
     std::size_t beats_{0};
     std::optional<std::string> exit_status_;
+    std::string bus_;
+    std::string network_state_;
+    std::string user_data_;
+    std::string ecu_state_;
+    std::set<std::string> held_;  ///< application and what, with a blank between
 };
 
 }  // namespace bench::console

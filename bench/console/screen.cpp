@@ -24,6 +24,7 @@ constexpr std::array<wchar_t const*, 12> k_diagram{L" ╭───────�
                                                    L"                        ╰────────────╯       ╰───────────────╯"};
 constexpr std::size_t k_side = 64;
 constexpr std::size_t k_below_diagram = 12;
+constexpr std::size_t k_least_log_rows = 5;
 
 struct Box {
     char const* state_word;
@@ -135,6 +136,21 @@ std::size_t draw_clients(Canvas& canvas, Machine_view const& machine) {
     return row;
 }
 
+/// The clients and the network; one of them where the terminal has not the rows for both. Returns the row behind.
+std::size_t draw_panels(Canvas& canvas, Machine_view const& machine, Network_hand const& hand) {
+    if (hand.applications.empty()) {
+        return draw_clients(canvas, machine);
+    }
+    auto const client_rows = machine.clients().empty() ? 0 : machine.clients().size() + 1;
+    bool const has_rows = canvas.rows() >= k_below_diagram + client_rows + k_network_rows + k_least_log_rows;
+    if (!has_rows && !hand.instead_of_clients) {
+        return draw_clients(canvas, machine);
+    }
+    auto const top = has_rows ? draw_clients(canvas, machine) : k_below_diagram;
+    draw_network(canvas, top, machine, hand);
+    return top + k_network_rows;
+}
+
 void draw_log(Canvas& canvas, Machine_view const& machine, int level, std::size_t top) {
     static constexpr std::array<char const*, 7> names{"nothing", "fatal", "error", "warn", "info", "debug", "verbose"};
     canvas.put(top, 0, std::string("Log up to ") + names.at(static_cast<std::size_t>(std::clamp(level, 0, 6))),
@@ -150,16 +166,16 @@ void draw_log(Canvas& canvas, Machine_view const& machine, int level, std::size_
 
 }  // namespace
 
-void draw(Canvas& canvas, Machine_view const& machine, int level) {
+void draw(Canvas& canvas, Machine_view const& machine, int level, Network_hand const& hand) {
     if (canvas.rows() < k_least_rows || canvas.columns() < k_least_columns) {
         canvas.put(0, 0, std::string("The terminal is too small; 80 x 20 are needed. q quits."));
         return;
     }
     draw_diagram(canvas, machine);
     draw_side(canvas, machine);
-    draw_log(canvas, machine, level, draw_clients(canvas, machine));
+    draw_log(canvas, machine, level, draw_panels(canvas, machine, hand));
     auto const last = canvas.rows() - 1;
-    canvas.put(last, 0, std::string("r run  n net  s net+suspend  p suspend  o power  1-6 log  x stop/start  q quit"),
+    canvas.put(last, 0, std::string("r run  n net  s net+suspend  p suspend  o power  1-6 log  d panel  x stop q quit"),
                Style::title);
 }
 

@@ -29,8 +29,6 @@ using bench::vehicle::Options;
 using bench::vehicle::Vehicle;
 
 constexpr int k_usage_error = 2;
-constexpr std::chrono::seconds k_client_limit_of_tour{3};
-constexpr std::chrono::seconds k_client_limit_of_console{10};
 
 void print_usage(std::FILE* out) {
     std::fputs(
@@ -49,16 +47,14 @@ std::string content_of(fs::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The example waits a minute for a client, which is longer than a spectator does.
-Options complete_machine(fs::path const& build, std::chrono::seconds client_limit) {
+Options complete_machine(fs::path const& build) {
     auto configuration =
         nlohmann::json::parse(content_of(fs::path(VEHICLE_PROJECT) / "deploy/config/ap_statemanager.json"));
-    for (char const* const limit : {"ApplicationSuspendRequestTimeout", "DMSuspendRequestTimeout"}) {
-        configuration["ap_statemanager"][limit] = client_limit.count();
-    }
+    configuration.merge_patch(bench::tour::configuration_changes());
     Options options;
     options.programs = build.string();
-    options.configuration = configuration.dump();
+    options.configuration = configuration.dump(4);
+    options.with_network = true;
     return options;
 }
 
@@ -86,9 +82,14 @@ std::vector<fs::path> usual_places(fs::path const& build) {
 }
 
 int tour(fs::path const& build, Picture_file& picture) {
-    Vehicle vehicle(complete_machine(build, k_client_limit_of_tour));
-    auto const findings = bench::tour::walk(vehicle, bench::tour::steps());
-    bool const all_seen = bench::tour::print_summary(findings);
+    Vehicle vehicle(complete_machine(build));
+    auto const steps = bench::tour::steps();
+    bool const has_spectators = ::isatty(STDOUT_FILENO) != 0;
+    auto const findings =
+        bench::tour::walk(vehicle, steps, Vehicle::k_patience,
+                          has_spectators ? bench::tour::k_spectators_pause : std::chrono::milliseconds(0));
+    bool all_seen = bench::tour::print_summary(findings);
+    all_seen = bench::tour::print_rows(steps, findings) && all_seen;
     if (!(picture.stream << bench::tour::draw(vehicle.events()) << std::flush)) {
         std::fprintf(stderr, "%s can't be written\n", picture.path.c_str());
         return EXIT_FAILURE;
@@ -99,8 +100,13 @@ int tour(fs::path const& build, Picture_file& picture) {
 }
 
 int console(fs::path const& build) {
-    Vehicle vehicle(complete_machine(build, k_client_limit_of_console));
-    return bench::console::run(vehicle, "/tmp/stderr");
+    auto const options = complete_machine(build);
+    Vehicle vehicle(options);
+    // The example waits a minute for a client, which is longer than a spectator does.
+    vehicle.change_configuration(
+        {{"ap_statemanager", {{"ApplicationSuspendRequestTimeout", 10}, {"DMSuspendRequestTimeout", 10}}}});
+    return bench::console::run(vehicle, "/tmp/stderr",
+                               statectl::layout_in(nlohmann::json::parse(options.configuration)));
 }
 
 bool has_terminal() {

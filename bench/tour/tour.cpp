@@ -6,15 +6,17 @@
 #include <chrono>
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace bench::tour {
 
 namespace {
 
-constexpr std::chrono::milliseconds k_pause{700};  // so that a person can follow
-
 std::string describe(Expectation const& expectation) {
+    if (expectation.is_absence) {
+        return std::string("no ") + vehicle::name(expectation.kind);
+    }
     return std::string(vehicle::name(expectation.kind)) + " \"" + expectation.text + "\"";
 }
 
@@ -35,49 +37,83 @@ void print_step(std::size_t number, Step const& step, double at, bool all_seen) 
     std::fflush(stdout);
 }
 
+/// Follows the machine through one step after the other. What is expected of one kind, or of one client, happens in the
+/// order of the steps of a life: each is followed by a position of its own.
+class Walk {
+ public:
+    Walk(vehicle::Machine& machine, std::chrono::milliseconds patience) : machine_(machine), patience_(patience) {}
+
+    void take(Step const& step) {
+        begin_ = machine_.events().size();
+        next_[{vehicle::Kind::watchdog, ""}] = begin_;  // beats come all the time; only fresh ones count
+        if (step.begins_life) {
+            next_.clear();
+            life_ = begin_;
+        }
+        all_seen_ = true;
+        latest_ = 0;
+        act(step);
+        for (auto const& expectation : step.expectations) {
+            note(step.name, describe(expectation), expectation.is_absence ? absence(expectation) : await(expectation));
+        }
+        print_step(++number_, step, seconds_since(start_, latest_ == 0 ? monotonic_ns() : latest_), all_seen_);
+    }
+
+    std::vector<Finding> findings;
+
+ private:
+    void act(Step const& step) {
+        try {
+            step.action(machine_);
+        } catch (std::exception const& error) {
+            note(step.name, error.what(), std::nullopt);
+        }
+    }
+
+    std::optional<std::int64_t> await(Expectation const& expectation) {
+        auto& from = next_.try_emplace(thread_of(expectation), life_).first->second;
+        auto const position = machine_.await(expectation.kind, expectation.text, from, patience_);
+        if (!position) {
+            return std::nullopt;
+        }
+        from = *position + 1;
+        return machine_.events()[*position].time;
+    }
+
+    std::optional<std::int64_t> absence(Expectation const& expectation) const {
+        auto const& events = machine_.events();
+        bool const is_absent = std::none_of(events.begin() + static_cast<std::ptrdiff_t>(begin_), events.end(),
+                                            [&](auto const& event) { return event.kind == expectation.kind; });
+        return is_absent ? std::optional(latest_) : std::nullopt;
+    }
+
+    void note(std::string const& step, std::string const& what, std::optional<std::int64_t> time) {
+        findings.push_back({step, what, time.has_value(), time.value_or(0)});
+        all_seen_ = all_seen_ && time;
+        latest_ = std::max(latest_, time.value_or(0));
+    }
+
+    vehicle::Machine& machine_;
+    std::chrono::milliseconds const patience_;
+    std::map<Thread, std::size_t> next_;
+    std::size_t life_{0};
+    std::int64_t const start_{monotonic_ns()};
+    std::size_t number_{0};
+    std::size_t begin_{0};
+    std::int64_t latest_{0};
+    bool all_seen_{true};
+};
+
 }  // namespace
 
-// What is expected of one kind, or of one client, happens in the order of the steps: each is followed by a position of
-// its own.
-std::vector<Finding> walk(vehicle::Machine& machine, std::vector<Step> const& steps,
-                          std::chrono::milliseconds patience) {
-    std::vector<Finding> findings;
-    std::map<Thread, std::size_t> next;
-    auto const start = monotonic_ns();
-    std::size_t number = 0;
+std::vector<Finding> walk(vehicle::Machine& machine, std::vector<Step> const& steps, std::chrono::milliseconds patience,
+                          std::chrono::milliseconds pause) {
+    Walk walk(machine, patience);
     for (auto const& step : steps) {
-        next[{vehicle::Kind::watchdog, ""}] =
-            machine.events().size();  // beats come all the time; only fresh ones count
-        step.action(machine);
-        std::int64_t latest = 0;
-        bool all_seen = true;
-        for (auto const& expectation : step.expectations) {
-            auto& from = next[thread_of(expectation)];
-            auto const position = machine.await(expectation.kind, expectation.text, from, patience);
-            auto const time = position ? machine.events()[*position].time : 0;
-            from = position ? *position + 1 : from;
-            findings.push_back({step.name, describe(expectation), position.has_value(), time});
-            all_seen = all_seen && position;
-            latest = std::max(latest, time);
-        }
-        print_step(++number, step, seconds_since(start, latest == 0 ? monotonic_ns() : latest), all_seen);
-        machine.watch(k_pause);
+        walk.take(step);
+        machine.watch(pause);
     }
-    return findings;
-}
-
-bool print_summary(std::vector<Finding> const& findings) {
-    std::printf("\n%-55s %-70s %s\n", "step", "expected", "seen");
-    std::string step;
-    std::size_t seen = 0;
-    for (auto const& finding : findings) {
-        std::printf("%-55s %-70s %s\n", finding.step == step ? "" : finding.step.c_str(), finding.expected.c_str(),
-                    finding.seen ? "yes" : "NO");
-        step = finding.step;
-        seen += finding.seen ? 1U : 0U;
-    }
-    std::printf("\n%zu of %zu expectations seen\n", seen, findings.size());
-    return seen == findings.size();
+    return walk.findings;
 }
 
 }  // namespace bench::tour

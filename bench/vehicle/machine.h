@@ -45,6 +45,9 @@ class Machine {
     /// Takes in what happens during that time.
     void watch(std::chrono::milliseconds duration);
 
+    /// The names under which applications of this machine reach the state manager's services.
+    virtual std::vector<std::string> applications() const { return {}; }
+
     /// The clients of the state manager as far as they are players of this machine.
     virtual std::vector<Client_status> clients() const { return {}; }
 

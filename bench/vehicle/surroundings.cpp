@@ -3,6 +3,7 @@
 #include "bench/vehicle/player_events.h"
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
@@ -54,18 +55,19 @@ std::vector<std::string> application_names(json const& configuration) {
     return names;
 }
 
-Surroundings::Surroundings(std::string const& programs, json const& configuration) {
+Surroundings::Surroundings(std::string const& programs, json const& configuration)
+    : applications_(application_names(configuration)) {
     auto const bench = std::filesystem::path(programs) / "bench";
     auto const node = (bench / "network/bench_network_node").string();
     add(k_node, {node, k_own_address, k_other_address, "--offer", "udpnm"});
     add(k_other_node, {node, k_other_address, k_own_address});
-    for (auto const& name : application_names(configuration)) {
+    for (auto const& name : applications_) {
         add(k_application + name, {(bench / "application/bench_application").string(), name});
     }
 }
 
 void Surroundings::add(std::string const& name, std::vector<std::string> const& words) {
-    neighbours_.push_back({name, std::make_unique<Player>(words)});
+    neighbours_.push_back({name, words, std::make_unique<Player>(words)});
 }
 
 Surroundings::Neighbour& Surroundings::neighbour(std::string const& name) {
@@ -77,10 +79,27 @@ Surroundings::Neighbour& Surroundings::neighbour(std::string const& name) {
     return *found;
 }
 
+void Surroundings::kill(std::string const& name) {
+    auto& player = neighbour(name).player;
+    player->process().signal(SIGKILL);
+    player->process().wait(Player::k_patience);
+    player.reset();
+}
+
+void Surroundings::start(std::string const& name) {
+    auto& killed = neighbour(name);
+    killed.player = std::make_unique<Player>(killed.words);
+    killed.seen = 0;
+}
+
 json Surroundings::tell(std::string const& name, json const& command) {
-    auto answer = neighbour(name).player->command(command);
+    auto& player = neighbour(name).player;
+    if (!player) {
+        throw std::runtime_error(name + " does not run");
+    }
+    auto answer = player->command(command);
     if (!answer.value("ok", false)) {
-        throw std::runtime_error(name + " refused " + command.dump() + ": " + answer.value("error", ""));
+        throw std::runtime_error(name + ": " + answer.value("error", "") + ": " + command.dump());
     }
     if (is_application(name)) {
         if (auto event = event_of_application(name, command, answer)) {
@@ -93,6 +112,9 @@ json Surroundings::tell(std::string const& name, json const& command) {
 Timeline Surroundings::take() {
     Timeline events = std::exchange(told_, {});
     for (auto& neighbour : neighbours_) {
+        if (!neighbour.player) {
+            continue;
+        }
         auto const& messages = neighbour.player->log().messages();
         for (; neighbour.seen < messages.size(); ++neighbour.seen) {
             if (neighbour.name == k_node) {
@@ -107,7 +129,9 @@ Timeline Surroundings::take() {
 std::vector<int> Surroundings::descriptors() const {
     std::vector<int> descriptors;
     for (auto const& neighbour : neighbours_) {
-        descriptors.push_back(neighbour.player->process().output());
+        if (neighbour.player) {
+            descriptors.push_back(neighbour.player->process().output());
+        }
     }
     return descriptors;
 }

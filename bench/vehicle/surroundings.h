@@ -25,6 +25,12 @@ class Surroundings {
     /// `std::runtime_error` for a name that nobody has, and when the command is refused.
     nlohmann::json tell(std::string const& name, nlohmann::json const& command);
 
+    /// Ends one of them at once, as if it had crashed, and starts it again.
+    void kill(std::string const& name);
+    void start(std::string const& name);
+
+    std::vector<std::string> const& applications() const { return applications_; }
+
     /// What has happened since the last call.
     Timeline take();
 
@@ -34,13 +40,15 @@ class Surroundings {
  private:
     struct Neighbour {
         std::string name;
-        std::unique_ptr<Player> player;
-        std::size_t seen{0};  ///< messages taken so far
+        std::vector<std::string> words;
+        std::unique_ptr<Player> player;  ///< null while it is killed
+        std::size_t seen{0};             ///< messages taken so far
     };
 
     void add(std::string const& name, std::vector<std::string> const& words);
     Neighbour& neighbour(std::string const& name);
 
+    std::vector<std::string> applications_;
     std::vector<Neighbour> neighbours_;
     Timeline told_;  ///< what the applications were told, for the next `take`
 };

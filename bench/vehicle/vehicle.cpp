@@ -73,6 +73,10 @@ void Vehicle::change_configuration(nlohmann::json const& changes) {
     clients_->take_limits(configuration);
 }
 
+std::vector<std::string> Vehicle::applications() const {
+    return surroundings_ ? surroundings_->applications() : std::vector<std::string>();
+}
+
 nlohmann::json Vehicle::tell(std::string const& neighbour, nlohmann::json const& command) {
     if (clients_->has(neighbour)) {
         return clients_->tell(neighbour, command);

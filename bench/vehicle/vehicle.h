@@ -51,6 +51,7 @@ class Vehicle : public Machine {
     void signal_daemon(int number) override { daemon_->signal(number); }
     nlohmann::json tell(std::string const& neighbour, nlohmann::json const& command) override;
     void change_configuration(nlohmann::json const& changes) override;
+    std::vector<std::string> applications() const override;
     std::vector<Client_status> clients() const override { return clients_->statuses(); }
 
     /// The exit status; nothing when the daemon still runs after the time.
@@ -60,6 +61,7 @@ class Vehicle : public Machine {
 
     Player& hypervisor() { return *hypervisor_; }
     Player& service_manager() { return *service_manager_; }
+    Surroundings& surroundings() { return *surroundings_; }
     Private_bus& bus() { return *bus_; }
     Dlt_reader& log() { return *log_; }
     Child_process& daemon() { return *daemon_; }

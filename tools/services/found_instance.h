@@ -20,8 +20,8 @@ namespace statectl {
 ///         proxy->RequestAlive().get();
 ///     }
 ///
-/// The proxy is made when the instance is offered for the first time, and is kept: while the instance is not offered
-/// its calls fail. May be used by any thread.
+/// The proxy is made when the instance is offered for the first time, and is kept: it serves again with a new offer.
+/// May be used by any thread.
 template <class Proxy>
 class Found_instance {
  public:
@@ -39,38 +39,38 @@ class Found_instance {
     Found_instance(Found_instance const&) = delete;
     Found_instance& operator=(Found_instance const&) = delete;
 
-    /// The way to the instance; null when it has not been offered within the time.
+    /// The way to the instance; null when it is not offered, nor comes to be within the time.
     std::shared_ptr<Proxy> await(std::chrono::milliseconds limit) {
         auto const end = std::chrono::steady_clock::now() + limit;
         base::Lock_guard const lock(mutex_);
-        while (!proxy_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
+        while (!offered_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
         }
-        return proxy_;
+        return offered_ ? proxy_ : nullptr;
     }
 
  private:
     void take(ara::com::ServiceHandleContainer const& found) {
-        auto const way = found.empty() ? nullptr : way_to(found.front());
-        bool const is_offered = way != nullptr;
-        if (on_change_ && std::exchange(was_offered_, is_offered) != is_offered) {
-            on_change_(way);
-        }
-    }
-
-    std::shared_ptr<Proxy> way_to(ara::com::ServiceHandle const& handle) {
-        base::Lock_guard const lock(mutex_);
-        if (!proxy_) {
-            proxy_ = std::make_shared<Proxy>(handle);
+        std::shared_ptr<Proxy> way;
+        bool was_offered = false;
+        {
+            base::Lock_guard const lock(mutex_);
+            if (!found.empty() && !proxy_) {
+                proxy_ = std::make_shared<Proxy>(found.front());
+            }
+            was_offered = std::exchange(offered_, !found.empty());
+            way = offered_ ? proxy_ : nullptr;
             changed_.notify_all();
         }
-        return proxy_;
+        if (on_change_ && was_offered != (way != nullptr)) {
+            on_change_(way);
+        }
     }
 
     On_change const on_change_;
     base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::shared_ptr<Proxy> proxy_ GUARDED_BY(mutex_);
-    bool was_offered_{false};  ///< only for the lookup's reports, which come one after the other
+    bool offered_ GUARDED_BY(mutex_) = false;
     ara::com::FindServiceHandle lookup_;
 };
 

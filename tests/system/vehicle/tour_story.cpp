@@ -31,5 +31,17 @@ TEST_F(Tour, Does_not_count_one_event_twice) {
     EXPECT_THAT(seen({start_step, step}), testing::ElementsAre(true, false));
 }
 
+TEST_F(Tour, Reaches_every_row_of_every_states_table) {
+    configuration.merge_patch(tour::configuration_changes());
+    options.with_network = true;
+    build();
+    auto const steps = tour::steps();
+    auto const findings = tour::walk(*machine, steps, Machine::k_patience, std::chrono::milliseconds(50));
+    for (auto const& finding : findings) {
+        EXPECT_TRUE(finding.seen) << finding.step << ": " << finding.expected;
+    }
+    EXPECT_TRUE(tour::print_rows(steps, findings));
+}
+
 }  // namespace
 }  // namespace bench::vehicle

@@ -39,8 +39,8 @@ TEST(Picture, Is_a_complete_document_of_an_empty_timeline) {
 
 TEST(Picture, Has_a_lane_for_each_kind_that_is_shown) {
     auto const picture = draw({{0, Kind::state_word, "running"}});
-    for (auto const* const title :
-         {"State", "Hypervisor's keys", "Machine state", "Service manager", "Power-off service", "Watchdog"}) {
+    for (auto const* const title : {"State", "Hypervisor's keys", "Machine state", "Service manager",
+                                    "Power-off service", "Applications", "Network needed by", "Watchdog"}) {
         EXPECT_THAT(picture, HasSubstr(std::string(">") + title + "<"));
     }
 }
@@ -57,13 +57,28 @@ TEST(Picture, Draws_a_state_until_the_next_begins) {
 }
 
 TEST(Picture, Ends_the_last_state_with_the_daemon) {
-    auto const picture = draw({{0, Kind::state_word, "shuttingdown"},
-                               {k_second, Kind::ended, "0"},
-                               {2 * k_second, Kind::state_word, "startingup"}});
+    auto const picture = draw(
+        {{0, Kind::state_word, "shuttingdown"}, {k_second, Kind::ended, "0"}, {2 * k_second, Kind::key, "too late"}});
     auto const begins = numbers(picture, k_bar);
     auto const widths = numbers(picture, k_bar_width);
+    auto const keys = numbers(picture, "<circle cx=\"([0-9.]+)\" cy=\"[0-9.]+\" r=\"4.5\"");
+    ASSERT_EQ(begins.size(), 1U);
+    ASSERT_EQ(keys.size(), 1U);
+    EXPECT_LT(begins[0] + widths[0], keys[0] - 20) << "a gap while no daemon runs";
+}
+
+TEST(Picture, Draws_each_life_of_the_daemon_in_a_band_of_its_own) {
+    auto const picture = draw({{0, Kind::state_word, "running"},
+                               {k_second, Kind::ended, "0"},
+                               {2 * k_second, Kind::state_word, "running"},
+                               {3 * k_second, Kind::ended, "0"}});
+    auto const bands = numbers(picture, "<g transform=\"translate\\(0,([0-9.]+)\\)\">");
+    ASSERT_EQ(bands.size(), 2U);
+    EXPECT_GT(bands[1], bands[0] + 300);
+    auto const begins = numbers(picture, k_bar);
     ASSERT_EQ(begins.size(), 2U);
-    EXPECT_LT(begins[0] + widths[0], begins[1] - 20) << "a gap while no daemon runs";
+    EXPECT_EQ(begins[0], begins[1]) << "both begin at the left";
+    EXPECT_THAT(picture, HasSubstr(">2.00<")) << "times go on";
 }
 
 TEST(Picture, Puts_events_in_the_order_of_their_times) {

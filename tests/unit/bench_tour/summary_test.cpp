@@ -1,3 +1,4 @@
+#include "bench/tour/rows.h"
 #include "bench/tour/tour.h"
 
 #include <set>
@@ -43,34 +44,67 @@ TEST(Steps, Have_a_name_of_their_own_and_something_to_see) {
     }
 }
 
-TEST(Steps, Reach_every_state_that_needs_no_network_management) {
+TEST(Steps, Reach_every_row_of_the_states_tables_and_no_other) {
+    std::set<std::string> known;
+    for (auto const& row : rows()) {
+        EXPECT_TRUE(known.insert(name(row)).second) << name(row);
+    }
+    std::set<std::string> reached;
+    for (auto const& step : steps()) {
+        reached.insert(step.rows.begin(), step.rows.end());
+    }
+    EXPECT_EQ(reached, known);
+}
+
+TEST(Steps, Reach_every_state) {
     std::set<std::string> words;
     for (auto const& step : steps()) {
         for (auto const& expectation : step.expectations) {
-            if (expectation.kind == Kind::state_word) {
+            if (expectation.kind == Kind::state_word && !expectation.is_absence) {
                 words.insert(expectation.text);
             }
         }
     }
-    EXPECT_THAT(words, testing::UnorderedElementsAre("startingup", "running", "preparing", "prepared4sd", "resuming",
-                                                     "shuttingdown"));
+    EXPECT_THAT(words, testing::UnorderedElementsAre("startingup", "running", "runnmcontrolled", "postrun", "preparing",
+                                                     "prepared4sd", "resuming", "shuttingdown"));
 }
 
-TEST(Steps, Take_every_transition_that_needs_no_network_management) {
-    std::set<std::string> transitions;
-    std::string const prefix = "AP_StateManger transition from ";
-    for (auto const& step : steps()) {
-        for (auto const& expectation : step.expectations) {
-            if (expectation.kind == Kind::log && expectation.text.rfind(prefix, 0) == 0) {
-                transitions.insert(expectation.text.substr(prefix.size()));
-            }
+class Rows_summary : public testing::Test {
+ protected:
+    Rows_summary() {
+        Step step{"all", {}, {{Kind::state_word, "running"}}};
+        for (auto const& row : rows()) {
+            step.rows.push_back(name(row));
         }
+        all = {step};
     }
-    EXPECT_THAT(transitions, testing::UnorderedElementsAre("Starting up  to  Running", "Running  to  Preparing",
-                                                           "Running  to  Shutting down", "Preparing  to  PreparedSD",
-                                                           "Preparing  to  Resuming", "PreparedSD  to  Resuming",
-                                                           "PreparedSD  to  Shutting down", "Resuming  to  Running",
-                                                           "Resuming  to  Shutting down"));
+
+    std::string print(std::vector<Finding> const& findings) {
+        testing::internal::CaptureStdout();
+        content = print_rows(all, findings);
+        return testing::internal::GetCapturedStdout();
+    }
+
+    std::vector<Step> all;
+    bool content = false;
+};
+
+TEST_F(Rows_summary, Is_content_when_a_step_reached_each_row) {
+    auto const text = print({{"all", "state word \"running\"", true, 1}});
+    EXPECT_TRUE(content);
+    EXPECT_THAT(text, HasSubstr("32 of 32 rows"));
+}
+
+TEST_F(Rows_summary, Does_not_count_the_rows_of_a_step_in_which_something_was_not_seen) {
+    auto const text = print({{"all", "one", true, 1}, {"all", "two", false, 0}});
+    EXPECT_FALSE(content);
+    EXPECT_THAT(text, HasSubstr("0 of 32 rows"));
+    EXPECT_THAT(text, HasSubstr("NOT SEEN"));
+}
+
+TEST_F(Rows_summary, Does_not_count_the_rows_of_a_step_that_was_not_walked) {
+    print({});
+    EXPECT_FALSE(content);
 }
 
 }  // namespace

@@ -47,12 +47,14 @@ void Known_offers::begin() {
     }
     watch_ = std::make_unique<Process_watch>(
         [this](pid_t process) { strand_->post([this, process] { process_ended(process); }); });
-    reader_ = std::make_unique<Reader>(participant_, Channel{offer_topic(), {}}, offer_quality(),
-                                       [this](Sample sample, dds_sample_info_t const& info) {
-                                           std::shared_ptr<void const> const kept = std::move(sample);
-                                           auto const state = info.instance_state;
-                                           strand_->post([this, kept, state] { received(kept.get(), state); });
-                                       });
+    reader_ = std::make_unique<Reader>(
+        participant_, Channel{offer_topic(), {}}, offer_quality(),
+        [this](Sample sample, dds_sample_info_t const& info) {
+            std::shared_ptr<void const> const kept = std::move(sample);
+            auto const state = info.instance_state;
+            auto const written = info.source_timestamp;
+            strand_->post([this, kept, state, written] { received(kept.get(), state, written); });
+        });
 }
 
 void Known_offers::close() {
@@ -61,12 +63,14 @@ void Known_offers::close() {
 }
 
 // Without data, for an offer that ended, the key is set.
-void Known_offers::received(void const* sample, dds_instance_state_t state) {
+void Known_offers::received(void const* sample, dds_instance_state_t state, dds_time_t written) {
     auto const& offer = *static_cast<ara_com_ServiceOffer const*>(sample);
     if (state != DDS_IST_ALIVE) {
         drop(read(offer, process_space_));
     } else if (offer.version == k_mapping_version) {
-        keep(read(offer, process_space_));
+        auto known = read(offer, process_space_);
+        known.since = std::chrono::system_clock::time_point(std::chrono::nanoseconds(written));
+        keep(std::move(known));
     }
 }
 

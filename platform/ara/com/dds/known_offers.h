@@ -38,7 +38,7 @@ class Known_offers {
 
  private:
     void begin();
-    void received(void const* sample, dds_instance_state_t state);
+    void received(void const* sample, dds_instance_state_t state, dds_time_t written);
     void keep(Known_offer offer);
     void drop(Known_offer const& offer);
     void process_ended(pid_t process);

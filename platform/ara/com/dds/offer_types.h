@@ -4,6 +4,7 @@
 #include "ara/com/dds/guid.h"
 #include "ara/com/service_type.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <tuple>
@@ -25,6 +26,7 @@ struct Known_offer {
     std::string instance;
     Guid participant;
     pid_t process;  ///< 0 when it can't be named from here
+    std::chrono::system_clock::time_point since{};
 };
 
 inline auto key_of(Known_offer const& offer) {

@@ -25,7 +25,8 @@ bool is_wanted(InstanceSpecifier const& wanted, std::string const& instance) {
 ServiceHandleContainer handles_of(std::vector<Known_offer> const& offers) {
     ServiceHandleContainer handles;
     for (auto const& offer : offers) {
-        handles.emplace_back(offer.interface_name, InstanceIdentifier(offer.instance), to_text(offer.participant));
+        handles.emplace_back(offer.interface_name, InstanceIdentifier(offer.instance), to_text(offer.participant),
+                             offer.since);
     }
     return handles;
 }
