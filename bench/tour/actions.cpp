@@ -76,7 +76,10 @@ std::vector<Expectation> stays() {
 }
 
 Step new_life(std::string const& name, Action const& before) {
-    Step step{name, both(before, start()), {word("startingup"), transition("Starting up", "Running"), word("running")}};
+    Step step;
+    step.name = name;
+    step.action = both(before, start());
+    step.expectations = {word("startingup"), transition("Starting up", "Running"), word("running")};
     step.begins_life = true;
     return step;
 }

@@ -40,10 +40,9 @@ std::vector<Timeline> lives(Timeline const& events) {
 
 }  // namespace
 
-std::string draw(Timeline const& unordered) {
-    auto const events = in_order(unordered);
-    auto const bands = lives(events);
-    auto const start = events.empty() ? 0 : events.front().time;
+std::string draw(Timeline const& events) {
+    auto const bands = lives(in_order(events));
+    auto const start = bands.front().empty() ? 0 : bands.front().front().time;
     auto const height = std::accumulate(bands.begin(), bands.end(), k_top,
                                         [](double sum, Timeline const& band) { return sum + band_height(band); });
     std::ostringstream out;
