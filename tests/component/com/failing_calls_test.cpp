@@ -36,14 +36,17 @@ TEST_F(Failing_calls, A_handler_that_breaks_its_promise_fails_its_call) {
 }
 
 TEST_F(Failing_calls, More_than_a_thousand_calls_that_wait_are_refused) {
-    auto peer = server({"app"});
+    auto peer = server({"app", "other"});
     Com_alive_proxy sut(found<Com_alive_proxy>("app"));
+    Com_alive_proxy other(found<Com_alive_proxy>("other"));
     std::vector<ximo::com::Future<void>> futures;
     futures.push_back(sut.RequestComAlive({}, k_wait));
     peer.await_event("request");
     for (int call = 0; call < 1500; ++call) {
         futures.push_back(sut.ReleaseComAlive({}));
     }
+    // What is sent later arrives later.
+    EXPECT_TRUE(succeeds(other.ReleaseComAlive({})));
     peer.send_line(R"({"do":"continue"})");
     int refused = 0;
     for (auto& future : futures) {

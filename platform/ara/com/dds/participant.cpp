@@ -16,7 +16,9 @@ constexpr dds_domainid_t k_local_domain = 0;
 // a crowd of starting processes loses sight of each other, and each of 50 would take more than 1 % of a core when idle.
 // What is sent to a reader that has not yet heard the first heartbeat is repeated once the reader complains, and a
 // writer that goes waits for the last acknowledgement, which a heartbeat asks for: with the engine's 100 ms each, many
-// a first call took that long. Nothing beats while all is acknowledged.
+// a first call took that long. Nothing beats while all is acknowledged. A complaint that was lost itself is repeated
+// after 10 ms, not the engine's three seconds, which are more than a call has. The engine stops a writer at 30 kB that
+// are not acknowledged; a burst of a thousand replies is more.
 constexpr char const* k_local_configuration = R"(<CycloneDDS><Domain id="any">
 <General>
  <Interfaces><NetworkInterface name="lo" multicast="false"/></Interfaces>
@@ -31,8 +33,10 @@ constexpr char const* k_local_configuration = R"(<CycloneDDS><Domain id="any">
 <Internal>
  <PreEmptiveAckDelay>0s</PreEmptiveAckDelay>
  <NackDelay>1ms</NackDelay>
+ <AutoReschedNackDelay>10ms</AutoReschedNackDelay>
  <HeartbeatInterval min="5ms" minsched="5ms" max="1s">5ms</HeartbeatInterval>
  <WriterLingerDuration>20ms</WriterLingerDuration>
+ <Watermarks><WhcAdaptive>false</WhcAdaptive><WhcHigh>1MB</WhcHigh><WhcHighInit>1MB</WhcHighInit></Watermarks>
 </Internal>
 </Domain></CycloneDDS>)";
 

@@ -18,7 +18,7 @@ using Quality = std::unique_ptr<dds_qos_t, Quality_deleter>;
 /// How long a writer waits for room in its history, which a peer that doesn't read fills: a caller waits for its own
 /// server; a server does not wait long for one of its clients.
 inline constexpr std::chrono::milliseconds k_longest_write{100};
-inline constexpr std::chrono::milliseconds k_longest_reply_write{10};
+inline constexpr std::chrono::milliseconds k_longest_reply_write{50};
 
 /// Requests and replies: reliable, each is kept until it is delivered, nothing for those who come later.
 Quality call_quality(std::chrono::milliseconds longest_write);
