@@ -156,6 +156,19 @@ TEST_F(Request, With_no_time_at_all_times_out_at_once) {
     EXPECT_EQ(outcome_of(request("kPrepSD", 0s)).status, Callback_status::timed_out);
 }
 
+TEST_F(Request, Has_its_time_from_the_moment_at_which_it_is_made) {
+    auto const radio = connect("radio");
+    std::future<Outcome> outcome;
+    {
+        Busy_server const busy(*sut);
+        outcome = request("kPrepSD", 1s);
+        std::this_thread::sleep_for(1100ms);  // its time is over before the server can look at it
+    }
+    auto const begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(outcome_of(outcome).status, Callback_status::timed_out);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
+}
+
 TEST_F(Request, Asks_only_those_that_the_predicate_selects) {
     auto radio = connect("radio");
     auto dem = connect("diag::dem");

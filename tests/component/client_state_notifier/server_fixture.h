@@ -39,6 +39,29 @@ bool eventually(Condition condition) {
     return true;
 }
 
+/// Holds the server's thread in a predicate as long as it lives. What the thread uses belongs to it as well.
+class Busy_server {
+ public:
+    explicit Busy_server(Client_states& server) {
+        auto held = std::make_shared<std::promise<void>>();
+        server.request_state_change(
+            "kPrepSD",
+            [held, end = end_.get_future().share()](auto const& /*name*/) {
+                held->set_value();
+                end.wait();
+                return false;
+            },
+            [](auto, auto const&) {}, 5s);
+        held->get_future().wait();
+    }
+    ~Busy_server() { end_.set_value(); }
+    Busy_server(Busy_server const&) = delete;
+    Busy_server& operator=(Busy_server const&) = delete;
+
+ private:
+    std::promise<void> end_;
+};
+
 /// A real server on a socket in a directory of the test's own.
 class Server_test : public testing::Test {
  protected:
