@@ -6,6 +6,8 @@
 #include <system_error>
 #include <vector>
 
+#include <unistd.h>
+
 namespace test_support {
 
 /// This process's descriptors that are open on a file, in no particular order.
@@ -18,6 +20,13 @@ inline std::vector<int> descriptors_on(std::filesystem::path const& file) {
         }
     }
     return found;
+}
+
+/// The lowest descriptor that is free.
+inline int next_descriptor() {
+    int const descriptor = ::dup(0);
+    ::close(descriptor);
+    return descriptor;
 }
 
 }  // namespace test_support

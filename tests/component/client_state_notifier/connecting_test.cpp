@@ -8,12 +8,10 @@ namespace {
 using ara::log::LogLevel;
 using test_support::logged_in;
 using test_support::Test_client;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::SizeIs;
-using testing::UnorderedElementsAre;
 
 using Connecting = Server_test;
 

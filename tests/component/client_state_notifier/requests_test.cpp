@@ -1,12 +1,5 @@
 #include "server_fixture.h"
 
-#include <csignal>
-#include <fstream>
-#include <utility>
-
-#include <sys/syscall.h>
-#include <unistd.h>
-
 namespace client_state_notifier {
 namespace {
 
@@ -19,7 +12,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::Pair;
 using testing::SizeIs;
-using testing::UnorderedElementsAre;
 
 using Request = Server_test;
 
@@ -46,67 +38,6 @@ TEST_F(Request, With_nobody_to_ask_does_not_say_that_all_responded) {
         Not(Contains(logged_in("SNCC", LogLevel::kInfo, "calling callback after all clients responded in time"))));
 }
 
-TEST_F(Request, Calls_everything_back_on_the_thread_of_the_server) {
-    auto const completed = std::make_shared<std::promise<std::thread::id>>();
-    std::thread::id asked;
-    auto const client = connect("radio");
-    sut->request_state_change(
-        "kPrepSD",
-        [&](auto const& /*name*/) {
-            asked = std::this_thread::get_id();
-            return false;
-        },
-        [completed](auto, auto const&) { completed->set_value(std::this_thread::get_id()); }, 1h);
-    EXPECT_EQ(completed->get_future().get(), asked);
-    EXPECT_NE(asked, std::this_thread::get_id());
-}
-
-/// What the kernel says of a thread of this process; "" for what it does not know.
-std::string status_of(pid_t thread, std::string const& what) {
-    std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/status");
-    for (std::string word, value; status >> word;) {
-        if (word == what + ":") {
-            status >> value;
-            return value;
-        }
-    }
-    return "";
-}
-
-class Thread_of_the_server : public Server_test {
- protected:
-    /// Asked of itself, in a predicate.
-    pid_t thread() {
-        pid_t thread = 0;
-        outcome_of(request("kPrepSD", 1h, [&](auto const& /*name*/) {
-            thread = static_cast<pid_t>(::syscall(SYS_gettid));
-            return false;
-        }));
-        return thread;
-    }
-
-    Test_client const client = connect("radio");
-};
-
-// The count is how often it has given its processor away by itself.
-TEST_F(Thread_of_the_server, Waits_without_a_time_limit_while_there_is_nothing_to_do) {
-    auto const sut_thread = thread();
-    std::string last;
-    ASSERT_TRUE(eventually([&] {  // it has gone back to its wait
-        std::this_thread::sleep_for(50ms);
-        return std::exchange(last, status_of(sut_thread, "voluntary_ctxt_switches")) == last && !last.empty();
-    }));
-    std::this_thread::sleep_for(300ms);
-    EXPECT_EQ(status_of(sut_thread, "voluntary_ctxt_switches"), last);
-}
-
-TEST_F(Thread_of_the_server, Takes_no_signals) {
-    auto const blocked = std::stoull(status_of(thread(), "SigBlk"), nullptr, 16);
-    for (int const signal : {SIGTERM, SIGINT, SIGABRT, SIGHUP, SIGUSR1}) {
-        EXPECT_NE(blocked >> (signal - 1) & 1U, 0U) << signal;
-    }
-}
-
 TEST_F(Request, Succeeds_when_all_answer_with_success) {
     auto radio = connect("radio");
     auto seat = connect("seat");
@@ -130,13 +61,6 @@ TEST_F(Request, Fails_when_one_answers_without_success) {
     EXPECT_EQ(status, Callback_status::failed);
     EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::succeeded),
                                      Pair("seat", Component_client_return_type::invalid)));
-}
-
-TEST_F(Request, Keeps_the_low_byte_of_a_status) {
-    auto radio = connect("radio");
-    auto outcome = request("kPrepSD");
-    radio.obey(0xabcd0100);
-    EXPECT_EQ(outcome_of(outcome).status, Callback_status::succeeded);
 }
 
 TEST_F(Request, Times_out_with_a_client_that_stays_silent) {
@@ -188,120 +112,6 @@ TEST_F(Request, Is_numbered_for_each_client_by_itself) {
     EXPECT_EQ(radio.obey().number, 2U);
     EXPECT_EQ(seat.obey().number, 1U);
     EXPECT_EQ(outcome_of(outcome).status, Callback_status::succeeded);
-}
-
-TEST_F(Request, Takes_over_the_state_that_a_client_reached) {
-    auto radio = connect("radio");
-    auto outcome = request("kPrepSD");
-    auto const number = radio.receive().number;
-    radio.answer(number, "kHalfway", 1);
-    outcome_of(outcome);
-    EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("radio", "kHalfway")));
-}
-
-TEST_F(Request, Counts_no_answer_to_another_request_and_reports_it) {
-    auto radio = connect("radio");
-    auto outcome = request("kPrepSD", 1s);
-    radio.receive();
-    radio.answer(7, "kOff");
-    EXPECT_EQ(outcome_of(outcome).status, Callback_status::timed_out);
-    ASSERT_THAT(reports(), SizeIs(1));
-    EXPECT_EQ(reports()[0].name, "radio");
-    EXPECT_EQ(reports()[0].status, Client_status::answered_out_of_turn);
-    EXPECT_EQ(reports()[0].state, "kOff");
-    EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("radio", "unknown")));
-}
-
-TEST_F(Request, Counts_a_late_answer_to_the_one_before_for_nothing) {
-    auto radio = connect("radio");
-    auto first = request("kPrepSD", 0s);
-    auto const old = radio.receive();
-    EXPECT_EQ(outcome_of(first).status, Callback_status::timed_out);
-    auto second = request("kOn");
-    auto const current = radio.receive();
-    radio.answer(old.number, old.state);
-    EXPECT_TRUE(eventually([&] { return reports().size() == 1; }));
-    radio.answer(current.number, current.state);
-    EXPECT_EQ(outcome_of(second).status, Callback_status::succeeded);
-}
-
-TEST_F(Request, Updates_the_state_by_a_late_answer_when_no_other_was_sent) {
-    auto radio = connect("radio");
-    auto outcome = request("kPrepSD", 0s);
-    auto const asked = radio.receive();
-    outcome_of(outcome);
-    radio.answer(asked.number, "kPrepSD");
-    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().front().second == "kPrepSD"; }));
-    EXPECT_THAT(reports(), IsEmpty());
-}
-
-TEST_F(Request, Counts_the_first_answer_of_several) {
-    auto radio = connect("radio");
-    auto seat = connect("seat");
-    auto outcome = request("kPrepSD");
-    auto const asked = radio.receive();
-    radio.answer(asked.number, "kPrepSD", 0);
-    radio.answer(asked.number, "kPrepSD", 2);
-    radio.answer(asked.number, "kOn", 1);
-    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().front().second == "kOn"; }));
-    seat.obey();
-    EXPECT_EQ(outcome_of(outcome).status, Callback_status::succeeded);
-}
-
-TEST_F(Request, Counts_nothing_from_a_client_that_was_not_asked) {
-    auto radio = connect("radio");
-    auto seat = connect("seat", "kOff");
-    seat.receive();
-    auto outcome = request("kPrepSD", 5s, [](auto const& name) { return name == "radio"; });
-    seat.answer(0, "kOn", 2);
-    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().back().second == "kOn"; }));
-    radio.obey();
-    EXPECT_THAT(outcome_of(outcome).results, ElementsAre(Pair("radio", Component_client_return_type::succeeded)));
-}
-
-TEST_F(Request, Waits_for_both_clients_of_one_name_and_keeps_the_worse_status) {
-    auto first = connect("radio");
-    auto second = connect("radio");
-    auto outcome = request("kPrepSD");
-    second.obey(2);
-    first.obey(1);
-    auto const [status, results] = outcome_of(outcome);
-    EXPECT_EQ(status, Callback_status::failed);
-    EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::invalid)));
-}
-
-TEST_F(Request, Is_not_complete_while_one_of_two_with_one_name_is_silent) {
-    auto first = connect("radio");
-    auto second = connect("radio");
-    auto outcome = request("kPrepSD", 1s);
-    first.obey();
-    auto const [status, results] = outcome_of(outcome);
-    EXPECT_EQ(status, Callback_status::timed_out);
-    EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::timed_out)));
-}
-
-TEST_F(Request, Counts_a_client_that_goes_as_not_answered) {
-    auto radio = connect("radio");
-    std::optional seat(connect("seat"));
-    auto outcome = request("kPrepSD", 1s);
-    seat->receive();
-    seat.reset();
-    radio.obey();
-    auto const [status, results] = outcome_of(outcome);
-    EXPECT_EQ(status, Callback_status::timed_out);
-    EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::succeeded),
-                                     Pair("seat", Component_client_return_type::timed_out)));
-}
-
-TEST_F(Request, Does_not_take_an_answer_from_whoever_gets_the_place_of_a_client_that_went) {
-    std::optional radio(connect("radio"));
-    auto outcome = request("kPrepSD", 1s);
-    radio->receive();
-    radio.reset();
-    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().empty(); }));
-    auto next = connect("radio");
-    next.answer(0, "kPrepSD", 0);
-    EXPECT_EQ(outcome_of(outcome).status, Callback_status::timed_out);
 }
 
 TEST_F(Request, Does_not_concern_a_client_that_joins_in_the_middle) {
