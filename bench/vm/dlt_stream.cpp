@@ -47,7 +47,7 @@ std::size_t announced_size(std::string_view message) {
     if (message.size() < begin + 2) {
         return 0;
     }
-    return k_header.size() + static_cast<std::uint8_t>(message[begin]) * 256U +
+    return k_header.size() + std::size_t{static_cast<std::uint8_t>(message[begin])} * 256 +
            static_cast<std::uint8_t>(message[begin + 1]);
 }
 

@@ -41,7 +41,7 @@ Port::~Port() {
     ::close(descriptor_);
 }
 
-std::string Port::take() {
+std::string Port::take() const {
     std::string bytes;
     std::array<char, 65'536> piece{};
     for (;;) {

@@ -17,7 +17,7 @@ class Port {
     int descriptor() const { return descriptor_; }
 
     /// The bytes that have arrived, without waiting.
-    std::string take();
+    std::string take() const;
 
     /// Throws `std::runtime_error` when the other end is gone.
     void send(std::string const& bytes) const;

@@ -30,7 +30,8 @@ Shell::Result Shell::run(std::string const& line, std::chrono::milliseconds limi
             continue;
         }
         if (std::chrono::steady_clock::now() > deadline) {
-            throw std::runtime_error("The machine did not end in time: " + line + "\n" + output);
+            throw std::runtime_error(
+                std::string("The machine did not end in time: ").append(line).append("\n").append(output));
         }
         pollfd source{port_.descriptor(), POLLIN, 0};
         ::poll(&source, 1, k_poll_ms);

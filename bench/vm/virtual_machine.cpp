@@ -12,7 +12,6 @@
 
 namespace bench::vm {
 
-using vehicle::Event;
 using vehicle::Kind;
 
 namespace {

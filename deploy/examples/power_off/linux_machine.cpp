@@ -50,7 +50,7 @@ std::vector<pid_t> processes_named(std::string const& name) {
     std::vector<pid_t> found;
     std::error_code ignored;
     for (auto const& entry : fs::directory_iterator("/proc", ignored)) {
-        auto const number = std::atoi(entry.path().filename().c_str());
+        auto const number = static_cast<pid_t>(std::strtol(entry.path().filename().c_str(), nullptr, 10));
         std::string comm;
         if (number > 1 && std::getline(std::ifstream(entry.path() / "comm"), comm) &&
             comm == name.substr(0, k_comm_length)) {
