@@ -29,7 +29,7 @@ class Client_package : public testing::Test {
     static void SetUpTestSuite() {
         directory = new test_support::Temporary_directory;
         auto const first = directory->file("first");
-        for (std::string const component : {"client", "development"}) {
+        for (std::string const component : {"client", "client-development"}) {
             run(CMAKE " --install " BUILD_DIRECTORY " --prefix " + first + " --component " + component);
         }
         std::filesystem::rename(first, prefix());
