@@ -20,13 +20,6 @@ using tarq::com::Service_not_available_exception;
 constexpr std::chrono::seconds k_longest_call{2};
 constexpr std::chrono::milliseconds k_longest_connecting{500};
 
-template <class Calls>
-void fail_all(Calls& calls, std::exception_ptr const& cause) {
-    for (auto& [number, call] : calls) {
-        call.reply->fail(cause);
-    }
-}
-
 }  // namespace
 
 Caller::Caller(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier const& instance)
@@ -66,7 +59,7 @@ void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
     } catch (Infrastructure_exception const&) {
         if (begun) {
             base::Lock_guard lock(mutex_);
-            pending = take(begun->number);
+            pending = calls_.take(begun->number);
         }
         if (pending) {
             pending->fail(std::current_exception());
@@ -116,11 +109,11 @@ std::optional<Caller::Begun_call> Caller::begin(std::unique_ptr<Pending_reply>& 
     if (!reached_ || !path_) {
         throw Service_not_available_exception();
     }
-    calls_[++last_number_] = {std::move(pending), deadline};
+    auto const number = calls_.add(std::move(pending), deadline);
     if (!std::exchange(timed_, true)) {
         engine_->timer().watch(weak_from_this(), deadline);
     }
-    return Begun_call{path_, last_number_};
+    return Begun_call{path_, number};
 }
 
 void Caller::received(void const* reply) {
@@ -139,17 +132,7 @@ void Caller::received(void const* reply) {
 
 std::unique_ptr<Pending_reply> Caller::take(dds_rpc_ReplyHeader const& header) {
     base::Lock_guard lock(mutex_);
-    return path_ ? take(path_->number_of(header)) : nullptr;
-}
-
-std::unique_ptr<Pending_reply> Caller::take(std::int64_t number) {
-    auto const call = calls_.find(number);
-    if (call == calls_.end()) {
-        return nullptr;
-    }
-    auto pending = std::move(call->second.reply);
-    calls_.erase(call);
-    return pending;
+    return path_ ? calls_.take(path_->number_of(header)) : nullptr;
 }
 
 std::vector<Guid> Caller::servers_among(Known_offer_list const& offers) const {
@@ -164,7 +147,7 @@ std::vector<Guid> Caller::servers_among(Known_offer_list const& offers) const {
 
 void Caller::offers_changed(Known_offer_list const& offers) {
     auto const servers = servers_among(offers);
-    Calls lost;
+    Pending_calls::Replies lost;
     {
         base::Lock_guard lock(mutex_);
         informed_ = true;
@@ -172,7 +155,7 @@ void Caller::offers_changed(Known_offer_list const& offers) {
             server_ = servers.empty() ? std::nullopt : std::make_optional(servers.front());
             reached_ = false;
             ++version_;
-            std::swap(lost, calls_);
+            lost = calls_.take_all();
         }
         changed_.notify_all();
     }
@@ -180,18 +163,12 @@ void Caller::offers_changed(Known_offer_list const& offers) {
 }
 
 std::optional<Clock::time_point> Caller::expire(Clock::time_point now) {
-    Calls late;
+    Pending_calls::Replies late;
     std::optional<Clock::time_point> next;
     {
         base::Lock_guard lock(mutex_);
-        for (auto call = calls_.begin(); call != calls_.end();) {
-            auto const current = call++;
-            if (current->second.deadline <= now) {
-                late.insert(calls_.extract(current));
-            } else {
-                next = next ? std::min(*next, current->second.deadline) : current->second.deadline;
-            }
-        }
+        late = calls_.take_late(now);
+        next = calls_.next_deadline();
         timed_ = next.has_value();
     }
     fail_all(late, std::make_exception_ptr(tarq::com::Timeout_exception("The service did not answer in time")));
@@ -206,12 +183,12 @@ std::unique_ptr<Subscription> Caller::subscribe(Event_type const& event, Sample_
 
 void Caller::release() {
     std::shared_ptr<Call_path> path;
-    Calls lost;
+    Pending_calls::Replies lost;
     {
         base::Lock_guard lock(mutex_);
         path = std::move(path_);
         reached_ = false;
-        std::swap(lost, calls_);
+        lost = calls_.take_all();
         changed_.notify_all();
     }
     fail_all(lost, std::make_exception_ptr(Infrastructure_exception("The communication runtime has ended")));

@@ -6,12 +6,11 @@
 #include "ara/com/dds/call_timer.h"
 #include "ara/com/dds/engine.h"
 #include "ara/com/dds/known_offers.h"
+#include "ara/com/dds/pending_calls.h"
 #include "base/mutex.h"
 
 #include <condition_variable>
 #include <cstdint>
-#include <exception>
-#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -41,12 +40,6 @@ class Caller : public Connection,
     void close() override;
 
  private:
-    struct Pending {
-        std::unique_ptr<Pending_reply> reply;
-        Clock::time_point deadline;
-    };
-    using Calls = std::map<std::int64_t, Pending>;  // by number of the request
-
     // A server whose connection is to be looked at, and the state in which that was told.
     struct Candidate {
         std::shared_ptr<Call_path> path;
@@ -65,7 +58,6 @@ class Caller : public Connection,
     std::optional<Begun_call> begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline);
     void received(void const* reply);
     std::unique_ptr<Pending_reply> take(dds_rpc_ReplyHeader const& header);
-    std::unique_ptr<Pending_reply> take(std::int64_t number) REQUIRES(mutex_);
     void connection_changed();
 
     std::shared_ptr<Engine> const engine_;
@@ -78,8 +70,7 @@ class Caller : public Connection,
     std::optional<Guid> server_ GUARDED_BY(mutex_);       // who offers the instance
     bool reached_ GUARDED_BY(mutex_) = false;             // requests get to the server, and replies back
     unsigned version_ GUARDED_BY(mutex_) = 1;             // of the server and of what is connected
-    std::int64_t last_number_ GUARDED_BY(mutex_) = 0;
-    Calls calls_ GUARDED_BY(mutex_);
+    Pending_calls calls_ GUARDED_BY(mutex_);
     bool timed_ GUARDED_BY(mutex_) = false;  // the timer looks after the calls
 };
 

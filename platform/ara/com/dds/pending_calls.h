@@ -1,0 +1,46 @@
+#ifndef ARA_COM_DDS_PENDING_CALLS_H
+#define ARA_COM_DDS_PENDING_CALLS_H
+
+#include "ara/com/binding.h"
+#include "ara/com/dds/call_timer.h"
+
+#include <cstdint>
+#include <exception>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace ara::com::dds {
+
+/// Calls that wait for their replies, by the numbers of their requests. Its user locks.
+class Pending_calls {
+ public:
+    using Replies = std::vector<std::unique_ptr<Pending_reply>>;
+
+    /// Returns the request's number: 1, 2, 3...
+    std::int64_t add(std::unique_ptr<Pending_reply> reply, Clock::time_point deadline);
+
+    /// Null when no call waits under the number, or no longer.
+    std::unique_ptr<Pending_reply> take(std::int64_t number);
+
+    Replies take_all();
+    Replies take_late(Clock::time_point now);
+    std::optional<Clock::time_point> next_deadline() const;
+
+ private:
+    struct Call {
+        std::unique_ptr<Pending_reply> reply;
+        Clock::time_point deadline;
+    };
+
+    std::int64_t last_number_ = 0;
+    std::map<std::int64_t, Call> calls_;
+};
+
+/// With no lock held: it ends futures.
+void fail_all(Pending_calls::Replies const& replies, std::exception_ptr const& cause);
+
+}  // namespace ara::com::dds
+
+#endif
