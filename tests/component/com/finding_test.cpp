@@ -79,14 +79,12 @@ TEST_F(Finding, What_is_offered_by_two_processes_is_reported_twice) {
     sut.expect({"same", "same"});
 }
 
-TEST_F(Finding, A_withdrawal_is_reported_at_once) {
+TEST_F(Finding, A_withdrawal_is_reported) {
     auto peer = server({"app"});
     Watch sut("*");
     sut.expect({"app"});
-    auto const begin = steady_clock::now();
     peer.command({{"do", "withdraw"}, {"instance", "app"}});
     sut.expect({});
-    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
 }
 
 TEST_F(Finding, A_killed_process_is_reported_at_once) {
