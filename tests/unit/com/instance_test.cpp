@@ -52,8 +52,8 @@ TEST(Instance, Identifiers_are_ordered_by_their_names) {
 
 TEST(Instance, A_refusal_says_what_is_wrong) {
     try {
-        InstanceIdentifier("");
-        FAIL();
+        InstanceIdentifier const sut("");
+        FAIL() << sut.ToString();
     } catch (Invalid_argument_exception const& error) {
         EXPECT_STREQ(error.what(), "Not an instance identifier: the name is empty");
     }
