@@ -17,12 +17,12 @@ class Restart : public skeleton::DSAInterfaceSkeleton {
 
 TEST(Processing_mode, Calls_are_dispatched_as_they_arrive) {
     EXPECT_EQ(static_cast<int>(MethodCallProcessingMode::kEvent), 1);
-    EXPECT_NO_THROW(Restart(MethodCallProcessingMode::kEvent));
+    EXPECT_NO_THROW(Restart{MethodCallProcessingMode::kEvent});
 }
 
 TEST(Processing_mode, Other_modes_are_refused) {
-    EXPECT_THROW(Restart(MethodCallProcessingMode::kPoll), tarq::com::Invalid_argument_exception);
-    EXPECT_THROW(Restart(MethodCallProcessingMode::kEventSingleThread), tarq::com::Invalid_argument_exception);
+    EXPECT_THROW(Restart{MethodCallProcessingMode::kPoll}, tarq::com::Invalid_argument_exception);
+    EXPECT_THROW(Restart{MethodCallProcessingMode::kEventSingleThread}, tarq::com::Invalid_argument_exception);
 }
 
 }  // namespace
