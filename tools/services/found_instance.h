@@ -3,9 +3,11 @@
 
 #include "ara/com/find_service.h"
 #include "base/mutex.h"
+#include "tarq/com/exception.h"
 
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <string>
@@ -39,11 +41,15 @@ class Found_instance {
     Found_instance(Found_instance const&) = delete;
     Found_instance& operator=(Found_instance const&) = delete;
 
-    /// The way to the instance; null when it is not offered, nor comes to be within the time.
+    /// The way to the instance; null when it is not offered, nor comes to be within the time. Throws
+    /// `tarq::com::Infrastructure_exception` when it is offered, but not to this process.
     std::shared_ptr<Proxy> await(std::chrono::milliseconds limit) {
         auto const end = std::chrono::steady_clock::now() + limit;
         base::Lock_guard const lock(mutex_);
-        while (!offered_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
+        while (!offered_ && !refusal_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
+        }
+        if (refusal_) {
+            std::rethrow_exception(refusal_);
         }
         return offered_ ? proxy_ : nullptr;
     }
@@ -55,9 +61,9 @@ class Found_instance {
         {
             base::Lock_guard const lock(mutex_);
             if (!found.empty() && !proxy_) {
-                proxy_ = std::make_shared<Proxy>(found.front());
+                make_proxy(found.front());
             }
-            was_offered = std::exchange(offered_, !found.empty());
+            was_offered = std::exchange(offered_, !found.empty() && proxy_);
             way = offered_ ? proxy_ : nullptr;
             changed_.notify_all();
         }
@@ -66,10 +72,20 @@ class Found_instance {
         }
     }
 
+    void make_proxy(ara::com::ServiceHandle const& handle) REQUIRES(mutex_) {
+        try {
+            proxy_ = std::make_shared<Proxy>(handle);
+            refusal_ = nullptr;
+        } catch (tarq::com::Infrastructure_exception const&) {
+            refusal_ = std::current_exception();
+        }
+    }
+
     On_change const on_change_;
     base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::shared_ptr<Proxy> proxy_ GUARDED_BY(mutex_);
+    std::exception_ptr refusal_ GUARDED_BY(mutex_);
     bool offered_ GUARDED_BY(mutex_) = false;
     ara::com::FindServiceHandle lookup_;
 };

@@ -42,7 +42,9 @@ TEST_F(Closed_machine, Restarts_for_diagnostics_that_have_a_grant) {
 // It sees that the service is there, so that the refusal is no accident of the connection.
 TEST_F(Closed_machine, Does_not_restart_for_an_application_without_a_grant) {
     EXPECT_THAT(services_seen({as("application")}), HasSubstr("DSA_Interface"));
-    EXPECT_GT(statectl({"restart", "vm", "--wait", "2000"}, {as("application")}).status, 0);
+    auto const refused = statectl({"restart", "vm", "--wait", "5000", "--json"}, {as("application")});
+    EXPECT_GT(refused.status, 0);
+    EXPECT_THAT(refused.output, HasSubstr("Not Allowed By Security"));
     machine->update(std::chrono::milliseconds(100));
     EXPECT_THAT(texts(Kind::log), Not(Contains(k_restart_logged)));
 }

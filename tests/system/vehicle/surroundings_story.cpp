@@ -97,7 +97,9 @@ TEST_F(Surroundings_story, Services_of_the_machine_go_with_it) {
     machine->signal_daemon(SIGTERM);
     ASSERT_TRUE(ends_with(0));
     EXPECT_THROW(request("1", {{"what", "cwu"}}), std::runtime_error);
+    look_from_here();
     start();
+    ASSERT_TRUE(sees_new(Kind::state_word, "running"));
     EXPECT_NO_THROW(request("1", {{"what", "cwu"}}));
 }
 
