@@ -30,15 +30,15 @@ void bind(utilities::Socket const& socket, std::string const& path) {
     }
 }
 
-/// Failures that say something about the connection, or nothing at all: the next one may be had at once.
-bool is_of_one_connection(int error) {
-    return error == EINTR || error == EINVAL || error == EAGAIN || error == ECONNABORTED || error == EPERM ||
-           error == EPROTO;
+/// Nothing has failed: there is no connection (any more), or the call was interrupted.
+bool is_nothing(int error) {
+    return error == EINTR || error == EINVAL || error == EAGAIN;
 }
 
-/// Failures that pass when somebody else gives something back.
-bool is_shortage(int error) {
-    return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+/// Failures of one connection, and a lack of descriptors or memory, which passes when somebody gives some back.
+bool is_passing(int error) {
+    return error == ECONNABORTED || error == EPERM || error == EPROTO || error == EMFILE || error == ENFILE ||
+           error == ENOBUFS || error == ENOMEM;
 }
 
 }  // namespace
@@ -63,9 +63,9 @@ std::optional<utilities::Socket> Listening_socket::accept() {
     if (connection >= 0) {
         return utilities::Socket(connection);
     }
-    if (is_shortage(errno)) {
+    if (is_passing(errno)) {
         pause(errno);
-    } else if (!is_of_one_connection(errno)) {
+    } else if (!is_nothing(errno)) {
         throw std::system_error(errno, std::generic_category(), "Socket::accept()");
     }
     return std::nullopt;

@@ -16,7 +16,8 @@ namespace client_state_notifier {
 /// the matter of the directory and of the process's umask.
 class Listening_socket {
  public:
-    /// How long no connection is taken after the process or the machine ran out of descriptors or memory for one.
+    /// How long no connection is taken after one could not be had: a failure that stays neither spins nor fills the
+    /// log.
     static constexpr std::chrono::milliseconds k_pause{100};
 
     /// Makes the directories of the path, replaces a socket file that an earlier process left, binds and listens.
@@ -28,8 +29,8 @@ class Listening_socket {
     /// The end of a pause that is still going on.
     std::optional<std::chrono::steady_clock::time_point> pause_end() const;
 
-    /// The next connection, close-on-exec. Nothing when it has gone again or could not be had; a failure that does not
-    /// concern this one connection is logged. Throws std::system_error when the socket itself is of no use any more.
+    /// The next connection, close-on-exec. Nothing when there is none, or when it could not be had, which is logged.
+    /// Throws std::system_error when the socket itself is of no use any more.
     std::optional<utilities::Socket> accept();
 
  private:

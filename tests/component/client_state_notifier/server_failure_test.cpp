@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace client_state_notifier {
@@ -67,6 +68,20 @@ TEST_F(Server_that_fails, Says_that_it_could_not_bind) {
     EXPECT_TRUE(
         has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
                              std::system_error(EADDRINUSE, std::generic_category(), "Socket::bind(...)").what())));
+}
+
+// A poll set may not be larger than the number of descriptors that the process may have.
+TEST_F(Server_that_fails, Says_that_it_could_not_poll) {
+    ASSERT_TRUE(has_logged(info("socket created: ", path)));
+    rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    rlimit const one{1, before.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &one);
+    auto first = request("kPrepSD", 1h);  // wakes it, and then it polls again
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
+                                     std::system_error(EINVAL, std::generic_category(), "Socket::poll()").what())));
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(outcome_of(request("kOn", 1h)).status, Callback_status::timed_out);
 }
 
 TEST_F(Server_that_fails, Fails_where_the_directory_cannot_be_made) {

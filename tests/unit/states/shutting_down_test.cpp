@@ -82,6 +82,26 @@ TEST_F(Shutting_down, Takes_the_normal_way_when_the_fast_one_is_closed) {
     EXPECT_THAT(em->actions, ElementsAre("request_shutdown"));
 }
 
+class Shutting_down_that_fails : public Shutting_down_state {
+ public:
+    using Shutting_down_state::Shutting_down_state;
+    bool normal_shutdown() override { return normal_result; }
+    bool forced_shutdown() override { return !normal_result; }
+
+    bool normal_result{false};
+};
+
+TEST_F(Shutting_down, Has_the_result_of_the_way_that_it_takes) {
+    Shutting_down_that_fails sut(services, shared_memory, em, true, 60, open_channel());
+    EXPECT_FALSE(sut.entering_state());
+    sut.normal_result = true;
+    EXPECT_TRUE(sut.entering_state());
+    State_interface::set_forced_shutdown_flag(true);
+    EXPECT_FALSE(sut.entering_state());
+    sut.normal_result = false;
+    EXPECT_TRUE(sut.entering_state());
+}
+
 TEST_F(Shutting_down, Needs_no_collaborator) {
     Shutting_down_state sut(nullptr, nullptr, nullptr, true, 60, nullptr);
     State_interface::set_forced_shutdown_flag(true);

@@ -5,8 +5,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <type_traits>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -63,6 +65,8 @@ TEST(Socket, That_the_system_refuses_throws) {
     expect_system_error(EAFNOSUPPORT, "Socket::Socket(int32_t)", [] { Socket const sut(AF_MAX + 1, SOCK_STREAM, 0); });
 }
 
+static_assert(!std::is_copy_constructible_v<Socket> && !std::is_copy_assignable_v<Socket>, "one owner");
+
 TEST(Socket, Moved_from_is_empty) {
     int const descriptor = some_descriptor();
     Socket first(descriptor);
@@ -114,6 +118,15 @@ TEST(Socket_pair, Is_two_stream_sockets_that_are_connected) {
     socklen_t length = sizeof type;
     ASSERT_EQ(::getsockopt(left.get_fd(), SOL_SOCKET, SO_TYPE, &type, &length), 0);
     EXPECT_EQ(type, SOCK_STREAM);
+}
+
+TEST(Socket_pair, That_the_system_refuses_throws) {
+    rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    rlimit const none{0, before.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    expect_system_error(EMFILE, "socketpair(AF_UNIX, SOCK_STREAM, 0, sockets)", [] { socket_pair(); });
+    ::setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST(Create_unix_address, Holds_the_path_in_a_zeroed_address) {
