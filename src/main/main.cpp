@@ -71,6 +71,7 @@ void run(config::State_manager_config const& configuration) {
             ara::log::LogError() << "Failed to initialize AP_StateManger!";
         }
     });
+    ara::log::LogInfo() << "AP_StateManger daemon shutting down";
 }
 
 }  // namespace
@@ -98,6 +99,5 @@ int main() {
         ara::log::LogFatal() << "AP_StateManger is aborted: " << error.what();
         return k_configuration_failure;
     }
-    ara::log::LogInfo() << "AP_StateManger daemon shutting down";
     return EXIT_SUCCESS;
 }

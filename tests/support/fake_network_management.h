@@ -18,7 +18,10 @@ class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abst
  public:
     /// `actions` outlives this object.
     explicit Fake_network_management(std::vector<std::string>& actions) : actions_(actions) {}
-    ~Fake_network_management() override { note("gone"); }
+    ~Fake_network_management() override {
+        at_the_end();
+        note("gone");
+    }
 
     // What the network does.
     void be_found() { on_services_found_(); }
@@ -26,6 +29,9 @@ class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abst
 
     /// Runs inside of each request, release and change of user data.
     std::function<void()> meanwhile = [] {};
+
+    /// Runs while this object goes.
+    std::function<void()> at_the_end = [] {};
 
     void release_network(std::vector<std::uint8_t> const& bits) override { ask("release ", bits); }
     void request_network(std::vector<std::uint8_t> const& bits) override { ask("request ", bits); }

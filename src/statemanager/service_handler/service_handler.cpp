@@ -36,11 +36,14 @@ Service_handler::Service_handler(config::State_manager_config const& configurati
                 std::move(com_alive), std::move(cwu)),
       requested_cab_pattern_(k_cab_pattern_bytes) {}
 
-// First nobody calls in any more, then nobody reports; the members go when no other thread is left to use them.
+// First nobody calls in any more, then nobody reports; the members go when no other thread is left to use them. A
+// lookup that ends just now still calls network management, whose destructor waits for it: the pointer stays until
+// then.
 Service_handler::~Service_handler() {
     provided_.withdraw_restart_service();
     provided_.withdraw_application_services();
-    network_management_.reset();
+    std::default_delete<Nm_interface_abstract>()(network_management_.get());
+    static_cast<void>(network_management_.release());
 }
 
 bool Service_handler::init() {

@@ -64,6 +64,16 @@ TEST_F(Nm_search, Announces_before_it_stops_the_second_lookup) {
     EXPECT_THAT(stopped_before, ElementsAre("stop finding " + k_network_state));
 }
 
+TEST_F(Nm_search, Announces_when_it_has_subscribed_to_the_network_state) {
+    std::vector<std::string> subscribed_before;
+    sut->start_find_services([&] { subscribed_before = binding.recorded("subscribe"); });
+
+    user_data.OfferService();
+    network_state.OfferService();
+
+    EXPECT_THAT(subscribed_before, testing::SizeIs(1));
+}
+
 TEST_F(Nm_search, Stops_a_lookup_whose_handler_runs_before_its_handle_is_known) {
     network_state.OfferService();
     user_data.OfferService();

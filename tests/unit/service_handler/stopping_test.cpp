@@ -53,5 +53,17 @@ TEST_F(Stopping, Destroys_network_management_when_no_application_can_call_any_mo
     EXPECT_FALSE(binding.is_offered(k_dsa, "DSA_Interface"));
 }
 
+// Its destructor waits for the lookup that ends at the same moment.
+TEST_F(Stopping, Is_harmless_when_network_management_is_found_while_it_goes) {
+    build().init();
+    network->at_the_end = [this] { network->be_found(); };
+    forget();
+
+    sut.reset();
+
+    EXPECT_THAT(actions, ElementsAre("user data 80 00 00 ", "release ff ff ff 01 ", "gone"));
+    EXPECT_THAT(binding.recorded("offer"), IsEmpty());
+}
+
 }  // namespace
 }  // namespace ximo::ap::statemanager
