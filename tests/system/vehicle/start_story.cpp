@@ -70,6 +70,21 @@ TEST_F(Start, Ends_with_status_255_with_a_malformed_configuration) {
     EXPECT_THAT(texts(Kind::log), Contains("Configuration is ill formatted, AP_StateManger is aborted."));
 }
 
+TEST_F(Start, Ends_with_status_255_when_the_host_has_no_name_to_choose_by) {
+    options.daemon_starter = {"/usr/bin/env", "LD_PRELOAD=" NO_HOST_NAME, "ASAN_OPTIONS=verify_asan_link_order=0"};
+    start();
+    EXPECT_TRUE(ends_with(255));
+    auto const& events = machine->events();
+    auto const fatal = std::find_if(events.begin(), events.end(), [](Event const& event) {
+        return event.text == "Unable to read configuration selection file. AP_StateManger is aborted.";
+    });
+    ASSERT_NE(fatal, events.end());
+    EXPECT_EQ(fatal->level, 1);
+    EXPECT_THAT(texts(Kind::log), Not(Contains("AP_StateManger daemon shutting down")));
+    EXPECT_THAT(texts(Kind::state_word), IsEmpty());
+    EXPECT_THAT(texts(Kind::notification), IsEmpty());
+}
+
 TEST_F(Start, Ends_with_status_0_without_input_devices) {
     options.devices = 0;
     start();
