@@ -1,7 +1,7 @@
 # Flags that every target of the project is built with, and nothing that is installed inherits.
 add_library(project_options INTERFACE)
-target_compile_options(project_options INTERFACE -Wall -Wextra -Werror -Wshadow -Wnon-virtual-dtor -Wold-style-cast
-    -Wcast-qual -Wconversion -Wformat=2 -Wimplicit-fallthrough)
+target_compile_options(project_options INTERFACE -Wall -Wextra -Werror -Wshadow -Wcast-qual -Wconversion -Wformat=2
+    -Wimplicit-fallthrough "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Wold-style-cast>")
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(project_options INTERFACE -Wthread-safety -Wthread-safety-beta)
 endif()
