@@ -182,6 +182,9 @@ TEST_F(Finding, A_handler_may_make_proxies_and_calls) {
 
 // One for each process besides this one that finds a place; more of them would be refused by the engine.
 TEST_F(Finding, Fifty_processes_of_a_machine_are_found) {
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "Fifty processes under ThreadSanitizer are more than a small machine starts in a minute.";
+#endif
     std::vector<std::unique_ptr<bench::Player>> peers;
     Names expected;
     for (int number = 10; number < 60; ++number) {
