@@ -3,7 +3,8 @@ add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE -Wall -Wextra -Werror -Wshadow -Wcast-qual -Wconversion -Wformat=2
     -Wimplicit-fallthrough "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Wold-style-cast>")
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-    target_compile_options(project_options INTERFACE -Wthread-safety -Wthread-safety-beta)
+    target_compile_options(project_options INTERFACE -Wthread-safety -Wthread-safety-beta
+        -Wreserved-identifier)
 endif()
 
 set(STATEMANAGER_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread; empty for none")
@@ -22,3 +23,7 @@ else()
     add_link_options(-Wl,-z,relro,-z,now)
 endif()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# For add_compile_options in folders of programs whose speed does not matter: their headers (command line, JSON, tests)
+# take half the time to compile this way.
+set(quickly_compiled $<$<NOT:$<CONFIG:Debug>>:-O1> $<$<NOT:$<CONFIG:Debug>>:-g1>)
