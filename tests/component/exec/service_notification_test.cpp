@@ -46,7 +46,9 @@ TEST(Application_client, Logs_a_report_that_can_not_be_delivered) {
     auto const messages = log.messages();
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_EQ(messages[0].level, LogLevel::kError);
-    EXPECT_EQ(messages[0].arguments.at(0), test_support::Log_argument(std::string("Application state not reported: ")));
+    ASSERT_EQ(messages[0].arguments.size(), 2U);
+    EXPECT_EQ(messages[0].arguments[0], test_support::Log_argument(std::string("Application state not reported: ")));
+    EXPECT_THAT(std::get<std::string>(messages[0].arguments[1]), testing::HasSubstr("No such file or directory"));
 }
 
 TEST(Supervision_entity, Reports_each_checkpoint_as_one_watchdog_beat) {

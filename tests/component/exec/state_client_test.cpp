@@ -1,15 +1,12 @@
 #include "ara/exec/state_client.h"
 
-#include "bench/process/player.h"
-#include "bench/process/private_bus.h"
-#include "bench/process/scratch_directory.h"
+#include "private_execution_management.h"
 
 #include <algorithm>
 #include <chrono>
-#include <memory>
 #include <stdexcept>
 #include <string>
-#include <vector>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <stdlib.h>
@@ -22,31 +19,16 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+using testing::ThrowsMessage;
 
 // A little more than the bound, for a busy machine.
 constexpr auto k_bound = StateClient::k_time_limit + milliseconds(250);
 
-class Execution_management : public testing::Test {
+class Execution_management : public Private_execution_management {
  protected:
-    Execution_management() { start_bus(); }
-    ~Execution_management() override { ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS"); }
-
-    void start_bus() {
-        manager.reset();
-        bus.reset();
-        bus = std::make_unique<bench::Private_bus>(directory.path().string());
-        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", bus->address().c_str(), 1);
-        ::unlink(directory.file("notify").c_str());
-        manager = std::make_unique<bench::Player>(std::vector<std::string>{SERVICE_MANAGER, directory.file("notify")});
-    }
-
-    void set_unit(char const* unit, char const* active) {
-        manager->command({{"do", "set_unit"}, {"unit", unit}, {"active", active}});
-    }
-
-    bench::Scratch_directory directory;
-    std::unique_ptr<bench::Private_bus> bus;
-    std::unique_ptr<bench::Player> manager;
     StateClient sut;
     std::string state{"untouched"};
     Function_group_state_transition transition{Function_group_state_transition::kInTransition};
@@ -69,7 +51,8 @@ TEST_F(Execution_management, May_refuse_for_another_reason) {
 }
 
 TEST_F(Execution_management, Is_never_asked_for_names_that_are_none) {
-    for (auto const* const name : {"", "a-b", "../x", "a b", "a/b", "\xc3\xa4", "a.target\n"}) {
+    std::string const too_long(101, 'a');
+    for (auto const* const name : {"", "a-b", "../x", "a b", "a/b", "\xc3\xa4", "a.target\n", too_long.c_str()}) {
         EXPECT_EQ(sut.SetState("MachineState", name), State_client_result::kUnknownState);
         EXPECT_EQ(sut.SetState(name, "Running"), State_client_result::kUnknownState);
         EXPECT_EQ(sut.GetState(name, state, transition), State_client_result::kUnknownState);
@@ -77,6 +60,12 @@ TEST_F(Execution_management, Is_never_asked_for_names_that_are_none) {
     for (auto const& message : manager->log().messages()) {
         EXPECT_NE(message.value("event", ""), "call");
     }
+}
+
+TEST_F(Execution_management, Is_asked_for_names_of_up_to_a_hundred_characters) {
+    std::string const name(100, 'a');
+    EXPECT_EQ(sut.SetState(name, name), State_client_result::kUnknownState);
+    manager->await_event("call", {{"method", "StartUnit"}, {"unit", name + "-" + name + ".target"}});
 }
 
 TEST_F(Execution_management, Tells_the_state_that_has_been_reached) {
@@ -104,7 +93,8 @@ TEST_F(Execution_management, Knows_no_state_of_a_group_without_an_active_target)
 TEST_F(Execution_management, That_does_not_answer_is_given_up_in_time) {
     manager->command({{"do", "reaction"}, {"silent", true}});
     auto const before = steady_clock::now();
-    EXPECT_THROW(sut.SetState("MachineState", "Running"), std::runtime_error);
+    EXPECT_THAT([this] { sut.SetState("MachineState", "Running"); },
+                ThrowsMessage<std::runtime_error>("no answer from execution management in time"));
     EXPECT_LT(steady_clock::now() - before, k_bound);
     EXPECT_EQ(sut.SetState("MachineState", "Running"), State_client_result::kSuccess) << "the next request is served";
 }
@@ -121,13 +111,16 @@ TEST_F(Execution_management, That_answers_late_still_finds_its_caller_on_the_bus
 
 TEST_F(Execution_management, That_is_not_on_the_bus_is_an_error) {
     manager.reset();
-    EXPECT_THROW(sut.SetState("MachineState", "Running"), std::runtime_error);
-    EXPECT_THROW(sut.GetState("MachineState", state, transition), std::runtime_error);
+    auto const names_who_is_missing = ThrowsMessage<std::runtime_error>(
+        AllOf(StartsWith("no answer from execution management: "), HasSubstr("org.freedesktop.systemd1")));
+    EXPECT_THAT([this] { sut.SetState("MachineState", "Running"); }, names_who_is_missing);
+    EXPECT_THAT([this] { sut.GetState("MachineState", state, transition); }, names_who_is_missing);
 }
 
 TEST_F(Execution_management, Without_a_bus_is_an_error) {
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + directory.file("nowhere")).c_str(), 1);
-    EXPECT_THROW(sut.SetState("MachineState", "Running"), std::runtime_error);
+    EXPECT_THAT([this] { sut.SetState("MachineState", "Running"); },
+                ThrowsMessage<std::runtime_error>("no connection to the system bus: No such file or directory"));
 }
 
 TEST_F(Execution_management, Is_found_again_after_the_bus_was_restarted) {
@@ -147,19 +140,38 @@ TEST_F(Execution_management, Behind_a_stopped_bus_is_given_up_in_time) {
     EXPECT_EQ(sut.SetState("MachineState", "Shutdown"), State_client_result::kSuccess);
 }
 
-TEST_F(Execution_management, Behind_a_bus_that_never_greets_is_given_up_in_time) {
-    auto const path = directory.file("mute");
-    int const listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::copy(path.begin(), path.end(), address.sun_path);
-    ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr const*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(listener, 5), 0);
-    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
+/// Something that listens where the bus should and speaks no word of its protocol.
+class No_bus : public Execution_management {
+ protected:
+    ~No_bus() override { ::close(listener); }
+
+    void listen() {
+        auto const path = directory.file("mute");
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::copy(path.begin(), path.end(), address.sun_path);
+        ASSERT_EQ(::bind(listener, reinterpret_cast<sockaddr const*>(&address), sizeof address), 0);
+        ASSERT_EQ(::listen(listener, 5), 0);
+        ::setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
+    }
+
+    int const listener{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+};
+
+TEST_F(No_bus, That_never_greets_is_given_up_in_time) {
+    listen();
     auto const before = steady_clock::now();
-    EXPECT_THROW(sut.SetState("MachineState", "Running"), std::runtime_error);
+    EXPECT_THAT([this] { sut.SetState("MachineState", "Running"); },
+                ThrowsMessage<std::runtime_error>("no connection to the system bus: Connection timed out"));
     EXPECT_LT(steady_clock::now() - before, k_bound);
-    ::close(listener);
+}
+
+TEST_F(No_bus, That_hangs_up_is_an_error) {
+    listen();
+    std::thread doorman([this] { ::close(::accept(listener, nullptr, nullptr)); });
+    EXPECT_THAT([this] { sut.SetState("MachineState", "Running"); },
+                ThrowsMessage<std::runtime_error>(StartsWith("no connection to the system bus: ")));
+    doorman.join();
 }
 
 }  // namespace

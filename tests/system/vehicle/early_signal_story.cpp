@@ -45,5 +45,14 @@ TEST_F(Early_signal, While_the_driver_initialises_is_told_and_lost) {
     expect_that_it_cycles_until_the_next_signal();
 }
 
+// No handler is installed before the configuration is known to be good.
+TEST_F(Early_signal, Finds_no_handler_in_a_daemon_that_ends_for_its_configuration) {
+    options.configuration = "{}";
+    options.daemon_starter = {SIGNAL_AT_CALL, "handlers-installed"};
+    start();
+    EXPECT_TRUE(ends_with(255));
+    EXPECT_FALSE(std::filesystem::exists("/tmp/signalled"));
+}
+
 }  // namespace
 }  // namespace bench::vehicle

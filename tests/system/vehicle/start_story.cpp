@@ -58,7 +58,8 @@ TEST_F(Start, Ends_with_status_255_without_a_configuration) {
     EXPECT_TRUE(ends_with(255));
     EXPECT_THAT(texts(Kind::log),
                 Contains("Configuration file could NOT be opened! Path:  /etc/adaptive/ap_statemanager.json"));
-    EXPECT_THAT(texts(Kind::log), Contains("Configuration is ill formatted, AP_StateManger is aborted."));
+    EXPECT_EQ(level_of("Configuration is ill formatted, AP_StateManger is aborted."), 1);
+    EXPECT_THAT(texts(Kind::log), Not(Contains("AP_StateManger daemon shutting down")));
     EXPECT_THAT(texts(Kind::state_word), IsEmpty());
     EXPECT_THAT(texts(Kind::notification), IsEmpty());
 }
@@ -67,19 +68,15 @@ TEST_F(Start, Ends_with_status_255_with_a_malformed_configuration) {
     options.configuration = "{ \"ap_statemanager\": ";
     start();
     EXPECT_TRUE(ends_with(255));
-    EXPECT_THAT(texts(Kind::log), Contains("Configuration is ill formatted, AP_StateManger is aborted."));
+    EXPECT_EQ(level_of("Configuration is ill formatted, AP_StateManger is aborted."), 1);
+    EXPECT_THAT(texts(Kind::log), Not(Contains("AP_StateManger daemon shutting down")));
 }
 
 TEST_F(Start, Ends_with_status_255_when_the_host_has_no_name_to_choose_by) {
     options.daemon_starter = {"/usr/bin/env", "LD_PRELOAD=" NO_HOST_NAME, "ASAN_OPTIONS=verify_asan_link_order=0"};
     start();
     EXPECT_TRUE(ends_with(255));
-    auto const& events = machine->events();
-    auto const fatal = std::find_if(events.begin(), events.end(), [](Event const& event) {
-        return event.text == "Unable to read configuration selection file. AP_StateManger is aborted.";
-    });
-    ASSERT_NE(fatal, events.end());
-    EXPECT_EQ(fatal->level, 1);
+    EXPECT_EQ(level_of("Unable to read configuration selection file. AP_StateManger is aborted."), 1);
     EXPECT_THAT(texts(Kind::log), Not(Contains("AP_StateManger daemon shutting down")));
     EXPECT_THAT(texts(Kind::state_word), IsEmpty());
     EXPECT_THAT(texts(Kind::notification), IsEmpty());
@@ -91,9 +88,12 @@ TEST_F(Start, Ends_with_status_0_without_input_devices) {
     EXPECT_TRUE(ends_with(0));
     auto const logged = texts(Kind::log);
     EXPECT_THAT(logged, Contains("No key event input device found that supports both EV_KEY and EV_MSC"));
-    EXPECT_THAT(logged, Contains("AP_StateManger failed to initialize VirtIO"));
-    EXPECT_THAT(logged, Contains("Failed to initialize AP_StateManger!"));
-    EXPECT_THAT(logged, Contains("AP_StateManger daemon shutting down"));
+    std::vector<std::string> const last_words{"AP_StateManger failed to initialize VirtIO",
+                                              "Failed to initialize AP_StateManger!",
+                                              "AP_StateManger daemon shutting down"};
+    EXPECT_EQ(logged_of(last_words), last_words);
+    EXPECT_EQ(level_of("Failed to initialize AP_StateManger!"), 2);
+    EXPECT_EQ(level_of("AP_StateManger daemon shutting down"), 4);
     EXPECT_THAT(logged, Not(Contains("AP_StateManger daemon started")));
 }
 

@@ -13,11 +13,11 @@ TEST_P(Stop, Is_orderly_on_each_of_its_signals) {
     ASSERT_TRUE(sees(Kind::notification, "READY"));
     machine->signal_daemon(GetParam());
     EXPECT_TRUE(ends_with(0));
-    auto const logged = texts(Kind::log);
-    EXPECT_THAT(logged, Contains("SIGTERM received!"));
-    EXPECT_THAT(logged, Contains("Shutting down AP_StateManger"));
-    EXPECT_THAT(logged, Contains("AP_StateManger reporting kTerminating to EM"));
-    EXPECT_THAT(logged, Contains("AP_StateManger daemon shutting down"));
+    std::vector<std::string> const last_words{"SIGTERM received!", "Shutting down AP_StateManger",
+                                              "AP_StateManger reporting kTerminating to EM",
+                                              "AP_StateManger daemon shutting down"};
+    EXPECT_EQ(logged_of(last_words), last_words);
+    EXPECT_EQ(level_of("AP_StateManger daemon shutting down"), 4);
     EXPECT_TRUE(sees(Kind::notification, "STOPPING"));
     EXPECT_THAT(texts(Kind::notification), ElementsAre("READY", "STOPPING"));
 }

@@ -3,6 +3,7 @@
 
 #include "bench/vehicle/vehicle.h"
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -47,6 +48,26 @@ class Story : public testing::Test {
     bool sees(Kind kind, std::string const& text) { return machine->await(kind, text).has_value(); }
     bool logs(std::string const& text) { return sees(Kind::log, text); }
     bool ends_with(int status) { return machine->await_end() == status; }
+
+    /// The level at which a text was logged, 1 fatal to 6 verbose; 0 when it was not.
+    int level_of(std::string const& text) const {
+        for (auto const& event : machine->events()) {
+            if (event.kind == Kind::log && event.text == text) {
+                return event.level;
+            }
+        }
+        return 0;
+    }
+
+    /// What was logged of some texts, in the order in which it was.
+    std::vector<std::string> logged_of(std::vector<std::string> const& wanted) const {
+        auto logged = texts(Kind::log);
+        auto const others = std::remove_if(logged.begin(), logged.end(), [&wanted](auto const& text) {
+            return std::find(wanted.begin(), wanted.end(), text) == wanted.end();
+        });
+        logged.erase(others, logged.end());
+        return logged;
+    }
 
     std::vector<std::string> texts(Kind kind) const {
         std::vector<std::string> result;

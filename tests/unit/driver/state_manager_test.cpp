@@ -172,6 +172,16 @@ TEST_F(Driver, Removes_the_waiting_command_also_when_a_condition_caused_the_tran
     EXPECT_EQ(written(), "startinguprunning");
 }
 
+TEST_F(Driver, Removes_the_command_when_the_new_state_has_been_entered) {
+    start_and_run();
+    press(Virtio_command::shutdown);
+    std::vector<Virtio_command> waiting_on_entry;
+    em->listener = [&](std::string const& /*action*/) { waiting_on_entry.push_back(input->queue.at(0)); };
+    sut.run_cyclic_task();
+    EXPECT_THAT(waiting_on_entry, ElementsAre(Virtio_command::shutdown));
+    EXPECT_THAT(input->queue, IsEmpty());
+}
+
 TEST_F(Driver, Ticks_the_state_only_while_it_stays) {
     configuration.set_knockout_timer(2);
     start_and_run();

@@ -1,10 +1,15 @@
 #include "main/termination.h"
 
+#include "support/fake_neighbours.h"
 #include "support/log_capture.h"
 #include "support/temporary_directory.h"
 
+#include <chrono>
 #include <csignal>
+#include <future>
+#include <memory>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -21,9 +26,18 @@ class Termination : public testing::Test {
     Termination() { configuration.set_smw_update_status_path(files.file("status")); }
     ~Termination() override { g_state_manager.reset(nullptr); }
 
-    void hold_a_state_manager() {
+    /// Gives something that lives as long as the driver.
+    std::weak_ptr<void> hold_a_state_manager() {
+        auto const part = std::make_shared<test_support::Fake_execution_management>();
         g_state_manager.reset(
-            std::make_unique<ximo::ap::statemanager::State_manager>(configuration, nullptr, nullptr, nullptr, nullptr));
+            std::make_unique<ximo::ap::statemanager::State_manager>(configuration, nullptr, part, nullptr, nullptr));
+        return part;
+    }
+
+    static bool is_held() {
+        bool held = false;
+        g_state_manager.with([&held](auto& /*manager*/) { held = true; });
+        return held;
     }
 
     test_support::Log_capture log;
@@ -84,11 +98,38 @@ TEST_F(Termination, Carries_on_when_a_handler_can_not_be_registered) {
 }
 
 TEST_F(Termination, Destroys_the_driver_held_before) {
-    hold_a_state_manager();
-    hold_a_state_manager();
+    auto const first = hold_a_state_manager();
+    EXPECT_FALSE(first.expired());
+    auto const second = hold_a_state_manager();
+    EXPECT_TRUE(first.expired());
+    EXPECT_FALSE(second.expired());
     g_state_manager.reset(nullptr);
+    EXPECT_TRUE(second.expired());
     handle_termination_signal(SIGTERM);
     EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Termination, Destroys_no_driver_that_a_handler_on_another_thread_is_using) {
+    auto const driver = hold_a_state_manager();
+    std::promise<void> used;
+    std::promise<void> done;
+    std::thread handler([&] {
+        g_state_manager.with([&](auto& /*manager*/) {
+            used.set_value();
+            done.get_future().wait();
+            EXPECT_FALSE(driver.expired());
+        });
+    });
+    used.get_future().wait();
+    auto emptied = std::async(std::launch::async, [] { g_state_manager.reset(nullptr); });
+    while (is_held()) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(emptied.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    done.set_value();
+    handler.join();
+    emptied.wait();
+    EXPECT_TRUE(driver.expired());
 }
 
 // Otherwise emptying the holder would wait for ever for a user that has gone.

@@ -120,6 +120,21 @@ TEST_F(Entry_order, Of_post_run) {
     EXPECT_THAT(journal_of(sut), ElementsAre("Entering post run state", "word postrun"));
 }
 
+TEST_F(Entry_order, Of_post_run_refills_its_count_after_the_word) {
+    std::vector<unsigned> transitions;
+    State_interface* entered = nullptr;
+    auto const asking = std::make_shared<Listened_status_file>(files.file("asking"), [&](std::string const& /*word*/) {
+        transitions.push_back(entered->check_transition(virtio::Virtio_command::none));
+    });
+    Post_run_state sut(services, asking, 1);
+    entered = &sut;
+    services->ecu_alive = true;
+    sut.tick();
+    sut.entering_state();
+    transitions.push_back(sut.check_transition(virtio::Virtio_command::none));
+    EXPECT_THAT(transitions, ElementsAre(k_shutting_down, k_stay));
+}
+
 TEST_F(Entry_order, Of_preparing) {
     Preparing_state sut(services, status, notifier, power_off);
     EXPECT_THAT(journal_of(sut), ElementsAre("Entering preparing state", "word preparing", "request_standby",
@@ -153,9 +168,15 @@ TEST_F(Entry_order, Of_shutting_down_fast) {
 TEST_F(Entry_order, Of_preparing_goes_on_when_the_power_off_channel_takes_nothing) {
     power_off->takes_nothing = true;
     Preparing_state sut(services, status, notifier, power_off);
+    std::vector<test_support::Log_message> errors;
+    services->listener = [&](std::string const& what) {
+        errors = log.messages(LogLevel::kError);
+        note_(what);
+    };
     EXPECT_THAT(journal_of(sut),
                 ElementsAre("Entering preparing state", "word preparing", "request_standby", "process_lookup",
                             "Fast shutdown not prepared:  basic_string::substr", "standby"));
+    EXPECT_THAT(errors, ElementsAre(logged(LogLevel::kError, "Fast shutdown not prepared: ", "basic_string::substr")));
 }
 
 TEST_F(Entry_order, Of_shutting_down_fast_survives_a_power_off_channel_that_takes_nothing) {

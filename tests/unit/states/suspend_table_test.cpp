@@ -20,12 +20,17 @@ class Suspend_table : public State_test {
     template <class Expect>
     void in_every_situation(Expect const& expect) {
         for (auto const command : k_all_commands) {
-            for (bool const busy : {false, true}) {
-                SCOPED_TRACE(testing::Message() << "command " << static_cast<int>(command) << ", busy " << busy);
+            for (unsigned bits = 0; bits < 4; ++bits) {
+                bool const busy = (bits & 1U) != 0;
+                bool const prepare_sd = (bits & 2U) != 0;
+                SCOPED_TRACE(testing::Message() << "command " << static_cast<int>(command) << ", busy " << busy
+                                                << ", prepare SD " << prepare_sd);
                 notifier->busy = busy;
                 State_interface::set_forced_shutdown_flag(false);
+                State_interface::set_prepare_SD_flag(prepare_sd);
                 log.clear();
                 expect(command, busy);
+                EXPECT_EQ(State_interface::get_prepare_SD_flag(), prepare_sd) << "it is of the network phase";
             }
         }
     }
