@@ -90,6 +90,23 @@ TEST_F(Execution_management, Knows_no_state_of_a_group_without_an_active_target)
     EXPECT_EQ(state, "untouched");
 }
 
+TEST_F(Execution_management, Does_not_take_a_target_without_a_name_for_a_state) {
+    set_unit("MachineState-Startup.target", "inactive");
+    set_unit("MachineState-.target", "active");
+    EXPECT_EQ(sut.GetState("MachineState", state, transition), State_client_result::kUnknownState);
+    set_unit("MachineState-A.target", "active");
+    EXPECT_EQ(sut.GetState("MachineState", state, transition), State_client_result::kSuccess);
+    EXPECT_EQ(state, "A");
+}
+
+TEST_F(Execution_management, May_refuse_to_tell_the_state) {
+    manager->command(
+        {{"do", "reaction"}, {"method", "ListUnitsByPatterns"}, {"error", "org.freedesktop.DBus.Error.AccessDenied"}});
+    EXPECT_EQ(sut.GetState("MachineState", state, transition), State_client_result::kRefused);
+    EXPECT_EQ(state, "untouched");
+    EXPECT_EQ(transition, Function_group_state_transition::kInTransition);
+}
+
 TEST_F(Execution_management, That_does_not_answer_is_given_up_in_time) {
     manager->command({{"do", "reaction"}, {"silent", true}});
     auto const before = steady_clock::now();
