@@ -1,5 +1,7 @@
 #include "tools/client_report.h"
 
+#include "tools/json_text.h"
+
 #include <array>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -15,9 +17,8 @@ void print(std::string const& line) {
     std::fflush(stdout);
 }
 
-// Names and states are bytes of somebody's choice.
 void print(json const& event) {
-    print(event.dump(-1, ' ', false, json::error_handler_t::replace));
+    print(json_text(event));
 }
 
 std::string describe(std::uint32_t status) {

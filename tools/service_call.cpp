@@ -1,5 +1,7 @@
 #include "tools/service_call.h"
 
+#include "tools/json_text.h"
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -27,7 +29,7 @@ int report_success(Call_options const& options, std::string const& done, std::ch
     if (options.as_json) {
         nlohmann::json const result{
             {"ok", true}, {"instance", options.instance}, {"done", done}, {"microseconds", duration.count()}};
-        std::puts(result.dump().c_str());
+        std::puts(json_text(result).c_str());
     } else {
         std::printf("%s for \"%s\" (%.2f ms)\n", done.c_str(), options.instance.c_str(),
                     static_cast<double>(duration.count()) / 1000);
@@ -38,7 +40,7 @@ int report_success(Call_options const& options, std::string const& done, std::ch
 int report_failure(Call_options const& options, std::string const& error) {
     if (options.as_json) {
         nlohmann::json const result{{"ok", false}, {"instance", options.instance}, {"error", error}};
-        std::puts(result.dump().c_str());
+        std::puts(json_text(result).c_str());
     } else {
         std::fprintf(stderr, "ap_statectl: %s\n", error.c_str());
     }

@@ -4,6 +4,7 @@
 #include "tarq/udpnm/interface/network_state_interface_proxy.h"
 #include "tarq/udpnm/interface/user_data_interface_proxy.h"
 #include "tools/commands.h"
+#include "tools/json_text.h"
 #include "tools/time_text.h"
 #include "ximo/ap/statemanager/dsa_interface_proxy.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
@@ -87,7 +88,7 @@ void print_json(ServiceHandleContainer const& offers) {
                         {"since", time_text(offer.GetOfferTime())},
                         {"participant", offer.GetParticipant()}});
     }
-    std::puts(list.dump(2).c_str());
+    std::puts(json_text(list, 2).c_str());
 }
 
 void print_table(ServiceHandleContainer const& offers) {

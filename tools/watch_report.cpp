@@ -1,5 +1,6 @@
 #include "tools/watch_report.h"
 
+#include "tools/json_text.h"
 #include "tools/time_text.h"
 
 #include <cstdio>
@@ -33,7 +34,7 @@ void Watch_report::print(std::string const& what, std::string const& text, nlohm
     if (as_json_) {
         details["event"] = what;
         details["time"] = time;
-        std::puts(details.dump().c_str());
+        std::puts(json_text(details).c_str());
     } else {
         std::printf("%s  %-13s  %s\n", time.c_str(), what.c_str(), text.c_str());
     }

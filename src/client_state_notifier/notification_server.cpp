@@ -25,22 +25,21 @@ Notification_server::Notification_server(std::string const& path, Status_callbac
                                          Request_slot& requests, Client_register& clients)
     : status_callback_(std::move(status_callback)), requests_(requests), clients_(clients), listener_(path) {}
 
+/// Whoever has introduced itself when a request is taken is asked.
 void Notification_server::run() {
     for (;;) {
         poll_set_.fill(listener_, requests_, clients_, newcomers_);
-        if (poll_set_.wait(calculate_timeout())) {
-            if (poll_set_.is_listener_ready()) {
-                process_new_client();
-            }
-            if (poll_set_.is_wake_up_ready()) {
-                if (!requests_.receive_wake_up()) {
-                    return;
-                }
-                process_state_change_request();
-            }
-            process_client_responses();
+        if (poll_set_.wait(calculate_timeout()) && poll_set_.is_listener_ready()) {
+            process_new_client();
         }
         process_newcomers();
+        if (poll_set_.is_wake_up_ready()) {
+            if (!requests_.receive_wake_up()) {
+                return;
+            }
+            process_state_change_request();
+        }
+        process_client_responses();
         delete_hangup_clients();
         process_timeout();
     }

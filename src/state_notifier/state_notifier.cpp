@@ -135,7 +135,6 @@ void State_notifier::request(Group& group, Client_predicate const& predicate, st
     dcm_.is_done = apps_.is_done = dem_.is_done = false;
     auto const number = ++request_number_;
     group.requested_state = requested_state_;
-    group.request_number = number;
     client_states_->request_state_change(
         requested_state_, predicate,
         [this, completed, number](Callback_status status, Client_results const& results) {

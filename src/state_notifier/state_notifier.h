@@ -46,9 +46,8 @@ class State_notifier : public State_notifier_interface {
 
  private:
     struct Group {
-        std::string requested_state;       ///< last requested from this group
-        std::uint64_t request_number = 0;  ///< of that request, among all requests
-        bool is_done = false;              ///< completed, and the next step not taken yet
+        std::string requested_state;  ///< last requested from this group
+        bool is_done = false;         ///< completed, and the next step not taken yet
         Client_results results;
     };
 

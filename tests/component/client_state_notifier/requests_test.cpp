@@ -124,6 +124,19 @@ TEST_F(Request, Does_not_concern_a_client_that_joins_in_the_middle) {
     EXPECT_FALSE(late.has_input());
 }
 
+TEST_F(Request, Concerns_a_client_that_introduces_itself_before_it_is_taken) {
+    auto const radio = connect("radio");
+    std::optional<Test_client> late;
+    std::future<Outcome> outcome;
+    {
+        Busy_server const busy(*sut);
+        late.emplace(path, "late", "kOn");
+        outcome = request("kPrepSD", 2s, [](auto const& name) { return name == "late"; });
+    }
+    EXPECT_EQ(late->obey().state, "kPrepSD");
+    EXPECT_THAT(outcome_of(outcome).results, ElementsAre(Pair("late", Component_client_return_type::succeeded)));
+}
+
 TEST_F(Request, Is_replaced_by_a_newer_one_and_then_never_completes) {
     auto radio = connect("radio");
     auto first = request("kPrepSD", 1s);

@@ -134,14 +134,20 @@ TEST_F(Com_alive_interface_test, Fails_its_client_when_a_callback_is_missing) {
     EXPECT_THROW(application.RequestComAlive({0x01}, 1).get(), tarq::com::Remote_exception);
 }
 
-TEST_F(Com_alive_interface_test, Withdraws_its_offer_at_the_end) {
+TEST_F(Com_alive_interface_test, Withdraws_its_offer_at_the_end_before_its_callbacks_go) {
+    bool offered_at_the_end = true;
     {
         State_manager_com_alive_interface sut("radio");
+        // Runs when the callback that holds it goes.
+        std::shared_ptr<void> const held(nullptr, [&](void* /*nothing*/) {
+            offered_at_the_end = binding.is_offered(k_interface, "radio");
+        });
+        sut.set_com_alive_release_cb([held](Bits const& /*bits*/) {});
         sut.offer();
         EXPECT_TRUE(binding.is_offered(k_interface, "radio"));
     }
 
-    EXPECT_FALSE(binding.is_offered(k_interface, "radio"));
+    EXPECT_FALSE(offered_at_the_end);
 }
 
 }  // namespace

@@ -84,14 +84,20 @@ TEST_F(Cwu_interface_test, Serves_the_clients_of_its_instance_while_it_is_offere
     EXPECT_THAT(calls, ElementsAre("request 7", "release"));
 }
 
-TEST_F(Cwu_interface_test, Withdraws_its_offer_at_the_end) {
+TEST_F(Cwu_interface_test, Withdraws_its_offer_at_the_end_before_its_callbacks_go) {
+    bool offered_at_the_end = true;
     {
         State_manager_cwu_interface sut("alarm");
+        // Runs when the callback that holds it goes.
+        std::shared_ptr<void> const held(nullptr, [&](void* /*nothing*/) {
+            offered_at_the_end = binding.is_offered(k_interface, "alarm");
+        });
+        sut.set_cwu_release_cb([held] {});
         sut.offer();
         EXPECT_TRUE(binding.is_offered(k_interface, "alarm"));
     }
 
-    EXPECT_FALSE(binding.is_offered(k_interface, "alarm"));
+    EXPECT_FALSE(offered_at_the_end);
 }
 
 }  // namespace

@@ -23,10 +23,14 @@ class Noting_writer : public smw::Shared_memory_reboot {
  public:
     explicit Noting_writer(std::vector<std::string>& requests)
         : Shared_memory_reboot("/dev/null"), requests_(requests) {}
+    ~Noting_writer() override { at_the_end(); }
+    Noting_writer(Noting_writer const&) = delete;
+    Noting_writer& operator=(Noting_writer const&) = delete;
     void restart_vm() override { note("vm"); }
     void restart_m3() override { note("m3"); }
 
     std::function<void()> meanwhile = [] {};
+    std::function<void()> at_the_end = [] {};
 
  private:
     void note(char const* request) {
@@ -150,12 +154,14 @@ TEST_F(Dsa_interface_test, Serves_clients_of_its_one_instance) {
     EXPECT_THAT(requests, ElementsAre("m3"));
 }
 
-TEST_F(Dsa_interface_test, Withdraws_its_offer_at_the_end) {
+TEST_F(Dsa_interface_test, Withdraws_its_offer_at_the_end_before_its_writer_goes) {
     build().OfferService();
+    bool offered_at_the_end = true;
+    writer->at_the_end = [&] { offered_at_the_end = binding.is_offered(k_interface, "DSA_Interface"); };
 
     sut.reset();
 
-    EXPECT_FALSE(binding.is_offered(k_interface, "DSA_Interface"));
+    EXPECT_FALSE(offered_at_the_end);
 }
 
 }  // namespace

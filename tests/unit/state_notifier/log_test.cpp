@@ -106,6 +106,17 @@ TEST_F(Notifier_log, Tells_at_the_lowest_level_that_no_diagnostic_group_is_done)
     EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "check_dm_request_status else")));
 }
 
+TEST_F(Notifier_log, Tells_of_the_applications_before_the_diagnostic_groups) {
+    sut.request_standby();
+    complete();
+    sut.check_request_status();
+    complete();
+    log.clear();
+    sut.check_request_status();
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Requesting ", "kPrepSD", " mode for DEM"),
+                                            logged(LogLevel::kVerbose, "check_dm_request_status else")));
+}
+
 TEST_F(Notifier_log, Is_silent_while_no_sequence_runs) {
     sut.check_request_status();
     EXPECT_THAT(log.messages(), testing::IsEmpty());

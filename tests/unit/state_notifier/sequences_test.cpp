@@ -199,6 +199,20 @@ TEST_F(Sequence, Is_not_ended_by_the_resume_of_before) {
     EXPECT_EQ(sut.check_request_status(), 1U);
 }
 
+// The second resume is at DCM again, but its own request has not completed.
+TEST_F(Sequence, Is_not_ended_by_a_resume_that_a_standby_and_another_resume_replaced) {
+    sut.request_resume();
+    complete_and_check();
+    complete_and_check();
+    auto const last_of_resume = last();
+    sut.request_standby();
+    sut.request_resume();
+    EXPECT_EQ(complete_and_check(), 1U);
+    last_of_resume.completed(Callback_status::succeeded, {});
+    EXPECT_EQ(sut.check_request_status(), 1U);
+    EXPECT_EQ(complete_and_check(), 0U);
+}
+
 TEST_F(Sequence, Keeps_what_each_group_answered_last) {
     EXPECT_THAT(sut.get_dcm_clients_status(), IsEmpty());
     EXPECT_THAT(sut.get_app_clients_status(), IsEmpty());

@@ -1,4 +1,5 @@
 #include "tools/command.h"
+#include "tools/json_text.h"
 #include "tools/service_call.h"
 #include "tools/time_text.h"
 #include "tools/watch_report.h"
@@ -122,6 +123,24 @@ TEST(Result_of_a_call, Is_a_JSON_object_on_demand) {
     EXPECT_EQ(report_failure(options, "no"), 1);
     EXPECT_EQ(json::parse(testing::internal::GetCapturedStdout()),
               (json{{"ok", false}, {"instance", "1"}, {"error", "no"}}));
+}
+
+TEST(Result_of_a_call, Is_a_JSON_object_also_for_a_name_that_is_no_UTF_8) {
+    using nlohmann::json;
+    Call_options options;
+    options.instance = "T\xfcr";
+    options.as_json = true;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(report_success(options, "ECU alive requested", std::chrono::microseconds(1)), 0);
+    EXPECT_EQ(json::parse(testing::internal::GetCapturedStdout())["instance"], "T\uFFFDr");
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(report_failure(options, "no \xfc"), 1);
+    EXPECT_EQ(json::parse(testing::internal::GetCapturedStdout())["error"], "no \uFFFD");
+}
+
+TEST(Json_text, Is_one_line_unless_it_is_indented_and_replaces_what_is_no_UTF_8) {
+    EXPECT_EQ(json_text(nlohmann::json::object({{"name", "T\xfcr"}})), "{\"name\":\"T\uFFFDr\"}");
+    EXPECT_EQ(json_text(nlohmann::json::object({{"name", "door"}}), 2), "{\n  \"name\": \"door\"\n}");
 }
 
 TEST(Report_of_a_watch, Names_each_bit) {
