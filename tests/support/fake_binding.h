@@ -16,7 +16,8 @@ namespace test_support {
 /// outlive the skeletons, proxies and lookups made meanwhile.
 ///
 /// What happened is recorded in order, one line each: "offer INTERFACE INSTANCE", "withdraw INTERFACE INSTANCE",
-/// "find INTERFACE WANTED", "stop finding INTERFACE", "connect INTERFACE INSTANCE", "call INTERFACE INSTANCE",
+/// "find INTERFACE WANTED", "stop finding INTERFACE", "connect INTERFACE INSTANCE", "disconnect INTERFACE INSTANCE",
+/// "call INTERFACE INSTANCE",
 /// "subscribe INTERFACE NAME INSTANCE", "unsubscribe INTERFACE NAME INSTANCE".
 class Fake_binding {
  public:

@@ -67,6 +67,9 @@ Engine::Key topic_of(ara::com::Event_type const& event, std::string const& insta
 class Fake_connection : public ara::com::Connection {
  public:
     Fake_connection(Engine& engine, Engine::Key key) : engine_(engine), key_(std::move(key)) {}
+    ~Fake_connection() override { engine_.note("disconnect", key_); }
+    Fake_connection(Fake_connection const&) = delete;
+    Fake_connection& operator=(Fake_connection const&) = delete;
 
     void call(void* request, std::unique_ptr<ara::com::Pending_reply> pending) override {
         engine_.call(key_, request, *pending);

@@ -30,6 +30,9 @@ class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abst
     /// Runs inside of each request, release and change of user data.
     std::function<void()> meanwhile = [] {};
 
+    /// Runs when the search starts, which fails with what this throws.
+    std::function<void()> at_the_search = [] {};
+
     /// Runs while this object goes.
     std::function<void()> at_the_end = [] {};
 
@@ -38,6 +41,7 @@ class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abst
     void set_user_data(std::vector<std::uint8_t> const& data) override { ask("user data ", data); }
     void start_find_services(std::function<void()> const& on_services_found) override {
         note("search");
+        at_the_search();
         on_services_found_ = on_services_found;
     }
     void set_network_state_updated_func(std::function<void(std::vector<std::uint8_t> const&)> const& func) override {

@@ -22,13 +22,11 @@ bool succeeds(Offer const& offer) {
 }
 
 template <class Services, class Offer>
-bool offer_all(char const* announcement, Services const& services, Offer offer) {
+void offer_all(char const* announcement, Services const& services, Offer offer) {
     ara::log::LogInfo() << announcement;
-    bool all = true;
     for (auto const& service : services) {
-        all = succeeds([&] { offer(*service); }) && all;
+        succeeds([&] { offer(*service); });
     }
-    return all;
 }
 
 template <class Services>
@@ -56,16 +54,15 @@ bool Provided_services::offer_restart_service() {
     return succeeds([this] { restart_.OfferService(); });
 }
 
-bool Provided_services::offer_application_services() {
+void Provided_services::offer_application_services() {
     base::Lock_guard const lock(mutex_);
     if (withdrawn_) {
-        return false;
+        return;
     }
     auto const offer = [](auto& service) { service.offer(); };
-    bool const ecu_alive = offer_all("Offering ECU alive services", ecu_alive_, [](auto& s) { s.OfferService(); });
-    bool const com_alive = offer_all("Offering COM alive services", com_alive_, offer);
-    bool const cwu = offer_all("Offering CWU services", cwu_, offer);
-    return ecu_alive && com_alive && cwu;
+    offer_all("Offering ECU alive services", ecu_alive_, [](auto& service) { service.OfferService(); });
+    offer_all("Offering COM alive services", com_alive_, offer);
+    offer_all("Offering CWU services", cwu_, offer);
 }
 
 void Provided_services::withdraw_restart_service() {

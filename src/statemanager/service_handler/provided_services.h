@@ -28,10 +28,10 @@ class Provided_services {
     Provided_services(std::string const& restart_command_path, std::vector<std::string> const& ecu_alive_instances,
                       services::Ecu_alive_interface_callback& callback, Com_alive_services com_alive, Cwu_services cwu);
 
-    // Offer a group; false when one of its offers failed, which is logged and leaves the others offered. Once the
-    // application services were withdrawn they are not offered any more.
+    // Offer a group. An offer that fails is logged and leaves the others offered; that of the restart service is told
+    // as well, by false. Once the application services were withdrawn they are not offered any more.
     bool offer_restart_service();
-    bool offer_application_services();
+    void offer_application_services();
 
     // Withdraw a group, waiting for the calls that are being served.
     void withdraw_restart_service();

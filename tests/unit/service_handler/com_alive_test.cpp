@@ -178,6 +178,17 @@ TEST_F(Com_alive, The_application_is_alive_before_the_network_is_asked) {
     EXPECT_TRUE(alive_at_request);
 }
 
+TEST_F(Com_alive, The_application_is_alive_no_more_before_the_network_is_told) {
+    build_and_find();
+    com_alive("radio").RequestComAlive({0x02}, 0).get();
+    bool alive_at_release = true;
+    network->meanwhile = [&] { alive_at_release = sut->apps_keep_com_alive(); };
+
+    com_alive("radio").ReleaseComAlive({0x02}).get();
+
+    EXPECT_FALSE(alive_at_release);
+}
+
 class Car_wake_up : public Service_handler_test {};
 
 TEST_F(Car_wake_up, A_request_goes_into_the_user_data_alone) {
@@ -208,6 +219,17 @@ TEST_F(Car_wake_up, A_release_takes_it_back) {
                             logged(LogLevel::kInfo, "Applying user data bits size: ", 4U, " at offset ", 1U),
                             user_data_set("80 00 00 ")));
     EXPECT_FALSE(sut->apps_keep_com_alive());
+}
+
+TEST_F(Car_wake_up, The_application_is_alive_or_not_before_the_network_is_told) {
+    build_and_find();
+    std::vector<bool> alive;
+    network->meanwhile = [&] { alive.push_back(sut->apps_keep_com_alive()); };
+
+    cwu("alarm").RequestCarWakeUp(2).get();
+    cwu("alarm").ReleaseCarWakeUp().get();
+
+    EXPECT_THAT(alive, ElementsAre(true, false));
 }
 
 TEST_F(Car_wake_up, Both_services_of_one_name_belong_to_one_application) {

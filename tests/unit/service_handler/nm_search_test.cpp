@@ -64,6 +64,16 @@ TEST_F(Nm_search, Announces_before_it_stops_the_second_lookup) {
     EXPECT_THAT(stopped_before, ElementsAre("stop finding " + k_network_state));
 }
 
+TEST_F(Nm_search, Announces_before_it_stops_the_second_lookup_in_the_other_order_as_well) {
+    std::vector<std::string> stopped_before;
+    sut->start_find_services([&] { stopped_before = binding.recorded("stop finding"); });
+
+    user_data.OfferService();
+    network_state.OfferService();
+
+    EXPECT_THAT(stopped_before, ElementsAre("stop finding " + k_user_data));
+}
+
 TEST_F(Nm_search, Announces_when_it_has_subscribed_to_the_network_state) {
     std::vector<std::string> subscribed_before;
     sut->start_find_services([&] { subscribed_before = binding.recorded("subscribe"); });
@@ -183,6 +193,24 @@ TEST_F(Nm_search, Is_over_without_a_word_when_both_services_were_found) {
     sut.reset();
 
     EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Nm_search, Ends_with_the_callback_then_the_user_data_then_the_network_state) {
+    network_state.OfferService();
+    user_data.OfferService();
+    search();
+    std::vector<std::string> gone_before{"everything"};
+    // Runs when the callback that holds it goes.
+    sut->set_network_state_updated_func([held = std::shared_ptr<void>(nullptr, [&](void* /*nothing*/) {
+                                             gone_before = binding.recorded("disconnect");
+                                         })](auto const& /*state*/) {});
+    ASSERT_THAT(binding.recorded("disconnect"), IsEmpty());
+
+    sut.reset();
+
+    EXPECT_THAT(gone_before, IsEmpty());
+    EXPECT_THAT(binding.recorded("disconnect"),
+                ElementsAre("disconnect " + k_user_data + " node", "disconnect " + k_network_state + " node"));
 }
 
 TEST_F(Nm_search, Ends_the_subscription_with_the_client) {

@@ -199,6 +199,18 @@ TEST_F(Starting, Says_when_the_restart_service_can_not_be_offered) {
     EXPECT_THAT(actions, ElementsAre("search"));
 }
 
+TEST_F(Starting, Says_when_network_management_can_not_be_looked_for) {
+    build();
+    network->at_the_search = [] { throw tarq::com::Infrastructure_exception("no engine"); };
+
+    EXPECT_FALSE(sut->init());
+
+    EXPECT_THAT(log.messages(LogLevel::kError),
+                ElementsAre(logged(LogLevel::kError, "infrastructure exception ", "no engine")));
+    EXPECT_TRUE(binding.is_offered(k_dsa, "DSA_Interface"));
+    EXPECT_FALSE(sut->nm_interface_available());
+}
+
 class Starting_without_network_management : public Service_handler_test {
  protected:
     Starting_without_network_management() { configuration.set_nm_usage(false); }

@@ -3,11 +3,28 @@
 #include "utilities/files.h"
 
 #include <cerrno>
+#include <utility>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+namespace {
+
+bool mkdtemp_fails_once = false;
+
+}  // namespace
+
+// Takes the place of the C library's in this program.
+extern "C" char* mkdtemp(char* name) {
+    if (std::exchange(mkdtemp_fails_once, false)) {
+        errno = ENOSPC;
+        return nullptr;
+    }
+    return reinterpret_cast<char* (*)(char*)>(::dlsym(RTLD_NEXT, "mkdtemp"))(name);
+}
 
 namespace utilities {
 namespace {
@@ -77,12 +94,18 @@ TEST_F(Directories, A_temporary_one_is_new_at_each_call) {
     EXPECT_NE(one.get_path(), two.get_path());
 }
 
+TEST_F(Directories, A_temporary_one_that_can_not_be_made_is_an_error) {
+    mkdtemp_fails_once = true;
+    expect_system_error(ENOSPC, "mkdtemp('/tmp/state_notification_lib_test.XXXXXX')", [] { create_tmp_dir(); });
+}
+
 // In a process of its own, which ends as any process does.
 TEST_F(Directories, The_process_has_one_temporary_one_that_goes_with_it) {
     auto const report = directory.file("report");
     pid_t const child = ::fork();
     if (child == 0) {
         auto const& path = get_static_tmp_dir();
+        make_dir(path + "/below", 0755);
         bool const same = &path == &get_static_tmp_dir() && file_exists(path);
         int const file = ::open(report.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
         static_cast<void>(!::write(file, path.data(), same ? path.size() : 0));

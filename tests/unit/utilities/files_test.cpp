@@ -5,6 +5,7 @@
 #include "support/temporary_directory.h"
 
 #include <cerrno>
+#include <system_error>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,8 +15,9 @@ namespace {
 
 using ara::log::LogLevel;
 using test_support::Log_capture;
+using test_support::logged_in;
+using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 class Files : public testing::Test {
  protected:
@@ -78,8 +80,10 @@ TEST_F(Files, A_deleter_of_a_file_leaves_a_directory_with_content_and_logs_it) {
     directory.write("file", "");
     { Deleter const sut(directory.path(), false); }
     EXPECT_TRUE(file_exists(directory.file("file")));
-    ASSERT_THAT(log.messages(LogLevel::kError), SizeIs(1));
-    EXPECT_EQ(log.messages().front().context, "SNCC");
+    auto const path = directory.path().string();
+    std::system_error const reason(ENOTEMPTY, std::generic_category(), "remove('" + path + "')");
+    EXPECT_THAT(log.messages(),
+                ElementsAre(logged_in("SNCC", LogLevel::kError, "could not delete ", path, ": ", reason.what())));
 }
 
 }  // namespace

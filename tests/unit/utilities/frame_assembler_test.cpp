@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include <gmock/gmock.h>
+#include <malloc.h>
 
 namespace utilities {
 namespace {
@@ -51,6 +52,38 @@ TEST(Frame_assembler, Messages_that_arrive_together_are_taken_one_by_one) {
     EXPECT_EQ(sut.take(), std::nullopt);
     sut.append(&second.back(), 1);
     EXPECT_EQ(sut.take(), k_second);
+}
+
+std::size_t allocated() {
+    return ::mallinfo2().uordblks;
+}
+
+// However the pieces are cut.
+TEST(Frame_assembler, Messages_that_were_taken_leave_hardly_any_memory_behind) {
+    auto const bytes = serialize(Type_length_values{Type_length_value(std::string(60'000, 'x'))});
+    for (std::size_t const piece : {bytes.size(), bytes.size() - 100}) {
+        auto const before = allocated();
+        Frame_assembler sut;
+        for (std::size_t sent = 0; sent < 100 * bytes.size(); sent += piece) {
+            Bytes next(piece);
+            for (std::size_t i = 0; i < piece; ++i) {
+                next[i] = bytes[(sent + i) % bytes.size()];
+            }
+            append(sut, next);
+            while (sut.take()) {
+            }
+        }
+        EXPECT_LT(allocated(), before + 2 * bytes.size());
+    }
+}
+
+TEST(Frame_assembler, Without_anything_pending_needs_hardly_any_memory) {
+    Frame_assembler sut;
+    auto const before = allocated();
+    append(sut, serialize(Type_length_values{Type_length_value(std::string(60'000, 'x'))}));
+    while (sut.take()) {
+    }
+    EXPECT_LT(allocated(), before + 1'000);
 }
 
 TEST(Frame_assembler, An_empty_message_is_a_message) {
