@@ -15,20 +15,19 @@ void Inbox::receive(utilities::Socket const& socket) {
     }
 }
 
-std::optional<utilities::Type_length_values> Inbox::take() {
+std::optional<utilities::Type_length_values> Inbox::take(Clock::time_point now) {
     auto message = frames_.take();
     if (message) {
-        count_message();
+        count_message(now);
     }
     return message;
 }
 
-void Inbox::count_message() {
+void Inbox::count_message(Clock::time_point now) {
     if (expected_ > 0) {
         --expected_;
         return;
     }
-    auto const now = std::chrono::steady_clock::now();
     if (now - second_started_ > std::chrono::seconds(1)) {
         second_started_ = now;
         unasked_ = 0;

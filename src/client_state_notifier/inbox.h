@@ -12,6 +12,8 @@ namespace client_state_notifier {
 /// What one connection has sent, as messages. Reads what is there and never waits for the rest.
 class Inbox {
  public:
+    using Clock = std::chrono::steady_clock;
+
     /// More messages than this within one second are a flood, those aside for which the client was asked.
     static constexpr unsigned k_most_unasked_a_second = 256;
 
@@ -22,15 +24,15 @@ class Inbox {
     /// One message more may come: the client was asked for it.
     void expect_one() { ++expected_; }
 
-    /// The next whole message, if there is one. Throws what Frame_assembler::take does, and std::runtime_error in a
-    /// flood; after that the connection is of no use.
-    std::optional<utilities::Type_length_values> take();
+    /// The next whole message, if there is one, as of now. Throws what Frame_assembler::take does, and
+    /// std::runtime_error in a flood; after that the connection is of no use.
+    std::optional<utilities::Type_length_values> take(Clock::time_point now = Clock::now());
 
  private:
-    void count_message();
+    void count_message(Clock::time_point now);
 
     utilities::Frame_assembler frames_;
-    std::chrono::steady_clock::time_point second_started_;
+    Clock::time_point second_started_;
     unsigned expected_ = 0;  ///< asked for and not received
     unsigned unasked_ = 0;   ///< received in this second
 };

@@ -4,7 +4,9 @@
 #include "support/open_descriptors.h"
 
 #include <atomic>
+#include <cerrno>
 #include <cstring>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -162,6 +164,28 @@ TEST_F(Server_with_a_bad_client, Drops_one_that_floods) {
     expect_service();
 }
 
+// The introduction is one of those that may come unasked. All that is sent at once is received in a few pieces.
+TEST_F(Server_with_a_bad_client, Counts_messages_and_not_pieces_for_a_flood) {
+    auto const answer = utilities::serialize({Type_length_value(0U), Type_length_value("kOn"), Type_length_value(0U)});
+    auto const send = [&](Test_client& client, unsigned count) {
+        utilities::Bytes bytes;
+        for (unsigned i = 0; i < count; ++i) {
+            bytes.insert(bytes.end(), answer.begin(), answer.end());
+        }
+        client.send_bytes(bytes.data(), bytes.size());
+    };
+    auto tolerable = connect("tolerable");
+    send(tolerable, Inbox::k_most_unasked_a_second - 1);
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().back().second == "kOn"; }));
+    auto bad = connect("bad");
+    send(bad, 2 * Inbox::k_most_unasked_a_second);
+    EXPECT_TRUE(bad.is_closed_by_server());
+    EXPECT_TRUE(
+        has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ", "too many messages")));
+    EXPECT_FALSE(tolerable.has_input());
+    expect_service();
+}
+
 // More answers in a second than may come unasked.
 TEST_F(Server_with_a_bad_client, Keeps_one_that_is_asked_very_often) {
     for (unsigned i = 0; i < 2 * Inbox::k_most_unasked_a_second; ++i) {
@@ -175,6 +199,16 @@ TEST_F(Server_with_a_bad_client, Drops_one_that_never_reads) {
         outcome_of(request(std::string(200, 'x'), 0s, [](auto const& name) { return name == "bad"; }));
     }
     EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().size() == 1; }));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Drops_one_that_will_not_read_what_it_is_sent_first) {
+    Test_client bad(path);
+    ::shutdown(bad.socket().get_fd(), SHUT_RD);
+    bad.introduce("bad", "kOff");
+    EXPECT_TRUE(has_logged(info("client disconnected: ", "bad")));
+    std::system_error const reason(EPIPE, std::generic_category(), "Socket::sendl(...)");
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ", reason.what())));
     expect_service();
 }
 
@@ -199,7 +233,7 @@ TEST_F(Server_with_a_bad_client, Closes_connections_beyond_the_bound) {
     }
     std::vector<Test_client> many;
     for (std::size_t i = 1; i < Notification_server::k_most_connections; ++i) {
-        many.emplace_back(path);
+        many.emplace_back(path, "client " + std::to_string(i), "kOn");
     }
     Test_client one_more(path);
     EXPECT_TRUE(one_more.is_closed_by_server());

@@ -147,6 +147,26 @@ TEST_F(Request, Is_replaced_by_a_newer_one_and_then_never_completes) {
     EXPECT_THROW(first.get(), std::future_error) << "its callback has gone without a call";
 }
 
+// There is a wake-up for each of the two, and only one request.
+TEST_F(Request, Is_sent_once_when_it_replaces_another_before_that_is_taken) {
+    auto radio = connect("radio");
+    std::future<Outcome> first;
+    std::future<Outcome> second;
+    {
+        Busy_server const busy(*sut);
+        first = request("kPrepSD");
+        second = request("kOn");
+    }
+    auto const asked = radio.receive();
+    EXPECT_EQ(asked.state, "kOn");
+    EXPECT_EQ(asked.number, 1U);
+    auto const other = connect("other");  // the server has seen both wake-ups by now
+    radio.answer(asked.number, asked.state);
+    EXPECT_THAT(outcome_of(second).results, ElementsAre(Pair("radio", Component_client_return_type::succeeded)));
+    EXPECT_FALSE(radio.has_input());
+    EXPECT_THROW(first.get(), std::future_error) << "its callback has gone without a call";
+}
+
 // A client that has been added since then shows that the server has looked for requests.
 TEST_F(Request, Without_a_predicate_or_a_callback_is_ignored) {
     auto const everybody = [](auto const& /*name*/) { return true; };
