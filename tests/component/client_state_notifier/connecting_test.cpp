@@ -28,6 +28,16 @@ TEST_F(Connecting, Tells_nobody_before_the_introduction) {
     EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
 }
 
+TEST_F(Connecting, Does_not_wait_for_others_that_say_nothing) {
+    Test_client const before(path);
+    Test_client late(path);
+    Test_client const after(path);
+    auto const seat = connect("seat");  // those before it have been taken
+    late.introduce("late", "kOn");
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().size() == 2; }));
+    EXPECT_THAT(log.at_least(LogLevel::kWarn), IsEmpty()) << "nobody had to be dropped for it";
+}
+
 TEST_F(Connecting, Adds_a_client_whose_state_is_not_known_yet) {
     auto const client = connect("radio");
     EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("radio", "unknown")));

@@ -139,9 +139,8 @@ TEST_F(Com_alive_interface_test, Withdraws_its_offer_at_the_end_before_its_callb
     {
         State_manager_com_alive_interface sut("radio");
         // Runs when the callback that holds it goes.
-        std::shared_ptr<void> const held(nullptr, [&](void* /*nothing*/) {
-            offered_at_the_end = binding.is_offered(k_interface, "radio");
-        });
+        std::shared_ptr<void> const held(
+            nullptr, [&](void* /*nothing*/) { offered_at_the_end = binding.is_offered(k_interface, "radio"); });
         sut.set_com_alive_release_cb([held](Bits const& /*bits*/) {});
         sut.offer();
         EXPECT_TRUE(binding.is_offered(k_interface, "radio"));

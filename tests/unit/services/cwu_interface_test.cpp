@@ -89,9 +89,8 @@ TEST_F(Cwu_interface_test, Withdraws_its_offer_at_the_end_before_its_callbacks_g
     {
         State_manager_cwu_interface sut("alarm");
         // Runs when the callback that holds it goes.
-        std::shared_ptr<void> const held(nullptr, [&](void* /*nothing*/) {
-            offered_at_the_end = binding.is_offered(k_interface, "alarm");
-        });
+        std::shared_ptr<void> const held(
+            nullptr, [&](void* /*nothing*/) { offered_at_the_end = binding.is_offered(k_interface, "alarm"); });
         sut.set_cwu_release_cb([held] {});
         sut.offer();
         EXPECT_TRUE(binding.is_offered(k_interface, "alarm"));
