@@ -1,11 +1,13 @@
 #ifndef TESTS_SUPPORT_OPEN_DESCRIPTORS_H
 #define TESTS_SUPPORT_OPEN_DESCRIPTORS_H
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace test_support {
@@ -27,6 +29,19 @@ inline int next_descriptor() {
     int const descriptor = ::dup(0);
     ::close(descriptor);
     return descriptor;
+}
+
+/// Raises the number of descriptors that this process may have to `needed`, as far as it may. Returns how many it may
+/// have then.
+inline rlim_t allow_descriptors(rlim_t needed) {
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_cur < needed) {
+        limit.rlim_cur = std::min(limit.rlim_max, needed);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        ::getrlimit(RLIMIT_NOFILE, &limit);
+    }
+    return limit.rlim_cur;
 }
 
 }  // namespace test_support

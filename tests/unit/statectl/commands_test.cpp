@@ -1,6 +1,5 @@
-#include "tools/command.h"
+#include "command_line.h"
 
-#include <CLI/CLI.hpp>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -12,22 +11,7 @@ namespace {
 
 using testing::HasSubstr;
 
-class Commands : public testing::Test {
- protected:
-    Commands() { add_commands(program, chosen); }
-
-    bool accepts(std::string const& words) {
-        try {
-            program.parse(words);
-            return true;
-        } catch (CLI::ParseError const&) {
-            return false;
-        }
-    }
-
-    CLI::App program;
-    Action chosen;
-};
+class Commands : public Command_line {};
 
 TEST_F(Commands, Are_described_each_with_its_options) {
     for (auto const* const command : program.get_subcommands([](CLI::App const*) { return true; })) {

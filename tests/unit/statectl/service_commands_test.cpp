@@ -1,10 +1,10 @@
+#include "command_line.h"
 #include "tools/command.h"
 #include "tools/json_text.h"
 #include "tools/service_call.h"
 #include "tools/time_text.h"
 #include "tools/watch_report.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <ctime>
 
@@ -17,22 +17,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class Service_commands : public testing::Test {
- protected:
-    Service_commands() { add_commands(program, chosen); }
-
-    bool accepts(std::string const& words) {
-        try {
-            program.parse(words);
-            return true;
-        } catch (CLI::ParseError const&) {
-            return false;
-        }
-    }
-
-    CLI::App program;
-    Action chosen;
-};
+class Service_commands : public Command_line {};
 
 TEST_F(Service_commands, To_keep_the_machine_awake_name_what_to_do_and_for_whom) {
     for (std::string const service : {"ecu-alive", "com-alive", "cwu"}) {
