@@ -2,9 +2,13 @@
 
 #include "ara/log/argument_decoder.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -12,6 +16,7 @@ namespace ara::log {
 namespace {
 
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::HasSubstr;
 
 std::vector<Argument> decoded(Argument_encoder const& sut) {
@@ -142,11 +147,52 @@ TEST(Argument_encoder, Takes_at_most_255_arguments_with_the_note) {
     EXPECT_THAT(std::get<std::string>(decoded(sut).back()), HasSubstr("bytes cut]"));
 }
 
-TEST(Argument_decoder, Stops_at_what_is_cut_short) {
+TEST(Argument_decoder, Stops_at_what_is_cut_short_wherever_it_is_cut) {
     Argument_encoder encoder;
-    encoder.add_text("whole");
-    encoder.add_number(1);
-    EXPECT_THAT(decode_arguments(encoder.data(), encoder.size() - 1), ElementsAre(Argument(std::string("whole"))));
+    std::vector<Argument> whole;
+    std::vector<std::size_t> ends;
+    auto const added = [&](Argument argument) {
+        whole.push_back(std::move(argument));
+        ends.push_back(encoder.size());
+    };
+    encoder.add_text("text");
+    added(std::string("text"));
+    encoder.add_bool(true);
+    added(true);
+    encoder.add_number(std::int8_t{-8});
+    added(std::int64_t{-8});
+    encoder.add_number(std::uint16_t{16});
+    added(std::uint64_t{16});
+    encoder.add_number(-32);
+    added(std::int64_t{-32});
+    encoder.add_number(std::uint64_t{64});
+    added(std::uint64_t{64});
+    encoder.add_bytes(reinterpret_cast<std::uint8_t const*>("raw"), 3);
+    added(std::vector<std::uint8_t>{'r', 'a', 'w'});
+    for (std::size_t size = 0; size <= encoder.size(); ++size) {
+        std::vector<char> const cut(encoder.data(), encoder.data() + size);
+        auto const count = std::upper_bound(ends.begin(), ends.end(), size) - ends.begin();
+        EXPECT_THAT(decode_arguments(cut.data(), size), ElementsAreArray(whole.begin(), whole.begin() + count)) << size;
+    }
+}
+
+TEST(Argument_decoder, Stops_at_what_it_does_not_know) {
+    constexpr std::uint32_t wider_than_64_bits = type_info::k_unsigned | 5U;
+    constexpr std::uint32_t floating_point = 0x00000083U;
+    for (std::uint32_t const info : {wider_than_64_bits, floating_point, 0U}) {
+        Argument_encoder encoder;
+        encoder.add_text("known");
+        std::vector<char> bytes(encoder.data(), encoder.data() + encoder.size());
+        auto const* const head = reinterpret_cast<char const*>(&info);
+        bytes.insert(bytes.end(), head, head + sizeof info);
+        bytes.insert(bytes.end(), 16, '\1');
+        EXPECT_THAT(decode_arguments(bytes.data(), bytes.size()), ElementsAre(Argument(std::string("known")))) << info;
+    }
+}
+
+TEST(Argument_decoder, Takes_a_text_without_a_terminator_for_an_empty_one) {
+    std::array<char, 6> const bytes{0x00, 0x02, 0x00, 0x00, 0x00, 0x00};
+    EXPECT_THAT(decode_arguments(bytes.data(), bytes.size()), ElementsAre(Argument(std::string())));
 }
 
 TEST(Argument_decoder, Shows_arguments_as_a_viewer_does) {
