@@ -199,6 +199,7 @@ TEST(Argument_decoder, Shows_arguments_as_a_viewer_does) {
     EXPECT_EQ(
         to_text({std::string("text"), true, std::int64_t{-1}, std::uint64_t{2}, std::vector<std::uint8_t>{0x0a, 0xff}}),
         "text true -1 2 0a'ff");
+    EXPECT_EQ(to_text({false}), "false");
 }
 
 }  // namespace

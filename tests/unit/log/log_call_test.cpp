@@ -1,8 +1,12 @@
+#include "ara/log/log_engine.h"
 #include "support/log_capture.h"
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdint>
+#include <ratio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -48,11 +52,36 @@ TEST(Log_call, Gives_the_same_logger_for_the_same_context) {
     EXPECT_EQ(&ara::log::CreateLogger("SAME", "first"), &ara::log::CreateLogger("SAME", "second"));
 }
 
+TEST(Log_call, Knows_contexts_by_their_first_four_characters) {
+    EXPECT_EQ(&ara::log::CreateLogger("LONGER", "first"), &ara::log::CreateLogger("LONG", "second"));
+}
+
+TEST(Log_call, Is_kept_at_every_level_before_logging_is_initialised) {
+    EXPECT_TRUE(ara::log::Log_engine::instance().default_logger().context().logs(LogLevel::kVerbose));
+}
+
 TEST(Log_call, Survives_a_null_text) {
     test_support::Log_capture log;
     char const* const nothing = nullptr;
     ara::log::LogInfo() << nothing;
     EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "(null)")));
+}
+
+// DLT's time: units of 0.1 ms since boot.
+TEST(Log_call, Carries_the_time_at_which_it_was_made) {
+    using Tenths_of_milliseconds = std::chrono::duration<std::int64_t, std::ratio<1, 10'000>>;
+    auto const now = [] {
+        auto const since_boot = std::chrono::steady_clock::now().time_since_epoch();
+        return static_cast<std::uint32_t>(std::chrono::duration_cast<Tenths_of_milliseconds>(since_boot).count());
+    };
+    auto& engine = ara::log::Log_engine::instance();
+    std::vector<std::uint32_t> times;
+    engine.intercept([&times](auto const& message) { times.push_back(message.header.timestamp); });
+    auto const before = now();
+    ara::log::LogInfo() << "now";
+    auto const after = now();
+    engine.intercept({});
+    EXPECT_THAT(times, ElementsAre(testing::AllOf(testing::Ge(before), testing::Le(after))));
 }
 
 TEST(Log_call, Leaves_errno_alone) {
