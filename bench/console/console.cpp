@@ -9,6 +9,7 @@
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <map>
 #include <string>
 
@@ -34,6 +35,7 @@ class Terminal {
     explicit Terminal(std::string const& messages) {
         std::setlocale(LC_ALL, "C.UTF-8");
         // What the neighbours say on standard error would stand in the middle of the screen.
+        standard_error_ = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
         int const file = ::open(messages.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
         ::dup2(file, STDERR_FILENO);
         ::close(file);
@@ -51,7 +53,11 @@ class Terminal {
             ::init_pair(3, COLOR_RED, -1);
         }
     }
-    ~Terminal() { ::endwin(); }
+    ~Terminal() {
+        ::endwin();
+        ::dup2(standard_error_, STDERR_FILENO);
+        ::close(standard_error_);
+    }
     Terminal(Terminal const&) = delete;
     Terminal& operator=(Terminal const&) = delete;
 
@@ -92,6 +98,8 @@ class Terminal {
         }
         return A_NORMAL;
     }
+
+    int standard_error_;
 };
 
 class Session {
@@ -110,7 +118,7 @@ class Session {
             }
             view_.take_clients(machine_.clients(), monotonic_ns());
             for (int key = ::getch(); key != ERR; key = ::getch()) {
-                handle(key);
+                try_to_handle(key);
             }
             auto canvas = Terminal::blank_canvas();
             draw(canvas, view_, level_, hand_);
@@ -120,6 +128,16 @@ class Session {
     }
 
  private:
+    // A machine that is off, a client that does not answer: that is told, and the console goes on.
+    void try_to_handle(int key) {
+        view_.take_trouble("");
+        try {
+            handle(key);
+        } catch (std::exception const& error) {
+            view_.take_trouble(error.what());
+        }
+    }
+
     void handle(int key) {
         static auto const& keys = *new std::map<int, std::string>{{'r', "r"}, {'n', "n"},     {'s', "s"},
                                                                   {'p', "p"}, {'o', "power"}, {KEY_F(10), "power"}};

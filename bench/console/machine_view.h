@@ -10,6 +10,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench::console {
@@ -21,6 +22,10 @@ class Machine_view {
     static constexpr std::size_t k_recent = 5;
 
     void take(vehicle::Event const& event);
+
+    /// Why the last key did nothing; empty when it did something.
+    void take_trouble(std::string trouble) { trouble_ = std::move(trouble); }
+    std::string const& trouble() const { return trouble_; }
 
     /// The clients as they are at the time `now` (nanoseconds of CLOCK_MONOTONIC).
     void take_clients(std::vector<vehicle::Client_status> clients, std::int64_t now);
@@ -55,6 +60,7 @@ class Machine_view {
     void take_log(vehicle::Event const& event);
     void take_application(std::string const& text);
 
+    std::string trouble_;
     std::string state_word_;
     std::string machine_state_;
     std::deque<std::string> keys_;

@@ -1,6 +1,5 @@
 #include "bench/console/network_keys.h"
 
-#include <exception>
 #include <map>
 #include <string>
 
@@ -60,14 +59,7 @@ bool handle_network_key(int key, vehicle::Machine& machine, Machine_view const& 
     if (hand.applications.empty()) {
         return false;
     }
-    try {
-        bool const is_known = act(key, machine, view, hand);
-        hand.trouble = is_known ? "" : hand.trouble;
-        return is_known;
-    } catch (std::exception const& error) {
-        hand.trouble = error.what();
-        return true;
-    }
+    return act(key, machine, view, hand);
 }
 
 }  // namespace bench::console

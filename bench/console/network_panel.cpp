@@ -57,8 +57,7 @@ void draw_network(Canvas& canvas, std::size_t row, Machine_view const& machine, 
     for (std::size_t index = 0; index < hand.applications.size(); ++index) {
         column = draw_application(canvas, row + 4, column, machine, hand, index);
     }
-    canvas.put(row + 5, 0, hand.trouble.empty() ? k_network_keys : hand.trouble,
-               hand.trouble.empty() ? Style::title : Style::bad);
+    canvas.put(row + 5, 0, std::string(k_network_keys), Style::title);
 }
 
 }  // namespace bench::console

@@ -18,7 +18,6 @@ struct Network_hand {
     bool others_need_network{false};
     bool others_silent{false};
     bool instead_of_clients{false};  ///< where the terminal is too small for both
-    std::string trouble;             ///< why the last key did nothing
     statectl::User_data_layout layout;
 };
 

@@ -62,14 +62,24 @@ std::size_t draw_list(Canvas& canvas, std::size_t row, char const* title, std::d
     return row;
 }
 
+/// A number is a status, words tell themselves.
+std::string end_of(std::string const& status) {
+    bool const is_number = status.find_first_not_of("0123456789") == std::string::npos;
+    return is_number ? "status " + status : status;
+}
+
 void draw_side(Canvas& canvas, Machine_view const& machine) {
     canvas.put(0, k_side, std::string("Machine state"), Style::title);
     canvas.put(1, k_side, machine.machine_state().empty() ? "-" : machine.machine_state());
     bool const alive = !machine.exit_status();
-    canvas.put(2, k_side, std::wstring(machine.beats() % 2 == 0 ? L"♥ " : L"♡ ") + std::to_wstring(machine.beats()),
-               alive ? Style::good : Style::dim);
+    if (machine.beats() > 0) {  // not every machine tells of them
+        canvas.put(2, k_side, std::wstring(machine.beats() % 2 == 0 ? L"♥ " : L"♡ ") + std::to_wstring(machine.beats()),
+                   alive ? Style::good : Style::dim);
+    }
     if (!alive) {
-        canvas.put(3, k_side, "ended, status " + *machine.exit_status(), Style::bad);
+        canvas.put(3, k_side, "ended, " + end_of(*machine.exit_status()), Style::bad);
+    } else if (machine.state_word().empty()) {
+        canvas.put(3, k_side, std::string("no state yet"), Style::dim);
     }
     auto const next = draw_list(canvas, 4, "Words written", machine.words(), 4);
     draw_list(canvas, std::max<std::size_t>(next, 9), "Keys pressed", machine.keys(), 3);
@@ -175,8 +185,9 @@ void draw(Canvas& canvas, Machine_view const& machine, int level, Network_hand c
     draw_side(canvas, machine);
     draw_log(canvas, machine, level, draw_panels(canvas, machine, hand));
     auto const last = canvas.rows() - 1;
-    canvas.put(last, 0, std::string("r run  n net  s net+suspend  p suspend  o power  1-6 log  d panel  x stop q quit"),
-               Style::title);
+    constexpr char const* k_keys = "r run  n net  s net+suspend  p suspend  o power  1-6 log  d panel  x stop q quit";
+    auto const& trouble = machine.trouble();
+    canvas.put(last, 0, trouble.empty() ? k_keys : trouble, trouble.empty() ? Style::title : Style::bad);
 }
 
 }  // namespace bench::console

@@ -2,7 +2,7 @@
 #define BENCH_VEHICLE_CLIENT_PLAYERS_H
 
 #include "bench/process/player.h"
-#include "bench/vehicle/client_status.h"
+#include "bench/vehicle/client_record.h"
 #include "bench/vehicle/timeline.h"
 
 #include <cstddef>
@@ -20,7 +20,7 @@ class Client_players {
     Client_players(std::string program, std::vector<std::string> const& names);
 
     /// How long the state manager waits for their answers, from its configuration.
-    void take_limits(nlohmann::json const& configuration);
+    void take_limits(nlohmann::json const& configuration) { limits_ = limits_in(configuration); }
 
     bool has(std::string const& name) const;
 
@@ -39,19 +39,17 @@ class Client_players {
  private:
     struct Client {
         std::unique_ptr<Player> player;
-        Client_status status;
+        Client_record record;
         std::size_t seen{0};  ///< messages taken so far
     };
 
     void start(Client& client) const;
     void take_news(Client& client, Timeline& events) const;
     void take_end(Client& client, Timeline& events) const;
-    std::int64_t deadline_of(Client const& client, nlohmann::json const& request) const;
 
     std::string program_;
     std::vector<Client> clients_;
-    std::int64_t application_limit_s_{0};
-    std::int64_t diagnosis_limit_s_{0};
+    Answer_limits limits_;
 };
 
 }  // namespace bench::vehicle

@@ -58,4 +58,14 @@ Timeline events_of_node(json const& message) {
     return {};
 }
 
+std::optional<Event> event_of_application(std::string const& neighbour, json const& command, json const& answer) {
+    constexpr std::string_view prefix = "application ";
+    auto const does = command.value("do", std::string());
+    if (neighbour.rfind(prefix, 0) != 0 || (does != "request" && does != "release")) {
+        return std::nullopt;
+    }
+    auto const text = neighbour.substr(prefix.size()) + ' ' + does + "s " + command.value("what", "");
+    return Event{answer.value("t", std::int64_t{0}), Kind::application, text};
+}
+
 }  // namespace bench::vehicle

@@ -30,20 +30,6 @@ void add_names(std::vector<std::string>& names, json const& list, char const* me
     }
 }
 
-/// "1 requests com_alive" for what application 1 was told.
-std::optional<Event> event_of_application(std::string const& name, json const& command, json const& answer) {
-    auto const does = command.value("do", std::string());
-    if (does != "request" && does != "release") {
-        return std::nullopt;
-    }
-    auto const text = name.substr(std::string(k_application).size()) + ' ' + does + "s " + command.value("what", "");
-    return Event{answer.value("t", std::int64_t{0}), Kind::application, text};
-}
-
-bool is_application(std::string const& name) {
-    return name.rfind(k_application, 0) == 0;
-}
-
 }  // namespace
 
 std::vector<std::string> application_names(json const& configuration) {
@@ -101,10 +87,8 @@ json Surroundings::tell(std::string const& name, json const& command) {
     if (!answer.value("ok", false)) {
         throw std::runtime_error(name + ": " + answer.value("error", "") + ": " + command.dump());
     }
-    if (is_application(name)) {
-        if (auto event = event_of_application(name, command, answer)) {
-            told_.push_back(std::move(*event));
-        }
+    if (auto event = event_of_application(name, command, answer)) {
+        told_.push_back(std::move(*event));
     }
     return answer;
 }

@@ -1,5 +1,8 @@
 #include "bench/vm/emulator.h"
 
+#include <fcntl.h>
+#include <linux/kvm.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace bench::vm {
@@ -12,13 +15,20 @@ void append(Words& words, Words const& more) {
     words.insert(words.end(), more.begin(), more.end());
 }
 
+// The device may be there and refuse, for instance inside another virtual machine.
+bool can_make_machines() {
+    int const kvm = ::open("/dev/kvm", O_RDWR | O_CLOEXEC);
+    int const machine = kvm < 0 ? -1 : ::ioctl(kvm, KVM_CREATE_VM, 0);
+    ::close(machine);
+    ::close(kvm);
+    return machine >= 0;
+}
+
 // The machine is an aarch64 one: only there the processor can run it itself.
-Words processor() {
-#ifdef __aarch64__
-    if (::access("/dev/kvm", R_OK | W_OK) == 0) {
+Words processor(Host const& host) {
+    if (host.is_aarch64 && host.has_kvm) {
         return {"-accel", "kvm", "-cpu", "host"};
     }
-#endif
     // Translated code is kept: 256 MB hold all that a boot runs.
     return {"-accel", "tcg,thread=multi,tb-size=256", "-cpu", "cortex-a72"};
 }
@@ -28,9 +38,25 @@ Words line(std::string const& name, std::string const& device, std::string const
             device + ",chardev=" + name};
 }
 
+Words kernel(Machine_options const& options) {
+    std::string words = "console=ttyAMA0 quiet audit=0 rdinit=/init systemd.show_status=0";
+    words += options.with_vehicle ? " systemd.wants=vehicle.target" : "";
+    words += options.kernel_options.empty() ? "" : " " + options.kernel_options;
+    return {"-kernel", options.image + "/kernel", "-initrd", options.image + "/initrd", "-append", words};
+}
+
 }  // namespace
 
-std::vector<std::string> command_line(Machine_options const& options, std::string const& directory) {
+Host this_host() {
+#ifdef __aarch64__
+    constexpr bool is_aarch64 = true;
+#else
+    constexpr bool is_aarch64 = false;
+#endif
+    return {is_aarch64, can_make_machines()};
+}
+
+std::vector<std::string> command_line(Machine_options const& options, std::string const& directory, Host const& host) {
     Words words{"qemu-system-aarch64",
                 "-machine",
                 "virt",
@@ -38,10 +64,9 @@ std::vector<std::string> command_line(Machine_options const& options, std::strin
                 std::to_string(options.processors),
                 "-m",
                 std::to_string(options.memory_mb)};
-    append(words, processor());
+    append(words, processor(host));
     append(words, {"-nodefaults", "-display", "none", "-no-reboot", "-nic", "none"});
-    append(words, {"-kernel", options.image + "/kernel", "-initrd", options.image + "/initrd", "-append",
-                   "console=ttyAMA0 quiet audit=0 rdinit=/init systemd.show_status=0 " + options.kernel_options});
+    append(words, kernel(options));
     // The keyboard sits in a slot of its own, so that it can be pulled out.
     append(words, {"-device", "pcie-root-port,id=slot1,chassis=1", "-device",
                    "virtio-keyboard-pci,id=keyboard,bus=slot1", "-device", "virtio-serial-pci"});

@@ -20,6 +20,7 @@
 
 namespace {
 
+using bench::vm::Machine_options;
 using bench::vm::Virtual_machine;
 
 constexpr int k_usage_error = 2;
@@ -62,6 +63,10 @@ int tour(Virtual_machine& machine, std::string const& picture) {
     return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
+int console(Virtual_machine& machine) {
+    return bench::console::run(machine, "/dev/null", statectl::layout_in(machine.configuration()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -71,11 +76,14 @@ int main(int argc, char** argv) {
         return k_usage_error;
     }
     try {
-        Virtual_machine machine({arguments.image});
+        Machine_options options;
+        options.image = arguments.image;
+        options.with_vehicle = !arguments.measuring;
+        Virtual_machine machine(options);
         if (arguments.measuring) {
             return bench::vm::print_figures(machine) ? EXIT_SUCCESS : EXIT_FAILURE;
         }
-        return arguments.touring ? tour(machine, arguments.picture) : bench::console::run(machine, "/dev/null");
+        return arguments.touring ? tour(machine, arguments.picture) : console(machine);
     } catch (std::exception const& error) {
         std::fprintf(stderr, "virtual_machine: %s\n", error.what());
         return EXIT_FAILURE;

@@ -1,6 +1,7 @@
 #include "bench/vm/port.h"
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <stdexcept>
@@ -41,12 +42,13 @@ Port::~Port() {
     ::close(descriptor_);
 }
 
-std::string Port::take() const {
+std::string Port::take() {
     std::string bytes;
     std::array<char, 65'536> piece{};
     for (;;) {
         auto const count = ::recv(descriptor_, piece.data(), piece.size(), MSG_DONTWAIT);
         if (count <= 0) {
+            is_open_ = is_open_ && count < 0 && (errno == EAGAIN || errno == EINTR);
             return bytes;
         }
         bytes.append(piece.data(), static_cast<std::size_t>(count));

@@ -17,13 +17,17 @@ class Port {
     int descriptor() const { return descriptor_; }
 
     /// The bytes that have arrived, without waiting.
-    std::string take() const;
+    std::string take();
+
+    /// False once `take` has seen that the other end is gone.
+    bool is_open() const { return is_open_; }
 
     /// Throws `std::runtime_error` when the other end is gone.
     void send(std::string const& bytes) const;
 
  private:
     int descriptor_;
+    bool is_open_{true};
 };
 
 }  // namespace bench::vm

@@ -37,7 +37,7 @@ nlohmann::json Qmp::await_answer() {
             answers_.erase(answers_.begin());
             return answer;
         }
-        if (std::chrono::steady_clock::now() > deadline) {
+        if (!port_.is_open() || std::chrono::steady_clock::now() > deadline) {
             throw std::runtime_error("The emulator does not answer");
         }
         pollfd source{port_.descriptor(), POLLIN, 0};
@@ -51,11 +51,13 @@ std::vector<std::string> Qmp::take_events() {
 }
 
 void Qmp::read() {
+    using nlohmann::literals::operator""_json_pointer;
     lines_.add(port_.take());
     while (auto const line = lines_.next()) {
         auto message = nlohmann::json::parse(*line, nullptr, false);
         if (message.contains("event")) {
-            events_.push_back(message["event"].get<std::string>());
+            auto const reason = message.value("/data/reason"_json_pointer, std::string());
+            events_.push_back(message["event"].get<std::string>() + (reason.empty() ? "" : " " + reason));
         } else if (message.contains("return") || message.contains("error")) {
             answers_.push_back(std::move(message));
         }

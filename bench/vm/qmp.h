@@ -22,10 +22,14 @@ class Qmp {
     /// Presses and releases a key. Names as the players of the vehicle have them: "r", "n", "s", "p", "power".
     void press(std::string const& key) { execute("send-key", {{"keys", {{{"type", "qcode"}, {"data", key}}}}}); }
 
-    /// The names of the emulator's events since the last call, e.g. "SHUTDOWN", "DEVICE_DELETED".
+    /// The emulator's events since the last call by their names, with the reason where they have one:
+    /// "DEVICE_DELETED", "SHUTDOWN guest-shutdown".
     std::vector<std::string> take_events();
 
     int descriptor() const { return port_.descriptor(); }
+
+    /// False once the emulator is gone.
+    bool is_open() const { return port_.is_open(); }
 
  private:
     nlohmann::json await_answer();

@@ -29,7 +29,7 @@ Shell::Result Shell::run(std::string const& line, std::chrono::milliseconds limi
             output.erase(0, close + 2);
             continue;
         }
-        if (std::chrono::steady_clock::now() > deadline) {
+        if (!port_.is_open() || std::chrono::steady_clock::now() > deadline) {
             throw std::runtime_error(
                 std::string("The machine did not end in time: ").append(line).append("\n").append(output));
         }

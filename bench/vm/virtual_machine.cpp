@@ -1,10 +1,13 @@
 #include "bench/vm/virtual_machine.h"
 
 #include "bench/json_lines/clock.h"
+#include "bench/vehicle/player_events.h"
+#include "bench/vm/running.h"
 
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <fstream>
 #include <stdexcept>
 #include <utility>
 
@@ -18,34 +21,19 @@ namespace {
 
 constexpr std::chrono::seconds k_emulator_end{5};
 
+nlohmann::json configuration_in(std::string const& image) {
+    auto const path = image + "/with-network.json";
+    auto configuration = nlohmann::json::parse(std::ifstream(path), nullptr, false);
+    if (!configuration.is_object()) {
+        throw std::runtime_error(path + " can't be read; the machine has to be made first");
+    }
+    return configuration;
+}
+
 }  // namespace
 
-/// What there is only while the machine is on.
-struct Virtual_machine::Running {
-    explicit Running(Machine_options const& options)
-        : emulator(command_line(options, directory.path().string()), {}),
-          control(directory.file("control")),
-          log(directory.file("log")),
-          state(directory.file("state")),
-          restart(directory.file("restart")),
-          journal(directory.file("journal")),
-          shell(directory.file("shell")) {}
-
-    Scratch_directory directory;
-    Child_process emulator;
-    Qmp control;
-    Port log;
-    Port state;
-    Port restart;
-    Port journal;
-    Shell shell;
-    Dlt_stream log_stream{};
-    Word_splitter state_words{};
-    Word_splitter restart_words{};
-    Journal entries{};
-};
-
-Virtual_machine::Virtual_machine(Machine_options options) : options_(std::move(options)) {}
+Virtual_machine::Virtual_machine(Machine_options options)
+    : options_(std::move(options)), players_(configuration_in(options_.image), usual_clients()) {}
 
 Virtual_machine::~Virtual_machine() {
     if (running_) {
@@ -60,6 +48,7 @@ void Virtual_machine::start_daemon() {
         return;
     }
     journal_.clear();
+    players_.begin();
     clock_offset_ = std::numeric_limits<std::int64_t>::max();
     running_ = std::make_unique<Running>(options_);
 }
@@ -71,6 +60,41 @@ void Virtual_machine::press(std::string const& key) {
 
 void Virtual_machine::signal_daemon(int number) {
     shell().start("systemctl kill --signal=" + std::to_string(number) + " ap_statemanager.service");
+}
+
+// The machine has three parts to go through, each translated: the shell, the player and the journal.
+nlohmann::json Virtual_machine::tell(std::string const& neighbour, nlohmann::json const& command) {
+    auto const id = ++commands_;
+    shell().start(Players::line_for(neighbour, command, id));
+    auto const deadline = std::chrono::steady_clock::now() + k_boot_patience;
+    auto answer = players_.take_answer(id);
+    while (!answer) {
+        if (!is_on() || std::chrono::steady_clock::now() > deadline) {
+            throw std::runtime_error(neighbour + " does not answer");
+        }
+        update(k_poll);
+        answer = players_.take_answer(id);
+    }
+    if (!answer->value("ok", false)) {
+        throw std::runtime_error(neighbour + ": " + answer->value("error", ""));
+    }
+    players_.note(neighbour, command);
+    if (auto event = vehicle::event_of_application(neighbour, command, *answer)) {
+        add(std::move(*event));
+    }
+    return *answer;
+}
+
+std::vector<std::string> Virtual_machine::applications() const {
+    return options_.with_vehicle ? players_.applications() : std::vector<std::string>();
+}
+
+std::vector<vehicle::Client_status> Virtual_machine::clients() const {
+    return options_.with_vehicle ? players_.clients() : std::vector<vehicle::Client_status>();
+}
+
+nlohmann::json Virtual_machine::configuration() const {
+    return configuration_in(options_.image);
 }
 
 Qmp& Virtual_machine::hypervisor() {
@@ -87,71 +111,12 @@ Shell& Virtual_machine::shell() {
     return running_->shell;
 }
 
-void Virtual_machine::update(std::chrono::milliseconds limit) {
-    if (!running_) {
-        ::poll(nullptr, 0, static_cast<int>(limit.count()));
-        return;
-    }
-    std::array<pollfd, 5> sources{{{running_->log.descriptor(), POLLIN, 0},
-                                   {running_->state.descriptor(), POLLIN, 0},
-                                   {running_->restart.descriptor(), POLLIN, 0},
-                                   {running_->journal.descriptor(), POLLIN, 0},
-                                   {running_->control.descriptor(), POLLIN, 0}}};
-    ::poll(sources.data(), sources.size(), static_cast<int>(limit.count()));
-    take_words();
-    take_log();
-    take_journal();
-    take_end();
-}
-
-void Virtual_machine::take_words() {
-    for (auto& word : running_->state_words.add(running_->state.take())) {
-        add({monotonic_ns(), Kind::state_word, std::move(word)});
-    }
-    for (auto& word : running_->restart_words.add(running_->restart.take())) {
-        add({monotonic_ns(), Kind::restart_word, std::move(word)});
-    }
-}
-
-void Virtual_machine::take_log() {
-    for (auto& message : running_->log_stream.add(running_->log.take())) {
-        message.time = to_host_time(message.time);
-        add(std::move(message));
-    }
-}
-
-void Virtual_machine::take_journal() {
-    for (auto& entry : running_->entries.add(running_->journal.take())) {
-        if (auto event = to_event(entry)) {
-            event->time = to_host_time(event->time);
-            add(std::move(*event));
-        }
-        journal_.push_back(std::move(entry));
-    }
-}
-
-void Virtual_machine::take_end() {
-    auto const events = running_->control.take_events();
-    if (std::find(events.begin(), events.end(), "SHUTDOWN") == events.end()) {
-        return;
-    }
-    running_->emulator.wait(k_emulator_end);
-    running_.reset();
-    add({monotonic_ns(), Kind::ended, "power off"});
-}
-
-// Nothing arrives before it was sent, so the shortest way seen so far is nearest to the difference of the clocks.
-std::int64_t Virtual_machine::to_host_time(std::int64_t machine_time) {
-    clock_offset_ = std::min(clock_offset_, monotonic_ns() - machine_time);
-    return machine_time + clock_offset_;
-}
-
 bool Virtual_machine::await_power_off(std::chrono::milliseconds limit) {
     auto const deadline = std::chrono::steady_clock::now() + limit;
     while (is_on() && std::chrono::steady_clock::now() < deadline) {
         update(k_poll);
     }
-    return !is_on();
+    return !is_on() && end_ == k_power_off;
 }
 
 Entry const* Virtual_machine::await_entry(std::string const& unit, std::string const& words, std::size_t from,

@@ -7,6 +7,7 @@
 #include "bench/vm/dlt_stream.h"
 #include "bench/vm/emulator.h"
 #include "bench/vm/journal.h"
+#include "bench/vm/players.h"
 #include "bench/vm/port.h"
 #include "bench/vm/qmp.h"
 #include "bench/vm/shell.h"
@@ -30,8 +31,14 @@ namespace bench::vm {
 ///     machine.await(Kind::state_word, "prepared4sd", 0, Virtual_machine::k_boot_patience);
 class Virtual_machine : public vehicle::Machine {
  public:
+    /// Takes part in suspends on a machine with its vehicle.
+    static std::vector<std::string> usual_clients() { return {"diag::dcm", "navigation", "radio", "diag::dem"}; }
+
     /// Without hardware help a boot takes seconds, and many more where other work is done at the same time.
     static constexpr std::chrono::seconds k_boot_patience{90};
+
+    /// What the event of its end says when it switched itself off.
+    static constexpr char const* k_power_off = "power off";
 
     explicit Virtual_machine(Machine_options options);
     ~Virtual_machine() override;
@@ -40,9 +47,15 @@ class Virtual_machine : public vehicle::Machine {
     void start_daemon() override;
     void press(std::string const& key) override;
     void signal_daemon(int number) override;
+    nlohmann::json tell(std::string const& neighbour, nlohmann::json const& command) override;
+    std::vector<std::string> applications() const override;
+    std::vector<vehicle::Client_status> clients() const override;
     void update(std::chrono::milliseconds limit) override;
 
     bool is_on() const { return running_ != nullptr; }
+
+    /// The configuration of the daemon on a machine with its vehicle.
+    nlohmann::json configuration() const;
 
     /// True when the machine switched itself off within the time.
     bool await_power_off(std::chrono::milliseconds limit);
@@ -71,7 +84,10 @@ class Virtual_machine : public vehicle::Machine {
     std::int64_t to_host_time(std::int64_t machine_time);
 
     Machine_options options_;
+    Players players_;
+    unsigned commands_{0};
     std::unique_ptr<Running> running_;
+    std::string end_;  ///< how it ended, once it has; empty while it is on
     std::vector<Entry> journal_;
     std::int64_t clock_offset_{std::numeric_limits<std::int64_t>::max()};
 };

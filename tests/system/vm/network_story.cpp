@@ -8,7 +8,7 @@ class Machine_network : public Target {
  protected:
     void SetUp() override {
         Target::SetUp();
-        configure("false", "true");
+        configure("with-network");
         machine().shell().run("systemctl restart vehicle-network-manager.service vehicle-network-neighbour.service");
         others_need_network(true);
         start_the_daemon_again();
@@ -19,24 +19,21 @@ class Machine_network : public Target {
         Target::TearDown();
         if (machine().is_on()) {
             machine().shell().run("systemctl stop vehicle-network-manager.service vehicle-network-neighbour.service");
-            configure("true", "false");
+            configure("without-network");
             needs_new_daemon();
         }
     }
 
     static void others_need_network(bool needed) {
-        machine().shell().run(std::string(R"(echo '{"do":")") + (needed ? "request" : "release") +
-                              R"(","bits":"80"}' >/run/vehicle-network-neighbour/commands)");
+        machine().tell("other node", {{"do", needed ? "request" : "release"}, {"bits", "80"}});
     }
     static bool application(std::string const& words) {
         return machine().shell().run("ap_statectl " + words + " --wait 30000").status == 0;
     }
 
  private:
-    static void configure(std::string const& from, std::string const& to) {
-        machine().shell().run(R"(sed -i -e 's/\("StateManagerNMUsage": \))" + from + "/\\1" + to +
-                              R"(/' -e 's/\("DefautNMRequestPattern": \).*/\1[0, 0, 1, 0, 0, 0],/' )"
-                              "/etc/adaptive/ap_statemanager.json");
+    static void configure(std::string const& name) {
+        machine().shell().run("cp /etc/vehicle/" + name + ".json /etc/adaptive/ap_statemanager.json");
     }
 };
 

@@ -7,6 +7,7 @@
 namespace bench::console {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 using vehicle::Kind;
@@ -53,6 +54,34 @@ TEST(Screen, Lights_the_state_whose_word_was_written_last) {
         EXPECT_THAT(lit_text(canvas), HasSubstr(name));
         EXPECT_EQ(lit_text(canvas).size() % 3, 0U) << "a box of three rows";
     }
+}
+
+TEST(Screen, Shows_why_a_key_did_nothing_in_place_of_the_keys) {
+    Machine_view view;
+    view.take_trouble("The machine is off");
+    EXPECT_THAT(drawn(view), AllOf(HasSubstr(L"The machine is off"), Not(HasSubstr(L"q quit"))));
+    view.take_trouble("");
+    EXPECT_THAT(drawn(view), HasSubstr(L"q quit"));
+}
+
+TEST(Screen, Tells_how_a_machine_ended_that_has_no_status) {
+    Machine_view view;
+    view.take({1, Kind::ended, "power off"});
+    EXPECT_THAT(drawn(view), HasSubstr(L"ended, power off"));
+}
+
+TEST(Screen, Tells_that_there_is_no_state_before_the_first_word) {
+    Machine_view view;
+    EXPECT_THAT(drawn(view), HasSubstr(L"no state yet"));
+    view.take({1, Kind::state_word, "startingup"});
+    EXPECT_THAT(drawn(view), Not(HasSubstr(L"no state yet")));
+}
+
+TEST(Screen, Has_no_heart_of_a_machine_that_tells_of_no_beats) {
+    Machine_view view;
+    EXPECT_THAT(drawn(view), Not(HasSubstr(L"\u2661")));
+    view.take({1, Kind::watchdog, "WATCHDOG"});
+    EXPECT_THAT(drawn(view), HasSubstr(L"\u2661 1"));
 }
 
 TEST(Screen, Lights_no_state_of_a_daemon_that_has_ended) {

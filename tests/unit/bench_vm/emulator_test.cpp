@@ -1,6 +1,9 @@
 #include "bench/vm/emulator.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -11,6 +14,19 @@ using testing::Contains;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsSupersetOf;
+using testing::Not;
+using testing::StartsWith;
+
+Machine_options machine() {
+    Machine_options options;
+    options.image = "/image";
+    return options;
+}
+
+std::string word_after(std::vector<std::string> const& words, std::string const& option) {
+    auto const found = std::find(words.begin(), words.end(), option);
+    return found == words.end() || std::next(found) == words.end() ? "" : *std::next(found);
+}
 
 TEST(Emulator, Is_told_what_the_machine_is_like) {
     Machine_options options;
@@ -18,21 +34,46 @@ TEST(Emulator, Is_told_what_the_machine_is_like) {
     options.processors = 3;
     options.memory_mb = 300;
     options.kernel_options = "quiet-please";
-    auto const words = command_line(options, "/run/x");
+    auto const words = command_line(options, "/run/x", {});
     EXPECT_EQ(words.front(), "qemu-system-aarch64");
     EXPECT_THAT(words, IsSupersetOf({"/image/kernel", "/image/initrd", "3", "300"}));
     EXPECT_THAT(words, Contains(HasSubstr("quiet-please")));
 }
 
+struct Host_row {
+    Host host;
+    char const* accelerator;
+    char const* processor;
+};
+
+class On_a_host : public testing::TestWithParam<Host_row> {};
+
+TEST_P(On_a_host, The_processor_runs_the_machine_itself_where_it_can) {
+    auto const words = command_line(machine(), "/run/x", GetParam().host);
+    EXPECT_THAT(word_after(words, "-accel"), StartsWith(GetParam().accelerator));
+    EXPECT_EQ(word_after(words, "-cpu"), GetParam().processor);
+}
+
+INSTANTIATE_TEST_SUITE_P(Emulator, On_a_host,
+                         testing::Values(Host_row{{true, true}, "kvm", "host"},
+                                         Host_row{{true, false}, "tcg", "cortex-a72"},
+                                         Host_row{{false, true}, "tcg", "cortex-a72"},
+                                         Host_row{{false, false}, "tcg", "cortex-a72"}));
+
+TEST(Emulator, Boots_the_vehicle_around_the_machine_only_for_those_who_want_it) {
+    auto options = machine();
+    EXPECT_THAT(word_after(command_line(options, "/run/x", {}), "-append"), Not(HasSubstr("vehicle")));
+    options.with_vehicle = true;
+    EXPECT_THAT(word_after(command_line(options, "/run/x", {}), "-append"), HasSubstr(" systemd.wants=vehicle.target"));
+}
+
 TEST(Emulator, Gives_the_machine_no_network) {
-    auto const words = command_line({"/image"}, "/run/x");
-    auto const option = std::find(words.begin(), words.end(), "-nic");
-    ASSERT_NE(option, words.end());
-    EXPECT_EQ(*std::next(option), "none");
+    auto const words = command_line(machine(), "/run/x", {});
+    EXPECT_EQ(word_after(words, "-nic"), "none");
 }
 
 TEST(Emulator, Has_a_socket_for_each_line_of_the_machine) {
-    auto const words = command_line({"/image"}, "/run/x");
+    auto const words = command_line(machine(), "/run/x", {});
     for (std::string const line : {"log", "state", "restart", "shell", "journal"}) {
         EXPECT_THAT(words, Contains(HasSubstr("path=/run/x/" + line + ","))) << line;
     }

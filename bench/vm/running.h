@@ -1,0 +1,35 @@
+#ifndef BENCH_VM_RUNNING_H
+#define BENCH_VM_RUNNING_H
+
+#include "bench/vm/virtual_machine.h"
+
+namespace bench::vm {
+
+/// What there is only while the machine is on.
+struct Virtual_machine::Running {
+    explicit Running(Machine_options const& options)
+        : emulator(command_line(options, directory.path().string(), this_host()), {}),
+          control(directory.file("control")),
+          log(directory.file("log")),
+          state(directory.file("state")),
+          restart(directory.file("restart")),
+          journal(directory.file("journal")),
+          shell(directory.file("shell")) {}
+
+    Scratch_directory directory;
+    Child_process emulator;
+    Qmp control;
+    Port log;
+    Port state;
+    Port restart;
+    Port journal;
+    Shell shell;
+    Dlt_stream log_stream{};
+    Word_splitter state_words{};
+    Word_splitter restart_words{};
+    Journal entries{};
+};
+
+}  // namespace bench::vm
+
+#endif

@@ -1,0 +1,41 @@
+# Shared by the stories, which run inside the container, use the daemon's unit as an operator would and write what they
+# saw: source it, then call the functions.
+# shellcheck shell=bash
+exec >/opt/result/story 2>&1
+
+within() { # within SECONDS CONDITION...: tries until the condition holds
+    local end=$((SECONDS + $1))
+    shift
+    until "$@" >/dev/null 2>&1; do
+        [ $SECONDS -lt "$end" ] || return 1
+        sleep 0.02
+    done
+}
+
+sees() { # sees WHAT SECONDS CONDITION...
+    local what=$1
+    shift
+    if within "$@"; then
+        echo "seen: $what"
+    else
+        echo "NOT SEEN: $what"
+        journalctl --no-pager -u ap_statemanager -u hypervisor -n 60 >/opt/result/journal 2>&1
+        echo "the end"
+        sync
+        exec systemctl poweroff --force --force
+    fi
+}
+
+property() { systemctl show --value -p "$1" ap_statemanager.service; }
+is() { [ "$(property "$1")" = "$2" ]; }
+has_written() { grep -q "\"text\":\"$1\"" /opt/result/events; }
+has_written_times() { [ "$(grep -c "\"text\":\"$1\"" /opt/result/events)" -ge "$2" ]; }
+beats_after() { [ "$(property WatchdogTimestampMonotonic)" -gt "$1" ]; }
+is_another_process() { [ "$(property MainPID)" != "$1" ] && is ActiveState active; }
+press() { echo "{\"do\":\"press\",\"key\":\"$1\"}" >/run/keys; }
+
+# ends WORD: the last line of a story that the machine itself ends; who started the container looks for the word.
+ends() {
+    echo "the end: $1"
+    sync
+}
