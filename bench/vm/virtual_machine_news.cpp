@@ -85,6 +85,7 @@ void Virtual_machine::take_end() {
     end_ = end_.empty() ? "the emulator is gone" : end_;
     running_->emulator.wait(k_emulator_end);
     running_.reset();
+    players_.begin();
     add({monotonic_ns(), Kind::ended, end_});
 }
 

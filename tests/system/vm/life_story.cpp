@@ -6,11 +6,14 @@ namespace {
 using testing::AnyOf;
 using testing::HasSubstr;
 
+class Boot : public Target {
+ protected:
+    void SetUp() override { switch_off(); }
+};
+
 class Life : public Target {};
 
-TEST_F(Life, Begins_with_a_boot_that_ends_in_the_machine_state_running) {
-    switch_off();
-    mark();
+TEST_F(Boot, Ends_in_the_machine_state_running) {
     machine().start_daemon();
     ASSERT_TRUE(shows("startingup"));
     ASSERT_TRUE(shows("running"));
@@ -55,26 +58,6 @@ TEST_F(Life, Goes_on_after_an_orderly_stop_and_a_start) {
     machine().start_daemon();
     ASSERT_TRUE(shows("startingup"));
     EXPECT_TRUE(shows("running"));
-}
-
-TEST_F(Life, Ends_with_the_machine_off_within_the_budget_of_a_fast_shutdown) {
-    machine().press("p");
-    ASSERT_TRUE(shows("prepared4sd"));
-    auto const begin = std::chrono::steady_clock::now();
-    machine().press("power");
-    ASSERT_TRUE(shows("shuttingdown"));
-    ASSERT_TRUE(sees(Kind::power_off, "poweroff 60000"));
-    ASSERT_TRUE(machine().await_power_off(k_patience));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(60'000));
-    EXPECT_TRUE(logs("Fast shutdown executed"));
-}
-
-TEST_F(Life, Ends_with_the_machine_off_by_a_normal_shutdown) {
-    machine().press("power");
-    ASSERT_TRUE(shows("shuttingdown"));
-    ASSERT_TRUE(machine().await_power_off(k_patience));
-    EXPECT_TRUE(sees(Kind::machine_state, "Shutdown"));
-    EXPECT_TRUE(logs("Normal shutdown executed"));
 }
 
 }  // namespace

@@ -59,14 +59,6 @@ TEST_F(Machine_network, Sleeps_while_an_application_keeps_the_machine_for_some_t
     EXPECT_TRUE(shows("prepared4sd"));
 }
 
-TEST_F(Machine_network, Lets_the_machine_power_off_when_it_sleeps) {
-    machine().press("n");
-    ASSERT_TRUE(shows("runnmcontrolled"));
-    others_need_network(false);
-    ASSERT_TRUE(shows("shuttingdown"));
-    EXPECT_TRUE(machine().await_power_off(k_patience));
-}
-
 TEST_F(Machine_network, May_lose_its_manager_and_find_it_again) {
     auto const daemon = property("MainPID");
     machine().shell().run("systemctl kill --signal=KILL vehicle-network-manager.service");
@@ -77,6 +69,14 @@ TEST_F(Machine_network, May_lose_its_manager_and_find_it_again) {
     EXPECT_EQ(property("MainPID"), daemon);
     machine().press("p");
     EXPECT_TRUE(shows("prepared4sd"));
+}
+
+TEST_F(Machine_network, Lets_the_machine_power_off_when_it_sleeps) {
+    machine().press("n");
+    ASSERT_TRUE(shows("runnmcontrolled"));
+    others_need_network(false);
+    ASSERT_TRUE(shows("shuttingdown"));
+    EXPECT_TRUE(machine().await_power_off(k_patience));
 }
 
 }  // namespace
