@@ -1,6 +1,6 @@
-#include "ara/log/argument_decoder.h"
 #include "ara/log/log_engine.h"
 #include "ara/log/logging.h"
+#include "keeping_sink.h"
 
 #include <string>
 #include <vector>
@@ -11,20 +11,6 @@ namespace ara::log {
 namespace {
 
 using testing::ElementsAre;
-
-/// Keeps what it is handed; the engine owns it until the process ends.
-class Keeping_sink : public Log_sink {
- public:
-    explicit Keeping_sink(std::vector<std::string>& lines) : lines_(lines) {}
-    void add_context(Log_context& /*context*/) override {}
-    void write(Queued_message const& message) override {
-        auto const arguments = decode_arguments(message.arguments.data(), message.header.size);
-        lines_.push_back(std::to_string(static_cast<int>(message.header.level)) + " " + to_text(arguments));
-    }
-
- private:
-    std::vector<std::string>& lines_;
-};
 
 // Nobody empties the queue but this test.
 TEST(Full_queue, Drops_what_is_new_and_tells_each_time_how_much_was_dropped_once_it_is_empty) {
