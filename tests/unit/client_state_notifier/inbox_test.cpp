@@ -15,7 +15,7 @@ using utilities::Type_length_value;
 
 class Inbox_of_a_connection : public testing::Test {
  protected:
-    void arrive(unsigned count = 1) {
+    void arrive(unsigned count = 1) const {
         for (unsigned i = 0; i < count; ++i) {
             utilities::send_type_length_values(pair.second, {Type_length_value("kOn")});
         }
