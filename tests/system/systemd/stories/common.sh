@@ -29,7 +29,8 @@ sees() { # sees WHAT SECONDS CONDITION...
 property() { systemctl show --value -p "$1" ap_statemanager.service; }
 is() { [ "$(property "$1")" = "$2" ]; }
 has_written() { grep -q "\"text\":\"$1\"" /opt/result/events; }
-has_written_times() { [ "$(grep -c "\"text\":\"$1\"" /opt/result/events)" -ge "$2" ]; }
+times_written() { grep -c "\"text\":\"$1\"" /opt/result/events; }
+has_written_times() { [ "$(times_written "$1")" -ge "$2" ]; }
 beats_after() { [ "$(property WatchdogTimestampMonotonic)" -gt "$1" ]; }
 is_another_process() { [ "$(property MainPID)" != "$1" ] && is ActiveState active; }
 press() { echo "{\"do\":\"press\",\"key\":\"$1\"}" >/run/keys; }
