@@ -1,5 +1,6 @@
 #include "bench/console/machine_view.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace bench::console {
@@ -78,7 +79,11 @@ void Machine_view::take_log(vehicle::Event const& event) {
     if (event.text.rfind(k_ecu_state, 0) == 0) {
         ecu_state_ = event.text.substr(k_ecu_state.size());
     }
-    keep_newest(log_, event, k_log_lines);
+    log_.push_back(event);
+    auto const has_its_level = [&event](auto const& message) { return message.level == event.level; };
+    if (std::count_if(log_.begin(), log_.end(), has_its_level) > static_cast<std::ptrdiff_t>(k_log_lines)) {
+        log_.erase(std::find_if(log_.begin(), log_.end(), has_its_level));
+    }
 }
 
 // "1 requests ecu_alive"; the application's name may have blanks in it.

@@ -18,7 +18,8 @@ namespace bench::console {
 /// What the screen shows of a machine: taken from its events, bounded in size however long it runs.
 class Machine_view {
  public:
-    static constexpr std::size_t k_log_lines = 2000;
+    /// Of each level: the many details of a long run leave the few lines that are no details.
+    static constexpr std::size_t k_log_lines = 500;
     static constexpr std::size_t k_recent = 5;
 
     void take(vehicle::Event const& event);

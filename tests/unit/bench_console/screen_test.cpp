@@ -207,5 +207,17 @@ TEST(Machine_view, Stays_bounded) {
     EXPECT_EQ(view.words().size(), Machine_view::k_recent);
 }
 
+TEST(Machine_view, Keeps_what_matters_however_many_details_follow) {
+    Machine_view view;
+    view.take({0, Kind::log, "an error", 2, "DFLT"});
+    for (int number = 1; number <= 5000; ++number) {
+        view.take({number, Kind::log, "detail " + std::to_string(number), 6, "DFLT"});
+    }
+    ASSERT_EQ(view.log().size(), Machine_view::k_log_lines + 1);
+    EXPECT_EQ(view.log().front().text, "an error");
+    EXPECT_EQ(view.log()[1].text, "detail 4501");
+    EXPECT_EQ(view.log().back().text, "detail 5000");
+}
+
 }  // namespace
 }  // namespace bench::console
