@@ -1,3 +1,4 @@
+#include "tools/check/left_behind.h"
 #include "tools/check/private_place.h"
 #include "tools/check/rules.h"
 #include "tools/commands.h"
@@ -50,6 +51,7 @@ class Socket_directory {
     Socket_directory& operator=(Socket_directory const&) = delete;
 
     std::string const& path() const { return path_; }
+    std::string socket() const { return path_ + "/ara_SM.socket"; }
 
  private:
     std::string path_ = "/tmp/ap_statectl.XXXXXX";
@@ -102,7 +104,7 @@ bool is_chosen(Check_options const& options, Rule const& rule) {
 }
 
 check::Start start_in(Socket_directory const& directory, Check_options const& options) {
-    check::Start start{options.words, directory.path() + "/ara_SM.socket", !options.by_variable_only};
+    check::Start start{options.words, directory.socket(), !options.by_variable_only};
     if (start.in_private_place) {
         auto const why = check::why_no_private_place(directory.path());
         start.in_private_place = why.empty();
@@ -122,6 +124,7 @@ int list_rules() {
 
 int check_client(Check_options const& options) {
     Socket_directory const directory;
+    check::take_along_at_signals(directory.path(), directory.socket());
     auto const start = start_in(directory, options);
     check::Limits const limits{check::Milliseconds(options.patience_ms), check::Milliseconds(options.quiet_ms)};
     std::vector<Verdict> verdicts;

@@ -3,6 +3,7 @@
 #include "bench/console/network_keys.h"
 #include "bench/console/screen.h"
 #include "bench/json_lines/clock.h"
+#include "bench/process/end_signals.h"
 
 #include <algorithm>
 #include <chrono>
@@ -111,7 +112,7 @@ class Session {
 
     int run() {
         machine_.start_daemon();
-        while (!is_over_) {
+        while (!is_over_ && noted_end_signal() == 0) {
             machine_.watch(k_frame);
             for (auto const& event : machine_.take_events()) {
                 view_.take(event);
@@ -124,7 +125,7 @@ class Session {
             draw(canvas, view_, level_, hand_);
             Terminal::show(canvas);
         }
-        return EXIT_SUCCESS;
+        return is_over_ ? EXIT_SUCCESS : k_signal_status + noted_end_signal();
     }
 
  private:
@@ -189,6 +190,7 @@ class Session {
 }  // namespace
 
 int run(vehicle::Machine& machine, std::string const& messages, statectl::User_data_layout const& layout) {
+    note_end_signals();  // the terminal is to be given back
     Terminal const terminal(messages);
     return Session(machine, layout).run();
 }

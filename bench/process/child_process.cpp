@@ -1,5 +1,7 @@
 #include "bench/process/child_process.h"
 
+#include "bench/process/end_signals.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -18,7 +20,6 @@ namespace bench {
 namespace {
 
 constexpr std::chrono::milliseconds k_time_to_end{2000};
-constexpr int k_signal_status = 128;
 
 [[noreturn]] void fail(char const* what, int error) {
     throw std::system_error(error, std::generic_category(), what);

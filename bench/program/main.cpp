@@ -2,6 +2,7 @@
 // and `vehicle` without a terminal, go through the states by themselves and check each step.
 
 #include "bench/console/console.h"
+#include "bench/console/terminal_check.h"
 #include "bench/tour/picture.h"
 #include "bench/tour/tour.h"
 #include "bench/vehicle/vehicle.h"
@@ -132,6 +133,10 @@ int main(int argc, char** argv) {
             print_usage(stderr);
             return k_usage_error;
         }
+    }
+    if (auto const why = touring ? std::string() : bench::console::why_no_console(); !why.empty()) {
+        std::fprintf(stderr, "vehicle: %s\n", why.c_str());
+        return EXIT_FAILURE;
     }
     try {
         auto picture = touring ? open_picture(pictures) : Picture_file{};

@@ -1,5 +1,6 @@
 #include "bench/vehicle/world.h"
 
+#include "bench/process/end_signals.h"
 #include "bench/vehicle/new_root.h"
 
 #include <cerrno>
@@ -21,8 +22,6 @@
 namespace bench::vehicle {
 
 namespace {
-
-constexpr int k_signal_status = 128;
 
 [[noreturn]] void fail(std::string const& what, std::string const& remedy) {
     throw std::runtime_error(what + ": " + std::strerror(errno) + ". " + remedy);
@@ -67,14 +66,38 @@ int await(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : k_signal_status + WTERMSIG(status);
 }
 
-// Runs `action` in a process of its own and returns its result; a failure is told on standard error.
+volatile pid_t awaited_child = 0;
+
+void pass_on(int number) {
+    ::kill(awaited_child, number);
+}
+
+void end(int number) {
+    ::_exit(k_signal_status + number);
+}
+
+// What ends a program is for the innermost one, which has all the others inside end with it.
+int await_passing_on_signals(pid_t child) {
+    auto const signals = end_signals();
+    awaited_child = child;
+    handle_end_signals(pass_on);
+    ::sigprocmask(SIG_UNBLOCK, &signals, nullptr);
+    int const status = await(child);
+    handle_end_signals(SIG_DFL);
+    return status;
+}
+
+// Runs `action` in a process of its own and returns its result; a failure is told on standard error. The signals that
+// end a program are held back in the new process.
 int run_in_child(std::function<int()> const& action) {
+    auto const signals = end_signals();
+    ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     pid_t const child = ::fork();
     if (child < 0) {
         fail("A process can't be started", "");
     }
     if (child > 0) {
-        return await(child);
+        return await_passing_on_signals(child);
     }
     try {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -83,6 +106,14 @@ int run_in_child(std::function<int()> const& action) {
         std::fprintf(stderr, "%s\n", error.what());
         ::_exit(k_no_world);
     }
+}
+
+// Not before the new root is there: what it is put together on would stay. The first process of a world has to handle
+// signals, or it does not get them.
+void end_at_signals() {
+    auto const signals = end_signals();
+    handle_end_signals(end);
+    ::sigprocmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 void make_namespaces() {
@@ -105,14 +136,12 @@ void make_namespaces() {
 // The caller stays out of the namespaces: whoever makes a process namespace can start nothing more once its first
 // process has ended.
 int run_inside(std::string const& project, std::function<int()> const& inside) {
-    // The keys that end a foreground program are the business of the process inside.
-    ::signal(SIGINT, SIG_IGN);
-    ::signal(SIGQUIT, SIG_IGN);
     return run_in_child([&] {
         make_namespaces();
         return run_in_child([&] {
             move_into_new_root(project);
             bring_loopback_up();
+            end_at_signals();
             return inside();
         });
     });

@@ -17,6 +17,9 @@ inline constexpr char const* k_hypervisor = "/vehicle";
 /// seen inside under its own name wherever it lies. Works as root and, where the kernel allows user namespaces, as an
 /// ordinary user. Where it is not possible, standard error says what is missing and how to get it, and the result is
 /// `k_no_world`. Call it from a process with a single thread.
+///
+/// A signal that ends a program (SIGHUP, SIGINT, SIGQUIT, SIGTERM) is passed on to `inside`, and ends it with all that
+/// it has started unless it handles the signal; the result is then 128 and the signal's number.
 inline constexpr int k_no_world = 70;
 int run_inside(std::string const& project, std::function<int()> const& inside);
 

@@ -1,5 +1,7 @@
 #include "bench/vm/port.h"
 
+#include "bench/process/end_signals.h"
+
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -30,7 +32,7 @@ bool connect_to(int socket, std::string const& path) {
 Port::Port(std::string const& path) : descriptor_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     auto const deadline = std::chrono::steady_clock::now() + k_patience;
     while (!connect_to(descriptor_, path)) {
-        if (std::chrono::steady_clock::now() > deadline) {
+        if (std::chrono::steady_clock::now() > deadline || noted_end_signal() != 0) {
             ::close(descriptor_);
             throw std::runtime_error("The emulator does not listen on " + path);
         }

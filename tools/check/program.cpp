@@ -1,6 +1,7 @@
 #include "tools/check/program.h"
 
 #include "component_client/socket_path.h"
+#include "tools/check/left_behind.h"
 #include "tools/check/private_place.h"
 #include "utilities/socket.h"
 
@@ -24,6 +25,7 @@ namespace {
 
 [[noreturn]] void become(Start const& start) {
     ::setpgid(0, 0);
+    forget_what_is_left_behind();
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -44,6 +46,7 @@ namespace {
 
 // What keeps the child from becoming the program comes through a pipe that closes when it has.
 pid_t start_child(Start const& start) {
+    Signals_held const held;
     auto [ours, childs] = utilities::socket_pair();
     pid_t const child = ::fork();
     if (child == 0) {
@@ -59,6 +62,7 @@ pid_t start_child(Start const& start) {
     try {
         ours.recv(text.data(), text.size() - 1, 0);
     } catch (utilities::ExceptionSocketClosed const&) {
+        set_running_program(child);
         return child;
     }
     ::waitpid(child, nullptr, 0);
@@ -72,6 +76,7 @@ Program::Program(Start const& start) : pid_(start_child(start)) {}
 Program::~Program() {
     ::kill(-pid_, SIGKILL);
     await_end(std::chrono::seconds(1));
+    set_running_program(0);
 }
 
 void Program::ask_to_end() const {

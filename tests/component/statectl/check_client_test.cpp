@@ -187,5 +187,27 @@ TEST(Check_client, Leaves_nothing_behind) {
     EXPECT_FALSE(std::filesystem::exists(directory));
 }
 
+// What lived on would hold the writing end, and the reader would wait until its time is over.
+std::string interrupted_by(char const* signal) {
+    return std::string(R"script(
+directory=$(mktemp -d)
+mkfifo "$directory/alive"
+timeout 20 cat "$directory/alive" >/dev/null & reader=$!
+)script" STATECTL R"script( check-client --rule connects --patience 60000 -- \
+    sh -c 'echo "$AP_STATEMANAGER_SOCKET" >"$0"; sleep 1000 & wait' "$directory/socket" 2>"$directory/alive" & checker=$!
+for turn in $(seq 1000); do [ -s "$directory/socket" ] && break; sleep 0.01; done
+kill -)script") +
+           signal + R"script( $checker
+wait $checker; echo "status $?"
+wait $reader; echo "reader $?"
+ls "$(dirname "$(cat "$directory/socket")")" >/dev/null 2>&1 || echo gone
+rm -r "$directory")script";
+}
+
+TEST(Check_client, Takes_the_program_and_the_directory_along_when_a_signal_ends_it) {
+    EXPECT_EQ(run_shell(interrupted_by("TERM")).output, "status 143\nreader 0\ngone\n");
+    EXPECT_EQ(run_shell(interrupted_by("HUP")).output, "status 129\nreader 0\ngone\n");
+}
+
 }  // namespace
 }  // namespace statectl

@@ -1,14 +1,20 @@
 #include "bench/vehicle/world.h"
 
+#include "bench/process/end_signals.h"
+
 #include <array>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace bench::vehicle {
@@ -119,6 +125,82 @@ TEST_F(World, Ends_with_everything_that_was_started_inside) {
     char byte = 0;
     EXPECT_EQ(::read(pipe[0], &byte, 1), 0) << "a process inside that lives on holds the other end";
     ::close(pipe[0]);
+}
+
+/// A world in a process of its own, which says when it is there.
+class Ended_world : public World {
+ protected:
+    void start(std::function<int()> const& inside) {
+        std::array<int, 2> pipe{};
+        ASSERT_EQ(::pipe(pipe.data()), 0);
+        outside = ::fork();
+        if (outside == 0) {
+            ::close(pipe[0]);
+            ::_exit(in_world([&] {
+                EXPECT_EQ(::write(pipe[1], "x", 1), 1);
+                return inside();
+            }));
+        }
+        ::close(pipe[1]);
+        alive = pipe[0];
+        char byte = 0;
+        ASSERT_EQ(::read(alive, &byte, 1), 1);
+    }
+    void TearDown() override {
+        if (outside > 0) {
+            ::kill(outside, SIGKILL);
+            ::close(alive);
+        }
+    }
+
+    int status() {
+        int status = 0;
+        ::waitpid(std::exchange(outside, 0), &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+    bool is_everything_over() {
+        char byte = 0;
+        return ::read(alive, &byte, 1) == 0;
+    }
+
+    pid_t outside{0};
+    int alive{-1};
+};
+
+TEST_F(Ended_world, Goes_with_all_that_it_has_started_by_a_signal_to_the_outermost_process) {
+    for (int const number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        start([] {
+            ::fork();
+            return ::pause();
+        });
+        ::kill(outside, number);
+        EXPECT_EQ(status(), 128 + number);
+        EXPECT_TRUE(is_everything_over());
+        ::close(alive);
+    }
+}
+
+TEST_F(Ended_world, Ends_in_order_where_it_takes_note_of_the_signal) {
+    start([] {
+        note_end_signals();
+        while (noted_end_signal() == 0) {
+            ::poll(nullptr, 0, 1);
+        }
+        return noted_end_signal() == SIGTERM ? 42 : 1;
+    });
+    ::kill(outside, SIGTERM);
+    EXPECT_EQ(status(), 42);
+    ::close(alive);
+}
+
+TEST_F(Ended_world, Leaves_alone_what_its_caller_ignores) {
+    ::signal(SIGHUP, SIG_IGN);
+    start([] { return ::pause(); });
+    ::signal(SIGHUP, SIG_DFL);
+    ::kill(outside, SIGHUP);
+    ::kill(outside, SIGTERM);
+    EXPECT_EQ(status(), 128 + SIGTERM);
+    ::close(alive);
 }
 
 }  // namespace
