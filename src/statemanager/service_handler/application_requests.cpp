@@ -7,6 +7,7 @@ namespace ximo::ap::statemanager {
 
 namespace {
 
+// The bit of the network that stands for an ECU that is kept alive, whoever keeps it so.
 Bit_vector const& ecu_alive_pattern() {
     static Bit_vector const pattern{0x00, 0x00, 0x01, 0x00};
     return pattern;
@@ -116,7 +117,7 @@ void Service_handler::release_network(Bit_vector const& bits) {
     ara::log::LogInfo() << "State_manager::release_network(" << bitvector2str(bits) << ")";
     requested_cab_pattern_ &= ~bits;
     if (may_send()) {
-        // A default pattern that is shorter than the bits says nothing about the rest of them.
+        // In place: a default pattern that is shorter than the bits says nothing about the rest of them.
         Bit_vector released(bits);
         released &= ~default_nm_pattern_;
         network_management_->release_network(released);
