@@ -1,25 +1,11 @@
 #include "statemanager/service_handler/nm_interface.h"
 
 #include "ara/log/logging.h"
-#include "tarq/com/exception.h"
+#include "statemanager/service_handler/infrastructure_failure.h"
 
 #include <utility>
 
 namespace ximo::ap::statemanager {
-
-namespace {
-
-// Nothing of the binding's failures reaches the caller; what else goes wrong does.
-template <class Action>
-void log_infrastructure_exceptions(Action const& action) {
-    try {
-        action();
-    } catch (tarq::com::Infrastructure_exception const& error) {
-        ara::log::LogError() << "infrastructure exception " << error.what();
-    }
-}
-
-}  // namespace
 
 /// What one search calls when both services are there: once, however often and from however many threads at once it is
 /// asked to.
@@ -53,10 +39,10 @@ Nm_interface::~Nm_interface() {
 void Nm_interface::start_find_services(std::function<void()> const& on_services_found) {
     auto const announcement = std::make_shared<Announcement>(on_services_found);
     network_state_.start([this, announcement](ara::com::ServiceHandleContainer const& handles) {
-        log_infrastructure_exceptions([&] { network_state_reported(handles, *announcement); });
+        succeeds([&] { network_state_reported(handles, *announcement); });
     });
     user_data_.start([this, announcement](ara::com::ServiceHandleContainer const& handles) {
-        log_infrastructure_exceptions([&] { user_data_reported(handles, *announcement); });
+        succeeds([&] { user_data_reported(handles, *announcement); });
     });
 }
 
@@ -129,19 +115,19 @@ Nm_interface::Network_state_func Nm_interface::network_state_updated_func() cons
 
 void Nm_interface::request_network(std::vector<std::uint8_t> const& bits) {
     if (auto const proxy = network_state_.proxy()) {
-        log_infrastructure_exceptions([&] { proxy->RequestNetwork(bits).get(); });
+        succeeds([&] { proxy->RequestNetwork(bits).get(); });
     }
 }
 
 void Nm_interface::release_network(std::vector<std::uint8_t> const& bits) {
     if (auto const proxy = network_state_.proxy()) {
-        log_infrastructure_exceptions([&] { proxy->ReleaseNetwork(bits).get(); });
+        succeeds([&] { proxy->ReleaseNetwork(bits).get(); });
     }
 }
 
 void Nm_interface::set_user_data(std::vector<std::uint8_t> const& data) {
     if (auto const proxy = user_data_.proxy()) {
-        log_infrastructure_exceptions([&] { proxy->SetUserData(data).get(); });
+        succeeds([&] { proxy->SetUserData(data).get(); });
     }
 }
 

@@ -1,7 +1,7 @@
 #include "statemanager/service_handler/provided_services.h"
 
 #include "ara/log/logging.h"
-#include "tarq/com/exception.h"
+#include "statemanager/service_handler/infrastructure_failure.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,17 +9,6 @@
 namespace ximo::ap::statemanager {
 
 namespace {
-
-template <class Offer>
-bool succeeds(Offer const& offer) {
-    try {
-        offer();
-        return true;
-    } catch (tarq::com::Infrastructure_exception const& error) {
-        ara::log::LogError() << "infrastructure exception " << error.what();
-        return false;
-    }
-}
 
 template <class Services, class Offer>
 void offer_all(char const* announcement, Services const& services, Offer offer) {

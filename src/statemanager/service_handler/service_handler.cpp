@@ -2,7 +2,7 @@
 
 #include "ara/log/logging.h"
 #include "statemanager/service_handler/absent_nm_interface.h"
-#include "tarq/com/exception.h"
+#include "statemanager/service_handler/infrastructure_failure.h"
 
 #include <utility>
 
@@ -10,8 +10,10 @@ namespace ximo::ap::statemanager {
 
 namespace {
 
+// Length of what is requested of the network; applications' bits beyond it reach nobody.
 constexpr std::uint32_t k_cab_pattern_bytes = 4;
 
+// Everything that an earlier life of the daemon may have left requested.
 Bit_vector const& all_cab_bits_set() {
     static Bit_vector const pattern{0xFF, 0xFF, 0xFF, 0x01};
     return pattern;
@@ -93,13 +95,7 @@ bool Service_handler::start_offer_services() {
 
 bool Service_handler::look_up_network_management() {
     ara::log::LogInfo() << "Looking up UdpNM services...";
-    try {
-        network_management_->start_find_services([this] { network_management_found(); });
-        return true;
-    } catch (tarq::com::Infrastructure_exception const& error) {
-        ara::log::LogError() << "infrastructure exception " << error.what();
-        return false;
-    }
+    return succeeds([this] { network_management_->start_find_services([this] { network_management_found(); }); });
 }
 
 void Service_handler::network_management_found() {
