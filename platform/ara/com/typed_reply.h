@@ -2,8 +2,10 @@
 #define ARA_COM_TYPED_REPLY_H
 
 #include "ara/com/binding.h"
+#include "tarq/com/exception.h"
 #include "ximo/com/future.h"
 
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <type_traits>
@@ -42,6 +44,14 @@ class Typed_reply : public Pending_reply {
     Decode decode_;
     ximo::com::Promise<Value> promise_;
 };
+
+/// Refuses a reply that carries another method's result.
+template <class Union>
+void expect_result(Union const& data, std::int32_t method) {
+    if (data._d != method) {
+        throw tarq::com::Infrastructure_exception("The reply carries the result of another method");
+    }
+}
 
 /// Calls and returns the future of the result.
 template <class Value>

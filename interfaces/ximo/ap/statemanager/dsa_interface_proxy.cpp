@@ -1,6 +1,5 @@
 #include "ximo/ap/statemanager/dsa_interface_proxy.h"
 
-#include "ara/com/octets.h"
 #include "ara/com/typed_reply.h"
 #include "dsa_interface.h"
 

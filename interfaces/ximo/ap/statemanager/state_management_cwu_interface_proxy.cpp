@@ -1,6 +1,5 @@
 #include "ximo/ap/statemanager/state_management_cwu_interface_proxy.h"
 
-#include "ara/com/octets.h"
 #include "ara/com/typed_reply.h"
 #include "state_management_cwu_interface.h"
 
