@@ -1,20 +1,20 @@
+// The part of Caller that carries the calls, from the request to the reply or the end of their time.
+
 #include "ara/com/dds/caller.h"
 
 #include "ara/com/dds/closing.h"
 #include "ara/com/dds/event_receiver.h"
 #include "tarq/com/exception.h"
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
-#include <vector>
 
 namespace ara::com::dds {
 
-namespace {
-
 using tarq::com::Infrastructure_exception;
 using tarq::com::Service_not_available_exception;
+
+namespace {
 
 // From the call to the end of its future. An instance that was just found is connected within a few milliseconds.
 constexpr std::chrono::seconds k_longest_call{2};
@@ -43,12 +43,6 @@ void Caller::open() {
     engine_->offers().add(weak_from_this());
 }
 
-void Caller::connection_changed() {
-    base::Lock_guard lock(mutex_);
-    ++version_;
-    changed_.notify_all();
-}
-
 void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
     auto const now = Clock::now();
     std::optional<Begun_call> begun;
@@ -65,42 +59,6 @@ void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
             pending->fail(std::current_exception());
         }
     }
-}
-
-// Throws when there is none.
-void Caller::await_server(Clock::time_point deadline) {
-    unsigned seen = 0;
-    while (auto const candidate = next_candidate(seen, deadline)) {
-        seen = candidate->version;
-        if (candidate->path->reaches(candidate->server)) {
-            set_reached(candidate->server);
-        }
-    }
-}
-
-// Waits for one that was not seen yet; nothing when the server is reached already.
-std::optional<Caller::Candidate> Caller::next_candidate(unsigned seen, Clock::time_point deadline) {
-    base::Lock_guard lock(mutex_);
-    while (!reached_) {
-        if (!path_) {
-            throw Infrastructure_exception("The communication runtime does not run");
-        }
-        if (informed_ && !server_) {
-            throw Service_not_available_exception();
-        }
-        if (informed_ && version_ != seen) {
-            return Candidate{path_, *server_, version_};
-        }
-        if (changed_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
-            throw tarq::com::Timeout_exception("The service could not be reached in time");
-        }
-    }
-    return std::nullopt;
-}
-
-void Caller::set_reached(Guid const& server) {
-    base::Lock_guard lock(mutex_);
-    reached_ = server_ == server;
 }
 
 // The server may have gone since it was reached.
@@ -133,33 +91,6 @@ void Caller::received(void const* reply) {
 std::unique_ptr<Pending_reply> Caller::take(dds_rpc_ReplyHeader const& header) {
     base::Lock_guard lock(mutex_);
     return path_ ? calls_.take(path_->number_of(header)) : nullptr;
-}
-
-std::vector<Guid> Caller::servers_among(Known_offer_list const& offers) const {
-    std::vector<Guid> servers;
-    for (auto const& offer : offers) {
-        if (offer.interface_name == type_.name && offer.instance == instance_.ToString()) {
-            servers.push_back(offer.participant);
-        }
-    }
-    return servers;
-}
-
-void Caller::offers_changed(Known_offer_list const& offers) {
-    auto const servers = servers_among(offers);
-    Pending_calls::Replies lost;
-    {
-        base::Lock_guard lock(mutex_);
-        informed_ = true;
-        if (!server_ || std::find(servers.begin(), servers.end(), *server_) == servers.end()) {
-            server_ = servers.empty() ? std::nullopt : std::make_optional(servers.front());
-            reached_ = false;
-            ++version_;
-            lost = calls_.take_all();
-        }
-        changed_.notify_all();
-    }
-    fail_all(lost, std::make_exception_ptr(Service_not_available_exception()));
 }
 
 std::optional<Clock::time_point> Caller::expire(Clock::time_point now) {
