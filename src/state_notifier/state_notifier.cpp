@@ -1,14 +1,13 @@
 #include "state_notifier/state_notifier.h"
 
 #include "ara/log/logging.h"
+#include "state_notifier/client_report.h"
 
 #include <utility>
 
 namespace ximo::ap::statemanager::state_notifier {
 
 using client_state_notifier::Client_predicate;
-using client_state_notifier::Client_status;
-using client_state_notifier::Component_client_return_type;
 using Lock = base::Lock_guard<base::Mutex>;
 
 namespace {
@@ -28,38 +27,6 @@ bool is_dcm(std::string const& name) {
 }
 bool is_application(std::string const& name) {
     return !is_dem(name) && !is_dcm(name);
-}
-
-void log_out_of_turn(std::string const& name, Client_status status, std::string const& state) {
-    ara::log::LogWarn() << "Client " << name << " errorneously reported state change to " << state
-                        << ". Client status: " << static_cast<std::uint32_t>(status);
-}
-
-void log_client(std::string const& name, Component_client_return_type status) {
-    auto line = ara::log::LogInfo();
-    line << "State notification client [" << name;
-    switch (status) {
-        case Component_client_return_type::succeeded:
-            line << "] succeeded";
-            break;
-        case Component_client_return_type::general_error:
-            line << "] general error";
-            break;
-        case Component_client_return_type::invalid:
-            line << "] invalid";
-            break;
-        case Component_client_return_type::timed_out:
-            line << "] timed out";
-            break;
-        default:
-            line << "] unknown status " << static_cast<std::uint8_t>(status);
-    }
-}
-
-void log_clients(Client_results const& results) {
-    for (auto const& [name, status] : results) {
-        log_client(name, status);
-    }
 }
 
 }  // namespace
