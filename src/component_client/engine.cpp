@@ -17,7 +17,6 @@ using utilities::Type_length_value;
 
 namespace {
 
-constexpr std::chrono::milliseconds k_connect_retry{100};  // as the protocol has it
 constexpr std::chrono::nanoseconds k_at_once{1};
 
 }  // namespace
@@ -93,7 +92,7 @@ void Engine::connect() {
     if (auto socket = try_to_connect()) {
         introduce(std::move(*socket));
     } else {
-        alarm_.set(k_connect_retry);
+        alarm_.set(utilities::Socket::k_connect_retry);
     }
 }
 
@@ -156,7 +155,7 @@ void Engine::lose(std::string const& reason) {
     is_connected_ = false;
     connection_.reset();
     book_->forget_requests();
-    alarm_.set(k_connect_retry);
+    alarm_.set(utilities::Socket::k_connect_retry);
     if (!reason.empty()) {
         report(reason);
     }

@@ -15,8 +15,6 @@ namespace utilities {
 
 namespace {
 
-constexpr long k_connect_retry_ms = 100;
-
 [[noreturn]] void throw_errno(char const* text) {
     throw std::system_error(errno, std::generic_category(), text);
 }
@@ -96,7 +94,7 @@ bool Socket::try_connect(sockaddr_un const& address, Socket const& abort) const 
         if (errno != ENOENT && errno != ECONNREFUSED) {
             throw_errno("Socket::try_connect(...)");
         }
-        if (abort.poll(POLLIN, k_connect_retry_ms).second) {
+        if (abort.poll(POLLIN, k_connect_retry.count()).second) {
             return false;
         }
     }

@@ -1,6 +1,7 @@
 #ifndef UTILITIES_SOCKET_H
 #define UTILITIES_SOCKET_H
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
@@ -31,6 +32,9 @@ class ExceptionSocketClosed : public std::runtime_error {
 class Socket {
  public:
     static constexpr std::int32_t k_none = -1;
+
+    /// How long a client waits between two tries to connect, as the protocol has it.
+    static constexpr std::chrono::milliseconds k_connect_retry{100};
 
     Socket() noexcept = default;
 
@@ -69,7 +73,8 @@ class Socket {
     /// Waits for events of this socket, see the free `poll`: the events that came, and whether there were any.
     std::pair<std::int16_t, bool> poll(short events, long timeout_ms) const;
 
-    /// Connects, trying every 100 ms as long as there is no server. False when `abort` became readable first.
+    /// Connects, trying every `k_connect_retry` as long as there is no server. False when `abort` became readable
+    /// first.
     bool try_connect(sockaddr_un const& address, Socket const& abort) const;
 
  private:
