@@ -1,40 +1,18 @@
 #include "client_state_notifier/client_states_impl.h"
 
+#include "base/signals.h"
 #include "client_state_notifier/notification_server.h"
 #include "utilities/logger.h"
 
-#include <csignal>
 #include <exception>
 #include <utility>
 
-#include <pthread.h>
-
 namespace client_state_notifier {
-
-namespace {
-
-/// Signals are for the main thread; a thread inherits the mask of the one that starts it.
-class All_signals_blocked {
- public:
-    All_signals_blocked() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~All_signals_blocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    All_signals_blocked(All_signals_blocked const&) = delete;
-    All_signals_blocked& operator=(All_signals_blocked const&) = delete;
-
- private:
-    sigset_t before_{};
-};
-
-}  // namespace
 
 Client_states_impl::Client_states_impl(std::string const& current_state, Status_callback status_callback,
                                        std::string socket_path)
     : status_callback_(std::move(status_callback)), socket_path_(std::move(socket_path)), clients_(current_state) {
-    All_signals_blocked const blocked;
+    base::All_signals_blocked const blocked;  // signals are for the main thread
     thread_ = std::thread([this] { thread_main_exception_handling(); });
 }
 

@@ -1,35 +1,13 @@
 #include "component_client/client.h"
 
+#include "base/signals.h"
 #include "component_client/engine.h"
 
-#include <csignal>
 #include <stdexcept>
 #include <thread>
 #include <utility>
 
-#include <pthread.h>
-
 namespace component_client {
-
-namespace {
-
-/// Blocks all signals of the calling thread; threads started meanwhile inherit that.
-class Signals_blocked {
- public:
-    Signals_blocked() {
-        sigset_t all;
-        ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~Signals_blocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    Signals_blocked(Signals_blocked const&) = delete;
-    Signals_blocked& operator=(Signals_blocked const&) = delete;
-
- private:
-    sigset_t before_{};
-};
-
-}  // namespace
 
 struct Client::Implementation {
     std::shared_ptr<Engine> engine;
@@ -41,7 +19,7 @@ Client::Client(std::string name, Request_handler handler, Options options) {
     auto engine = std::make_shared<Engine>(std::move(name), std::move(handler), std::move(options));
     implementation_ = std::make_unique<Implementation>(Implementation{std::move(engine)});
     if (own_thread) {
-        Signals_blocked const blocked;
+        base::All_signals_blocked const blocked;
         // The thread keeps the engine: its callback may destroy the client.
         implementation_->thread = std::thread([engine = implementation_->engine] { engine->run_reporting(); });
     }

@@ -20,7 +20,7 @@ int checked(int result, char const* call) {
 }
 
 // Reads the counter of an event or timer; neither blocks.
-bool take_count(Descriptor const& descriptor) {
+bool take_count(base::Descriptor const& descriptor) {
     std::uint64_t count = 0;
     return ::read(descriptor.number(), &count, sizeof count) > 0;
 }

@@ -1,7 +1,7 @@
 #ifndef COMPONENT_CLIENT_EVENT_SOURCES_H
 #define COMPONENT_CLIENT_EVENT_SOURCES_H
 
-#include "component_client/descriptor.h"
+#include "base/descriptor.h"
 
 #include <chrono>
 
@@ -18,7 +18,7 @@ class Bell {
     void clear() const;
 
  private:
-    Descriptor event_;
+    base::Descriptor event_;
 };
 
 /// Readable from a time on.
@@ -34,7 +34,7 @@ class Alarm {
     bool take() const;
 
  private:
-    Descriptor timer_;
+    base::Descriptor timer_;
 };
 
 /// One descriptor that is readable while any descriptor of a set is ready.
@@ -52,7 +52,7 @@ class Watch {
     void wait() const;
 
  private:
-    Descriptor set_;
+    base::Descriptor set_;
 };
 
 }  // namespace component_client

@@ -1,12 +1,12 @@
 #ifndef TESTS_SUPPORT_FAKE_NETWORK_MANAGEMENT_H
 #define TESTS_SUPPORT_FAKE_NETWORK_MANAGEMENT_H
 
+#include "base/mutex.h"
 #include "statemanager/nm/bit_vector.h"
 #include "statemanager/service_handler/nm_interface_abstract.h"
 
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -54,12 +54,12 @@ class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abst
         meanwhile();
     }
     void note(std::string const& action) {
-        std::lock_guard<std::mutex> const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         actions_.push_back(action);
     }
 
-    std::mutex mutex_;
-    std::vector<std::string>& actions_;
+    base::Mutex mutex_;
+    std::vector<std::string>& actions_ GUARDED_BY(mutex_);
     std::function<void()> on_services_found_;
     std::function<void(std::vector<std::uint8_t> const&)> network_state_updated_;
 };

@@ -2,12 +2,12 @@
 
 #include "ara/log/argument_decoder.h"
 #include "ara/log/log_engine.h"
+#include "base/mutex.h"
+#include "base/signals.h"
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <csignal>
-#include <mutex>
 #include <thread>
 
 namespace test_support {
@@ -42,20 +42,20 @@ class Log_capture::Impl {
 
     std::vector<Log_message> messages() {
         Log_engine::instance().drain();
-        std::lock_guard<std::mutex> const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         return messages_;
     }
 
     void clear() {
         Log_engine::instance().drain();
-        std::lock_guard<std::mutex> const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         messages_.clear();
     }
 
  private:
     void add(Queued_message const& message) {
         auto const& header = message.header;
-        std::lock_guard<std::mutex> const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         messages_.push_back(
             {header.level, header.context->id, ara::log::decode_arguments(message.arguments.data(), header.size)});
     }
@@ -63,13 +63,8 @@ class Log_capture::Impl {
     // Producers wait while the queue is full, so somebody has to empty it who is never interrupted by a producer: the
     // thread inherits the blocked signals, because a handler may log before the thread's first statement.
     std::thread start_drainer() {
-        sigset_t all;
-        sigset_t before;
-        ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &before);
-        std::thread drainer([this] { drain_until_done(); });
-        ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-        return drainer;
+        base::All_signals_blocked const blocked;
+        return std::thread([this] { drain_until_done(); });
     }
 
     void drain_until_done() {
@@ -79,8 +74,8 @@ class Log_capture::Impl {
         }
     }
 
-    std::mutex mutex_;
-    std::vector<Log_message> messages_;
+    base::Mutex mutex_;
+    std::vector<Log_message> messages_ GUARDED_BY(mutex_);
     std::atomic<bool> done_{false};
     std::thread drainer_;
 };

@@ -1,5 +1,6 @@
 #include "tools/check/private_place.h"
 
+#include "base/descriptor.h"
 #include "utilities/protocol.h"
 #include "utilities/socket.h"
 
@@ -66,9 +67,9 @@ void show(fs::directory_entry const& entry, fs::path const& in) {
 
 // Covers a directory with an empty one that shows the same entries, so that more can be added.
 void make_extensible(fs::path const& directory) {
-    utilities::Socket const covered(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    base::Descriptor const covered(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     require(::mount("tmpfs", directory.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, "mode=0755") == 0, directory.string());
-    for (auto const& entry : fs::directory_iterator("/proc/self/fd/" + std::to_string(covered.get_fd()))) {
+    for (auto const& entry : fs::directory_iterator("/proc/self/fd/" + std::to_string(covered.number()))) {
         show(entry, directory);
     }
 }

@@ -1,9 +1,13 @@
 #ifndef ARA_LOG_COMMON_H
 #define ARA_LOG_COMMON_H
 
+#include <cstddef>
 #include <cstdint>
 
 namespace ara::log {
+
+/// Characters of an application's or a context's id, as DLT has it; longer ones are cut.
+constexpr std::size_t k_id_length = 4;
 
 /// How severe a message is; a message is logged when its level is not above the level of its context.
 enum class LogLevel : std::uint8_t {

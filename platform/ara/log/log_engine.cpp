@@ -20,10 +20,6 @@ std::uint32_t uptime() noexcept {
     return static_cast<std::uint32_t>(now.tv_sec * 10000 + now.tv_nsec / 100000);
 }
 
-std::string four_characters(std::string const& id) {
-    return id.substr(0, 4);
-}
-
 }  // namespace
 
 Log_engine& Log_engine::instance() {
@@ -37,8 +33,8 @@ Log_engine::Log_engine() : message_(std::make_unique<Queued_message>()) {
 }
 
 Logger& Log_engine::logger(std::string const& id, std::string const& description, LogLevel level) {
-    std::lock_guard<std::mutex> const lock(consumer_);
-    auto const name = four_characters(id);
+    base::Lock_guard const lock(consumer_);
+    auto const name = id.substr(0, k_id_length);
     auto const known = std::find_if(loggers_.begin(), loggers_.end(),
                                     [&](auto const& logger) { return logger->context().id == name; });
     if (known != loggers_.end()) {
@@ -73,7 +69,7 @@ void Log_engine::submit(Log_context const& context, LogLevel level, Argument_enc
 }
 
 void Log_engine::add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level) {
-    std::lock_guard<std::mutex> const lock(consumer_);
+    base::Lock_guard const lock(consumer_);
     default_logger_->context().own_threshold = static_cast<std::int8_t>(default_level);
     for (auto const& logger : loggers_) {
         sink->add_context(logger->context());
@@ -82,7 +78,7 @@ void Log_engine::add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level
 }
 
 void Log_engine::drain() {
-    std::lock_guard<std::mutex> const lock(consumer_);
+    base::Lock_guard const lock(consumer_);
     while (queue_.pop(*message_)) {
         deliver(*message_);
     }
@@ -116,7 +112,7 @@ void Log_engine::report_drops() {
 
 void Log_engine::intercept(Interceptor interceptor) {
     drain();
-    std::lock_guard<std::mutex> const lock(consumer_);
+    base::Lock_guard const lock(consumer_);
     interceptor_ = std::move(interceptor);
     wait_when_full_ = static_cast<bool>(interceptor_);
     for (auto const& logger : loggers_) {

@@ -4,11 +4,11 @@
 #include "ara/log/log_context.h"
 #include "ara/log/logger.h"
 #include "ara/log/message_queue.h"
+#include "base/mutex.h"
 
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -58,8 +58,8 @@ class Log_engine {
     Log_engine();
 
     class Writer;
-    void deliver(Queued_message const& message);
-    void report_drops();
+    void deliver(Queued_message const& message) REQUIRES(consumer_);
+    void report_drops() REQUIRES(consumer_);
     void wake_writer() noexcept;
 
     Message_queue queue_;
@@ -67,13 +67,13 @@ class Log_engine {
     std::atomic<bool> wait_when_full_{false};
     std::atomic<Writer*> writer_{nullptr};
 
-    std::mutex consumer_;  ///< guards what follows, and the queue's reading end
-    std::uint64_t reported_drops_{0};
-    std::vector<std::unique_ptr<Logger>> loggers_;
-    std::vector<std::unique_ptr<Log_sink>> sinks_;
-    Interceptor interceptor_;
-    std::unique_ptr<Queued_message> message_;
-    Logger* default_logger_;
+    base::Mutex consumer_;  ///< of the queue's reading end, too
+    std::uint64_t reported_drops_ GUARDED_BY(consumer_){0};
+    std::vector<std::unique_ptr<Logger>> loggers_ GUARDED_BY(consumer_);
+    std::vector<std::unique_ptr<Log_sink>> sinks_ GUARDED_BY(consumer_);
+    Interceptor interceptor_ GUARDED_BY(consumer_);
+    std::unique_ptr<Queued_message> const message_ PT_GUARDED_BY(consumer_);  ///< the one that is being delivered
+    Logger* default_logger_;                                                  ///< set by the constructor alone
 };
 
 }  // namespace ara::log

@@ -1,6 +1,6 @@
 #include "ara/log/log_writer.h"
 
-#include <csignal>
+#include "base/signals.h"
 
 #include <poll.h>
 #include <pthread.h>
@@ -9,29 +9,9 @@
 
 namespace ara::log {
 
-namespace {
-
-// A thread inherits the mask of its maker.
-class All_signals_blocked {
- public:
-    All_signals_blocked() {
-        sigset_t all;
-        ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~All_signals_blocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    All_signals_blocked(All_signals_blocked const&) = delete;
-    All_signals_blocked& operator=(All_signals_blocked const&) = delete;
-
- private:
-    sigset_t before_{};
-};
-
-}  // namespace
-
 Log_engine::Writer::Writer(std::function<void()> drain)
     : drain_(std::move(drain)), event_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    All_signals_blocked const blocked;
+    base::All_signals_blocked const blocked;
     thread_ = std::thread([this] { run(); });
     ::pthread_setname_np(thread_.native_handle(), "log-writer");
 }

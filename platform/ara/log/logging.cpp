@@ -39,7 +39,7 @@ void InitLogging(std::string const& application_id, std::string const& descripti
         return;
     }
     auto& engine = Log_engine::instance();
-    add_sinks(engine, application_id.substr(0, 4), description, level, mode, directory);
+    add_sinks(engine, application_id.substr(0, k_id_length), description, level, mode, directory);
     std::atexit([] { Log_engine::instance().stop_writer(); });
     engine.start_writer();
 }

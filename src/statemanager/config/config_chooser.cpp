@@ -1,10 +1,10 @@
 #include "statemanager/config/config_chooser.h"
 
 #include "ara/log/logging.h"
+#include "base/system_error.h"
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 
 #include <unistd.h>
 
@@ -32,7 +32,7 @@ Config_chooser::Config_chooser(Host_name_reader const& read_host_name) {
 void Config_chooser::set_host_name(Host_name_reader const& read_host_name) {
     std::array<char, k_host_name_buffer> buffer{};
     if (read_host_name(buffer.data(), buffer.size()) != 0 && errno != ENAMETOOLONG) {
-        ara::log::LogFatal() << "Unable to get hostname: " << std::strerror(errno);
+        ara::log::LogFatal() << "Unable to get hostname: " << base::system_error_text(errno);
         return;
     }
     buffer.back() = '\0';

@@ -40,23 +40,13 @@ std::size_t read_some(int descriptor, std::array<char, k_chunk>& chunk) {
 
 // Without O_NONBLOCK a FIFO at the path would hold the start of the daemon until somebody writes to it.
 Configuration_file::Configuration_file(std::string const& path)
-    : descriptor_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)) {}
-
-Configuration_file::~Configuration_file() {
-    if (is_open()) {
-        ::close(descriptor_);
-    }
-}
-
-bool Configuration_file::is_open() const {
-    return descriptor_ >= 0;
-}
+    : file_(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)) {}
 
 std::string Configuration_file::read() const {
-    require_regular_file(descriptor_);
+    require_regular_file(file_.number());
     std::string content;
     std::array<char, k_chunk> chunk;
-    while (auto const count = read_some(descriptor_, chunk)) {
+    while (auto const count = read_some(file_.number(), chunk)) {
         content.append(chunk.data(), count);
         if (content.size() > k_largest) {
             throw std::runtime_error("it is larger than " + std::to_string(k_largest) + " bytes");

@@ -1,6 +1,8 @@
 #ifndef STATEMANAGER_CONFIG_CONFIGURATION_FILE_H
 #define STATEMANAGER_CONFIG_CONFIGURATION_FILE_H
 
+#include "base/descriptor.h"
+
 #include <cstddef>
 #include <string>
 
@@ -15,18 +17,15 @@ class Configuration_file {
 
     /// Opens the file; `is_open()` tells whether it could be.
     explicit Configuration_file(std::string const& path);
-    ~Configuration_file();
-    Configuration_file(Configuration_file const&) = delete;
-    Configuration_file& operator=(Configuration_file const&) = delete;
 
-    bool is_open() const;
+    bool is_open() const { return file_.is_open(); }
 
     /// The whole content, once. Throws `std::runtime_error` for anything but a regular file, for a file that is too
     /// large, and when reading fails.
     std::string read() const;
 
  private:
-    int descriptor_;
+    base::Descriptor file_;
 };
 
 }  // namespace ximo::ap::statemanager::config
