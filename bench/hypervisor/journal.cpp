@@ -28,6 +28,13 @@ std::string hexadecimal(std::string const& bytes) {
 
 }  // namespace
 
+json with_error(json details, int error) {
+    if (error != 0) {
+        details["errno"] = errno_name(error);
+    }
+    return details;
+}
+
 json describe(std::string const& file, Request const& request) {
     json result{{"file", file},
                 {"number", request.number},

@@ -12,6 +12,9 @@ namespace bench::hypervisor {
 /// readable text, "written" or "errno", and "delay_ms" where it is slow.
 nlohmann::json describe(std::string const& file, Request const& request);
 
+/// Details of an event with the error's name as "errno"; as they are when the error is 0.
+nlohmann::json with_error(nlohmann::json details, int error);
+
 }  // namespace bench::hypervisor
 
 #endif

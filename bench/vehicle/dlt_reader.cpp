@@ -1,12 +1,12 @@
 #include "bench/vehicle/dlt_reader.h"
 
+#include "base/mutex.h"
 #include "bench/vehicle/dlt_message.h"
 
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <mutex>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -67,7 +67,7 @@ class Dlt_reader::Client {
     }
 
     Timeline take() {
-        std::lock_guard<std::mutex> const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         return std::exchange(messages_, {});
     }
 
@@ -76,7 +76,7 @@ class Dlt_reader::Client {
     }
 
     std::string announcements() {
-        std::lock_guard<std::mutex> const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         return announcements_;
     }
 
@@ -89,7 +89,7 @@ class Dlt_reader::Client {
     }
 
     void keep(DltMessage& message) {
-        std::lock_guard<std::mutex> const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (auto event = to_event(message)) {
             messages_.push_back(*std::move(event));
         } else if (is_control(message)) {
@@ -100,9 +100,9 @@ class Dlt_reader::Client {
 
     DltClient client_{};
     std::thread thread_;
-    std::mutex mutex_;
-    Timeline messages_;
-    std::string announcements_;
+    base::Mutex mutex_;
+    Timeline messages_ GUARDED_BY(mutex_);
+    std::string announcements_ GUARDED_BY(mutex_);
 };
 
 Dlt_reader::Dlt_reader() {

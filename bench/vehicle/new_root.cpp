@@ -1,5 +1,6 @@
 #include "bench/vehicle/new_root.h"
 
+#include "bench/vehicle/private_mounts.h"
 #include "bench/vehicle/world.h"
 
 #include <array>
@@ -10,8 +11,6 @@
 #include <set>
 #include <stdexcept>
 
-#include <fcntl.h>
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -30,58 +29,11 @@ std::set<std::string> const& private_directories() {
     return names;
 }
 
-[[noreturn]] void refuse(fs::path const& target) {
-    throw std::runtime_error(target.string() + " can't be mounted: " + std::strerror(errno) +
-                             ". Run this as root with the right to mount (in a container: run it privileged)");
-}
-
 void mount_or_throw(char const* source, fs::path const& target, char const* type, unsigned long flags,
                     char const* options = nullptr) {
     if (::mount(source, target.c_str(), type, flags, options) != 0) {
-        refuse(target);
+        throw_mount_error(target.string());
     }
-}
-
-[[noreturn]] void give_up_in_chroot() {
-    throw std::runtime_error(std::string("The root directory is no mount point, and can't be made one: ") +
-                             std::strerror(errno) + ". Mount the directory of the chroot on itself before entering it");
-}
-
-/// A descriptor that is closed when this goes.
-class Descriptor {
- public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0) {
-            ::close(number_);
-        }
-    }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-
-    int number() const { return number_; }
-
- private:
-    int number_;
-};
-
-// From inside a chroot the mount that holds it can't be named, and so not be kept from passing on what is mounted
-// inside. So out first: who enters a mount namespace stands at its true root, also when it is one's own. Then the
-// chroot's directory is mounted on itself and entered again.
-void make_mount_point_of_chroot() {
-    auto const working_directory = fs::current_path();
-    Descriptor const chroot_directory(::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    Descriptor const own_namespace(static_cast<int>(::syscall(SYS_pidfd_open, ::getpid(), 0)));
-    if (::setns(own_namespace.number(), CLONE_NEWNS) != 0 ||
-        ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 || ::fchdir(chroot_directory.number()) != 0) {
-        give_up_in_chroot();
-    }
-    auto const path = fs::current_path();
-    if (::mount(path.c_str(), path.c_str(), nullptr, MS_BIND | MS_REC, nullptr) != 0 || ::chdir(path.c_str()) != 0 ||
-        ::chroot(".") != 0) {
-        give_up_in_chroot();
-    }
-    fs::current_path(working_directory);
 }
 
 void bind_directory(fs::path const& source, fs::path const& target) {
@@ -207,16 +159,6 @@ void change_root(Building_site& site) {
 }
 
 }  // namespace
-
-void make_mounts_private() {
-    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0) {
-        return;
-    }
-    if (errno != EINVAL) {
-        refuse("/");
-    }
-    make_mount_point_of_chroot();
-}
 
 void move_into_new_root(std::string const& project) {
     make_mounts_private();

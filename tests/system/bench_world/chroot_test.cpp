@@ -1,4 +1,4 @@
-#include "bench/vehicle/new_root.h"
+#include "bench/vehicle/private_mounts.h"
 #include "bench/vehicle/world.h"
 
 #include <cerrno>
