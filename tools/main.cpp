@@ -19,6 +19,11 @@ void print_completions(CLI::App const& program, std::vector<std::string> const& 
     }
 }
 
+bool is_unknown(CLI::App const& program, std::string const& word) {
+    auto const known = program.get_subcommands([&](CLI::App const* command) { return command->get_name() == word; });
+    return word.rfind('-', 0) != 0 && known.empty();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -31,6 +36,10 @@ int main(int argc, char** argv) {
         if (argc > 1 && std::string(argv[1]) == k_complete) {
             print_completions(program, {argv + 2, argv + argc});
             return statectl::k_success;
+        }
+        if (argc > 1 && is_unknown(program, argv[1])) {
+            std::fprintf(stderr, "\"%s\" is no subcommand\nRun with --help for more information.\n", argv[1]);
+            return statectl::k_usage;
         }
         try {
             program.parse(argc, argv);

@@ -136,7 +136,10 @@ TEST_F(Client, Says_what_is_wrong_with_its_words) {
     EXPECT_EQ(too_long.status, 1);
     EXPECT_THAT(too_long.errors, HasSubstr("ap_statectl: socket address is too big"));
     EXPECT_EQ(run_statectl({}).status, 2);
-    EXPECT_EQ(run_statectl({"dance"}).status, 2);
+    auto const unknown = run_statectl({"dance"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.errors, "\"dance\" is no subcommand\nRun with --help for more information.\n");
+    EXPECT_EQ(run_statectl({"client", "--name", "me", "--requests", "0"}).status, 2);
 }
 
 TEST_F(Client, Has_a_help_and_a_version) {
