@@ -3,16 +3,17 @@
 #include "bench/process/end_signals.h"
 
 #include <array>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 
 #include <gmock/gmock.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -135,6 +136,7 @@ class Ended_world : public World {
         ASSERT_EQ(::pipe(pipe.data()), 0);
         outside = ::fork();
         if (outside == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
             ::close(pipe[0]);
             ::_exit(in_world([&] {
                 EXPECT_EQ(::write(pipe[1], "x", 1), 1);
@@ -153,9 +155,17 @@ class Ended_world : public World {
         }
     }
 
+    /// Negative when it did not end by itself in time.
     int status() {
         int status = 0;
-        ::waitpid(std::exchange(outside, 0), &status, 0);
+        auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (::waitpid(outside, &status, WNOHANG) == 0) {
+            if (std::chrono::steady_clock::now() > deadline) {
+                ::kill(outside, SIGKILL);
+            }
+            ::poll(nullptr, 0, 1);
+        }
+        outside = 0;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
     bool is_everything_over() {
@@ -193,13 +203,29 @@ TEST_F(Ended_world, Ends_in_order_where_it_takes_note_of_the_signal) {
     ::close(alive);
 }
 
+bool is_ignored(int number, std::string const& process) {
+    std::ifstream file("/proc/" + process + "/status");
+    for (std::string word; file >> word;) {
+        if (word == "SigIgn:" && file >> word) {
+            return (std::stoull(word, nullptr, 16) >> (number - 1) & 1) != 0;
+        }
+    }
+    return false;
+}
+
 TEST_F(Ended_world, Leaves_alone_what_its_caller_ignores) {
     ::signal(SIGHUP, SIG_IGN);
-    start([] { return ::pause(); });
+    start([] {
+        note_end_signals();
+        while (noted_end_signal() == 0) {
+            ::poll(nullptr, 0, 1);
+        }
+        return is_ignored(SIGHUP, "self") ? 42 : 1;
+    });
     ::signal(SIGHUP, SIG_DFL);
-    ::kill(outside, SIGHUP);
+    EXPECT_TRUE(is_ignored(SIGHUP, std::to_string(outside)));
     ::kill(outside, SIGTERM);
-    EXPECT_EQ(status(), 128 + SIGTERM);
+    EXPECT_EQ(status(), 42);
     ::close(alive);
 }
 
