@@ -1,5 +1,6 @@
 #include "bench/vehicle/world.h"
 
+#include "base/end_signals.h"
 #include "bench/process/end_signals.h"
 #include "bench/vehicle/new_root.h"
 
@@ -78,19 +79,19 @@ void end(int number) {
 
 // What ends a program is for the innermost one, which has all the others inside end with it.
 int await_passing_on_signals(pid_t child) {
-    auto const signals = end_signals();
+    auto const signals = base::end_signals();
     awaited_child = child;
-    handle_end_signals(pass_on);
+    base::handle_end_signals(pass_on);
     ::sigprocmask(SIG_UNBLOCK, &signals, nullptr);
     int const status = await(child);
-    handle_end_signals(SIG_DFL);
+    base::handle_end_signals(SIG_DFL);
     return status;
 }
 
 // Runs `action` in a process of its own and returns its result; a failure is told on standard error. The signals that
 // end a program are held back in the new process.
 int run_in_child(std::function<int()> const& action) {
-    auto const signals = end_signals();
+    auto const signals = base::end_signals();
     ::sigprocmask(SIG_BLOCK, &signals, nullptr);
     pid_t const child = ::fork();
     if (child < 0) {
@@ -111,8 +112,8 @@ int run_in_child(std::function<int()> const& action) {
 // Not before the new root is there: what it is put together on would stay. The first process of a world has to handle
 // signals, or it does not get them.
 void end_at_signals() {
-    auto const signals = end_signals();
-    handle_end_signals(end);
+    auto const signals = base::end_signals();
+    base::handle_end_signals(end);
     ::sigprocmask(SIG_UNBLOCK, &signals, nullptr);
 }
 

@@ -1,6 +1,7 @@
 #include "tools/check/left_behind.h"
 
-#include <array>
+#include "base/end_signals.h"
+
 #include <csignal>
 
 #include <unistd.h>
@@ -8,8 +9,6 @@
 namespace statectl::check {
 
 namespace {
-
-constexpr std::array<int, 4> k_end_signals{SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
 // Never destroyed, and not changed after the handler was installed, but for the program.
 std::string& directory() {
@@ -37,19 +36,6 @@ void take_along(int number) {
     ::raise(number);
 }
 
-void handle(void (*handler)(int)) {
-    for (int const number : k_end_signals) {
-        struct sigaction action {};
-        ::sigaction(number, nullptr, &action);
-        if (action.sa_handler != SIG_IGN) {
-            action = {};
-            action.sa_handler = handler;
-            action.sa_flags = SA_RESTART;
-            ::sigaction(number, &action, nullptr);
-        }
-    }
-}
-
 }  // namespace
 
 void take_along_at_signals(std::string const& directory_path, std::string const& path) {
@@ -58,15 +44,11 @@ void take_along_at_signals(std::string const& directory_path, std::string const&
     socket_path() = path;
     directory_to_remove = directory().c_str();
     socket_to_remove = socket_path().c_str();
-    handle(take_along);
+    base::handle_end_signals(take_along);
 }
 
 Signals_held::Signals_held() {
-    sigset_t signals;
-    ::sigemptyset(&signals);
-    for (int const number : k_end_signals) {
-        ::sigaddset(&signals, number);
-    }
+    auto const signals = base::end_signals();
     ::sigprocmask(SIG_BLOCK, &signals, &before_);
 }
 
@@ -79,7 +61,7 @@ void set_running_program(pid_t group) {
 }
 
 void forget_what_is_left_behind() {
-    handle(SIG_DFL);
+    base::handle_end_signals(SIG_DFL);
 }
 
 }  // namespace statectl::check
