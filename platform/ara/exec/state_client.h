@@ -31,8 +31,9 @@ enum class State_client_result : std::int32_t {
 /// `std::runtime_error` whose text names the cause when the bus is not there or no answer came. One thread at a time.
 class StateClient {
  public:
-    /// Upper bound of one operation; well below the supervision period of a process that calls it in its cycle.
-    static constexpr std::chrono::milliseconds k_time_limit{500};
+    /// Upper bound of one operation: long enough for a machine that boots or stood still, well below the supervision
+    /// period of a process that calls it in its cycle.
+    static constexpr std::chrono::milliseconds k_time_limit{1000};
 
     StateClient();
     ~StateClient();

@@ -116,6 +116,11 @@ TEST_F(Execution_management, That_does_not_answer_is_given_up_in_time) {
     EXPECT_EQ(sut.SetState("MachineState", "Running"), State_client_result::kSuccess) << "the next request is served";
 }
 
+TEST_F(Execution_management, Of_a_machine_that_boots_may_take_a_while) {
+    manager->command({{"do", "reaction"}, {"delay_ms", 800}});
+    EXPECT_EQ(sut.SetState("MachineState", "Running"), State_client_result::kSuccess);
+}
+
 // The service manager asks the bus who the caller is before it does what was asked for.
 TEST_F(Execution_management, That_answers_late_still_finds_its_caller_on_the_bus) {
     manager->command({{"do", "reaction"}, {"silent", true}});
