@@ -112,13 +112,23 @@ ara::com::ServiceHandle found(std::string const& name) {
     return first.front();
 }
 
+/// For a server that is given up after a second of silence: the lease that counts is that of who is lost.
+inline std::vector<std::string> given_up_soon() {
+    return {
+        "CYCLONEDDS_URI=<CycloneDDS><Domain id='any'><General><Interfaces><NetworkInterface name='lo' "
+        "multicast='false'/></Interfaces><AllowMulticast>false</AllowMulticast></General><Discovery><ParticipantIndex>"
+        "auto</ParticipantIndex><MaxAutoParticipantIndex>60</MaxAutoParticipantIndex><Peers><Peer address='127.0.0.1'/>"
+        "</Peers><LeaseDuration>1s</LeaseDuration></Discovery></Domain></CycloneDDS>"};
+}
+
 /// A client in the test's own process; servers are processes of their own.
 class Client : public testing::Test {
  protected:
-    static bench::Player server(std::vector<std::string> const& instances) {
+    static bench::Player server(std::vector<std::string> const& instances,
+                                std::vector<std::string> const& environment = {}) {
         std::vector<std::string> words{PEER_PROGRAM};
         words.insert(words.end(), instances.begin(), instances.end());
-        return bench::Player(words);
+        return bench::Player(words, environment);
     }
 
     tarq::com::runtime::Component_singleton runtime_{false, ""};

@@ -12,8 +12,10 @@ namespace {
 constexpr dds_domainid_t k_local_domain = 0;
 
 // Multicast is off: on the loopback interface each participant announces itself to every index instead. With the
-// engine's default of 9 the eleventh process of a machine would find no index. A lease of a second: below half a second
-// a crowd of starting processes loses sight of each other, and each of 50 would take more than 1 % of a core when idle.
+// engine's default of 9 the eleventh process of a machine would find no index. A lease of 20 seconds: a machine or a
+// process that stands still for less is not given up, and whose process ends on this machine is told of by the process
+// watch. Announcements every 800 ms, which the engine would draw out with the lease: whoever was given up is soon found
+// again; with 50 processes a shorter time would take more than 1 % of a core from each when idle.
 // What is sent to a reader that has not yet heard the first heartbeat is repeated once the reader complains, and a
 // writer that goes waits for the last acknowledgement, which a heartbeat asks for: with the engine's 100 ms each, many
 // a first call took that long. Nothing beats while all is acknowledged. A complaint that was lost itself is repeated
@@ -28,7 +30,8 @@ constexpr char const* k_local_configuration = R"(<CycloneDDS><Domain id="any">
  <ParticipantIndex>auto</ParticipantIndex>
  <MaxAutoParticipantIndex>60</MaxAutoParticipantIndex>
  <Peers><Peer address="127.0.0.1"/></Peers>
- <LeaseDuration>1s</LeaseDuration>
+ <LeaseDuration>20s</LeaseDuration>
+ <SPDPInterval>800ms</SPDPInterval>
 </Discovery>
 <Internal>
  <PreEmptiveAckDelay>0s</PreEmptiveAckDelay>
