@@ -41,8 +41,10 @@ class Client_states {
     virtual void set_default_state(std::string const& state) = 0;
 
     /// Tells the state to all connected clients that the predicate selects, and collects their answers until `timeout`
-    /// from now. Returns at once. Ignored when the predicate or the callback is empty.
-    virtual void request_state_change(std::string const& state, Client_predicate const& predicate,
+    /// from now. Returns at once: true when the completion will come, if no newer request comes first; false when the
+    /// request is ignored, because the predicate or the callback is empty, or because the server can't be told of it,
+    /// which is logged.
+    virtual bool request_state_change(std::string const& state, Client_predicate const& predicate,
                                       Completion_callback const& completed, std::chrono::seconds timeout) = 0;
 };
 

@@ -29,23 +29,30 @@ void Client_states_impl::set_default_state(std::string const& state) {
     clients_.set_current_state(state);
 }
 
-void Client_states_impl::request_state_change(std::string const& state, Client_predicate const& predicate,
+bool Client_states_impl::request_state_change(std::string const& state, Client_predicate const& predicate,
                                               Completion_callback const& completed, std::chrono::seconds timeout) {
     if (!predicate || !completed) {
-        return;
+        return false;
     }
-    requests_.put({state, predicate, completed, std::chrono::steady_clock::now() + timeout, 0});
+    if (!requests_.put({state, predicate, completed, std::chrono::steady_clock::now() + timeout, 0})) {
+        utilities::get_logger().LogError() << "the server can't be told to ask clients for " << state;
+        return false;
+    }
+    return true;
 }
 
 void Client_states_impl::thread_main_exception_handling() {
-    try {
-        thread_main();
-        return;
-    } catch (std::exception const& error) {
-        utilities::get_logger().LogError() << "Client_states_impl thread crashed: " << error.what();
-    }
-    clients_.clear();
-    complete_requests_as_timed_out();
+    do {
+        try {
+            thread_main();
+            return;
+        } catch (std::exception const& error) {
+            utilities::get_logger().LogError() << "Client_states_impl thread crashed: " << error.what();
+        }
+        clients_.clear();
+        requests_.forget_wake_ups();
+        pause();
+    } while (!requests_.is_stopped());
 }
 
 void Client_states_impl::thread_main() {
@@ -60,8 +67,9 @@ void Client_states_impl::thread_main() {
     }
 }
 
-void Client_states_impl::complete_requests_as_timed_out() {
-    while (auto request = requests_.wait()) {
+void Client_states_impl::pause() {
+    auto const end = std::chrono::steady_clock::now() + k_pause;
+    while (auto request = requests_.wait(end)) {
         request->completed(Callback_status::timed_out, {});
     }
 }

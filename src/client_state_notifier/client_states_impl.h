@@ -5,6 +5,7 @@
 #include "client_state_notifier/client_states.h"
 #include "client_state_notifier/request_slot.h"
 
+#include <chrono>
 #include <string>
 #include <thread>
 
@@ -12,10 +13,13 @@ namespace client_state_notifier {
 
 /// The server on a thread of its own, which takes no signals.
 ///
-/// When the server itself fails, that is logged and all connections are closed; requests then complete as timed out, at
-/// once and without results, so that nobody waits for ever.
+/// When the server itself fails, that is logged and all connections are closed. After a pause it is started again;
+/// requests in the pause complete as timed out, at once and without results, so that nobody waits for ever.
 class Client_states_impl : public Client_states {
  public:
+    /// How long the server is not there after it has failed: a failure that stays is told once a second.
+    static constexpr std::chrono::milliseconds k_pause{1000};
+
     Client_states_impl(std::string const& current_state, Status_callback status_callback, std::string socket_path);
 
     /// Ends and joins the thread; the socket file has gone when it returns.
@@ -23,13 +27,13 @@ class Client_states_impl : public Client_states {
 
     std::vector<std::pair<std::string, std::string>> get_connected_clients() const override;
     void set_default_state(std::string const& state) override;
-    void request_state_change(std::string const& state, Client_predicate const& predicate,
+    bool request_state_change(std::string const& state, Client_predicate const& predicate,
                               Completion_callback const& completed, std::chrono::seconds timeout) override;
 
  private:
     void thread_main_exception_handling();
     void thread_main();
-    void complete_requests_as_timed_out();
+    void pause();
 
     Status_callback const status_callback_;
     std::string const socket_path_;

@@ -50,12 +50,12 @@ Listening_socket::Listening_socket(std::string const& path)
     utilities::get_logger().LogInfo() << "socket created: " << path;
 }
 
-pollfd Listening_socket::poll_entry() const {
-    return {pause_end() ? -1 : socket_.get_fd(), POLLIN, 0};
+pollfd Listening_socket::poll_entry(Clock::time_point now) const {
+    return {pause_end(now) ? -1 : socket_.get_fd(), POLLIN, 0};
 }
 
-std::optional<Clock::time_point> Listening_socket::pause_end() const {
-    return paused_until_ > Clock::now() ? std::optional(paused_until_) : std::nullopt;
+std::optional<Clock::time_point> Listening_socket::pause_end(Clock::time_point now) const {
+    return paused_until_ > now ? std::optional(paused_until_) : std::nullopt;
 }
 
 std::optional<utilities::Socket> Listening_socket::accept() {

@@ -23,11 +23,11 @@ class Listening_socket {
     /// Makes the directories of the path, replaces a socket file that an earlier process left, binds and listens.
     explicit Listening_socket(std::string const& path);
 
-    /// The entry of the poll set; it waits for nothing during a pause.
-    pollfd poll_entry() const;
+    /// The entry of the poll set as of now; it waits for nothing during a pause.
+    pollfd poll_entry(std::chrono::steady_clock::time_point now) const;
 
-    /// The end of a pause that is still going on.
-    std::optional<std::chrono::steady_clock::time_point> pause_end() const;
+    /// The end of a pause that is going on now.
+    std::optional<std::chrono::steady_clock::time_point> pause_end(std::chrono::steady_clock::time_point now) const;
 
     /// The next connection, close-on-exec. Nothing when there is none, or when it could not be had, which is logged.
     /// Throws std::system_error when the socket itself is of no use any more.

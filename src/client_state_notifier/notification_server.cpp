@@ -13,8 +13,8 @@ using Clock = std::chrono::steady_clock;
 
 namespace {
 
-long milliseconds_until(Clock::time_point time) {
-    auto const left = std::chrono::ceil<std::chrono::milliseconds>(time - Clock::now()).count();
+long milliseconds_between(Clock::time_point now, Clock::time_point time) {
+    auto const left = std::chrono::ceil<std::chrono::milliseconds>(time - now).count();
     return std::max<long>(left, 0);
 }
 
@@ -24,19 +24,18 @@ Notification_server::Notification_server(std::string const& path, Status_callbac
                                          Request_slot& requests, Client_register& clients)
     : status_callback_(std::move(status_callback)), requests_(requests), clients_(clients), listener_(path) {}
 
-/// Whoever has introduced itself when a request is taken is asked.
+/// Whoever has introduced itself when a request is taken is asked. What is waited for, and how long, is decided by one
+/// reading of the clock: whoever is left out for a time is so until this time is over.
 void Notification_server::run() {
     for (;;) {
-        poll_set_.fill(listener_, requests_, clients_, newcomers_);
-        if (poll_set_.wait(calculate_timeout()) && poll_set_.is_listener_ready()) {
+        auto const now = Clock::now();
+        poll_set_.fill(now, listener_, requests_, clients_, newcomers_);
+        if (poll_set_.wait(calculate_timeout(now)) && poll_set_.is_listener_ready()) {
             process_new_client();
         }
         process_newcomers();
-        if (poll_set_.is_wake_up_ready()) {
-            if (!requests_.receive_wake_up()) {
-                return;
-            }
-            process_state_change_request();
+        if (!hear_wake_ups()) {
+            return;
         }
         process_client_responses();
         delete_hangup_clients();
@@ -48,9 +47,25 @@ std::optional<Notification_cycle> Notification_server::take_cycle() {
     return std::exchange(cycle_, std::nullopt);
 }
 
+/// False when it is the end.
+bool Notification_server::hear_wake_ups() {
+    bool const is_told = poll_set_.is_wake_up_ready();
+    bool const is_rung = poll_set_.is_bell_ready();
+    if (is_told && !requests_.receive_wake_up()) {
+        return false;
+    }
+    if (is_rung) {
+        requests_.bell().clear();
+    }
+    if (is_told || is_rung) {
+        process_state_change_request();
+    }
+    return !requests_.is_stopped();
+}
+
 /// Milliseconds to the next moment at which there is something to do without an event; -1 when there is none.
-long Notification_server::calculate_timeout() const {
-    auto next = listener_.pause_end();
+long Notification_server::calculate_timeout(Clock::time_point now) const {
+    auto next = listener_.pause_end(now);
     auto const consider = [&](std::optional<Clock::time_point> const& time) {
         if (time && (!next || *time < *next)) {
             next = time;
@@ -60,7 +75,7 @@ long Notification_server::calculate_timeout() const {
     if (cycle_) {
         consider(cycle_->request().deadline);
     }
-    return next ? milliseconds_until(*next) : -1;
+    return next ? milliseconds_between(now, *next) : -1;
 }
 
 void Notification_server::process_state_change_request() {

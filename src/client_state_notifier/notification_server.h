@@ -9,6 +9,7 @@
 #include "client_state_notifier/poll_set.h"
 #include "client_state_notifier/request_slot.h"
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -36,7 +37,8 @@ class Notification_server {
     std::optional<Notification_cycle> take_cycle();
 
  private:
-    long calculate_timeout() const;
+    long calculate_timeout(std::chrono::steady_clock::time_point now) const;
+    bool hear_wake_ups();
 
     void process_new_client();
     void process_newcomers();

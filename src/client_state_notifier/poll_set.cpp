@@ -4,8 +4,8 @@
 
 namespace client_state_notifier {
 
-void Poll_set::fill(Listening_socket const& listener, Request_slot const& requests, Client_register const& clients,
-                    Newcomers const& newcomers) {
+void Poll_set::fill(std::chrono::steady_clock::time_point now, Listening_socket const& listener,
+                    Request_slot const& requests, Client_register const& clients, Newcomers const& newcomers) {
     if (!has_clients_) {
         entries_.resize(k_clients);
         clients.add_to(entries_);
@@ -13,9 +13,10 @@ void Poll_set::fill(Listening_socket const& listener, Request_slot const& reques
         has_clients_ = true;
     }
     entries_.resize(k_clients + clients_);
-    entries_[k_listener] = listener.poll_entry();
+    entries_[k_listener] = listener.poll_entry(now);
     entries_[k_wake_up] = utilities::create_pollfd_helper(POLLIN, requests.wake_up_end());
     newcomers.add_to(entries_);
+    entries_.push_back({requests.bell().descriptor(), POLLIN, 0});
 }
 
 bool Poll_set::wait(long timeout_ms) {

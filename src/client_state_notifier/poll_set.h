@@ -6,6 +6,7 @@
 #include "client_state_notifier/newcomers.h"
 #include "client_state_notifier/request_slot.h"
 
+#include <chrono>
 #include <cstddef>
 #include <vector>
 
@@ -13,15 +14,16 @@
 
 namespace client_state_notifier {
 
-/// What the server waits for: the listener, the wake-up channel, the clients and the newcomers, in this order. In each
-/// turn: fill, wait, and ask what is ready.
+/// What the server waits for: the listener, the wake-up channel, the clients, the newcomers and the bell, in this
+/// order. In each turn: fill, wait, and ask what is ready.
 class Poll_set {
  public:
     /// A client has come or gone. Their entries stay from turn to turn until then.
     void forget_clients() { has_clients_ = false; }
 
-    void fill(Listening_socket const& listener, Request_slot const& requests, Client_register const& clients,
-              Newcomers const& newcomers);
+    /// As of now.
+    void fill(std::chrono::steady_clock::time_point now, Listening_socket const& listener, Request_slot const& requests,
+              Client_register const& clients, Newcomers const& newcomers);
 
     /// False when nothing was ready before the time was over, see utilities::poll.
     bool wait(long timeout_ms);
@@ -29,11 +31,13 @@ class Poll_set {
     bool is_listener_ready() const { return entries_[k_listener].revents != 0; }
     bool is_wake_up_ready() const { return entries_[k_wake_up].revents != 0; }
 
+    bool is_bell_ready() const { return entries_.back().revents != 0; }
+
     /// The connections of the clients that are ready.
     std::vector<int> ready_clients() const;
 
     pollfd const* newcomers() const { return entries_.data() + k_clients + clients_; }
-    std::size_t newcomer_count() const { return entries_.size() - k_clients - clients_; }
+    std::size_t newcomer_count() const { return entries_.size() - k_clients - clients_ - 1; }
 
  private:
     static constexpr std::size_t k_listener = 0;  // places

@@ -4,6 +4,8 @@
 #include "utilities/protocol.h"
 #include "utilities/serialization.h"
 
+#include <array>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -11,20 +13,22 @@
 
 namespace client_state_notifier {
 
-Request_slot::Request_slot() {
-    auto [thread, callers] = utilities::socket_pair();
-    wake_up_end_ = std::move(thread);
-    callers_end_ = std::move(callers);
-}
+Request_slot::Request_slot() : Request_slot(utilities::socket_pair()) {}
 
-void Request_slot::put(State_change_request request) {
+Request_slot::Request_slot(std::pair<utilities::Socket, utilities::Socket> channel)
+    : wake_up_end_(std::move(channel.first)), callers_end_(std::move(channel.second)) {}
+
+bool Request_slot::put(State_change_request request) {
+    std::uint32_t number = 0;
     {
         base::Lock_guard const lock(mutex_);
-        request.request_number = ++request_number_;
+        number = ++request_number_;
+        request.request_number = number;
         request_ = std::move(request);
     }
     changed_.notify_one();
-    wake({utilities::Type_length_value(utilities::get_state_change_request_added())});
+    return send({utilities::Type_length_value(utilities::get_state_change_request_added())}) || bell_.ring() ||
+           !withdraw(number);
 }
 
 void Request_slot::stop() {
@@ -33,17 +37,29 @@ void Request_slot::stop() {
         stopped_ = true;
     }
     changed_.notify_one();
-    wake(utilities::create_terminate_command());
+    send(utilities::create_terminate_command());
+    bell_.ring();
 }
 
 bool Request_slot::receive_wake_up() {
     auto const message = utilities::receive_type_length_values(wake_up_end_);
-    if (message.at(0).get_string() == utilities::get_terminate_command()) {
-        return false;
+    return message.at(0).get_string() != utilities::get_terminate_command();
+}
+
+void Request_slot::forget_wake_ups() {
+    bell_.clear();
+    std::array<std::uint8_t, 4096> words;
+    try {
+        for (;;) {
+            wake_up_end_.recv(words.data(), words.size(), MSG_DONTWAIT);
+        }
+    } catch (std::runtime_error const&) {  // NOLINT(bugprone-empty-catch): nothing more there
     }
-    // A channel that was full has no room for the word that ends the thread.
+}
+
+bool Request_slot::is_stopped() const {
     base::Lock_guard const lock(mutex_);
-    return !stopped_;
+    return stopped_;
 }
 
 std::optional<State_change_request> Request_slot::take() {
@@ -56,10 +72,9 @@ bool Request_slot::is_newest(std::uint32_t request_number) const {
     return request_number == request_number_;
 }
 
-std::optional<State_change_request> Request_slot::wait() {
+std::optional<State_change_request> Request_slot::wait(std::chrono::steady_clock::time_point end) {
     base::Lock_guard const lock(mutex_);
-    while (!stopped_ && !request_) {
-        changed_.wait(mutex_);
+    while (!stopped_ && !request_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
     }
     return stopped_ ? std::nullopt : take_locked();
 }
@@ -68,13 +83,25 @@ std::optional<State_change_request> Request_slot::take_locked() {
     return std::exchange(request_, std::nullopt);
 }
 
-/// A channel without room has wake-ups enough in it. Any other failure means that nobody polls the other end.
-void Request_slot::wake(utilities::Type_length_values const& message) const {
+/// False when the channel has no room or the system no memory for it.
+bool Request_slot::send(utilities::Type_length_values const& message) const {
     auto const bytes = utilities::serialize(message);
     try {
         callers_end_.sendl(bytes.data(), bytes.size(), MSG_DONTWAIT);
-    } catch (std::system_error const&) {  // NOLINT(bugprone-empty-catch)
+        return true;
+    } catch (std::system_error const&) {
+        return false;
     }
+}
+
+/// False when it is not there any more: the thread was awake and has taken it, or a newer one is in its place.
+bool Request_slot::withdraw(std::uint32_t request_number) {
+    base::Lock_guard const lock(mutex_);
+    if (!request_ || request_->request_number != request_number) {
+        return false;
+    }
+    request_.reset();
+    return true;
 }
 
 }  // namespace client_state_notifier

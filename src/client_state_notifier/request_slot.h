@@ -1,25 +1,30 @@
 #ifndef CLIENT_STATE_NOTIFIER_REQUEST_SLOT_H
 #define CLIENT_STATE_NOTIFIER_REQUEST_SLOT_H
 
+#include "base/bell.h"
 #include "base/mutex.h"
 #include "client_state_notifier/state_change_request.h"
 #include "utilities/socket.h"
 #include "utilities/type_length_value.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace client_state_notifier {
 
-/// The way from the callers to the server's thread: room for one request, and a socket pair that wakes the thread from
-/// its poll. A wake-up is a hint: the request is taken once, and one that a newer has replaced before is gone.
+/// The way from the callers to the server's thread: room for one request, and two ways to wake the thread from its
+/// poll: a socket pair, which carries a word for what is to be done, and a bell for when the system refuses the word. A
+/// wake-up is a hint: the request is taken once, and one that a newer has replaced before is gone.
 class Request_slot {
  public:
     Request_slot();
 
-    /// Callers: puts a request, over one that has not been taken yet. Never waits.
-    void put(State_change_request request);
+    /// Callers: puts a request, over one that has not been taken yet. Never waits. False when the thread can't be
+    /// woken; then the request is out again, as if it had been put and replaced.
+    bool put(State_change_request request);
 
     /// Callers: ends the thread.
     void stop();
@@ -27,8 +32,18 @@ class Request_slot {
     /// Thread: becomes readable with each wake-up.
     utilities::Socket const& wake_up_end() const { return wake_up_end_; }
 
+    /// Thread: becomes readable when a word could not be sent, and at the end.
+    base::Bell const& bell() const { return bell_; }
+
     /// Thread: takes one wake-up from the channel; false when it says to end.
     bool receive_wake_up();
+
+    /// Thread: takes all wake-ups from both ways without a look at them, so that a channel that a failure left in the
+    /// middle of a word begins with a word again. A request that was put stays.
+    void forget_wake_ups();
+
+    /// Thread: it is to end.
+    bool is_stopped() const;
 
     /// Thread: the request, if there is one that was not taken yet.
     std::optional<State_change_request> take();
@@ -36,15 +51,20 @@ class Request_slot {
     /// Thread: no request has been put since the one with this number.
     bool is_newest(std::uint32_t request_number) const;
 
-    /// Thread: waits for a request without use of the channel; nothing when the thread is to end.
-    std::optional<State_change_request> wait();
+    /// Thread: waits for a request without use of the channel; nothing when the thread is to end, or when the time has
+    /// come first.
+    std::optional<State_change_request> wait(std::chrono::steady_clock::time_point end);
 
  private:
+    explicit Request_slot(std::pair<utilities::Socket, utilities::Socket> channel);
+
     std::optional<State_change_request> take_locked() REQUIRES(mutex_);
-    void wake(utilities::Type_length_values const& message) const;
+    bool send(utilities::Type_length_values const& message) const;
+    bool withdraw(std::uint32_t request_number);
 
     utilities::Socket wake_up_end_;
     utilities::Socket callers_end_;
+    base::Bell bell_;
     mutable base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::optional<State_change_request> request_ GUARDED_BY(mutex_);

@@ -1,9 +1,9 @@
 #ifndef COMPONENT_CLIENT_ANSWER_BOOK_H
 #define COMPONENT_CLIENT_ANSWER_BOOK_H
 
+#include "base/bell.h"
 #include "base/mutex.h"
 #include "component_client/answer_receiver.h"
-#include "component_client/event_sources.h"
 #include "utilities/type_length_value.h"
 
 #include <cstdint>
@@ -20,7 +20,7 @@ class Answer_book final : public Answer_receiver {
     explicit Answer_book(std::string state) : state_(std::move(state)) {}
 
     /// Rings when there is an answer to send.
-    Bell const& bell() const { return bell_; }
+    base::Bell const& bell() const { return bell_; }
 
     /// A request has come; the one before it is not waited for any more. Returns its count.
     std::uint64_t open(std::uint32_t number);
@@ -44,7 +44,7 @@ class Answer_book final : public Answer_receiver {
     bool is_answered_ GUARDED_BY(mutex_) = true;
     bool is_awaited_ GUARDED_BY(mutex_) = false;  ///< its connection is still there
     std::vector<utilities::Type_length_values> messages_ GUARDED_BY(mutex_);
-    Bell bell_;
+    base::Bell bell_;
 };
 
 }  // namespace component_client

@@ -5,8 +5,8 @@
 #include <system_error>
 
 #include <sys/epoll.h>
-#include <sys/eventfd.h>
 #include <sys/timerfd.h>
+#include <unistd.h>
 
 namespace component_client {
 
@@ -19,24 +19,7 @@ int checked(int result, char const* call) {
     return result;
 }
 
-// Reads the counter of an event or timer; neither blocks.
-bool take_count(base::Descriptor const& descriptor) {
-    std::uint64_t count = 0;
-    return ::read(descriptor.number(), &count, sizeof count) > 0;
-}
-
 }  // namespace
-
-Bell::Bell() : event_(checked(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "eventfd")) {}
-
-void Bell::ring() const {
-    std::uint64_t const one = 1;
-    [[maybe_unused]] auto const full_is_rung = ::write(event_.number(), &one, sizeof one);
-}
-
-void Bell::clear() const {
-    take_count(event_);
-}
 
 Alarm::Alarm() : timer_(checked(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK), "timerfd_create")) {}
 
@@ -47,7 +30,8 @@ void Alarm::set(std::chrono::nanoseconds delay) const {
 }
 
 bool Alarm::take() const {
-    return take_count(timer_);
+    std::uint64_t count = 0;
+    return ::read(timer_.number(), &count, sizeof count) > 0;
 }
 
 Watch::Watch() : set_(checked(::epoll_create1(EPOLL_CLOEXEC), "epoll_create1")) {}

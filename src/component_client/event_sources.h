@@ -9,18 +9,6 @@ namespace component_client {
 
 // Descriptors that become readable. Constructors throw std::system_error when the system gives none.
 
-/// Readable from a `ring`, by any thread, until it is cleared.
-class Bell {
- public:
-    Bell();
-    int descriptor() const { return event_.number(); }
-    void ring() const;
-    void clear() const;
-
- private:
-    base::Descriptor event_;
-};
-
 /// Readable from a time on.
 class Alarm {
  public:

@@ -95,24 +95,28 @@ void State_notifier::notify_dem() {
     request(dem_, is_dem, diagnostic_timeout_, &State_notifier::dem_completed);
 }
 
-/// The server replaces any request before this one, so a step that one of those has left to be taken is void as well.
+/// The server replaces any request before this one, so a step that one of those has left to be taken is void as well. A
+/// request that it can't be told of is over at once.
 template <class Completed>
 void State_notifier::request(Group& group, Client_predicate const& predicate, std::chrono::seconds timeout,
                              Completed completed) {
     dcm_.is_done = apps_.is_done = dem_.is_done = false;
     auto const number = ++request_number_;
     group.requested_state = requested_state_;
-    client_states_->request_state_change(
+    bool const is_on_its_way = client_states_->request_state_change(
         requested_state_, predicate,
         [this, completed, number](Callback_status status, Client_results const& results) {
+            Lock const lock(mutex_);
             (this->*completed)(number, status, results);
         },
         timeout);
+    if (!is_on_its_way) {
+        (this->*completed)(number, Callback_status::timed_out, {});
+    }
 }
 
 void State_notifier::dcm_completed(std::uint64_t request_number, Callback_status status,
                                    Client_results const& results) {
-    Lock const lock(mutex_);
     if (take_results(dcm_, request_number, "Received DCM client completion notification for ", status, results) &&
         dcm_.requested_state == k_normal_mode && requested_state_ == k_normal_mode) {
         sequence_status_ = 0;  // the resume ends here
@@ -121,13 +125,11 @@ void State_notifier::dcm_completed(std::uint64_t request_number, Callback_status
 
 void State_notifier::apps_completed(std::uint64_t request_number, Callback_status status,
                                     Client_results const& results) {
-    Lock const lock(mutex_);
     take_results(apps_, request_number, "Received application client completion notification for ", status, results);
 }
 
 void State_notifier::dem_completed(std::uint64_t request_number, Callback_status status,
                                    Client_results const& results) {
-    Lock const lock(mutex_);
     if (take_results(dem_, request_number, "Received DEM client completion notification for ", status, results) &&
         dem_.requested_state == k_standby_mode && requested_state_ == k_standby_mode) {
         sequence_status_ = 0;  // the standby ends here; a resume asked for in between makes it turn back instead

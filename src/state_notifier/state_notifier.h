@@ -58,9 +58,12 @@ class State_notifier : public State_notifier_interface {
     void request(Group& group, client_state_notifier::Client_predicate const& predicate, std::chrono::seconds timeout,
                  Completed completed) REQUIRES(mutex_);
 
-    void dcm_completed(std::uint64_t request_number, Callback_status status, Client_results const& results);
-    void apps_completed(std::uint64_t request_number, Callback_status status, Client_results const& results);
-    void dem_completed(std::uint64_t request_number, Callback_status status, Client_results const& results);
+    void dcm_completed(std::uint64_t request_number, Callback_status status, Client_results const& results)
+        REQUIRES(mutex_);
+    void apps_completed(std::uint64_t request_number, Callback_status status, Client_results const& results)
+        REQUIRES(mutex_);
+    void dem_completed(std::uint64_t request_number, Callback_status status, Client_results const& results)
+        REQUIRES(mutex_);
     bool take_results(Group& group, std::uint64_t request_number, char const* text, Callback_status status,
                       Client_results const& results) const REQUIRES(mutex_);
 

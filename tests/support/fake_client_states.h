@@ -21,13 +21,15 @@ class Fake_client_states : public client_state_notifier::Client_states {
     std::string default_state;
     client_state_notifier::Status_callback report;
     std::vector<Request> requests;
+    bool can_be_told = true;
 
     std::vector<std::pair<std::string, std::string>> get_connected_clients() const override { return {}; }
     void set_default_state(std::string const& state) override { default_state = state; }
-    void request_state_change(std::string const& state, client_state_notifier::Client_predicate const& predicate,
+    bool request_state_change(std::string const& state, client_state_notifier::Client_predicate const& predicate,
                               client_state_notifier::Completion_callback const& completed,
                               std::chrono::seconds timeout) override {
         requests.push_back({state, predicate, completed, timeout});
+        return can_be_told;
     }
 };
 

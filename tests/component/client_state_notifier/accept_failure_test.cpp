@@ -70,12 +70,16 @@ INSTANTIATE_TEST_SUITE_P(, For_a_connection,
 
 using Of_the_server = Accept_that_fails;
 
-TEST_P(Of_the_server, Ends_the_thread) {
+TEST_P(Of_the_server, Ends_it) {
+    next_failure = 0;
+    auto radio = connect("radio");
+    auto outcome = request("kPrepSD", 1h);
+    next_failure = GetParam();
     test_support::Test_client client(path);
     EXPECT_TRUE(
         has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
                              std::system_error(GetParam(), std::generic_category(), "Socket::accept()").what())));
-    EXPECT_EQ(outcome_of(request("kPrepSD", 1h)).status, Callback_status::timed_out);
+    EXPECT_EQ(outcome_of(outcome).status, Callback_status::timed_out);
 }
 
 INSTANTIATE_TEST_SUITE_P(, Of_the_server, testing::Values(EBADF, ENOTSOCK, EFAULT, EOPNOTSUPP), name_of);

@@ -1,20 +1,54 @@
-// Failures that are not those of a client: the thread ends, and nobody waits for ever.
+// Failures that are not those of a client: the server ends, nobody waits for ever, and it is started again.
 
 #include "server_fixture.h"
 #include "support/open_descriptors.h"
 
+#include <atomic>
 #include <cerrno>
-#include <filesystem>
 #include <system_error>
 
+#include <dlfcn.h>
+#include <poll.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <unistd.h>
+
+namespace {
+
+// The errors of the next calls, once each; 0 for none.
+std::atomic<int> next_poll_failure{0};
+std::atomic<int> next_bind_failure{0};
+
+template <class Function>
+Function c_library(Function /*replaced*/, char const* name) {
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+bool fails(std::atomic<int>& failure) {
+    errno = failure.exchange(0);
+    return errno != 0;
+}
+
+}  // namespace
+
+// These take the place of the C library's in this program. A test polls one descriptor, the server more.
+extern "C" int ppoll(pollfd* entries, nfds_t count, timespec const* timeout, sigset_t const* signals) {
+    if (count > 1 && fails(next_poll_failure)) {
+        return -1;
+    }
+    return c_library(&::ppoll, "ppoll")(entries, count, timeout, signals);
+}
+
+extern "C" int bind(int socket, sockaddr const* address, socklen_t length) noexcept {
+    return fails(next_bind_failure) ? -1 : c_library(&::bind, "bind")(socket, address, length);
+}
 
 namespace client_state_notifier {
 namespace {
 
 using ara::log::LogLevel;
 using test_support::logged_in;
+using test_support::Test_client;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -58,16 +92,52 @@ TEST_F(Server_that_fails, Completes_the_request_in_progress_as_timed_out_and_clo
     EXPECT_TRUE(seat.is_closed_by_server());
     EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
     EXPECT_EQ(outcome_of(request("kOn", 1h)).status, Callback_status::timed_out);
-    EXPECT_NE(::access(path.c_str(), F_OK), 0) << "the socket file has gone";
+    EXPECT_TRUE(eventually([&] { return ::access(path.c_str(), F_OK) != 0; })) << "the socket file has gone";
+}
+
+TEST_F(Server_that_fails, Is_started_again_after_a_pause) {
+    auto radio = connect("radio");
+    auto outcome = request("kPrepSD", 1h);
+    auto const start = std::chrono::steady_clock::now();
+    next_poll_failure = ENOMEM;
+    Test_client const event(path);
+    EXPECT_EQ(outcome_of(outcome).status, Callback_status::timed_out);
+    EXPECT_TRUE(radio.is_closed_by_server());
+
+    radio = Test_client(path, "radio", "kOff");
+    EXPECT_EQ(radio.receive().state, "kOn");
+    EXPECT_GE(std::chrono::steady_clock::now() - start, Client_states_impl::k_pause);
+    auto second = request("kPrepSD", 5s);
+    radio.obey();
+    EXPECT_EQ(outcome_of(second).status, Callback_status::succeeded);
+    EXPECT_EQ(log.messages(LogLevel::kError).size(), 1U);
+}
+
+TEST_F(Server_that_fails, Says_so_each_time_and_at_most_once_a_second) {
+    sut.reset();
+    files.write("file", "");
+    sut.emplace("kOn", nullptr, files.file("file/below/notification.socket"));
+    std::this_thread::sleep_for(2500ms);
+    auto const said = log.messages(LogLevel::kError).size();
+    EXPECT_GE(said, 2U);
+    EXPECT_LE(said, 3U);
+}
+
+TEST_F(Server_that_fails, Ends_in_the_middle_of_the_pause) {
+    next_poll_failure = ENOMEM;
+    Test_client const event(path);
+    ASSERT_TRUE(eventually([&] { return !log.messages(LogLevel::kError).empty(); }));
+    auto const start = std::chrono::steady_clock::now();
+    sut.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, Client_states_impl::k_pause / 2);
 }
 
 TEST_F(Server_that_fails, Says_that_it_could_not_bind) {
     sut.reset();
-    std::filesystem::create_symlink("nowhere", files.file("link"));
-    sut.emplace("kOn", nullptr, files.file("link"));
-    EXPECT_TRUE(
-        has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
-                             std::system_error(EADDRINUSE, std::generic_category(), "Socket::bind(...)").what())));
+    next_bind_failure = ENOMEM;
+    sut.emplace("kOn", nullptr, path);
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
+                                     std::system_error(ENOMEM, std::generic_category(), "Socket::bind(...)").what())));
 }
 
 // A poll set may not be larger than the number of descriptors that the process may have.
@@ -80,8 +150,8 @@ TEST_F(Server_that_fails, Says_that_it_could_not_poll) {
     auto first = request("kPrepSD", 1h);  // wakes it, and then it polls again
     EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kError, "Client_states_impl thread crashed: ",
                                      std::system_error(EINVAL, std::generic_category(), "Socket::poll()").what())));
-    ::setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_EQ(outcome_of(request("kOn", 1h)).status, Callback_status::timed_out);
+    ::setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST_F(Server_that_fails, Fails_where_the_directory_cannot_be_made) {

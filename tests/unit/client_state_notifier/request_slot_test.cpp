@@ -20,6 +20,10 @@ State_change_request request_for(std::string const& state) {
 
 class Request_slot_of_a_server : public testing::Test {
  protected:
+    bool is_rung() const {
+        pollfd bell{sut.bell().descriptor(), POLLIN, 0};
+        return ::poll(&bell, 1, 0) == 1;
+    }
     bool is_woken() const { return sut.wake_up_end().poll(POLLIN, 0).second; }
     utilities::Type_length_values wake_up() const { return utilities::receive_type_length_values(sut.wake_up_end()); }
 
@@ -77,19 +81,50 @@ TEST_F(Request_slot_of_a_server, Never_holds_up_its_caller_and_ends_the_thread_t
         sut.put(request_for("kOn"));
     }
     sut.stop();
-    EXPECT_FALSE(sut.receive_wake_up());
+    EXPECT_TRUE(is_rung());
+    EXPECT_TRUE(sut.is_stopped());
+}
+
+TEST_F(Request_slot_of_a_server, Rings_at_the_end_and_not_for_a_request_that_the_channel_takes) {
+    sut.put(request_for("kPrepSD"));
+    EXPECT_FALSE(is_rung());
+    EXPECT_FALSE(sut.is_stopped());
+    sut.stop();
+    EXPECT_TRUE(is_rung());
+    EXPECT_TRUE(sut.is_stopped());
+}
+
+TEST_F(Request_slot_of_a_server, Forgets_all_wake_ups_and_half_a_word_but_no_request) {
+    for (int i = 0; i < 20'000; ++i) {
+        sut.put(request_for("kOn"));
+    }
+    std::uint32_t half = 0;
+    sut.wake_up_end().recvl(&half, sizeof half, 0);
+
+    sut.forget_wake_ups();
+
+    EXPECT_FALSE(is_woken());
+    EXPECT_FALSE(is_rung());
+    EXPECT_EQ(sut.take()->state, "kOn");
+    sut.put(request_for("kPrepSD"));
+    EXPECT_TRUE(sut.receive_wake_up());
 }
 
 TEST_F(Request_slot_of_a_server, Gives_a_request_to_who_waits_for_one) {
     std::thread caller([this] { sut.put(request_for("kPrepSD")); });
-    EXPECT_EQ(sut.wait()->state, "kPrepSD");
+    EXPECT_EQ(sut.wait(std::chrono::steady_clock::time_point::max())->state, "kPrepSD");
     caller.join();
 }
 
 TEST_F(Request_slot_of_a_server, Gives_nothing_to_who_waits_when_it_is_the_end) {
     std::thread caller([this] { sut.stop(); });
-    EXPECT_FALSE(sut.wait());
+    EXPECT_FALSE(sut.wait(std::chrono::steady_clock::time_point::max()));
     caller.join();
+}
+
+TEST_F(Request_slot_of_a_server, Gives_nothing_to_who_waits_when_the_time_has_come) {
+    EXPECT_FALSE(sut.wait(std::chrono::steady_clock::now() + std::chrono::milliseconds(1)));
+    EXPECT_FALSE(sut.is_stopped());
 }
 
 }  // namespace

@@ -38,12 +38,13 @@ Modelled_clients* Modelled_clients::latest() {
     return latest_made;
 }
 
-void Modelled_clients::request_state_change(std::string const& state, notifier::Client_predicate const& predicate,
+bool Modelled_clients::request_state_change(std::string const& state, notifier::Client_predicate const& predicate,
                                             notifier::Completion_callback const& completed,
                                             std::chrono::seconds /*timeout*/) {
     asked_ = group_of(predicate);
     completed_ = completed;
     requested_.at(*asked_) = state;
+    return true;
 }
 
 void Modelled_clients::answer(notifier::Callback_status status) {

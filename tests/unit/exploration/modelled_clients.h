@@ -24,7 +24,7 @@ class Modelled_clients : public notifier::Client_states {
 
     std::vector<std::pair<std::string, std::string>> get_connected_clients() const override { return {}; }
     void set_default_state(std::string const& /*state*/) override {}
-    void request_state_change(std::string const& state, notifier::Client_predicate const& predicate,
+    bool request_state_change(std::string const& state, notifier::Client_predicate const& predicate,
                               notifier::Completion_callback const& completed, std::chrono::seconds timeout) override;
 
     /// The group that was asked and has not answered.

@@ -240,5 +240,17 @@ TEST_F(Sequence, Replaces_the_answers_of_before) {
     EXPECT_THAT(sut.get_dcm_clients_status(), IsEmpty());
 }
 
+// Its completion never comes.
+TEST_F(Sequence, Goes_on_when_the_server_can_not_be_told_of_a_request) {
+    server->can_be_told = false;
+    sut.request_standby();
+    EXPECT_EQ(sut.check_request_status(), 1U);
+    EXPECT_EQ(sut.check_request_status(), 0U);
+    sut.request_resume();
+    EXPECT_EQ(sut.check_request_status(), 1U);
+    EXPECT_EQ(sut.check_request_status(), 0U);
+    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_dem_standby, k_dem_on, k_apps_on, k_dcm_on));
+}
+
 }  // namespace
 }  // namespace ximo::ap::statemanager::state_notifier
