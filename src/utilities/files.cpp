@@ -19,6 +19,18 @@ namespace {
     throw std::system_error(errno, std::generic_category(), text);
 }
 
+/// No failure when somebody else was faster.
+void make_missing_dir(std::string const& path, mode_t mode) {
+    try {
+        make_dir(path, mode);
+    } catch (std::system_error const& error) {
+        std::error_code ignored;
+        if (error.code().value() != EEXIST || !std::filesystem::is_directory(path, ignored)) {
+            throw;
+        }
+    }
+}
+
 void delete_path(std::string const& path, bool is_directory_tree) {
     if (is_directory_tree) {
         std::filesystem::remove_all(path);
@@ -49,13 +61,13 @@ void make_dirs(std::string const& path, mode_t mode) {
     for (auto const& name : std::filesystem::path(path)) {
         reached /= name;
         if (!name.empty() && !file_exists(reached)) {
-            make_dir(reached, mode);
+            make_missing_dir(reached, mode);
         }
     }
 }
 
 void delete_file(std::string const& path) {
-    if (file_exists(path) && std::remove(path.c_str()) != 0) {
+    if (file_exists(path) && std::remove(path.c_str()) != 0 && errno != ENOENT) {
         throw_errno("remove('" + path + "')");
     }
 }

@@ -17,10 +17,10 @@ std::string get_containing_directory(std::string const& path);
 
 void make_dir(std::string const& path, mode_t mode);
 
-/// Makes each directory of the path that is missing, parents first.
+/// Makes each directory of the path that is missing, parents first. Others may do so at the same time.
 void make_dirs(std::string const& path, mode_t mode);
 
-/// Removes a file or an empty directory, if it exists.
+/// Removes a file or an empty directory, if it exists. Others may do so at the same time.
 void delete_file(std::string const& path);
 
 /// A new directory of this process's own below /tmp.

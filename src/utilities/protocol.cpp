@@ -3,32 +3,33 @@
 namespace utilities {
 
 std::string const& get_socket_path() {
-    static std::string const path = remove_quotes(STATEMANAGER_VAR_PREFIX) + "/run/adaptive/ara_SM/ara_SM.socket";
+    static auto const& path =
+        *new std::string(remove_quotes(STATEMANAGER_VAR_PREFIX) + "/run/adaptive/ara_SM/ara_SM.socket");
     return path;
 }
 
 std::string const& get_default_non_connected_state() {
-    static std::string const state = "kOn";
+    static auto const& state = *new std::string("kOn");
     return state;
 }
 
 std::string const& get_unknown_state() {
-    static std::string const state = "unknown";
+    static auto const& state = *new std::string("unknown");
     return state;
 }
 
 std::string const& get_protocol_version_one() {
-    static std::string const version = "component_client_v1";
+    static auto const& version = *new std::string("component_client_v1");
     return version;
 }
 
 std::string const& get_terminate_command() {
-    static std::string const command = "terminate";
+    static auto const& command = *new std::string("terminate");
     return command;
 }
 
 std::string const& get_state_change_request_added() {
-    static std::string const word = "state_change_request_added";
+    static auto const& word = *new std::string("state_change_request_added");
     return word;
 }
 

@@ -7,7 +7,8 @@
 
 namespace utilities {
 
-// The fixed words of the notification protocol.
+// The fixed words of the notification protocol. Each is built on first use and never destroyed: the threads that use
+// them may do so while the process ends.
 
 /// Where the server listens: the prefix that is fixed when the daemon is built, then the path below it.
 std::string const& get_socket_path();

@@ -8,9 +8,8 @@ namespace ximo::ap::statemanager {
 namespace {
 
 // The bit of the network that stands for an ECU that is kept alive, whoever keeps it so.
-Bit_vector const& ecu_alive_pattern() {
-    static Bit_vector const pattern{0x00, 0x00, 0x01, 0x00};
-    return pattern;
+Bit_vector ecu_alive_pattern() {
+    return {0x00, 0x00, 0x01, 0x00};
 }
 
 }  // namespace

@@ -14,9 +14,8 @@ namespace {
 constexpr std::uint32_t k_cab_pattern_bytes = 4;
 
 // Everything that an earlier life of the daemon may have left requested.
-Bit_vector const& all_cab_bits_set() {
-    static Bit_vector const pattern{0xFF, 0xFF, 0xFF, 0x01};
-    return pattern;
+Bit_vector all_cab_bits_set() {
+    return {0xFF, 0xFF, 0xFF, 0x01};
 }
 
 // The CAB area is expected at the end; without it the user data is shorter. One that is larger than all user data has

@@ -5,8 +5,10 @@
 
 #include <atomic>
 #include <cerrno>
+#include <ctime>
 #include <system_error>
 
+#include <dlfcn.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -15,11 +17,32 @@ namespace {
 
 std::atomic<int> next_failure{0};  // of accept4, once; 0 for none
 
+// From that failure on the server's clock has gone on by so much at each reading, as on a machine where its thread is
+// held up again and again.
+std::atomic<long> step_after_failure{0};  // milliseconds
+thread_local long step = 0;
+thread_local long gone_on = 0;
+
 }  // namespace
 
-// Takes the place of the C library's in this program.
+// These take the place of the C library's in this program.
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    using Function = int (*)(clockid_t, timespec*);
+    static auto* const real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "clock_gettime"));
+    int const result = real(clock, time);
+    gone_on += step;
+    time->tv_sec += gone_on / 1000;
+    time->tv_nsec += gone_on % 1000 * 1'000'000;
+    if (time->tv_nsec >= 1'000'000'000) {
+        time->tv_nsec -= 1'000'000'000;
+        ++time->tv_sec;
+    }
+    return result;
+}
+
 extern "C" int accept4(int listener, sockaddr* address, socklen_t* length, int flags) {
     if (int const error = next_failure.exchange(0)) {
+        step = step_after_failure.exchange(0);
         errno = error;
         return -1;
     }
@@ -67,6 +90,19 @@ TEST_P(For_a_connection, Is_logged_and_survived) {
 
 INSTANTIATE_TEST_SUITE_P(, For_a_connection,
                          testing::Values(ECONNABORTED, EPERM, EPROTO, EMFILE, ENFILE, ENOBUFS, ENOMEM), name_of);
+
+class With_a_clock_that_goes_on : public Server_test, public testing::WithParamInterface<int> {};
+
+TEST_P(With_a_clock_that_goes_on, Is_followed_by_another_when_the_pause_is_over) {
+    ASSERT_TRUE(has_logged(info("socket created: ", path)));
+    step_after_failure = GetParam();
+    next_failure = EMFILE;
+    auto client = connect("radio", "kOff");
+    EXPECT_EQ(client.receive().state, "kOn");
+}
+
+INSTANTIATE_TEST_SUITE_P(By, With_a_clock_that_goes_on, testing::Values(0, 10, 20, 30, 40, 60, 80, 90, 99, 110),
+                         [](auto const& test) { return std::to_string(test.param) + "_ms_at_each_reading"; });
 
 using Of_the_server = Accept_that_fails;
 

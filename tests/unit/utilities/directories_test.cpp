@@ -3,6 +3,7 @@
 #include "utilities/files.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <utility>
 
 #include <dlfcn.h>
@@ -14,10 +15,19 @@
 namespace {
 
 bool mkdtemp_fails_once = false;
+bool somebody_else_is_faster = false;
 
 }  // namespace
 
-// Takes the place of the C library's in this program.
+// These take the place of the C library's in this program.
+extern "C" int mkdir(char const* path, mode_t mode) noexcept {
+    auto* const made = reinterpret_cast<int (*)(char const*, mode_t)>(::dlsym(RTLD_NEXT, "mkdir"));
+    if (somebody_else_is_faster) {
+        made(path, mode);
+    }
+    return made(path, mode);
+}
+
 extern "C" char* mkdtemp(char* name) {
     if (std::exchange(mkdtemp_fails_once, false)) {
         errno = ENOSPC;
@@ -39,7 +49,10 @@ mode_t mode_of(std::string const& path) {
 
 class Directories : public testing::Test {
  protected:
-    ~Directories() override { ::umask(before); }
+    ~Directories() override {
+        ::umask(before);
+        somebody_else_is_faster = false;
+    }
     test_support::Temporary_directory directory;
     mode_t before = ::umask(022);
 };
@@ -78,6 +91,24 @@ TEST_F(Directories, That_are_all_there_need_no_making) {
     EXPECT_NO_THROW(make_dirs(directory.path(), 0755));
     EXPECT_NO_THROW(make_dirs(directory.path().string() + "/", 0755));
     EXPECT_NO_THROW(make_dirs("", 0755));
+}
+
+TEST_F(Directories, That_somebody_else_makes_at_the_same_moment_need_no_making) {
+    somebody_else_is_faster = true;
+    EXPECT_NO_THROW(make_dirs(directory.file("a/b/c"), 0755));
+    EXPECT_TRUE(file_exists(directory.file("a/b/c")));
+}
+
+TEST_F(Directories, May_be_links_to_directories) {
+    std::filesystem::create_directory_symlink(directory.path(), directory.file("link"));
+    make_dirs(directory.file("link/a"), 0755);
+    EXPECT_TRUE(file_exists(directory.file("a")));
+}
+
+TEST_F(Directories, A_link_to_nothing_in_the_way_is_an_error) {
+    auto const link = directory.file("link");
+    std::filesystem::create_symlink("nothing", link);
+    expect_system_error(EEXIST, "mkdir('" + link + "')", [&] { make_dirs(link, 0755); });
 }
 
 TEST_F(Directories, A_file_in_the_way_is_an_error) {

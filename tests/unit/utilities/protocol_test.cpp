@@ -1,9 +1,35 @@
 #include "utilities/protocol.h"
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+
+#include <dlfcn.h>
 #include <gmock/gmock.h>
+
+namespace {
+
+std::array<std::atomic<void*>, 4096> objects_that_die;  // at the end of the process, as far as they were told
+std::atomic<std::size_t> count_of_those{0};
+
+}  // namespace
+
+// Takes the place of the C library's in this program.
+extern "C" int __cxa_atexit(void (*destructor)(void*), void* object, void* library) noexcept {
+    if (auto const place = count_of_those++; place < objects_that_die.size()) {
+        objects_that_die.at(place) = object;
+    }
+    using Function = int (*)(void (*)(void*), void*, void*);
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "__cxa_atexit"))(destructor, object, library);
+}
 
 namespace utilities {
 namespace {
+
+template <class Object>
+bool dies(Object const& object) {
+    return std::find(objects_that_die.begin(), objects_that_die.end(), &object) != objects_that_die.end();
+}
 
 using testing::ElementsAre;
 
@@ -26,6 +52,19 @@ TEST(Protocol, Each_word_is_built_once) {
     EXPECT_EQ(&get_terminate_command(), &get_terminate_command());
     EXPECT_EQ(&get_protocol_version_one(), &get_protocol_version_one());
     EXPECT_EQ(&get_state_change_request_added(), &get_state_change_request_added());
+}
+
+// The server's thread and a client's use them until the process has gone.
+TEST(Protocol, No_word_is_destroyed) {
+    EXPECT_FALSE(dies(get_socket_path()));
+    EXPECT_FALSE(dies(get_default_non_connected_state()));
+    EXPECT_FALSE(dies(get_unknown_state()));
+    EXPECT_FALSE(dies(get_terminate_command()));
+    EXPECT_FALSE(dies(get_protocol_version_one()));
+    EXPECT_FALSE(dies(get_state_change_request_added()));
+    static std::string const one_that_is = "or this test sees nothing";
+    EXPECT_TRUE(dies(one_that_is));
+    EXPECT_LT(count_of_those, objects_that_die.size());
 }
 
 TEST(Protocol, The_terminate_command_is_a_list_of_its_word) {

@@ -22,7 +22,7 @@ void put(std::string const& text, char (&place)[size]) {
 
 ara_com_ServiceOffer make_offer(Guid const& participant, std::string const& interface_name,
                                 std::string const& instance) {
-    static std::string const space = process_space();
+    static auto const& space = *new std::string(process_space());
     ara_com_ServiceOffer offer{};
     put(interface_name, offer.interface_name);
     put(instance, offer.instance_name);
