@@ -57,8 +57,10 @@ void Notification_server::process_readable_client(int connection) {
     try {
         clients_.receive(connection);
         process_messages(connection);
-    } catch (std::runtime_error const&) {  // closed or broken
+    } catch (utilities::ExceptionSocketClosed const&) {
         leaving_.emplace(connection, "");
+    } catch (std::runtime_error const& error) {  // broken
+        leaving_.emplace(connection, error.what());
     }
 }
 

@@ -20,6 +20,7 @@ utilities::Type_length_values make_request(std::string const& state) {
 }
 
 void send(utilities::Socket const& socket, Client_state& client, utilities::Type_length_values& request) {
+    client.is_asked = true;
     client.inbox.expect_one();
     request.front() = utilities::Type_length_value(client.request_number);
     auto const bytes = utilities::serialize(request);
@@ -61,7 +62,8 @@ std::size_t Client_register::size() const {
 
 void Client_register::add(utilities::Socket socket, std::string const& name, Inbox inbox) {
     Lock const lock(mutex_);
-    clients_.emplace(std::move(socket), Client_state{name, utilities::get_unknown_state(), 0, "", std::move(inbox)});
+    clients_.emplace(std::move(socket),
+                     Client_state{name, utilities::get_unknown_state(), 0, "", false, std::move(inbox)});
 }
 
 std::string Client_register::remove(int connection) {
@@ -146,7 +148,7 @@ std::optional<Client_answer> Client_register::take_answer(int connection) {
     auto const request_number = message->at(0).get_uint32();
     auto state = message->at(1).get_string();
     auto const status = static_cast<Component_client_return_type>(message->at(2).get_uint32() & 0xffU);
-    if (request_number != client.request_number) {
+    if (!client.is_asked || request_number != client.request_number) {
         return Client_answer{false, std::move(state), status};
     }
     client.state = state;

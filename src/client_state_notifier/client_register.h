@@ -17,7 +17,7 @@ namespace client_state_notifier {
 
 /// What a client has answered.
 struct Client_answer {
-    bool is_in_turn;  ///< it has the number of the last request sent to the client
+    bool is_in_turn;  ///< it has the number of the last request sent to the client; never before one was sent
     std::string state;
     Component_client_return_type status;
 };

@@ -7,7 +7,8 @@
 
 namespace client_state_notifier {
 
-/// How one client took a request: the byte that it reported, so any value may occur. The worse, the higher.
+/// How one client took a request: the byte that it reported, so any value may occur. In the order of how bad it is; one
+/// that is not named here is worse than "invalid" and not as bad as "timed out".
 enum class Component_client_return_type : std::uint8_t {
     succeeded = 0,
     general_error = 1,
@@ -25,7 +26,7 @@ enum class Callback_status : std::uint32_t {
 /// What is remarkable about a client.
 enum class Client_status : std::uint32_t {
     connected_under_known_name = 0,  ///< another connection has the name already; both stay
-    answered_out_of_turn = 1,        ///< answered a request other than the last one that it was sent
+    answered_out_of_turn = 1,        ///< answered anything but the last request that it was sent
 };
 
 /// The outcome of a request by the clients' names. Where several connections share a name, the worst of theirs.

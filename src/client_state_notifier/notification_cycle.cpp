@@ -4,6 +4,15 @@
 
 namespace client_state_notifier {
 
+namespace {
+
+/// The worse, the higher.
+unsigned badness(Component_client_return_type status) {
+    return status == Component_client_return_type::timed_out ? 256U : static_cast<unsigned>(status);
+}
+
+}  // namespace
+
 void Notification_cycle::ask(int connection, std::string name) {
     asked_.push_back({connection, std::move(name)});
     ++unanswered_;
@@ -53,7 +62,9 @@ Notification_cycle::Asked_client* Notification_cycle::find_open(int connection) 
 
 void Notification_cycle::record(std::string const& name, Component_client_return_type status) {
     auto& result = results_.try_emplace(name, status).first->second;
-    result = std::max(result, status);
+    if (badness(status) > badness(result)) {
+        result = status;
+    }
 }
 
 }  // namespace client_state_notifier

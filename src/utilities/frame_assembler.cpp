@@ -1,5 +1,6 @@
 #include "utilities/frame_assembler.h"
 
+#include <algorithm>
 #include <string>
 
 namespace utilities {
@@ -9,6 +10,15 @@ namespace {
 constexpr std::size_t k_idle_capacity = 256;  // bytes; room for what most clients send
 
 }  // namespace
+
+/// Grows by doubling, as far as an unfinished message can go.
+void Frame_assembler::append(std::uint8_t const* bytes, std::size_t count) {
+    auto const needed = pending_.size() + count;
+    if (needed > pending_.capacity()) {
+        pending_.reserve(std::max<std::size_t>(needed, std::min(2 * pending_.capacity(), k_header_size + k_longest)));
+    }
+    pending_.insert(pending_.end(), bytes, bytes + count);
+}
 
 std::optional<Type_length_values> Frame_assembler::take() {
     auto iterator = pending_.cbegin() + static_cast<Bytes_iterator::difference_type>(taken_);

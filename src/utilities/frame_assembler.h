@@ -25,7 +25,8 @@ class Frame_assembler {
     /// Longest value of the outer frame that is taken, in bytes.
     static constexpr std::uint64_t k_longest = 65'536;
 
-    void append(std::uint8_t const* bytes, std::size_t count) { pending_.insert(pending_.end(), bytes, bytes + count); }
+    /// Keeps no more memory than the longest message takes, when whole messages are taken in between.
+    void append(std::uint8_t const* bytes, std::size_t count);
 
     /// The next message, or nothing while it is not all there. Throws Exception_frame_too_long as soon as such a
     /// length is announced, and std::out_of_range for elements that don't fill the frame. After that the rest of the

@@ -41,6 +41,23 @@ TEST_F(Answer, Counts_no_answer_to_another_request_and_reports_it) {
     EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("radio", "unknown")));
 }
 
+// The number of what a client in another state is asked when it introduces itself.
+TEST_F(Answer, Is_reported_from_a_client_that_was_sent_nothing_whatever_its_number) {
+    auto radio = connect("radio");
+    radio.answer(0, "kOff");
+    ASSERT_TRUE(eventually([&] { return reports().size() == 1; }));
+    EXPECT_EQ(reports()[0].status, Client_status::answered_out_of_turn);
+    EXPECT_EQ(reports()[0].state, "kOff");
+    EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("radio", "unknown")));
+}
+
+TEST_F(Answer, Is_in_turn_to_what_is_asked_at_the_introduction) {
+    auto radio = connect("radio", "kPrepSD");
+    radio.answer(radio.receive().number, "kOn");
+    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().front().second == "kOn"; }));
+    EXPECT_THAT(reports(), IsEmpty());
+}
+
 TEST_F(Answer, Counts_a_late_answer_to_the_one_before_for_nothing) {
     auto radio = connect("radio");
     auto first = request("kPrepSD", 0s);
@@ -97,6 +114,26 @@ TEST_F(Answer, Waits_for_both_clients_of_one_name_and_keeps_the_worse_status) {
     auto const [status, results] = outcome_of(outcome);
     EXPECT_EQ(status, Callback_status::failed);
     EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::invalid)));
+}
+
+// Any byte may come as a status; what a client has not answered at all is worse.
+TEST_F(Answer, Hides_no_time_out_behind_a_status_that_nobody_knows) {
+    auto first = connect("radio");
+    auto second = connect("radio");
+    auto outcome = request("kPrepSD", 1s);
+    first.obey(200);
+    auto const [status, results] = outcome_of(outcome);
+    EXPECT_EQ(status, Callback_status::timed_out);
+    EXPECT_THAT(results, ElementsAre(Pair("radio", Component_client_return_type::timed_out)));
+}
+
+TEST_F(Answer, Hides_no_status_that_nobody_knows_behind_one_that_is_known) {
+    auto first = connect("radio");
+    auto second = connect("radio");
+    auto outcome = request("kPrepSD");
+    first.obey(200);
+    second.obey(2);
+    EXPECT_THAT(outcome_of(outcome).results, ElementsAre(Pair("radio", Component_client_return_type{200})));
 }
 
 TEST_F(Answer, Is_not_complete_while_one_of_two_with_one_name_is_silent) {

@@ -176,7 +176,7 @@ TEST_F(Server_with_a_bad_client, Counts_messages_and_not_pieces_for_a_flood) {
     };
     auto tolerable = connect("tolerable");
     send(tolerable, Inbox::k_most_unasked_a_second - 1);
-    EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().back().second == "kOn"; }));
+    EXPECT_TRUE(eventually([&] { return reports().size() == Inbox::k_most_unasked_a_second - 1; }));
     auto bad = connect("bad");
     send(bad, 2 * Inbox::k_most_unasked_a_second);
     EXPECT_TRUE(bad.is_closed_by_server());
@@ -210,6 +210,22 @@ TEST_F(Server_with_a_bad_client, Drops_one_that_will_not_read_what_it_is_sent_fi
     std::system_error const reason(EPIPE, std::generic_category(), "Socket::sendl(...)");
     EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ", reason.what())));
     expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Tells_why_a_connection_broke) {
+    std::optional bad(connect("bad", "kOff"));
+    ASSERT_TRUE(bad->has_input(5s));
+    bad.reset();  // with a request unread
+    EXPECT_TRUE(has_logged(info("client disconnected: ", "bad")));
+    std::system_error const reason(ECONNRESET, std::generic_category(), "Socket::recv(...)");
+    EXPECT_TRUE(has_logged(logged_in("SNCC", LogLevel::kWarn, "client dropped: ", "bad", ", reason: ", reason.what())));
+    expect_service();
+}
+
+TEST_F(Server_with_a_bad_client, Tells_no_reason_for_a_client_that_goes) {
+    { auto const leaving = connect("leaving"); }
+    EXPECT_TRUE(has_logged(info("client disconnected: ", "leaving")));
+    EXPECT_TRUE(log.at_least(LogLevel::kWarn).empty());
 }
 
 TEST_F(Server_with_a_bad_client, Is_served_on_when_another_goes_at_any_byte) {

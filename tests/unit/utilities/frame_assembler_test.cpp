@@ -1,5 +1,6 @@
 #include "utilities/frame_assembler.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include <gmock/gmock.h>
@@ -75,6 +76,21 @@ TEST(Frame_assembler, Messages_that_were_taken_leave_hardly_any_memory_behind) {
             }
         }
         EXPECT_LT(allocated(), before + 2 * bytes.size());
+    }
+}
+
+// As the server receives it; what each byte more would need does not matter.
+TEST(Frame_assembler, A_message_but_for_its_last_byte_needs_no_more_memory_than_the_longest) {
+    auto const bytes = serialize(Type_length_values{Type_length_value(std::string(65'524, 'x'))});
+    for (std::size_t const piece : {1U, 7U, 100U, 4'095U, 4'096U, 65'547U}) {
+        auto const before = allocated();
+        Frame_assembler sut;
+        for (std::size_t sent = 0; sent + 1 < bytes.size(); sent += piece) {
+            sut.append(&bytes[sent], std::min(piece, bytes.size() - 1 - sent));
+            ASSERT_EQ(sut.take(), std::nullopt);
+        }
+        EXPECT_LE(allocated() - before, bytes.size() + 4'096)
+            << "received " << piece << " at a time; a page may be lost";
     }
 }
 
