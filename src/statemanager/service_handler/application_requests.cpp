@@ -65,6 +65,7 @@ void Service_handler::ecu_alive_request(std::string const& instance_id) {
     base::Lock_guard const lock(mutex_);
     if (may_send()) {
         network_management_->request_network(ecu_alive_pattern());
+        ecu_alive_requested_ = true;
     }
 }
 
@@ -74,6 +75,7 @@ void Service_handler::ecu_alive_release(std::string const& instance_id) {
     if (!apps_keep_ecu_alive() && may_send()) {
         ara::log::LogInfo() << "State_manager::ecu_alive_release network";
         network_management_->release_network(ecu_alive_pattern());
+        ecu_alive_requested_ = false;
     }
 }
 
@@ -153,6 +155,23 @@ void Service_handler::end_standby() {
     }
     if (aggregator_) {
         network_management_->set_user_data(aggregator_->get_user_data());
+    }
+    release_owed_ecu_alive();
+}
+
+// An application that gave the ECU up during the suspend can't be asked again: what it held is given back now, less
+// what was just requested for others.
+void Service_handler::release_owed_ecu_alive() {
+    if (!ecu_alive_requested_ || apps_keep_ecu_alive()) {
+        return;
+    }
+    ecu_alive_requested_ = false;
+    Bit_vector owed(ecu_alive_pattern());
+    owed &= ~default_nm_pattern_;
+    owed &= ~requested_cab_pattern_;
+    if (has_bits(owed)) {
+        ara::log::LogInfo() << "State_manager::ecu_alive_release network";
+        network_management_->release_network(owed);
     }
 }
 

@@ -21,8 +21,9 @@ namespace ximo::ap::statemanager {
 ///
 /// `init()` offers the restart service and looks for network management; once that is found the applications' services
 /// are offered. From then on each call of an application changes what all of them hold together, and the difference
-/// goes to network management. `standby()` takes everything back there, `end_standby()` gives it again; what
-/// applications ask for in between is remembered. `deinit()` withdraws the services.
+/// goes to network management. `standby()` takes everything back there but an ECU that is kept alive, `end_standby()`
+/// gives it again; what applications ask for and give back in between is remembered until then. `deinit()` withdraws
+/// the services.
 ///
 /// Applications call on threads of the communication binding, the states on the driver's thread. One mutex serialises
 /// what applications ask for, and is held while network management is called; the queries never take it.
@@ -71,6 +72,7 @@ class Service_handler : public Service_handler_interface, public services::Ecu_a
     void set_user_data(Bit_vector const& data) REQUIRES(mutex_);
     void request_network(Bit_vector const& bits) REQUIRES(mutex_);
     void release_network(Bit_vector const& bits) REQUIRES(mutex_);
+    void release_owed_ecu_alive() REQUIRES(mutex_);
 
     config::State_manager_config const& configuration_;
     bool const nm_usage_;
@@ -86,6 +88,7 @@ class Service_handler : public Service_handler_interface, public services::Ecu_a
     Bit_vector requested_cab_pattern_ GUARDED_BY(mutex_);
     Bit_vector user_data_ GUARDED_BY(mutex_);  ///< the last user data sent; its length is that of all that is sent
     bool nm_active_ GUARDED_BY(mutex_){true};
+    bool ecu_alive_requested_ GUARDED_BY(mutex_){false};  ///< and not released since, as far as the network knows
 };
 
 }  // namespace ximo::ap::statemanager

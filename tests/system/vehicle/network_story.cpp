@@ -88,7 +88,39 @@ TEST_F(Network, Hears_nothing_during_a_suspend_and_everything_after_it) {
     ASSERT_TRUE(logs("Start sending NM messages"));
     ASSERT_TRUE(logs("AP_StateManger transition from Resuming  to  Running"));
     EXPECT_TRUE(sees(Kind::user_data, "80 04 00 06 00 00"));
-    EXPECT_EQ(requests_of_node(), "07 00 01 00 00 00");
+    EXPECT_EQ(requests_of_node(), "07 00 00 00 00 00");
+}
+
+/// An application keeps the ECU alive up to a suspend and gives it up before the resume.
+class Ecu_given_up_in_a_suspend : public Network {
+ protected:
+    void give_up_and_resume(char const* default_pattern) {
+        Story::start_and_run();
+        ASSERT_TRUE(sees(Kind::network_state, default_pattern));
+        request("1", k_ecu_alive);
+        machine->press("p");
+        ASSERT_TRUE(sees(Kind::state_word, "prepared4sd"));
+        release("1", k_ecu_alive);
+        machine->press("r");
+        ASSERT_TRUE(logs("AP_StateManger transition from Resuming  to  Running"));
+    }
+};
+
+TEST_F(Ecu_given_up_in_a_suspend, Lets_the_network_rest_after_the_resume) {
+    give_up_and_resume("01 00 00 00 00 00");
+    EXPECT_EQ(requests_of_node(), "01 00 00 00 00 00");
+
+    machine->press("n");
+    EXPECT_TRUE(ends_with(0));
+}
+
+TEST_F(Ecu_given_up_in_a_suspend, Leaves_the_bit_to_the_states_whose_default_pattern_has_it) {
+    settings()["DefautNMRequestPattern"] = {1, 0, 1, 0, 0, 0};
+    give_up_and_resume("01 00 01 00 00 00");
+    EXPECT_EQ(requests_of_node(), "01 00 01 00 00 00");
+
+    machine->press("n");
+    EXPECT_TRUE(ends_with(0));
 }
 
 TEST_F(Network, Manager_may_go_and_come_back) {
