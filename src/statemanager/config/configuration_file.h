@@ -11,8 +11,8 @@ namespace ximo::ap::statemanager::config {
 /// The configuration file, opened for reading. Opening never waits, whatever lies at the path.
 class Configuration_file {
  public:
-    /// Bytes of the largest file that is read: room for some 15,000 application instances, and a bound for the memory
-    /// that a damaged file can take.
+    /// Bytes of the largest file that is read: room for some 15,000 application instances with long names, and a bound
+    /// for the memory that a damaged file can take.
     static constexpr std::size_t k_largest = 1048576;
 
     /// Opens the file; `is_open()` tells whether it could be.

@@ -1,5 +1,7 @@
 #include "statemanager/config/json_conversion.h"
 
+#include "statemanager/config/document_bounds.h"
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -11,17 +13,7 @@ namespace {
 
 using nlohmann::json;
 
-// The configuration itself needs four levels.
-constexpr int k_deepest = 32;
-
 constexpr double k_two_to_32 = 4294967296.0;
-
-bool refuse_deep_nesting(int depth, json::parse_event_t /*event*/, json& /*parsed*/) {
-    if (depth > k_deepest) {
-        throw std::runtime_error("values are nested deeper than " + std::to_string(k_deepest) + " levels");
-    }
-    return true;
-}
 
 // A JSON number is finite. The remainder has the sign of the number and fits a signed 64-bit integer.
 std::uint32_t low_bits(double number) {
@@ -41,7 +33,8 @@ json parse_document(std::string_view text) {
     if (text.find('\0') != std::string_view::npos) {
         throw std::runtime_error("it contains a zero byte");
     }
-    return json::parse(text, refuse_deep_nesting);
+    require_bounds(text);
+    return json::parse(text);
 }
 
 template <>

@@ -10,7 +10,8 @@
 namespace ximo::ap::statemanager::config {
 
 /// The JSON document in a text, which may begin with a UTF-8 byte-order mark. Nesting is bounded, because the library
-/// copies values by recursion. Throws `std::exception` with a text that says what is wrong.
+/// copies values by recursion, and so is the number of values, because each of them may be logged. Throws
+/// `std::exception` with a text that says what is wrong.
 nlohmann::json parse_document(std::string_view text);
 
 // The values of the configuration. A value of another type than the target throws `nlohmann::json::type_error` in the
