@@ -4,6 +4,7 @@
 #include "statemanager/service_handler/absent_nm_interface.h"
 #include "statemanager/service_handler/infrastructure_failure.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace ximo::ap::statemanager {
@@ -12,6 +13,22 @@ namespace {
 
 // Length of what is requested of the network; applications' bits beyond it reach nobody.
 constexpr std::uint32_t k_cab_pattern_bytes = 4;
+
+// Octets that one argument of a call of network management may have.
+constexpr std::size_t k_longest_argument = 1024;
+
+void require_sendable(char const* setting, std::size_t bytes) {
+    if (bytes > k_longest_argument) {
+        throw std::length_error(std::string(setting) + " says " + std::to_string(bytes) +
+                                " bytes, and network management takes " + std::to_string(k_longest_argument) +
+                                " at most");
+    }
+}
+
+void require_sendable(config::State_manager_config const& configuration) {
+    require_sendable("UserDataBytes", configuration.get_nm_user_data_config().user_data_bytes);
+    require_sendable("DefautNMRequestPattern", configuration.get_nm_request_pattern().size());
+}
 
 // Everything that an earlier life of the daemon may have left requested.
 Bit_vector all_cab_bits_set() {
@@ -35,7 +52,11 @@ Service_handler::Service_handler(config::State_manager_config const& configurati
       network_management_(or_absent(std::move(network_management))),
       provided_(configuration.get_smw_restart_command_path(), configuration.get_apps_ecualive(), *this,
                 std::move(com_alive), std::move(cwu)),
-      requested_cab_pattern_(k_cab_pattern_bytes) {}
+      requested_cab_pattern_(k_cab_pattern_bytes) {
+    if (nm_usage_) {
+        require_sendable(configuration_);
+    }
+}
 
 // First nobody calls in any more, then nobody reports; the members go when no other thread is left to use them. A
 // lookup that ends just now still calls network management, whose destructor waits for it: the pointer stays until

@@ -33,7 +33,8 @@ class Service_handler : public Service_handler_interface, public services::Ecu_a
     using Cwu_services = Provided_services::Cwu_services;
 
     /// The configuration is read until `init()` has returned. Throws `tarq::com::Invalid_argument_exception` when a
-    /// configured ECU-alive instance is none.
+    /// configured ECU-alive instance is none, and `std::length_error` for user data or a default pattern of more bytes
+    /// than a call of network management carries, if that is used.
     Service_handler(config::State_manager_config const& configuration,
                     std::unique_ptr<Nm_interface_abstract> network_management, Com_alive_services com_alive,
                     Cwu_services cwu);

@@ -7,8 +7,10 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
+using testing::SizeIs;
 
 class Network : public Network_story {
  protected:
@@ -172,6 +174,41 @@ TEST_F(Network, Manager_that_is_slow_does_not_hold_up_the_daemon) {
     machine->watch(std::chrono::milliseconds(50));
     EXPECT_GE(taken, std::chrono::milliseconds(500));
     EXPECT_GE(texts(Kind::watchdog).size() - before, 20U);  // 50 cycles fit into that time
+}
+
+/// What is sent to the network manager whole: the user data, and the default pattern.
+class Lengths : public Network {
+ protected:
+    void set(std::int64_t user_data_bytes, std::size_t pattern_bytes) {
+        std::vector<int> pattern(pattern_bytes);
+        pattern.front() = 1;
+        settings()["NmUserDataConfig"]["UserDataBytes"] = user_data_bytes;
+        settings()["DefautNMRequestPattern"] = pattern;
+    }
+};
+
+TEST_F(Lengths, Of_1024_bytes_reach_the_network_manager) {
+    set(1024, 1024);
+    settings()["NmUserDataConfig"]["CabBitsEnabled"] = true;
+    start_and_run();  // the pattern came
+    EXPECT_THAT(texts(Kind::user_data), ElementsAre(SizeIs(1024 * 3 - 1)));
+}
+
+TEST_F(Lengths, Beyond_1024_bytes_end_the_start_with_status_255) {
+    set(-1, 6);
+    start();
+    EXPECT_TRUE(ends_with(255));
+    auto const* const text =
+        "AP_StateManger is aborted:  UserDataBytes says 4294967295 bytes, "
+        "and network management takes 1024 at most";
+    EXPECT_EQ(level_of(text), 1);
+    EXPECT_THAT(texts(Kind::state_word), IsEmpty());
+}
+
+TEST_F(Lengths, Stay_unused_without_network_management) {
+    set(-1, 1025);
+    settings()["StateManagerNMUsage"] = false;
+    Story::start_and_run();
 }
 
 }  // namespace

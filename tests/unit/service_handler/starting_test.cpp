@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <optional>
+#include <stdexcept>
 
 namespace ximo::ap::statemanager {
 namespace {
@@ -285,6 +286,36 @@ TEST_F(Starting_without_network_management, Takes_calls_of_services_that_were_ne
 
     EXPECT_FALSE(handler.apps_keep_com_alive());
     alarm.ReleaseCarWakeUp();
+}
+
+class Lengths_for_network_management : public Service_handler_test {
+ protected:
+    /// Why a service handler can't be built with these lengths; empty when it can.
+    std::string refusal(std::uint32_t user_data_bytes, std::size_t pattern_bytes) {
+        config::Nm_user_data_config layout;
+        layout.user_data_bytes = user_data_bytes;
+        configuration.set_nm_user_data_config(layout);
+        configuration.set_nm_request_pattern(Bit_vector(pattern_bytes, 0x01));
+        try {
+            build().init();
+        } catch (std::length_error const& error) {
+            return error.what();
+        }
+        return {};
+    }
+};
+
+TEST_F(Lengths_for_network_management, Are_those_that_a_call_carries) {
+    EXPECT_EQ(refusal(1024, 1024), "");
+    EXPECT_EQ(refusal(1025, 0), "UserDataBytes says 1025 bytes, and network management takes 1024 at most");
+    EXPECT_EQ(refusal(0xFFFFFFFF, 0), "UserDataBytes says 4294967295 bytes, and network management takes 1024 at most");
+    EXPECT_EQ(refusal(6, 1025), "DefautNMRequestPattern says 1025 bytes, and network management takes 1024 at most");
+}
+
+TEST_F(Lengths_for_network_management, Are_not_looked_at_where_it_is_not_used) {
+    configuration.set_nm_usage(false);
+
+    EXPECT_EQ(refusal(0xFFFFFFFF, 1025), "");
 }
 
 }  // namespace
