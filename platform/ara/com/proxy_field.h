@@ -23,6 +23,9 @@ class Proxy_field : public Proxy_event<Value> {
     /// Asks the instance for the value; fails as any call does.
     ximo::com::Future<Value> Get() { return getter_(); }
 
+    /// The notifier by its name in the descriptions of interfaces; the field is its notifier.
+    Proxy_event<Value>& Notify{*this};
+
  private:
     Getter const getter_;
 };

@@ -29,7 +29,7 @@ Nm_interface::~Nm_interface() {
     stop_find_network_state_service();
     stop_find_user_data_service();
     if (auto const proxy = network_state_.proxy()) {
-        proxy->NetworkState.Unsubscribe();
+        proxy->NetworkState.Notify.Unsubscribe();
     }
     replace_network_state_updated_func(nullptr);
     user_data_.hold(nullptr);
@@ -54,8 +54,8 @@ void Nm_interface::network_state_reported(ara::com::ServiceHandleContainer const
     ara::log::LogInfo() << "Found NetworkState service";
     auto const proxy = std::make_shared<Network_state_proxy>(handles.front());
     network_state_.hold(proxy);
-    proxy->NetworkState.SetReceiveHandler([this] { network_state_field_updated(); });
-    proxy->NetworkState.Subscribe(1);
+    proxy->NetworkState.Notify.SetReceiveHandler([this] { network_state_field_updated(); });
+    proxy->NetworkState.Notify.Subscribe(1);
     network_state_found_ = true;
     announce_when_complete(announcement);
     stop_find_network_state_service();
@@ -92,8 +92,8 @@ void Nm_interface::network_state_field_updated() {
     if (!proxy) {
         return;
     }
-    proxy->NetworkState.Update();
-    auto const samples = proxy->NetworkState.GetCachedSamples();
+    proxy->NetworkState.Notify.Update();
+    auto const samples = proxy->NetworkState.Notify.GetCachedSamples();
     if (!samples.empty()) {
         network_state_updated_func()(std::vector<std::uint8_t>(*samples.back()));
     }

@@ -92,6 +92,17 @@ TEST_F(Network_state, Subscribers_get_each_value_also_an_equal_one) {
     EXPECT_THAT(seen, ElementsAre(ElementsAre(1), ElementsAre(0), ElementsAre(0)));
 }
 
+TEST_F(Network_state, Has_a_notifier_of_the_name_in_the_description) {
+    service.OfferService();
+    proxy::NetworkStateInterfaceProxy sut(handle);
+    sut.NetworkState.Notify.Subscribe(1);
+
+    service.NetworkState.Update({7});
+
+    EXPECT_TRUE(sut.NetworkState.Notify.Update());
+    EXPECT_THAT(sut.NetworkState.Notify.GetCachedSamples(), ElementsAre(Pointee(ElementsAre(7))));
+}
+
 TEST_F(Network_state, A_late_subscriber_gets_the_newest_value) {
     service.NetworkState.Update({5});
     service.OfferService();

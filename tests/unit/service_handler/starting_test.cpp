@@ -6,9 +6,13 @@
 #include <exception>
 #include <optional>
 #include <stdexcept>
+#include <type_traits>
 
 namespace ximo::ap::statemanager {
 namespace {
+
+// Services and network management know it by its address.
+static_assert(!std::is_move_constructible_v<Service_handler>);
 
 class Starting : public Service_handler_test {};
 
