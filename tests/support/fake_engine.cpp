@@ -36,7 +36,7 @@ class Fake_event_source : public ara::com::Event_source {
     Fake_event_source(Engine& engine, Engine::Key topic, bool is_field)
         : engine_(engine), topic_(std::move(topic)), is_field_(is_field) {}
     ~Fake_event_source() override { engine_.newest_values.erase(topic_); }
-    void send(void const* sample) override { engine_.send(topic_, is_field_, sample); }
+    void send(void const* sample, Engine::Set_time set) override { engine_.send(topic_, is_field_, sample, set); }
 
  private:
     Engine& engine_;
@@ -79,12 +79,13 @@ class Fake_connection : public ara::com::Connection {
                                                       ara::com::Sample_handler handler) override {
         auto const topic = topic_of(event, key_.second);
         engine_.note("subscribe", topic);
-        auto shared = std::make_shared<ara::com::Sample_handler>(std::move(handler));
+        auto shared = std::make_shared<Engine::Subscriber>(Engine::Subscriber{std::move(handler)});
         engine_.subscribers[topic].push_back(shared);
         if (auto const newest = engine_.newest_values.find(topic); newest != engine_.newest_values.end()) {
-            auto octets = newest->second;
+            auto [octets, set] = newest->second;
             Octets const sample{0, static_cast<std::uint32_t>(octets.size()), octets.data(), false};
-            (*shared)(&sample);
+            shared->last = set;
+            shared->handle(&sample);
         }
         return std::make_unique<Fake_subscription>(engine_, topic, shared);
     }
@@ -176,14 +177,16 @@ void Engine::call(Key const& key, void* request, ara::com::Pending_reply& pendin
     }
 }
 
-void Engine::send(Key const& topic, bool is_field, void const* sample) {
+void Engine::send(Key const& topic, bool is_field, void const* sample, Set_time set) {
     if (is_field) {
         auto const& octets = *static_cast<Octets const*>(sample);
-        newest_values[topic].assign(octets.buffer, octets.buffer + octets.length);
+        newest_values[topic] = {{octets.buffer, octets.buffer + octets.length}, set};
     }
     auto const handlers = subscribers[topic];  // a handler may subscribe or end its subscription
     for (auto const& handler : handlers) {
-        (*handler)(sample);
+        if (!is_field || std::exchange(handler->last, set) != set) {
+            handler->handle(sample);
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include "support/fake_binding.h"
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -39,7 +40,13 @@ class Fake_lookup : public ara::com::Lookup {
 class Fake_binding::Engine : public ara::com::Binding {
  public:
     using Key = std::pair<std::string, std::string>;  ///< interface (for events with the event's name) and instance
-    using Handler = std::shared_ptr<ara::com::Sample_handler>;
+    using Set_time = std::chrono::system_clock::time_point;
+    /// `handle` is given a sample once, named by the time at which a field was set.
+    struct Subscriber {
+        ara::com::Sample_handler handle;
+        Set_time last{};
+    };
+    using Handler = std::shared_ptr<Subscriber>;
 
     std::unique_ptr<ara::com::Event_source> offer_event(ara::com::Event_type const& event,
                                                         ara::com::InstanceIdentifier const& instance) override;
@@ -55,7 +62,7 @@ class Fake_binding::Engine : public ara::com::Binding {
     void note(std::string const& what, Key const& key) { record.push_back(what + ' ' + key.first + ' ' + key.second); }
     void withdraw(Key const& key);
     void call(Key const& key, void* request, ara::com::Pending_reply& pending);
-    void send(Key const& topic, bool is_field, void const* sample);
+    void send(Key const& topic, bool is_field, void const* sample, Set_time set);
     void report(std::string const& interface_name, ara::com::ServiceHandleContainer const& handles);
     void report_offers(std::string const& interface_name);
     ara::com::ServiceHandleContainer offered(Fake_lookup const& lookup) const;
@@ -66,7 +73,7 @@ class Fake_binding::Engine : public ara::com::Binding {
     std::map<std::string, std::deque<std::exception_ptr>> failing_calls;
     std::map<std::string, std::exception_ptr> failing_offers;
     std::map<Key, std::vector<Handler>> subscribers;
-    std::map<Key, std::vector<std::uint8_t>> newest_values;
+    std::map<Key, std::pair<std::vector<std::uint8_t>, Set_time>> newest_values;
     std::function<void(std::string const&, std::string const&)> observer;
     bool holds_reports = false;
 };

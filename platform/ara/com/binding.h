@@ -5,6 +5,7 @@
 #include "ara/com/instance.h"
 #include "ara/com/service_type.h"
 
+#include <chrono>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -35,8 +36,9 @@ class Offer {
 class Event_source {
  public:
     virtual ~Event_source() = default;
-    /// Bounded in time. Throws `tarq::com::Infrastructure_exception`.
-    virtual void send(void const* sample) = 0;
+    /// `set` is when the sample's value was set. Of a field it names the value: who has taken it does not get it again,
+    /// however often it is sent. Bounded in time. Throws `tarq::com::Infrastructure_exception`.
+    virtual void send(void const* sample, std::chrono::system_clock::time_point set) = 0;
 };
 
 /// What becomes of a call: one of the two is called, once, on any thread, and neither may block.

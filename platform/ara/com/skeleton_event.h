@@ -5,6 +5,8 @@
 #include "base/mutex.h"
 #include "ximo/com/future.h"
 
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,7 +27,7 @@ class Skeleton_event : public Offered_part {
     /// `tarq::com::Infrastructure_exception` when the value can't be sent.
     void Send(Value const& value) {
         base::Lock_guard lock(mutex_);
-        send(value);
+        send(value, Clock::now());
     }
 
     void open(InstanceIdentifier const& instance) override {
@@ -38,10 +40,12 @@ class Skeleton_event : public Offered_part {
     }
 
  protected:
-    void send(Value const& value) REQUIRES(mutex_) {
+    using Clock = std::chrono::system_clock;
+
+    void send(Value const& value, Clock::time_point set) REQUIRES(mutex_) {
         if (source_) {
             auto& source = *source_;
-            encode_(value, [&source](void const* sample) { source.send(sample); });
+            encode_(value, [&source, set](void const* sample) { source.send(sample, set); });
         }
     }
 
@@ -62,11 +66,13 @@ class Skeleton_field : public Skeleton_event<Value> {
     using Skeleton_event<Value>::Skeleton_event;
 
     /// Sets the value and notifies all subscribers, also when the value is the same as before. A value that is set
-    /// before the instance is offered is sent with the offer. Throws as `Send` does.
+    /// before the instance is offered is sent with the offer; a new offer sends it to those who have not had it. Throws
+    /// as `Send` does.
     void Update(Value const& value) {
         base::Lock_guard lock(this->mutex_);
         value_ = value;
-        this->send(value);
+        set_ = std::max(Clock::now(), set_ + typename Clock::duration(1));
+        this->send(value, set_);
     }
 
     /// Answers `Get` instead of the last value that was set. Set it before the instance is offered.
@@ -92,12 +98,15 @@ class Skeleton_field : public Skeleton_event<Value> {
         Skeleton_event<Value>::open(instance);
         base::Lock_guard lock(this->mutex_);
         if (value_) {
-            this->send(*value_);
+            this->send(*value_, set_);
         }
     }
 
  private:
+    using typename Skeleton_event<Value>::Clock;
+
     std::optional<Value> value_ GUARDED_BY(this->mutex_);
+    typename Clock::time_point set_ GUARDED_BY(this->mutex_);  // differs for each value, whatever becomes of the clock
     Get_handler get_ GUARDED_BY(this->mutex_);
 };
 

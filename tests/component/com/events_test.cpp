@@ -1,4 +1,5 @@
 #include "client_fixture.h"
+#include "subscribed.h"
 
 #include <chrono>
 #include <csignal>
@@ -9,32 +10,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using testing::ElementsAre;
-
-// A subscription that writes down the newest sample each time that its handler is called.
-template <class Event>
-class Subscribed {
- public:
-    explicit Subscribed(Event& event) : event_(event) {
-        event_.SetReceiveHandler([this] {
-            if (event_.Update()) {
-                samples.add(*event_.GetCachedSamples().back());
-            }
-        });
-        event_.Subscribe(1);
-    }
-    ~Subscribed() { event_.Unsubscribe(); }
-    Subscribed(Subscribed const&) = delete;
-    Subscribed& operator=(Subscribed const&) = delete;
-
-    std::vector<Bytes> await_last(Bytes const& wanted) {
-        return samples.await([&](auto const& items) { return !items.empty() && items.back() == wanted; });
-    }
-
-    Seen<Bytes> samples;
-
- private:
-    Event& event_;
-};
 
 class Events : public Client {
  protected:

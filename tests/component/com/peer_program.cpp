@@ -5,10 +5,30 @@
 #include "peer_services.h"
 #include "tarq/com/runtime/component_singleton.h"
 
+#include <atomic>
+#include <ctime>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<std::time_t> g_seconds_set_back{0};
+
+}  // namespace
+
+// The wall clock of this process alone can be set back; its libraries read it here as well.
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    auto const result = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
+    if (clock == CLOCK_REALTIME && result == 0) {
+        time->tv_sec -= g_seconds_set_back;
+    }
+    return result;
+}
 
 namespace {
 
@@ -32,6 +52,18 @@ void add_commands(bench::Command_table& commands, com_test::Peer_services& servi
         services.network(arguments.text("instance")).NetworkState.Update(bytes(arguments));
         return json();
     });
+    commands.add("stop offering", [&services](bench::Arguments& arguments) {
+        services.network(arguments.text("instance")).StopOfferService();
+        return json();
+    });
+    commands.add("offer again", [&services](bench::Arguments& arguments) {
+        services.network(arguments.text("instance")).OfferService();
+        return json();
+    });
+    commands.add("set clock back", [](bench::Arguments& arguments) {
+        g_seconds_set_back += arguments.number("seconds", 1, 1'000'000);
+        return json();
+    });
     commands.add("send", [&services](bench::Arguments& arguments) {
         services.user_data(arguments.text("instance")).UserDataChanged.Send(bytes(arguments));
         return json();
@@ -51,7 +83,25 @@ int succeeded_calls(std::string const& instance, std::int64_t times) {
     return succeeded;
 }
 
-void add_client_commands(bench::Command_table& commands, std::unique_ptr<com_test::Network_proxy>& subscriber) {
+// A subscription that tells of each sample.
+struct Watched_field {
+    explicit Watched_field(std::string const& instance) : proxy(com_test::found<com_test::Network_proxy>(instance)) {
+        proxy.NetworkState.SetReceiveHandler([this] {
+            proxy.NetworkState.Update();
+            com_test::print({{"event", "sample"}, {"bytes", *proxy.NetworkState.GetCachedSamples().back()}});
+        });
+        proxy.NetworkState.Subscribe(1);
+    }
+
+    com_test::Network_proxy proxy;
+};
+
+void add_client_commands(bench::Command_table& commands, std::unique_ptr<com_test::Network_proxy>& subscriber,
+                         std::unique_ptr<Watched_field>& watched) {
+    commands.add("watch", [&watched](bench::Arguments& arguments) {
+        watched = std::make_unique<Watched_field>(arguments.text("instance"));
+        return json();
+    });
     commands.add("subscribe", [&subscriber](bench::Arguments& arguments) {
         auto const handle = com_test::found<com_test::Network_proxy>(arguments.text("instance"));
         subscriber = std::make_unique<com_test::Network_proxy>(handle);
@@ -72,7 +122,8 @@ int main(int argc, char** argv) {
     bench::Command_table commands;
     add_commands(commands, services);
     std::unique_ptr<com_test::Network_proxy> subscriber;
-    add_client_commands(commands, subscriber);
+    std::unique_ptr<Watched_field> watched;
+    add_client_commands(commands, subscriber, watched);
     for (int word = 1; word < argc; ++word) {
         services.offer(argv[word]);
     }

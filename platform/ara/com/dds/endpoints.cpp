@@ -57,7 +57,12 @@ Writer::Writer(Participant& participant, Channel const& channel, Quality const& 
               "There can be no writer") {}
 
 void Writer::write(void const* sample) const {
-    if (auto const code = dds_write(entity(), sample); code < 0) {
+    write(sample, std::chrono::system_clock::now());
+}
+
+void Writer::write(void const* sample, std::chrono::system_clock::time_point time) const {
+    if (auto const code = dds_write_ts(entity(), sample, std::chrono::nanoseconds(time.time_since_epoch()).count());
+        code < 0) {
         throw_engine_error("Nothing could be sent", code);
     }
 }

@@ -6,6 +6,7 @@
 #include "ara/com/dds/quality.h"
 #include "ara/com/dds/sample.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -32,6 +33,8 @@ class Writer {
 
     /// Blocks for as long as its quality allows. Throws `tarq::com::Infrastructure_exception`.
     void write(void const* sample) const;
+    /// With the time that readers are told.
+    void write(void const* sample, std::chrono::system_clock::time_point time) const;
 
  private:
     Matched_handler const matched_;

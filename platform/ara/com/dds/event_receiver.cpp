@@ -1,5 +1,6 @@
 #include "ara/com/dds/event_receiver.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -24,7 +25,7 @@ void Event_receiver::open(InstanceIdentifier const& instance) {
                                            event_reader_quality(event_.is_field),
                                            [this](Sample sample, dds_sample_info_t const& info) {
                                                if (info.valid_data) {
-                                                   received(std::move(sample));
+                                                   received(std::move(sample), info.source_timestamp);
                                                }
                                            });
     base::Lock_guard lock(mutex_);
@@ -41,9 +42,23 @@ void Event_receiver::close() {
     strand_->close();
 }
 
-void Event_receiver::received(Sample sample) {
+bool Event_receiver::is_repeated(dds_time_t set) {
+    if (std::find(taken_.begin(), taken_.end(), set) != taken_.end()) {
+        return true;
+    }
+    taken_.push_back(set);
+    if (taken_.size() > k_newest_samples) {
+        taken_.pop_front();
+    }
+    return false;
+}
+
+void Event_receiver::received(Sample sample, dds_time_t set) {
     {
         base::Lock_guard lock(mutex_);
+        if (event_.is_field && is_repeated(set)) {
+            return;
+        }
         waiting_.push_back(std::move(sample));
         if (waiting_.size() > k_most_waiting) {
             waiting_.pop_front();

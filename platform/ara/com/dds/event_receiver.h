@@ -13,6 +13,9 @@
 namespace ara::com::dds {
 
 /// A subscription: takes the samples of an event of one instance, whoever offers it.
+///
+/// A writer that was lost and is found again, or that stands for a new offer, repeats what it keeps. Of a field each
+/// value is handed on once: the times at which values were set, which samples tell, name those that were taken.
 class Event_receiver : public Part, public std::enable_shared_from_this<Event_receiver> {
  public:
     Event_receiver(std::shared_ptr<Engine> engine, Event_type const& event, Sample_handler handler);
@@ -24,7 +27,8 @@ class Event_receiver : public Part, public std::enable_shared_from_this<Event_re
     void close() override;
 
  private:
-    void received(Sample sample);
+    void received(Sample sample, dds_time_t set);
+    bool is_repeated(dds_time_t set) REQUIRES(mutex_);
     void deliver();
 
     std::shared_ptr<Engine> const engine_;
@@ -33,6 +37,7 @@ class Event_receiver : public Part, public std::enable_shared_from_this<Event_re
     std::shared_ptr<Strand> const strand_;
     base::Mutex mutex_;
     std::deque<Sample> waiting_ GUARDED_BY(mutex_);
+    std::deque<dds_time_t> taken_ GUARDED_BY(mutex_);  // as many as a writer repeats at most
     std::unique_ptr<Reader> reader_ GUARDED_BY(mutex_);
 };
 

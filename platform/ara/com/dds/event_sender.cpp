@@ -14,7 +14,7 @@ void Event_sender::open(Event_type const& event, InstanceIdentifier const& insta
     writer_ = std::move(writer);
 }
 
-void Event_sender::send(void const* sample) {
+void Event_sender::send(void const* sample, std::chrono::system_clock::time_point set) {
     std::shared_ptr<Writer> writer;
     {
         base::Lock_guard lock(mutex_);
@@ -23,7 +23,7 @@ void Event_sender::send(void const* sample) {
     if (!writer) {
         throw tarq::com::Infrastructure_exception("The communication runtime has ended");
     }
-    writer->write(sample);
+    writer->write(sample, set);
 }
 
 void Event_sender::close() {

@@ -7,6 +7,7 @@
 #include "ara/com/dds/engine.h"
 #include "base/mutex.h"
 
+#include <chrono>
 #include <memory>
 
 namespace ara::com::dds {
@@ -20,7 +21,7 @@ class Event_sender : public Part, public std::enable_shared_from_this<Event_send
     void open(Event_type const& event, InstanceIdentifier const& instance);
 
     /// As long as a writer blocks at most. Throws `tarq::com::Infrastructure_exception`.
-    void send(void const* sample);
+    void send(void const* sample, std::chrono::system_clock::time_point set);
 
     void close() override;
 
@@ -33,7 +34,7 @@ class Event_sender : public Part, public std::enable_shared_from_this<Event_send
 class Owned_event_source : public Closing<Event_source, Event_sender> {
  public:
     using Closing::Closing;
-    void send(void const* sample) override { part().send(sample); }
+    void send(void const* sample, std::chrono::system_clock::time_point set) override { part().send(sample, set); }
 };
 
 }  // namespace ara::com::dds

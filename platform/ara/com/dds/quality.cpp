@@ -1,13 +1,8 @@
 #include "ara/com/dds/quality.h"
 
-#include <cstdint>
-
 namespace ara::com::dds {
 
 namespace {
-
-// Enough for the samples of one burst to be repeated when the network loses some.
-constexpr std::int32_t k_newest_samples = 16;
 
 // An object that goes does not dispose what it wrote: only a withdrawal does, so that it differs from a loss.
 Quality reliable(std::chrono::milliseconds longest_write) {

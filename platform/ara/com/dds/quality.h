@@ -2,6 +2,7 @@
 #define ARA_COM_DDS_QUALITY_H
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -19,6 +20,9 @@ using Quality = std::unique_ptr<dds_qos_t, Quality_deleter>;
 /// server; a server does not wait long for one of its clients.
 inline constexpr std::chrono::milliseconds k_longest_write{100};
 inline constexpr std::chrono::milliseconds k_longest_reply_write{50};
+
+/// What a writer of events keeps: enough for the samples of one burst to be repeated when the network loses some.
+inline constexpr std::int32_t k_newest_samples = 16;
 
 /// Requests and replies: reliable, each is kept until it is delivered, nothing for those who come later.
 Quality call_quality(std::chrono::milliseconds longest_write);
