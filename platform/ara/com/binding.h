@@ -86,6 +86,10 @@ class Binding {
     virtual std::shared_ptr<Lookup> find(Service_type const& type, InstanceSpecifier const& wanted,
                                          FindServiceHandler handler) = 0;
     virtual std::shared_ptr<Connection> connect(Service_type const& type, ServiceHandle const& handle) = 0;
+
+    /// Ends all that came of this binding and its threads, whoever still holds it; it is of no use from then on. From
+    /// no thread of the binding.
+    virtual void shut_down() {}
 };
 
 /// The process's binding. Throws `tarq::com::Infrastructure_exception` when there is none.

@@ -2,6 +2,7 @@
 #define ARA_COM_PROXY_EVENT_H
 
 #include "ara/com/binding.h"
+#include "ara/com/running_handlers.h"
 #include "base/mutex.h"
 
 #include <cstddef>
@@ -33,8 +34,8 @@ class Proxy_event {
     /// `tarq::com::Infrastructure_exception`.
     void Subscribe(std::size_t cache);
 
-    /// Ends the subscription and waits for the receive handler that runs, except when it is the caller. The cache
-    /// stays.
+    /// Ends the subscription and waits for the receive handler that runs, except when it is the caller. Waits also when
+    /// the subscription was ended already. The cache stays.
     void Unsubscribe();
 
     /// The handler for samples that arrive from now on; an empty function for none.
@@ -49,6 +50,7 @@ class Proxy_event {
 
  private:
     void take(void const* sample);
+    std::unique_ptr<Subscription> take_subscription();
 
     std::shared_ptr<Connection> const connection_;
     Event_type const& type_;
@@ -57,6 +59,7 @@ class Proxy_event {
     std::size_t capacity_ GUARDED_BY(mutex_) = 1;
     std::deque<std::shared_ptr<Value const>> arrived_ GUARDED_BY(mutex_);
     std::function<void()> handler_ GUARDED_BY(mutex_);
+    Running_handlers handlers_;
     base::Recursive_mutex subscription_mutex_;  // taken before mutex_
     std::unique_ptr<Subscription> subscription_ GUARDED_BY(subscription_mutex_);
     Samples cached_;
@@ -72,15 +75,19 @@ void Proxy_event<Value>::Subscribe(std::size_t cache) {
         base::Lock_guard lock(mutex_);
         capacity_ = cache == 0 ? 1 : cache;
     }
-    subscription_ = connection_->subscribe(type_, [this](void const* sample) { take(sample); });
+    subscription_ = connection_->subscribe(type_, [this](void const* sample) { handlers_.run([&] { take(sample); }); });
+}
+
+template <class Value>
+std::unique_ptr<Subscription> Proxy_event<Value>::take_subscription() {
+    base::Lock_guard subscribing(subscription_mutex_);
+    return std::move(subscription_);
 }
 
 // The handler that is waited for may use this object, so the mutex is free meanwhile.
 template <class Value>
 void Proxy_event<Value>::Unsubscribe() {
-    std::unique_ptr<Subscription> subscription;
-    base::Lock_guard subscribing(subscription_mutex_);
-    subscription = std::move(subscription_);
+    handlers_.end([this] { take_subscription().reset(); });
 }
 
 template <class Value>

@@ -20,6 +20,11 @@ class Proxy_field : public Proxy_event<Value> {
                 typename Proxy_event<Value>::Decode decode, Getter getter)
         : Proxy_event<Value>(std::move(connection), type, decode), getter_(std::move(getter)) {}
 
+    // The receive handler may ask for the value to the last.
+    ~Proxy_field() { this->Unsubscribe(); }
+    Proxy_field(Proxy_field const&) = delete;
+    Proxy_field& operator=(Proxy_field const&) = delete;
+
     /// Asks the instance for the value; fails as any call does.
     ximo::com::Future<Value> Get() { return getter_(); }
 

@@ -8,7 +8,11 @@ namespace ara::com {
 
 Skeleton::Skeleton(Service_type const& type, InstanceIdentifier instance, MethodCallProcessingMode mode,
                    Request_handler handler)
-    : type_(type), instance_(std::move(instance)), handler_(std::move(handler)) {
+    : type_(type),
+      instance_(std::move(instance)),
+      handler_([this, handler = std::move(handler)](void const* request, Reply_sink const& answer) {
+          handlers_.run([&] { handler(request, answer); });
+      }) {
     if (mode != MethodCallProcessingMode::kEvent) {
         throw tarq::com::Invalid_argument_exception("Not a supported processing mode: only kEvent is");
     }
@@ -42,18 +46,18 @@ void Skeleton::close_parts() {
     }
 }
 
+// The parts go before the offer, so that they are never those of a new one.
+std::unique_ptr<Offer> Skeleton::take_offer() {
+    base::Lock_guard lock(mutex_);
+    if (offer_) {
+        close_parts();
+    }
+    return std::move(offer_);
+}
+
 // The handler that is waited for may itself stop the offer, so the mutex is free meanwhile.
 void Skeleton::StopOfferService() {
-    std::unique_ptr<Offer> offer;
-    {
-        base::Lock_guard lock(mutex_);
-        offer = std::move(offer_);
-    }
-    if (!offer) {
-        return;
-    }
-    offer.reset();
-    close_parts();
+    handlers_.end([this] { take_offer().reset(); });
 }
 
 }  // namespace ara::com

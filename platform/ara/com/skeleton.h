@@ -3,6 +3,7 @@
 
 #include "ara/com/binding.h"
 #include "ara/com/instance.h"
+#include "ara/com/running_handlers.h"
 #include "base/mutex.h"
 
 #include <memory>
@@ -32,8 +33,8 @@ class Skeleton {
     /// `tarq::com::Infrastructure_exception`.
     void OfferService();
 
-    /// Withdraws the offer and waits for the handler that runs, except when a handler calls it. Does nothing when it is
-    /// not offered.
+    /// Withdraws the offer and waits for the handler that runs, except when a handler calls it. Withdraws nothing when
+    /// it is not offered, and waits all the same. A new offer may be made meanwhile, and stays.
     void StopOfferService();
 
  protected:
@@ -46,9 +47,11 @@ class Skeleton {
 
  private:
     void close_parts();
+    std::unique_ptr<Offer> take_offer();
 
     Service_type const& type_;
     InstanceIdentifier const instance_;
+    Running_handlers handlers_;
     Request_handler const handler_;
     std::vector<Offered_part*> parts_;
     base::Mutex mutex_;

@@ -15,7 +15,8 @@ namespace ximo::ap::statemanager {
 /// The search for any instance of one service, and the proxy that came of it.
 ///
 /// not searched --start()--> searching --hold(), stop()--> found. Any thread may call; the handler of the lookup may
-/// run, and stop the search, before `start()` has returned.
+/// run, and stop the search, before `start()` has returned. The lookup's handle is kept beyond its end, so that whoever
+/// stops it again can wait for the handler as well.
 template <class Proxy>
 class Service_search {
  public:
@@ -33,10 +34,11 @@ class Service_search {
         }
     }
 
-    /// Stops the lookup; does nothing when none runs. Afterwards the handler is not running, unless it is the caller.
+    /// Stops the lookup when one runs. Afterwards the handler is not running, unless it is the caller.
     void stop() {
-        if (auto const handle = take_handle()) {
-            stop(*handle);
+        bool runs = false;
+        if (auto const handle = stopped_handle(runs)) {
+            stop(*handle, runs);
         }
     }
 
@@ -63,7 +65,7 @@ class Service_search {
 
     void keep(Handle handle) {
         if (!store(handle)) {
-            stop(handle);
+            stop(handle, true);
         }
     }
 
@@ -71,20 +73,22 @@ class Service_search {
     bool store(Handle const& handle) {
         base::Lock_guard const lock(mutex_);
         starting_ = false;
-        if (!stopped_early_) {
-            handle_ = handle;
-        }
-        return !stopped_early_;
+        handle_ = handle;
+        runs_ = !stopped_early_;
+        return runs_;
     }
 
-    std::optional<Handle> take_handle() {
+    std::optional<Handle> stopped_handle(bool& runs) {
         base::Lock_guard const lock(mutex_);
         stopped_early_ = starting_;
-        return std::exchange(handle_, std::nullopt);
+        runs = std::exchange(runs_, false);
+        return handle_;
     }
 
-    void stop(Handle const& handle) {
-        ara::log::LogInfo() << stopping_;
+    void stop(Handle const& handle, bool runs) {
+        if (runs) {
+            ara::log::LogInfo() << stopping_;
+        }
         Proxy::StopFindService(handle);
     }
 
@@ -93,6 +97,7 @@ class Service_search {
     bool starting_ GUARDED_BY(mutex_){false};
     bool stopped_early_ GUARDED_BY(mutex_){false};
     std::optional<Handle> handle_ GUARDED_BY(mutex_);
+    bool runs_ GUARDED_BY(mutex_){false};
     std::shared_ptr<Proxy> proxy_ GUARDED_BY(mutex_);
 };
 

@@ -32,7 +32,7 @@ TEST(Nm_threads, Announce_once_and_stop_both_lookups_that_end_at_the_same_moment
 
         ASSERT_EQ(announced, 1);
         for (auto const& lookup : binding->lookups) {
-            ASSERT_EQ(lookup->stopped, 1);
+            ASSERT_TRUE(lookup->stopped);
         }
         ASSERT_THAT(log.messages(),
                     UnorderedElementsAre(logged(LogLevel::kInfo, "Found NetworkState service"),

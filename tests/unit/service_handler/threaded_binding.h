@@ -51,15 +51,38 @@ class Silent_connection : public ara::com::Connection {
     std::shared_ptr<Subscription_state> const state_;
 };
 
-struct Counting_lookup : ara::com::Lookup {
-    void stop() override { ++stopped; }
-    std::atomic<int> stopped{0};
+/// Ends as a binding's lookup does: each stop waits for the handler that runs, except when that calls it.
+class Waiting_lookup : public ara::com::Lookup {
+ public:
+    explicit Waiting_lookup(ara::com::FindServiceHandler handler) : handler_(std::move(handler)) {}
+
+    void stop() override {
+        stopped = true;
+        if (handling_.load() != std::this_thread::get_id()) {
+            std::lock_guard<std::mutex> const lock(mutex_);
+        }
+    }
+
+    void report(ara::com::ServiceHandleContainer const& handles) {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        handling_ = std::this_thread::get_id();
+        handler_(handles);
+        handling_ = std::thread::id();
+    }
+
+    std::atomic<bool> stopped{false};
+
+ private:
+    ara::com::FindServiceHandler const handler_;
+    std::mutex mutex_;
+    std::atomic<std::thread::id> handling_{};
 };
 
-/// A binding with threads. Two lookups report on a thread each, which meet before they report; samples of the one
+/// A binding with threads. Its lookups report on a thread each, which meet before they report; samples of the one
 /// subscription are delivered on another one.
 class Threaded_binding : public ara::com::Binding {
  public:
+    explicit Threaded_binding(int lookups_that_meet = 2) : lookups_that_meet_(lookups_that_meet) {}
     ~Threaded_binding() override { join(); }
 
     /// Waits until both lookups have reported.
@@ -105,25 +128,27 @@ class Threaded_binding : public ara::com::Binding {
     std::shared_ptr<ara::com::Lookup> find(ara::com::Service_type const& type,
                                            ara::com::InstanceSpecifier const& /*wanted*/,
                                            ara::com::FindServiceHandler handler) override {
-        threads_.emplace_back([this, name = std::string(type.name), handler] {
+        auto lookup = std::make_shared<Waiting_lookup>(std::move(handler));
+        threads_.emplace_back([this, name = std::string(type.name), lookup] {
             ++arrived_;
-            while (arrived_ < 2) {
+            while (arrived_ < lookups_that_meet_) {
                 std::this_thread::yield();
             }
-            handler({ara::com::ServiceHandle(name, ara::com::InstanceIdentifier("node"), "")});
+            lookup->report({ara::com::ServiceHandle(name, ara::com::InstanceIdentifier("node"), "")});
         });
-        lookups.push_back(std::make_shared<Counting_lookup>());
-        return lookups.back();
+        lookups.push_back(lookup);
+        return lookup;
     }
     std::shared_ptr<ara::com::Connection> connect(ara::com::Service_type const& /*type*/,
                                                   ara::com::ServiceHandle const& /*handle*/) override {
         return std::make_shared<Silent_connection>(state_);
     }
 
-    std::vector<std::shared_ptr<Counting_lookup>> lookups;
+    std::vector<std::shared_ptr<Waiting_lookup>> lookups;
 
  private:
     std::shared_ptr<Subscription_state> const state_ = std::make_shared<Subscription_state>();
+    int const lookups_that_meet_;
     std::atomic<int> arrived_{0};
     std::vector<std::thread> threads_;
 };

@@ -7,6 +7,7 @@
 #include "ara/com/dds/running_lookup.h"
 #include "ara/com/dds/served_instance.h"
 #include "base/mutex.h"
+#include "tarq/com/exception.h"
 
 #include <utility>
 
@@ -16,11 +17,9 @@ namespace {
 
 class Dds_binding : public Binding {
  public:
-    ~Dds_binding() override {
-        if (auto const engine = started()) {
-            engine->shut_down();
-        }
-    }
+    ~Dds_binding() override { end(); }
+
+    void shut_down() override { end(); }
 
     std::unique_ptr<Event_source> offer_event(Event_type const& event, InstanceIdentifier const& instance) override {
         auto sender = std::make_shared<Event_sender>(engine());
@@ -49,13 +48,23 @@ class Dds_binding : public Binding {
     }
 
  private:
-    std::shared_ptr<Engine> started() {
+    void end() {
+        if (auto const engine = last_engine()) {
+            engine->shut_down();
+        }
+    }
+
+    std::shared_ptr<Engine> last_engine() {
         base::Lock_guard lock(mutex_);
-        return engine_;
+        down_ = true;
+        return std::move(engine_);
     }
 
     std::shared_ptr<Engine> engine() {
         base::Lock_guard lock(mutex_);
+        if (down_) {
+            throw tarq::com::Infrastructure_exception("The communication runtime has ended");
+        }
         if (!engine_) {
             engine_ = std::make_shared<Engine>();
         }
@@ -64,6 +73,7 @@ class Dds_binding : public Binding {
 
     base::Mutex mutex_;
     std::shared_ptr<Engine> engine_ GUARDED_BY(mutex_);
+    bool down_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace

@@ -18,7 +18,8 @@ namespace ara::com::dds {
 class Part {
  public:
     virtual ~Part() = default;
-    /// First all parts let those go who wait for them: pending calls fail, new ones are refused.
+    /// First all parts let those go who wait for them: pending calls fail, new ones are refused, lookups report no
+    /// more.
     virtual void release() {}
     /// Ends for good, and waits for what runs in it. The object stays, without effect.
     virtual void close() = 0;

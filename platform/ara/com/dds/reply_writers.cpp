@@ -1,6 +1,11 @@
 #include "ara/com/dds/reply_writers.h"
 
+#include "ara/log/logging.h"
+#include "tarq/com/exception.h"
+
 #include <chrono>
+#include <cstddef>
+#include <exception>
 #include <thread>
 #include <utility>
 
@@ -12,6 +17,9 @@ namespace {
 // waits for this writer before its first call, as clients should.
 constexpr std::chrono::milliseconds k_longest_wait_for_reader{50};
 constexpr std::chrono::microseconds k_look_again{200};
+
+// More than find a place on a machine, unless each calls through several proxies.
+constexpr std::size_t k_most_ways = 128;
 
 bool has_reader(dds_entity_t writer) {
     dds_publication_matched_status_t status{};
@@ -54,10 +62,41 @@ void Reply_writers::follow(dds_entity_t requests) {
     }
     std::swap(gone, ways_);
     for (auto const& client : clients) {
-        auto const known = gone.find(client.handle);
-        ways_[client.handle] = known != gone.end() ? std::move(known->second)
-                                                   : std::make_shared<Way>(participant_, reply_, client.identity);
+        ways_.insert(gone.extract(client.handle));
     }
+    add_those_of(clients);
+}
+
+void Reply_writers::add_those_of(std::vector<Peer> const& clients) {
+    std::exception_ptr failure;
+    for (auto const& client : clients) {
+        if (ways_.count(client.handle) != 0) {
+            continue;
+        }
+        if (ways_.size() >= k_most_ways) {
+            tell_once();
+            break;
+        }
+        try {
+            ways_.emplace(client.handle, std::make_shared<Way>(participant_, reply_, client.identity));
+        } catch (tarq::com::Infrastructure_exception const&) {
+            failure = std::current_exception();
+        }
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
+
+void Reply_writers::tell_once() {
+    if (!std::exchange(told_, true)) {
+        ara::log::LogWarn() << "An instance has more than " << k_most_ways << " clients; the others get no replies";
+    }
+}
+
+bool Reply_writers::is_full() {
+    base::Lock_guard lock(mutex_);
+    return ways_.size() >= k_most_ways;
 }
 
 std::shared_ptr<Reply_writers::Way> Reply_writers::way_to(dds_instance_handle_t client) {
@@ -68,7 +107,7 @@ std::shared_ptr<Reply_writers::Way> Reply_writers::way_to(dds_instance_handle_t 
 
 void Reply_writers::send(dds_entity_t requests, dds_instance_handle_t client, void const* reply) {
     auto way = way_to(client);
-    if (!way) {
+    if (!way && !is_full()) {
         follow(requests);
         way = way_to(client);
     }

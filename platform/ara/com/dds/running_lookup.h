@@ -27,6 +27,7 @@ class Running_lookup : public Lookup,
     void start();
 
     void stop() override { close(); }
+    void release() override { strand_->refuse(); }
     void close() override;
     void offers_changed(Known_offer_list const& offers) override;
 

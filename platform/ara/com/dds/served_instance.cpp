@@ -69,11 +69,18 @@ std::shared_ptr<Reader> Served_instance::requests() {
     return requests_;
 }
 
+// One look at all clients does for all that came before it.
 void Served_instance::follow_clients() {
+    if (following_.exchange(true)) {
+        return;
+    }
     engine_->strand()->post([weak = weak_from_this()] {
         auto const self = weak.lock();
-        auto const reader = self ? self->requests() : nullptr;
-        if (reader) {
+        if (!self) {
+            return;
+        }
+        self->following_ = false;
+        if (auto const reader = self->requests()) {
             self->replies_.follow(reader->entity());
         }
     });

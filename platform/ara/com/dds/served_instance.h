@@ -44,6 +44,7 @@ class Served_instance : public Part, public std::enable_shared_from_this<Served_
     std::shared_ptr<Strand> const strand_;
     Reply_writers replies_;
     std::atomic<bool> claimed_{false};
+    std::atomic<bool> following_{false};  // a look at the clients is posted
     std::atomic<int> waiting_{0};
     base::Mutex mutex_;
     std::shared_ptr<Reader> requests_ GUARDED_BY(mutex_);

@@ -38,11 +38,16 @@ void Strand::post(Task task) {
     workers_.run(shared_from_this());
 }
 
-void Strand::close() {
+void Strand::refuse() {
     std::deque<Task> dropped;
     base::Lock_guard lock(mutex_);
     closed_ = true;
     dropped = std::exchange(tasks_, {});
+}
+
+void Strand::close() {
+    refuse();
+    base::Lock_guard lock(mutex_);
     while (runner_ != std::thread::id() && runner_ != std::this_thread::get_id()) {
         ended_.wait(mutex_);
     }

@@ -25,6 +25,9 @@ class Strand : public std::enable_shared_from_this<Strand> {
     /// Any thread; does not block. Does nothing once the strand is closed.
     void post(Task task);
 
+    /// Drops the tasks that did not begin; none begins from now on.
+    void refuse();
+
     /// Drops the tasks that did not begin and waits for the one that runs, unless it is the caller. May be repeated.
     void close();
 

@@ -1,0 +1,102 @@
+#include "ara/com/dds/reply_writers.h"
+
+#include "ara/com/dds/offer_types.h"
+#include "client_fixture.h"
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <dlfcn.h>
+
+namespace {
+
+std::atomic<int> g_writers_until_failure{-1};  // negative: none fails
+
+}  // namespace
+
+// The engine's function, which fails once when it is told to. All of this program's writers are made here.
+extern "C" dds_entity_t dds_create_writer(dds_entity_t publisher, dds_entity_t topic, dds_qos_t const* quality,
+                                          dds_listener_t const* listener) {
+    static auto const real = reinterpret_cast<decltype(&dds_create_writer)>(::dlsym(RTLD_NEXT, "dds_create_writer"));
+    if (g_writers_until_failure >= 0 && g_writers_until_failure-- == 0) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    return real(publisher, topic, quality, listener);
+}
+
+namespace com_test {
+namespace {
+
+using namespace ara::com::dds;  // NOLINT(google-build-using-namespace): what is tested is a part of it
+
+/// A client's two ends, and how often its reader was found by a writer of replies.
+class Client_ends {
+ public:
+    explicit Client_ends(Participant& participant)
+        : requests_(participant, {offer_topic(), "app"}, call_quality(k_longest_write)),
+          replies_(participant, {offer_topic(), to_text(guid_of(requests_.entity()))}, call_quality(k_longest_write),
+                   [](auto&&...) {}) {}
+
+    unsigned times_found() const {
+        dds_subscription_matched_status_t status{};
+        dds_get_subscription_matched_status(replies_.entity(), &status);
+        return status.total_count;
+    }
+
+ private:
+    Writer const requests_;
+    Reader const replies_;
+};
+
+TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_keep_theirs) {
+    Participant participant;
+    Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
+    Reply_writers sut(participant, offer_topic());
+    std::vector<std::unique_ptr<Client_ends>> clients;
+    for (int number = 0; number < 5; ++number) {
+        clients.push_back(std::make_unique<Client_ends>(participant));
+    }
+    sut.follow(requests.entity());
+    for (int number = 0; number < 5; ++number) {
+        clients.push_back(std::make_unique<Client_ends>(participant));
+    }
+
+    g_writers_until_failure = 2;
+    EXPECT_THROW(sut.follow(requests.entity()), tarq::com::Infrastructure_exception);
+
+    auto const found = [&clients] {
+        unsigned all = 0;
+        for (auto const& client : clients) {
+            EXPECT_LE(client->times_found(), 1U);
+            all += client->times_found();
+        }
+        return all;
+    };
+    EXPECT_EQ(found(), 9U);
+    sut.follow(requests.entity());
+    EXPECT_EQ(found(), 10U);
+}
+
+TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_next_when_another_has_gone) {
+    Participant participant;
+    Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
+    Reply_writers sut(participant, offer_topic());
+    std::vector<std::unique_ptr<Client_ends>> clients;
+    for (int number = 0; number < 128; ++number) {
+        clients.push_back(std::make_unique<Client_ends>(participant));
+    }
+    sut.follow(requests.entity());
+    Client_ends const late(participant);
+    sut.follow(requests.entity());
+    EXPECT_EQ(clients.back()->times_found(), 1U);
+    EXPECT_EQ(late.times_found(), 0U);
+
+    clients.erase(clients.begin());
+    sut.follow(requests.entity());
+    EXPECT_EQ(late.times_found(), 1U);
+}
+
+}  // namespace
+}  // namespace com_test
