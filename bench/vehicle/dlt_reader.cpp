@@ -22,13 +22,13 @@ namespace {
 constexpr int k_port = 3490;  // DLT's own
 constexpr std::chrono::seconds k_patience{10};
 
-std::string write_configuration() {
+std::string write_configuration(int default_level) {
     std::string path = "/tmp/dlt.conf";
     std::ofstream(path) << "LoggingMode = 2\nLoggingFilename = /tmp/dlt-daemon.log\nLoggingLevel = 3\n"
                            "ControlSocketPath = /tmp/dlt-ctrl.sock\nBindAddress = ::ffff:127.0.0.1\n"
-                           "ContextLogLevel = 6\nSendContextRegistration = 1\nRingbufferMinSize = "
-                           "500000\nRingbufferMaxSize = 10000000\n"
-                           "RingbufferStepSize = 500000\n";
+                           "SendContextRegistration = 1\nRingbufferMinSize = 500000\nRingbufferMaxSize = 10000000\n"
+                           "RingbufferStepSize = 500000\nContextLogLevel = "
+                        << default_level << '\n';
     return path;
 }
 
@@ -105,8 +105,8 @@ class Dlt_reader::Client {
     std::string announcements_ GUARDED_BY(mutex_);
 };
 
-Dlt_reader::Dlt_reader() {
-    auto const configuration = write_configuration();
+Dlt_reader::Dlt_reader(int default_level) {
+    auto const configuration = write_configuration(default_level);
     daemon_ = std::make_unique<Child_process>(
         std::vector<std::string>{"dlt-daemon", "-c", configuration, "-p", std::to_string(k_port)},
         std::vector<std::string>{});

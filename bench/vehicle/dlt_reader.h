@@ -14,8 +14,9 @@ namespace bench::vehicle {
 /// its pipe lies where programs look for it, in /tmp.
 class Dlt_reader {
  public:
-    /// Returns once programs can log and the client is connected. Throws `std::runtime_error`.
-    Dlt_reader();
+    /// Returns once programs can log and the client is connected. A context whose program names no level gets the
+    /// daemon's own, `default_level` (DLT's is 4). Throws `std::runtime_error`.
+    explicit Dlt_reader(int default_level = 6);
     ~Dlt_reader();
     Dlt_reader(Dlt_reader const&) = delete;
     Dlt_reader& operator=(Dlt_reader const&) = delete;

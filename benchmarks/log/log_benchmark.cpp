@@ -68,7 +68,7 @@ void Three_arguments_spdlog_asynchronous(benchmark::State& state) {
 
 void Level_not_logged_ara_log(benchmark::State& state) {
     static auto& logger = ara::log::CreateLogger("QUIE", "Quiet", ara::log::LogLevel::kOff);
-    logger.context().threshold = &logger.context().own_threshold;
+    logger.context().threshold = logger.context().own_threshold;
     for (auto _ : state) {
         logger.LogVerbose() << "AP_StateManger transition from" << 1 << "Running";
     }

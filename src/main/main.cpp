@@ -27,7 +27,7 @@ using namespace ximo::ap::statemanager;  // NOLINT(google-build-using-namespace)
 
 namespace {
 
-constexpr int k_configuration_failure = -1;  // exit status 255
+constexpr int k_failure = -1;  // exit status 255
 
 void start_logging() {
     ara::log::InitLogging("STMG", "ORVAX State Manager", ara::log::LogLevel::kVerbose, ara::log::LogMode::kRemote, "");
@@ -74,30 +74,33 @@ void run(config::State_manager_config const& configuration) {
     ara::log::LogInfo() << "AP_StateManger daemon shutting down";
 }
 
-}  // namespace
-
-int main() {
-    tarq::com::runtime::Component_singleton const communication(false, "");
-    std::signal(SIGPIPE, SIG_IGN);
+int start_and_run() {
     start_logging();
 
     config::Config_chooser const chooser;
     if (!chooser.good()) {
         ara::log::LogFatal() << "Unable to read configuration selection file. AP_StateManger is aborted.";
-        return k_configuration_failure;
+        return k_failure;
     }
     config::State_manager_config configuration;
     if (!config::State_manager_json_parser::parse(chooser.get_config_path(), configuration)) {
         ara::log::LogFatal() << "Configuration is ill formatted, AP_StateManger is aborted.";
-        return k_configuration_failure;
+        return k_failure;
     }
     register_termination_handlers(std::signal);
+    run(configuration);
+    return EXIT_SUCCESS;
+}
 
+}  // namespace
+
+int main() {
+    tarq::com::runtime::Component_singleton const communication(false, "");
+    std::signal(SIGPIPE, SIG_IGN);
     try {
-        run(configuration);
+        return start_and_run();
     } catch (std::exception const& error) {
         ara::log::LogFatal() << "AP_StateManger is aborted: " << error.what();
-        return k_configuration_failure;
+        return k_failure;
     }
-    return EXIT_SUCCESS;
 }

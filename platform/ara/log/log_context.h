@@ -15,21 +15,20 @@ struct Log_context {
         : id(std::move(context_id)),
           description(std::move(context_description)),
           own_threshold(static_cast<std::int8_t>(level)),
-          threshold(&own_threshold) {}
+          threshold(own_threshold) {}
     Log_context(Log_context const&) = delete;
     Log_context& operator=(Log_context const&) = delete;
     ~Log_context() = default;
 
     bool logs(LogLevel level) const noexcept {
-        return static_cast<std::int8_t>(level) <= *threshold.load(std::memory_order_relaxed);
+        return static_cast<std::int8_t>(level) <= threshold.load(std::memory_order_relaxed);
     }
 
     std::string id;
     std::string description;
-    std::int8_t own_threshold;
-    /// Most verbose level that is logged: `own_threshold`, or a byte of the log daemon's client that a viewer changes.
-    std::atomic<std::int8_t const*> threshold;
-    void* remote{nullptr};  ///< the log daemon's name for the context; used by the consumer alone
+    std::int8_t own_threshold;           ///< the level that it was made with; used by the consumer alone
+    std::atomic<std::int8_t> threshold;  ///< most verbose level that is logged: its own, or what a viewer wants
+    void* remote{nullptr};               ///< the log daemon's name for the context; used by the consumer alone
 };
 
 }  // namespace ara::log

@@ -1,5 +1,6 @@
 #include "ara/log/log_engine.h"
 
+#include "ara/log/exit_patience.h"
 #include "ara/log/log_writer.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ namespace ara::log {
 
 namespace {
 
-std::int8_t const k_everything = static_cast<std::int8_t>(LogLevel::kVerbose);
+constexpr auto k_everything = static_cast<std::int8_t>(LogLevel::kVerbose);
 
 // DLT's time: units of 0.1 ms since boot.
 std::uint32_t uptime() noexcept {
@@ -46,7 +47,7 @@ Logger& Log_engine::logger(std::string const& id, std::string const& description
         sink->add_context(context);
     }
     if (interceptor_) {
-        context.threshold = &k_everything;
+        context.threshold = k_everything;
     }
     return *loggers_.back();
 }
@@ -62,7 +63,8 @@ void Log_engine::submit(Log_context const& context, LogLevel level, Argument_enc
         }
         std::this_thread::yield();
     }
-    if (level <= LogLevel::kError || queue_.is_half_full()) {
+    bool const is_filling = queue_.size() > Message_queue::k_slots / 2 && !is_stuck_.load(std::memory_order_relaxed);
+    if (level <= LogLevel::kError || is_filling) {
         wake_writer();
     }
     errno = saved_errno;
@@ -71,6 +73,7 @@ void Log_engine::submit(Log_context const& context, LogLevel level, Argument_enc
 void Log_engine::add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level) {
     base::Lock_guard const lock(consumer_);
     default_logger_->context().own_threshold = static_cast<std::int8_t>(default_level);
+    default_logger_->context().threshold = static_cast<std::int8_t>(default_level);
     for (auto const& logger : loggers_) {
         sink->add_context(logger->context());
     }
@@ -79,10 +82,19 @@ void Log_engine::add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level
 
 void Log_engine::drain() {
     base::Lock_guard const lock(consumer_);
-    while (queue_.pop(*message_)) {
+    for (auto const& sink : sinks_) {
+        sink->tend();
+    }
+    for (std::size_t taken = 0; taken < Message_queue::k_slots && has_room() && queue_.pop(*message_); ++taken) {
         deliver(*message_);
     }
     report_drops();
+    is_stuck_ = !has_room();
+}
+
+bool Log_engine::has_room() {
+    return interceptor_ || sinks_.empty() ||
+           std::any_of(sinks_.begin(), sinks_.end(), [](auto const& sink) { return sink->has_room(); });
 }
 
 void Log_engine::deliver(Queued_message const& message) {
@@ -97,7 +109,7 @@ void Log_engine::deliver(Queued_message const& message) {
 
 void Log_engine::report_drops() {
     auto const dropped = dropped_.load(std::memory_order_relaxed);
-    if (dropped == reported_drops_) {
+    if (dropped == reported_drops_ || !has_room()) {
         return;
     }
     Argument_encoder arguments;
@@ -117,7 +129,7 @@ void Log_engine::intercept(Interceptor interceptor) {
     wait_when_full_ = static_cast<bool>(interceptor_);
     for (auto const& logger : loggers_) {
         auto& context = logger->context();
-        context.threshold = interceptor_ ? &k_everything : &context.own_threshold;
+        context.threshold = interceptor_ ? k_everything : context.own_threshold;
     }
 }
 
@@ -131,7 +143,10 @@ void Log_engine::stop_writer() {
     if (auto* const writer = writer_.load(); writer != nullptr) {
         writer->stop();  // the object stays: a signal handler may still be about to wake it
     }
-    drain();
+    Exit_patience patience;
+    do {
+        drain();
+    } while (queue_.size() != 0 && patience.waits_for(queue_.size()));
 }
 
 void Log_engine::wake_writer() noexcept {

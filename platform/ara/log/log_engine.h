@@ -24,6 +24,12 @@ class Log_sink {
 
     virtual void add_context(Log_context& context) = 0;
     virtual void write(Queued_message const& message) = 0;
+
+    /// Whether a message can be written now. While no sink has room, messages stay in the queue.
+    virtual bool has_room() { return true; }
+
+    /// Called each time before the queue is looked into: what the sink has to do besides.
+    virtual void tend() {}
 };
 
 /// The process's log: its contexts, the queue into which every log call puts its message, and the consumer that takes
@@ -42,11 +48,13 @@ class Log_engine {
     /// Adds a sink that gets everything that is consumed from now on. It lives until the process ends.
     void add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level);
 
-    /// Starts the writer thread; `stop_writer` ends it after everything queued has been written.
+    /// Starts the writer thread. Throws `std::system_error` when there can't be one more.
     void start_writer();
+
+    /// Ends it after everything queued has been written, as long as the sinks have room (see Exit_patience).
     void stop_writer();
 
-    /// Hands everything queued to the sinks.
+    /// Hands everything queued to the sinks, but not what comes meanwhile: others may want the log, too.
     void drain();
 
     /// Replaces the sinks by a function, logs all levels, and makes producers wait instead of dropping; an empty
@@ -60,11 +68,13 @@ class Log_engine {
     class Writer;
     void deliver(Queued_message const& message) REQUIRES(consumer_);
     void report_drops() REQUIRES(consumer_);
+    bool has_room() REQUIRES(consumer_);
     void wake_writer() noexcept;
 
     Message_queue queue_;
     std::atomic<std::uint64_t> dropped_{0};
     std::atomic<bool> wait_when_full_{false};
+    std::atomic<bool> is_stuck_{false};  ///< no sink had room: waking the writer is of no use
     std::atomic<Writer*> writer_{nullptr};
 
     base::Mutex consumer_;  ///< of the queue's reading end, too

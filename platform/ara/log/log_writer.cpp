@@ -18,10 +18,10 @@ Log_engine::Writer::Writer(std::function<void()> drain)
 
 void Log_engine::Writer::run() {
     while (!stopping_.load(std::memory_order_acquire)) {
-        pollfd woken{event_, POLLIN, 0};
+        pollfd woken{event_.number(), POLLIN, 0};
         if (::poll(&woken, 1, static_cast<int>(k_period.count())) > 0) {
             eventfd_t count = 0;
-            ::eventfd_read(event_, &count);
+            ::eventfd_read(event_.number(), &count);
             wake_pending_.store(false, std::memory_order_release);
         }
         drain_();
@@ -30,7 +30,7 @@ void Log_engine::Writer::run() {
 
 void Log_engine::Writer::wake() noexcept {
     if (!wake_pending_.exchange(true, std::memory_order_acq_rel)) {
-        ::eventfd_write(event_, 1);
+        ::eventfd_write(event_.number(), 1);
     }
 }
 

@@ -2,6 +2,7 @@
 #define ARA_LOG_LOG_WRITER_H
 
 #include "ara/log/log_engine.h"
+#include "base/descriptor.h"
 
 #include <atomic>
 #include <chrono>
@@ -27,7 +28,7 @@ class Log_engine::Writer {
     void run();
 
     std::function<void()> drain_;
-    int event_;  ///< eventfd; -1 when the system has none left, then the period alone paces the writer
+    base::Descriptor const event_;  ///< eventfd; none when the system has none left, then the period alone paces it
     std::atomic<bool> wake_pending_{false};
     std::atomic<bool> stopping_{false};
     std::thread thread_;

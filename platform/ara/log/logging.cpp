@@ -14,7 +14,7 @@ namespace {
 void add_sinks(Log_engine& engine, std::string const& application_id, std::string const& description, LogLevel level,
                LogMode mode, std::string const& directory) {
     if (has_mode(mode, LogMode::kRemote)) {
-        engine.add_sink(make_dlt_sink(application_id, description, level), level);
+        engine.add_sink(make_dlt_sink(application_id, description), level);
         std::atexit(end_dlt);  // after libdlt registered its own handler, so that it runs before that one
     }
     if (has_mode(mode, LogMode::kConsole)) {

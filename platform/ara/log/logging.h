@@ -11,12 +11,12 @@ namespace ara::log {
 
 /// Starts logging for the process, once, before its first thread: names the application (id of up to four characters)
 /// and starts the writer that hands messages to the log daemon. Messages logged earlier are kept and follow.
-/// Never fails; without a log daemon messages are buffered.
+/// Without a log daemon messages are buffered. Throws `std::system_error` when the writer's thread can't be started.
 void InitLogging(std::string const& application_id, std::string const& description, LogLevel level, LogMode mode,
                  std::string const& directory);
 
-/// The logger of a further context (id of up to four characters). It lives until the process ends; asking again for the
-/// same id gives the same logger.
+/// The logger of a further context (id of up to four characters), which logs up to a level of its own until a viewer
+/// wants another. It lives until the process ends; asking again for the same id gives the same logger.
 Logger& CreateLogger(std::string const& context_id, std::string const& description,
                      LogLevel level = LogLevel::kVerbose);
 

@@ -21,8 +21,9 @@ Message_queue::Message_queue() : storage_(std::make_unique<std::array<Slot, k_sl
 
 bool Message_queue::push(Message_header const& header, char const* arguments) noexcept {
     auto const count = slots_for(header.size);
+    auto const kept = header.level > LogLevel::kInfo ? k_kept_slots : 0;
     std::uint64_t position = 0;
-    if (!claim(count, position)) {
+    if (!claim(count, kept, position)) {
         return false;
     }
     copy_in(position, 0, reinterpret_cast<char const*>(&header), sizeof header);
@@ -33,11 +34,11 @@ bool Message_queue::push(Message_header const& header, char const* arguments) no
     return true;
 }
 
-// The consumer frees slots in order, so when the last slot of the range is free all of them are.
-bool Message_queue::claim(std::uint64_t count, std::uint64_t& position) noexcept {
+// The consumer frees slots in order, so when the last slot of the range and of those kept is free all of them are.
+bool Message_queue::claim(std::uint64_t count, std::uint64_t kept, std::uint64_t& position) noexcept {
     position = head_.load(std::memory_order_relaxed);
     for (;;) {
-        auto const last = position + count - 1;
+        auto const last = position + count + kept - 1;
         auto const sequence = slot(last).sequence.load(std::memory_order_acquire);
         if (sequence == last) {
             if (head_.compare_exchange_weak(position, position + count, std::memory_order_relaxed)) {
@@ -66,8 +67,9 @@ bool Message_queue::pop(Queued_message& message) noexcept {
     return true;
 }
 
-bool Message_queue::is_half_full() const noexcept {
-    return head_.load(std::memory_order_relaxed) - tail_.load(std::memory_order_relaxed) > k_slots / 2;
+std::size_t Message_queue::size() const noexcept {
+    auto const tail = tail_.load(std::memory_order_relaxed);  // first, so that it is never ahead of the head
+    return head_.load(std::memory_order_relaxed) - tail;
 }
 
 void Message_queue::copy_in(std::uint64_t position, std::size_t offset, char const* data, std::size_t size) noexcept {

@@ -33,12 +33,15 @@ struct Queued_message {
 ///
 /// A message takes as many consecutive slots as it needs. Each slot carries the sequence number of the turn in which it
 /// may be written (its position) or read (its position + 1). A producer claims its slots with one compare-and-swap and
-/// publishes the first of them last. Producers neither lock nor allocate, and a producer that is interrupted by another
-/// one in the same thread (a signal handler) delays the consumer at most, never the other producer.
+/// publishes the first of them last. The last slots are kept for messages of level info and above, so that a flood of
+/// details doesn't push out what tells the story. Producers neither lock nor allocate, and a producer that is
+/// interrupted by another one in the same thread (a signal handler) delays the consumer at most, never the other
+/// producer.
 class Message_queue {
  public:
     static constexpr std::size_t k_slots = 1024;
     static constexpr std::size_t k_slot_data = 248;
+    static constexpr std::size_t k_kept_slots = k_slots / 4;  ///< that debug and verbose can't have
 
     Message_queue();
 
@@ -48,8 +51,8 @@ class Message_queue {
     /// False when no complete message waits. One thread at a time.
     bool pop(Queued_message& message) noexcept;
 
-    /// Whether more than half of the slots are taken; a hint.
-    bool is_half_full() const noexcept;
+    /// How many slots are taken; a hint.
+    std::size_t size() const noexcept;
 
  private:
     struct alignas(64) Slot {
@@ -58,7 +61,7 @@ class Message_queue {
     };
 
     Slot& slot(std::uint64_t position) noexcept { return slots_[position % k_slots]; }
-    bool claim(std::uint64_t count, std::uint64_t& position) noexcept;
+    bool claim(std::uint64_t count, std::uint64_t kept, std::uint64_t& position) noexcept;
     void copy_in(std::uint64_t position, std::size_t offset, char const* data, std::size_t size) noexcept;
     void copy_out(std::uint64_t position, std::size_t offset, char* data, std::size_t size) noexcept;
 

@@ -58,6 +58,10 @@ void Virtio_interface::forget_devices() {
         }
         device = k_closed;
     }
+    for (int const device : unslotted_) {
+        system_.close_descriptor(device);
+    }
+    unslotted_.clear();
     if (epoll_ != k_closed) {
         system_.close_descriptor(epoll_);
     }
@@ -85,6 +89,7 @@ bool Virtio_interface::add_device(std::string const& path) {
     }
     ara::log::LogVerbose() << "Open VirtIO input device: " << path;
     if ((static_cast<unsigned long>(event_types(system_, descriptor)) & k_key_capable) == 0) {
+        unslotted_.push_back(descriptor);
         return true;
     }
     return register_device(descriptor);
@@ -100,6 +105,8 @@ bool Virtio_interface::register_device(int descriptor) {
     auto const slot = static_cast<std::size_t>(device_count_);
     if (slot < devices_.size()) {
         devices_.at(slot) = descriptor;
+    } else {
+        unslotted_.push_back(descriptor);
     }
     return true;
 }

@@ -115,6 +115,7 @@ void Virtio_interface::drop_device(int descriptor) {
     if (slot != devices_.end()) {
         *slot = k_closed;
     }
+    unslotted_.erase(std::remove(unslotted_.begin(), unslotted_.end(), descriptor), unslotted_.end());
     --device_count_;
 }
 

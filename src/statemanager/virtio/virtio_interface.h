@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <deque>
 #include <string>
+#include <vector>
 
 namespace ximo::ap::statemanager::virtio {
 
@@ -62,6 +63,7 @@ class Virtio_interface final : public Virtio_interface_abstract {
     int device_count_ = 0;  ///< registered with epoll; may exceed the number of slots
     int epoll_ = k_closed;
     std::array<int, k_slots> devices_;  ///< the n-th registered device is in slot n, so slot 0 stays closed
+    std::vector<int> unslotted_;        ///< open as well: those that can't send keys, and those beyond the slots
     std::deque<Virtio_command> queue_;
     Virtio_command last_command_ = Virtio_command::none;  ///< accepted last; consuming doesn't reset it
     bool initialised_ = false;

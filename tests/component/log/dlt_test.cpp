@@ -1,4 +1,5 @@
 #include "bench/process/child_process.h"
+#include "bench/process/scratch_directory.h"
 #include "bench/vehicle/dlt_reader.h"
 
 #include <algorithm>
@@ -7,7 +8,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <optional>
+#include <ostream>
 #include <set>
 #include <string>
 #include <thread>
@@ -33,7 +36,9 @@ constexpr char const* k_last_words = "from the destructor of a static object";
 
 class Dlt : public testing::Test {
  protected:
-    static Child_process started(std::string const& task) { return {{LOG_PROGRAM, task}, {}}; }
+    static Child_process started(std::string const& task, std::vector<std::string> const& environment = {}) {
+        return {{LOG_PROGRAM, task}, environment};
+    }
 
     void run(std::string const& task) {
         auto program = started(task);
@@ -112,6 +117,41 @@ class Dlt : public testing::Test {
         return texts_until(viewer, k_last_words, milliseconds(1000));
     }
 
+    // What a program logs within 1.6 s of a daemon's coming when it is told each 100 ms to log at two levels, and with
+    // what it logs in the last 600 ms, when all levels have to be in force.
+    struct Logged {
+        std::ptrdiff_t told;
+        std::ptrdiff_t in_detail;
+    };
+    Logged logged_of_latecomer(Dlt_reader& latecomer, Child_process const& program) {
+        std::this_thread::sleep_for(milliseconds(1000));
+        latecomer.take();
+        for (int time = 0; time < 6; ++time) {
+            tell(program, 'x');
+            std::this_thread::sleep_for(milliseconds(100));
+        }
+        tell(program, 'e');
+        auto const texts = texts_until(latecomer, "told of an error");
+        return {std::count(texts.begin(), texts.end(), "DFLT told"),
+                std::count(texts.begin(), texts.end(), "DFLT told in detail")};
+    }
+
+    // How many of two levels come that the program is told to log at.
+    std::size_t told_levels(Dlt_reader& viewer, Child_process const& program) {
+        tell(program, 'x');
+        tell(program, 'e');
+        auto const texts = texts_until(viewer, "told of an error");
+        return static_cast<std::size_t>(std::count_if(texts.begin(), texts.end(), [](auto const& text) {
+            return text == "DFLT told" || text == "DFLT told in detail";
+        }));
+    }
+
+    // Each of the three levels is told once; which of them come.
+    std::vector<std::string> quiet_words(Dlt_reader& viewer, Child_process const& program) {
+        tell(program, 'q');
+        return texts_until(viewer, "quiet warning");
+    }
+
     // The messages of contexts other than the daemon's own until one begins with `last`.
     std::vector<std::string> texts_until(Dlt_reader& viewer, std::string const& last,
                                          milliseconds patience = k_patience) {
@@ -185,21 +225,122 @@ TEST_F(Dlt, Gets_what_was_logged_before_it_was_there) {
     EXPECT_EQ(program.wait(k_patience), 0);
 }
 
-TEST_F(Dlt, Lowers_the_level_of_a_context_when_its_viewer_wants_it) {
-    Dlt_reader viewer;
-    auto program = started("wait");
-    EXPECT_THAT(texts_until(viewer, "waiting").back(), HasSubstr("waiting"));
-    ASSERT_TRUE(viewer.set_level("PROG", "DFLT", 4));
-    auto const deadline = steady_clock::now() + k_patience;
-    std::vector<std::string> between;
-    do {
-        tell(program, 'x');
-        texts_until(viewer, "told");
-        tell(program, 'x');
-        between = texts_until(viewer, "told");
-    } while (between.front() != "DFLT told" && steady_clock::now() < deadline);
-    EXPECT_THAT(between, testing::ElementsAre("DFLT told"));
+TEST_F(Dlt, Has_all_levels_of_a_program_whatever_its_own_default) {
+    Dlt_reader viewer(4);
+    auto const program = started("wait");
+    EXPECT_EQ(told_levels(viewer, program), 2U) << "at once";
+    std::this_thread::sleep_for(milliseconds(1000));
+    EXPECT_EQ(told_levels(viewer, program), 2U) << "and when it has told its default";
 }
+
+TEST_F(Dlt, Lowers_the_level_of_a_context_when_its_viewer_wants_it) {
+    for (int const default_level : {4, 6}) {
+        Dlt_reader viewer(default_level);
+        auto const program = started("wait");
+        EXPECT_THAT(texts_until(viewer, "waiting").back(), HasSubstr("waiting"));
+        std::this_thread::sleep_for(milliseconds(1000));
+        EXPECT_EQ(told_levels(viewer, program), 2U);
+        ASSERT_TRUE(viewer.set_level("PROG", "DFLT", 4));
+        auto const deadline = steady_clock::now() + k_patience;
+        while (told_levels(viewer, program) != 1 && steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(milliseconds(20));
+        }
+        std::this_thread::sleep_for(milliseconds(600));
+        EXPECT_EQ(told_levels(viewer, program), 1U) << "it stays";
+    }
+}
+
+TEST_F(Dlt, Has_all_levels_of_a_program_a_second_after_it_has_come_late) {
+    auto const program = started("wait");
+    std::this_thread::sleep_for(milliseconds(700));
+    Dlt_reader latecomer(4);
+    auto const logged = logged_of_latecomer(latecomer, program);
+    EXPECT_EQ(logged.told, 6);
+    EXPECT_EQ(logged.in_detail, 6);
+}
+
+TEST_F(Dlt, Has_all_levels_of_a_program_again_after_it_was_killed) {
+    auto viewer = std::make_unique<Dlt_reader>(4);
+    auto const program = started("wait");
+    EXPECT_THAT(texts_until(*viewer, "waiting").back(), HasSubstr("waiting"));
+    viewer->daemon().signal(SIGKILL);
+    viewer.reset();
+    tell(program, 'x');
+    Dlt_reader next(4);
+    auto const logged = logged_of_latecomer(next, program);
+    EXPECT_EQ(logged.in_detail, 6);
+}
+
+TEST_F(Dlt, Has_the_level_of_a_context_that_was_made_for_few_messages_whenever_it_comes) {
+    auto const program = started("wait");
+    tell(program, 'q');
+    std::this_thread::sleep_for(milliseconds(700));
+    Dlt_reader latecomer(4);
+    std::vector<std::string> const quiet{"QUIT quiet error", "QUIT quiet warning"};
+    texts_until(latecomer, "quiet warning");
+    std::this_thread::sleep_for(milliseconds(1000));
+    EXPECT_EQ(quiet_words(latecomer, program), quiet);
+    auto const later_program = started("wait");
+    texts_until(latecomer, "waiting");
+    EXPECT_EQ(quiet_words(latecomer, later_program), quiet);
+}
+
+TEST_F(Dlt, Raises_the_level_of_a_context_that_was_made_for_few_messages_when_its_viewer_wants_it) {
+    auto const program = started("wait");
+    tell(program, 'q');
+    std::this_thread::sleep_for(milliseconds(700));
+    Dlt_reader latecomer(4);
+    texts_until(latecomer, "quiet warning");
+    std::this_thread::sleep_for(milliseconds(1000));
+    ASSERT_TRUE(latecomer.set_level("PROG", "QUIT", 6));
+    auto const deadline = steady_clock::now() + k_patience;
+    while (quiet_words(latecomer, program).size() != 3 && steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(milliseconds(20));
+    }
+    EXPECT_EQ(quiet_words(latecomer, program).size(), 3U);
+}
+
+// What keeps libdlt from being initialised at first; a later attempt finds it gone.
+struct Obstacle {
+    char const* name;
+    std::vector<std::string> environment;
+
+    friend std::ostream& operator<<(std::ostream& out, Obstacle const& obstacle) { return out << obstacle.name; }
+};
+
+class Dlt_that_can_not_be_initialised : public Dlt, public testing::WithParamInterface<Obstacle> {
+ protected:
+    static constexpr char const* k_later = "/tmp/later";  // a directory of the log daemon's pipe that comes late
+    ~Dlt_that_can_not_be_initialised() override { ::unlink(k_later); }
+
+    bench::Scratch_directory directory;
+};
+
+TEST_P(Dlt_that_can_not_be_initialised, Is_told_once_and_tried_again_and_loses_nothing) {
+    Dlt_reader viewer;
+    Child_process const program({"sh", "-c", R"(exec "$0" wait 2>"$1")", LOG_PROGRAM, directory.file("told")},
+                                GetParam().environment);
+    std::this_thread::sleep_for(milliseconds(1500));
+    std::filesystem::create_directory_symlink("/tmp", k_later);
+    auto const texts = texts_until(viewer, "waiting");
+    EXPECT_THAT(texts, Contains("DFLT before logging was initialised"));
+    EXPECT_EQ(texts.back(), "DFLT waiting");
+    std::ifstream told(directory.file("told"));
+    std::string line;
+    std::getline(told, line);
+    EXPECT_THAT(line,
+                MatchesRegex("PROG: libdlt can't be initialised .its pipes are in /tmp.*; tried again each second"));
+    EXPECT_FALSE(std::getline(told, line)) << line;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Obstacles, Dlt_that_can_not_be_initialised,
+    testing::Values(Obstacle{"A_directory_that_is_missing", {"DLT_PIPE_DIR=/tmp/later"}},
+                    Obstacle{"A_first_thread_that_can_not_be_started",
+                             {"LD_PRELOAD=" NO_THREAD, "NO_THREAD=1", "ASAN_OPTIONS=verify_asan_link_order=0"}},
+                    Obstacle{"A_second_thread_that_can_not_be_started",
+                             {"LD_PRELOAD=" NO_THREAD, "NO_THREAD=2", "ASAN_OPTIONS=verify_asan_link_order=0"}}),
+    [](auto const& instance) { return std::string(instance.param.name); });
 
 // What is not severe waits for the writer's next turn: after one turn an error comes long before the next.
 TEST_F(Dlt, Gets_an_error_at_once) {

@@ -1,6 +1,6 @@
 // log_program [TASK [MODES DIRECTORY]]: logs what the task tells, and ends. Task "wait" ends with its standard input,
-// on which each byte tells what to log: e an error, m another thousand numbers, anything else two levels. MODES is a
-// number, 1 (the log daemon) by default.
+// on which each byte tells what to log: e an error, m another thousand numbers, q three levels in a context that is
+// made for two of them, anything else two levels. MODES is a number, 1 (the log daemon) by default.
 
 #include "ara/log/logging.h"
 
@@ -38,6 +38,13 @@ void log_told() {
     ara::log::LogDebug() << "told in detail";
 }
 
+void log_quietly() {
+    static auto& quiet = ara::log::CreateLogger("QUIT", "A quiet context", ara::log::LogLevel::kWarn);
+    quiet.LogError() << "quiet error";
+    quiet.LogInfo() << "quiet info";
+    quiet.LogWarn() << "quiet warning";
+}
+
 void do_as_told() {
     int next = 0;
     char byte = 0;
@@ -49,6 +56,9 @@ void do_as_told() {
             case 'm':
                 log_many(next);
                 next += k_many;
+                break;
+            case 'q':
+                log_quietly();
                 break;
             default:
                 log_told();
@@ -65,6 +75,7 @@ struct Logs_when_it_dies {
 int main(int argc, char** argv) {
     std::string const task = argc > 1 ? argv[1] : "";
     ara::log::LogInfo() << "before logging was initialised";
+    std::atexit([] { ara::log::LogInfo() << "when all is over"; });  // after the log has ended
     auto const mode = static_cast<ara::log::LogMode>(argc > 3 ? std::stoi(argv[2]) : 1);
     ara::log::InitLogging("PROG", "A program that logs", ara::log::LogLevel::kVerbose, mode, argc > 3 ? argv[3] : "");
     static Logs_when_it_dies const last;

@@ -43,5 +43,17 @@ TEST_F(Log, Carries_level_context_and_time_of_a_call) {
     EXPECT_NEAR(static_cast<double>(message.time), static_cast<double>(word.time), 5e6) << "logged just before";
 }
 
+// Without a device a cycle waits for nothing, and each logs at debug and verbose.
+TEST_F(Log, Keeps_room_for_the_last_words_when_a_daemon_without_devices_floods_it) {
+    start_and_run();
+    machine->hypervisor().command({{"do", "remove_device"}, {"device", "event0"}});
+    machine->watch(std::chrono::milliseconds(500));
+    machine->signal_daemon(SIGTERM);
+    EXPECT_TRUE(ends_with(0));
+    for (auto const* const word : {"SIGTERM received!", "AP_StateManger daemon shutting down"}) {
+        EXPECT_TRUE(logs(word)) << word;
+    }
+}
+
 }  // namespace
 }  // namespace bench::vehicle

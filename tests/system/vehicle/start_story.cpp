@@ -82,6 +82,16 @@ TEST_F(Start, Ends_with_status_255_when_the_host_has_no_name_to_choose_by) {
     EXPECT_THAT(texts(Kind::notification), IsEmpty());
 }
 
+// libdlt starts two threads before the log starts its own.
+TEST_F(Start, Ends_with_status_255_when_the_log_can_not_have_a_thread) {
+    options.daemon_starter = {"/usr/bin/env", "LD_PRELOAD=" NO_THREAD, "NO_THREAD=3",
+                              "ASAN_OPTIONS=verify_asan_link_order=0"};
+    start();
+    EXPECT_TRUE(ends_with(255));
+    EXPECT_EQ(level_of("AP_StateManger is aborted:  Resource temporarily unavailable"), 1);
+    EXPECT_THAT(texts(Kind::state_word), IsEmpty());
+}
+
 TEST_F(Start, Ends_with_status_0_without_input_devices) {
     options.devices = 0;
     start();

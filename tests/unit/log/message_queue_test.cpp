@@ -10,10 +10,10 @@
 namespace ara::log {
 namespace {
 
-bool push(Message_queue& sut, std::string const& text) {
+bool push(Message_queue& sut, std::string const& text, LogLevel level = LogLevel::kInfo) {
     Message_header header{};
     header.size = static_cast<std::uint16_t>(text.size());
-    header.level = LogLevel::kInfo;
+    header.level = level;
     return sut.push(header, text.data());
 }
 
@@ -62,14 +62,39 @@ TEST(Message_queue, Refuses_a_long_message_when_only_a_short_one_fits) {
     EXPECT_TRUE(push(sut, "x"));
 }
 
-TEST(Message_queue, Tells_when_it_is_half_full) {
-    Message_queue sut;
-    for (std::size_t slot = 0; slot < Message_queue::k_slots / 2; ++slot) {
-        push(sut, "x");
+TEST(Message_queue, Keeps_a_quarter_for_what_is_more_than_details) {
+    for (auto const detail : {LogLevel::kDebug, LogLevel::kVerbose}) {
+        Message_queue sut;
+        std::size_t details = 0;
+        while (push(sut, "detail", detail)) {
+            ++details;
+        }
+        EXPECT_EQ(details, Message_queue::k_slots - Message_queue::k_kept_slots);
+        std::size_t others = 0;
+        for (auto const level : {LogLevel::kFatal, LogLevel::kError, LogLevel::kWarn}) {
+            others += push(sut, "more", level) ? 1 : 0;
+        }
+        while (push(sut, "more", LogLevel::kInfo)) {
+            ++others;
+        }
+        EXPECT_EQ(others, Message_queue::k_kept_slots);
+        EXPECT_FALSE(push(sut, "fatal", LogLevel::kFatal));
+        for (std::size_t taken = 0; taken < Message_queue::k_kept_slots; ++taken) {
+            ASSERT_EQ(pop(sut), "detail");
+            EXPECT_FALSE(push(sut, "detail", detail)) << "what is kept is given back first";
+        }
+        ASSERT_EQ(pop(sut), "detail");
+        EXPECT_TRUE(push(sut, "detail", detail));
     }
-    EXPECT_FALSE(sut.is_half_full());
-    push(sut, "x");
-    EXPECT_TRUE(sut.is_half_full());
+}
+
+TEST(Message_queue, Knows_how_many_slots_are_taken) {
+    Message_queue sut;
+    push(sut, "short");
+    push(sut, std::string(2 * Message_queue::k_slot_data, 'x'));
+    EXPECT_EQ(sut.size(), 4U);
+    pop(sut);
+    EXPECT_EQ(sut.size(), 3U);
 }
 
 TEST(Message_queue, Loses_and_mixes_nothing_between_threads) {

@@ -1,6 +1,8 @@
 #include "virtio_fixture.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <string>
 
 namespace ximo::ap::statemanager::virtio {
 namespace {
@@ -184,6 +186,27 @@ TEST_F(Device_discovery, A_start_after_a_failed_one_looks_again) {
 
     system.press("event0", KEY_R);
     EXPECT_EQ(sut->get_command(0), Virtio_command::run);
+}
+
+TEST_F(Device_discovery, A_start_after_a_failed_one_leaves_no_device_open_that_has_no_slot) {
+    constexpr std::size_t k_devices = 8;
+    for (std::size_t number = 0; number < k_devices; ++number) {
+        system.add_device("event" + std::to_string(number));
+    }
+    system.add_device("event-without-keys", std::uint64_t{1} << EV_SYN);
+    system.add_device("event-refused");
+    system.refuse_open("event-refused");
+    ASSERT_FALSE(sut->init("/dev/input"));
+    ASSERT_EQ(system.open_count(), k_devices + 2) << "its devices, the one without keys, and the epoll instance";
+
+    EXPECT_FALSE(sut->init("/dev/input"));
+    EXPECT_EQ(system.open_count(), k_devices + 2);
+
+    int const gone = system.descriptor_of("event7");
+    system.hang_up("event7");
+    sut->get_command(0);
+    EXPECT_FALSE(sut->init("/dev/input"));
+    EXPECT_EQ(std::count(system.closes().begin(), system.closes().end(), gone), 1) << "its number may be another's";
 }
 
 TEST_F(Device_discovery, A_start_after_one_that_failed_half_way_keeps_nothing_of_it) {
