@@ -1,6 +1,9 @@
 #ifndef ARA_COM_OCTETS_H
 #define ARA_COM_OCTETS_H
 
+#include "tarq/com/exception.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -15,6 +18,17 @@ Sequence view(std::vector<std::uint8_t> const& octets) {
     sequence._length = sequence._maximum;
     sequence._buffer = const_cast<std::uint8_t*>(octets.data());
     return sequence;
+}
+
+/// As `view`, for the result of a method; throws `tarq::com::Infrastructure_exception` for one that can't be sent, so
+/// that its caller is refused and does not wait for a reply.
+template <class Sequence>
+Sequence view_of_result(std::vector<std::uint8_t> const& octets) {
+    constexpr std::size_t k_most_octets = 1024;
+    if (octets.size() > k_most_octets) {
+        throw tarq::com::Infrastructure_exception("a result that is too long");
+    }
+    return view<Sequence>(octets);
 }
 
 template <class Sequence>

@@ -12,7 +12,8 @@ namespace ara::com {
 /// Base of a client's proxies: the lookup of its interface, and the way to the instance of a handle.
 ///
 /// A proxy outlives its instance's withdrawal: calls fail meanwhile, and work again once the same instance is offered
-/// again. A call takes at most two seconds until its future is ready, connecting with the instance included.
+/// again. A call takes at most the time of its interface until its future is ready, connecting with the instance
+/// included.
 template <Service_type const& k_type>
 class Proxy {
  public:

@@ -1,6 +1,7 @@
 #ifndef ARA_COM_SERVICE_TYPE_H
 #define ARA_COM_SERVICE_TYPE_H
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 
@@ -19,7 +20,8 @@ struct Service_type {
     char const* name;
     Topic_type request;
     Topic_type reply;
-    std::size_t reply_union;  ///< offset of the reply's union, which begins with its discriminator
+    std::size_t reply_union;               ///< offset of the reply's union, which begins with its discriminator
+    std::chrono::seconds longest_call{2};  ///< from the call to the end of its future, connecting included
 };
 
 /// The union's discriminator in a reply that carries no result: it selects the default member.

@@ -36,13 +36,14 @@ Nm_interface::~Nm_interface() {
     network_state_.hold(nullptr);
 }
 
+// A report that can't be acted on, since there can be no proxy just then, is made again by the binding.
 void Nm_interface::start_find_services(std::function<void()> const& on_services_found) {
     auto const announcement = std::make_shared<Announcement>(on_services_found);
     network_state_.start([this, announcement](ara::com::ServiceHandleContainer const& handles) {
-        succeeds([&] { network_state_reported(handles, *announcement); });
+        network_state_reported(handles, *announcement);
     });
     user_data_.start([this, announcement](ara::com::ServiceHandleContainer const& handles) {
-        succeeds([&] { user_data_reported(handles, *announcement); });
+        user_data_reported(handles, *announcement);
     });
 }
 

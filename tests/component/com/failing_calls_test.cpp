@@ -1,5 +1,6 @@
 #include "client_fixture.h"
 #include "peer_numbers.h"
+#include "peer_services.h"
 
 #include <chrono>
 #include <memory>
@@ -20,6 +21,27 @@ TEST_F(Failing_calls, A_sequence_that_is_too_long_fails_and_does_not_arrive) {
     EXPECT_THROW(sut.RequestComAlive(Bytes(1025), 1).get(), tarq::com::Infrastructure_exception);
     EXPECT_TRUE(succeeds(sut.RequestComAlive({9}, 2)));
     EXPECT_EQ(peer.await_event("request")["bytes"], Bytes{9});
+}
+
+class Long_winded : public User_data {
+ public:
+    using User_data::User_data;
+    ~Long_winded() override { StopOfferService(); }
+
+    ximo::com::Future<tarq::udpnm::interface::GetUserData::Output> GetUserData() override {
+        ximo::com::Promise<tarq::udpnm::interface::GetUserData::Output> promise;
+        promise.set_value({Bytes(1025)});
+        return promise.get_future();
+    }
+};
+
+TEST_F(Failing_calls, A_result_that_is_too_long_fails_at_once) {
+    Long_winded service("app");
+    service.OfferService();
+    User_data_proxy sut(found<User_data_proxy>("app"));
+    auto const begin = steady_clock::now();
+    EXPECT_EQ(remote_code(sut.GetUserData()), Remote_exception_code::kUnknownException);
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(1000));
 }
 
 TEST_F(Failing_calls, A_handler_that_throws_fails_its_call_and_no_other) {

@@ -179,6 +179,23 @@ TEST_F(Finding, A_handler_that_throws_gets_further_reports) {
     Com_alive_proxy::StopFindService(sut);
 }
 
+TEST_F(Finding, A_handler_that_fails_for_want_of_something_gets_the_report_again) {
+    auto peer = server({"app"});
+    Seen<Names> reports;
+    auto const sut = Com_alive_proxy::StartFindService(
+        [&reports](auto const& handles) {
+            reports.add(names(handles));
+            if (!handles.empty() && reports.now().size() < 4) {
+                throw tarq::com::Infrastructure_exception("for want of something");
+            }
+        },
+        ara::com::InstanceSpecifier("*"));
+    EXPECT_EQ(reports.await_count(4).back(), Names{"app"});
+    std::this_thread::sleep_for(milliseconds(700));
+    EXPECT_EQ(reports.now().size(), 4U);
+    Com_alive_proxy::StopFindService(sut);
+}
+
 TEST_F(Finding, A_handler_may_make_proxies_and_calls) {
     auto peer = server({"app"});
     Seen<std::string> results;

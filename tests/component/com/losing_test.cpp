@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 
 namespace com_test {
 namespace {
@@ -61,8 +62,21 @@ class Losing : public Client {
         return time;
     }
 
+    // One to a service whose calls have two seconds.
+    ximo::com::Future<void> waiting_short_call() {
+        auto future = network_.RequestNetwork({k_wait});
+        peer_->await_event("request network");
+        return future;
+    }
+
     std::unique_ptr<bench::Player> peer_ = started();
     Com_alive_proxy proxy_{found<Com_alive_proxy>("app")};
+    Network_proxy network_{found<Network_proxy>("app")};
+
+    void restart_given_up_soon() {
+        peer_->process().signal(SIGKILL);
+        peer_ = started(given_up_soon());
+    }
 
     static std::unique_ptr<bench::Player> started(std::vector<std::string> const& environment = {}) {
         return std::make_unique<bench::Player>(std::vector<std::string>{PEER_PROGRAM, "app"}, environment);
@@ -134,7 +148,7 @@ TEST_F(Losing, A_server_that_ends_and_is_started_again_serves_the_proxy_again) {
 
 TEST_F(Losing, A_server_that_stands_still_fails_pending_calls_within_two_seconds) {
     auto const begin = steady_clock::now();
-    auto future = waiting_call();
+    auto future = waiting_short_call();
     peer_->process().signal(SIGSTOP);
     EXPECT_NE(error_of(std::move(future)), "none");
     EXPECT_LT(steady_clock::now() - begin, milliseconds(2500));
@@ -142,8 +156,7 @@ TEST_F(Losing, A_server_that_stands_still_fails_pending_calls_within_two_seconds
 }
 
 TEST_F(Losing, A_server_that_was_given_up_serves_the_proxy_again) {
-    peer_->process().signal(SIGKILL);
-    peer_ = started(given_up_soon());
+    restart_given_up_soon();
     expect_working();
     Watching<Com_alive_proxy> lookup("*");
     lookup.expect({"app"});
@@ -156,11 +169,85 @@ TEST_F(Losing, A_server_that_was_given_up_serves_the_proxy_again) {
 
 TEST_F(Losing, A_handler_that_does_not_end_fails_its_call_after_two_seconds) {
     auto const begin = steady_clock::now();
-    auto future = waiting_call();
+    auto future = waiting_short_call();
     EXPECT_THROW(future.get(), tarq::com::Timeout_exception);
     auto const time = steady_clock::now() - begin;
     EXPECT_GE(time, milliseconds(2000));
     EXPECT_LT(time, milliseconds(2500));
+}
+
+// Their calls wait for the network manager, whom the others' calls wait for as well.
+TEST_F(Losing, A_handler_of_the_daemons_services_may_take_longer) {
+    auto future = waiting_call();
+    EXPECT_EQ(future.wait_for(milliseconds(2500)), std::future_status::timeout);
+    peer_->command({{"do", "continue"}});
+    EXPECT_TRUE(succeeds(std::move(future)));
+}
+
+TEST_F(Losing, A_server_that_was_lost_from_sight_for_a_moment_serves_the_next_call) {
+    restart_given_up_soon();
+    expect_working();
+    peer_->process().signal(SIGSTOP);
+    std::this_thread::sleep_for(milliseconds(1400));
+    peer_->process().signal(SIGCONT);
+    EXPECT_TRUE(succeeds(proxy_.RequestComAlive({2}, 0)));
+    peer_->await_event("request", {{"bytes", {2}}});
+}
+
+TEST_F(Losing, A_server_that_was_lost_from_sight_is_awaited_for_a_second_and_a_half) {
+    restart_given_up_soon();
+    expect_working();
+    auto pending = waiting_call();
+    auto const begin = steady_clock::now();
+    peer_->process().signal(SIGSTOP);
+    EXPECT_EQ(error_of(std::move(pending)), k_not_available);
+    auto const time = steady_clock::now() - begin;
+    EXPECT_GE(time, milliseconds(1500));
+    EXPECT_LT(time, milliseconds(5000));
+    EXPECT_EQ(error_of(proxy_.ReleaseComAlive({})), k_not_available);
+    EXPECT_LT(steady_clock::now() - begin, time + milliseconds(500)) << "once";
+}
+
+TEST_F(Losing, A_server_that_is_killed_while_it_is_awaited_fails_calls_at_once) {
+    restart_given_up_soon();
+    expect_working();
+    auto pending = waiting_call();
+    peer_->process().signal(SIGSTOP);
+    std::this_thread::sleep_for(milliseconds(1400));
+    auto const begin = steady_clock::now();
+    peer_->process().signal(SIGKILL);
+    EXPECT_EQ(error_of(std::move(pending)), k_not_available);
+    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
+}
+
+TEST_F(Losing, A_call_that_was_under_way_when_its_server_was_lost_is_not_sent_again) {
+    restart_given_up_soon();
+    expect_working();
+    auto pending = waiting_call();
+    auto const seen = peer_->position();
+    peer_->process().signal(SIGSTOP);
+    std::this_thread::sleep_for(milliseconds(1400));
+    peer_->process().signal(SIGCONT);
+    EXPECT_EQ(error_of(std::move(pending)), k_not_available);
+    peer_->command({{"do", "continue"}});
+    EXPECT_TRUE(succeeds(proxy_.RequestComAlive({3}, 0)));
+    EXPECT_EQ(peer_->await_event("request", {}, seen)["bytes"], Bytes{3});
+}
+
+// The ends of the older offer may still be there when the newer one is known.
+TEST_F(Losing, A_service_that_is_withdrawn_and_offered_again_serves_each_call_that_follows) {
+    for (int round = 0; round < 50; ++round) {
+        ASSERT_TRUE(succeeds(network_.RequestNetwork({1}))) << round;
+        peer_->send_line(R"({"do":"withdraw","instance":"app"})");
+        peer_->command({{"do", "offer"}, {"instance", "app"}});
+        auto outcome = error_of(network_.RequestNetwork({1}));
+        auto const begin = steady_clock::now();
+        while (outcome == k_not_available && steady_clock::now() < begin + k_faster_than_timeout) {
+            outcome = error_of(network_.RequestNetwork({1}));
+        }
+        EXPECT_EQ(outcome, "none") << round;
+        peer_->log().messages();
+    }
 }
 
 TEST_F(Losing, A_client_that_is_killed_in_its_call_harms_nobody) {

@@ -5,7 +5,8 @@
 
 namespace com_test {
 
-/// The number in a COM-alive request tells what the peer's handler does besides telling of it.
+/// The number in a COM-alive request, or the only octet of a network request, tells what the peer's handler does
+/// besides telling of it.
 inline constexpr std::uint8_t k_throw = 100;
 inline constexpr std::uint8_t k_wait = 101;  ///< until the command "continue"
 inline constexpr std::uint8_t k_break_promise = 102;

@@ -53,11 +53,17 @@ ximo::com::Future<void> Com_alive::RequestComAlive(Bytes const& cab_bits, std::u
     return completed();
 }
 
-Network::Network(std::string const& name, Tell tell)
-    : NetworkStateInterfaceSkeleton(InstanceIdentifier(name), k_event), name_(name), tell_(std::move(tell)) {}
+Network::Network(std::string const& name, Tell tell, std::shared_future<void> gate)
+    : NetworkStateInterfaceSkeleton(InstanceIdentifier(name), k_event),
+      name_(name),
+      tell_(std::move(tell)),
+      gate_(std::move(gate)) {}
 
 ximo::com::Future<void> Network::RequestNetwork(Bytes const& bits) {
     tell_({{"event", "request network"}, {"instance", name_}, {"bytes", bits}});
+    if (bits == Bytes{k_wait}) {
+        gate_.wait();
+    }
     return completed();
 }
 
@@ -81,7 +87,7 @@ ximo::com::Future<void> User_data::SetUserData(Bytes const& data) {
 
 void Peer_services::offer(std::string const& name) {
     auto& services = offered_[name];
-    services.network = std::make_unique<Network>(name, tell_);
+    services.network = std::make_unique<Network>(name, tell_, gate_);
     services.user_data = std::make_unique<User_data>(name);
     services.com_alive = std::make_unique<Com_alive>(name, tell_, gate_);
     services.network->OfferService();

@@ -41,7 +41,7 @@ class Com_alive : public ximo::ap::statemanager::skeleton::StateManagementComAli
 
 class Network : public tarq::udpnm::interface::skeleton::NetworkStateInterfaceSkeleton {
  public:
-    Network(std::string const& name, Tell tell);
+    Network(std::string const& name, Tell tell, std::shared_future<void> gate = {});
     ~Network() override { StopOfferService(); }
 
     ximo::com::Future<void> RequestNetwork(Bytes const& bits) override;
@@ -50,6 +50,7 @@ class Network : public tarq::udpnm::interface::skeleton::NetworkStateInterfaceSk
  private:
     std::string const name_;
     Tell const tell_;
+    std::shared_future<void> const gate_;
 };
 
 /// Gives back what was set.

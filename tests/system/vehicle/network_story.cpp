@@ -1,6 +1,12 @@
 // What the network does to the machine, and what becomes of it when the network manager fails.
 
 #include "network_machine.h"
+#include "tool.h"
+
+#include <filesystem>
+#include <future>
+#include <iterator>
+#include <thread>
 
 namespace bench::vehicle {
 namespace {
@@ -19,7 +25,27 @@ class Network : public Network_story {
         build();
         tell_node({{"do", "withdraw"}});
     }
+
+    /// The process of the machine's node.
+    static pid_t node() {
+        for (auto const& entry : std::filesystem::directory_iterator("/proc")) {
+            std::ifstream file(entry.path() / "cmdline");
+            std::string const words{std::istreambuf_iterator<char>(file), {}};
+            if (words.find("bench_network_node") != std::string::npos && words.find("--offer") != std::string::npos) {
+                return std::stoi(entry.path().filename());
+            }
+        }
+        throw std::runtime_error("the machine has no node");
+    }
+
+    bool logs_a_failed_call() const {
+        auto const logged = texts(Kind::log);
+        return std::any_of(logged.begin(), logged.end(),
+                           [](auto const& text) { return text.rfind("infrastructure exception", 0) == 0; });
+    }
 };
+
+class Network_stalls : public Network, public testing::WithParamInterface<std::chrono::milliseconds> {};
 
 TEST_F(Network, Is_awaited_before_the_machine_runs) {
     build_without_manager();
@@ -159,6 +185,48 @@ TEST_F(Network, Manager_may_never_answer) {
     release("1", com_alive("02"));
     EXPECT_TRUE(sees(Kind::network_state, "01 00 00 00 00 00"));
     EXPECT_EQ(requests_of_node(), "01 00 00 00 00 00");
+}
+
+// The daemon hears of the offers, and the manager stands still before they are connected.
+TEST_P(Network_stalls, Of_a_manager_that_was_just_found_lose_nothing) {
+    build_without_manager();
+    tell_node({{"do", "request"}, {"bits", "02"}});  // as an earlier life of the daemon may have left it
+    start();
+    ASSERT_TRUE(logs("Could not find UserData service"));
+    machine->signal_daemon(SIGSTOP);
+    tell_node({{"do", "offer"}});
+    ::kill(node(), SIGSTOP);
+    machine->signal_daemon(SIGCONT);
+    ASSERT_TRUE(logs("Found UserData service"));
+    std::this_thread::sleep_for(GetParam());
+    ::kill(node(), SIGCONT);
+
+    EXPECT_TRUE(sees(Kind::user_data, "80 00 00"));
+    EXPECT_TRUE(sees(Kind::state_word, "running"));
+    EXPECT_TRUE(sees(Kind::network_state, "01 00 00 00 00 00"));
+    EXPECT_EQ(requests_of_node(), "01 00 00 00 00 00");
+    EXPECT_FALSE(logs_a_failed_call());
+}
+
+INSTANTIATE_TEST_SUITE_P(Up_to_the_time_of_a_call, Network_stalls,
+                         testing::Values(std::chrono::milliseconds(500), std::chrono::milliseconds(1800)),
+                         [](auto const& stall) { return "Of_" + std::to_string(stall.param.count()) + "_ms"; });
+
+TEST_F(Network, Manager_that_never_answers_makes_applications_wait_and_fails_none_of_them) {
+    start_and_run();
+    tell_node({{"do", "reaction"}, {"method", "RequestNetwork"}, {"silent", true}, {"count", 3}});
+    std::vector<std::future<Outcome>> calls;
+    for (std::vector<std::string> const& words : {std::vector<std::string>{"ecu-alive", "request", "1"},
+                                                  {"ecu-alive", "request", "2"},
+                                                  {"com-alive", "request", "1", "--bits", "02"},
+                                                  {"cwu", "request", "1"}}) {
+        calls.push_back(std::async(std::launch::async, [words] { return statectl(words); }));
+    }
+    for (auto& call : calls) {
+        auto const outcome = call.get();
+        EXPECT_EQ(outcome.status, 0) << outcome.output;
+    }
+    EXPECT_TRUE(sees(Kind::user_data, "c0 00 00"));
 }
 
 TEST_F(Network, Manager_that_is_slow_does_not_hold_up_the_daemon) {

@@ -29,7 +29,7 @@ void serve(NetworkStateInterfaceSkeleton& service, void const* sample, ara::com:
         case 2: {
             auto const value = service.NetworkState.get();
             reply.data._u.getNetworkState._u.result.value =
-                ara::com::view<tarq_udpnm_interface_NetworkStateInterface_Bytes>(value);
+                ara::com::view_of_result<tarq_udpnm_interface_NetworkStateInterface_Bytes>(value);
             answer(&reply);
             return;
         }

@@ -19,7 +19,7 @@ void serve(UserDataInterfaceSkeleton& service, void const* sample, ara::com::Rep
         case 0: {
             auto const output = service.GetUserData().get();
             reply.data._u.getUserData._u.result.data =
-                ara::com::view<tarq_udpnm_interface_UserDataInterface_Bytes>(output.data);
+                ara::com::view_of_result<tarq_udpnm_interface_UserDataInterface_Bytes>(output.data);
             answer(&reply);
             return;
         }

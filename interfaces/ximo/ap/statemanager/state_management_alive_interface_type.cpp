@@ -1,6 +1,7 @@
 #include "ximo/ap/statemanager/state_management_alive_interface_type.h"
 
 #include "state_management_alive_interface.h"
+#include "ximo/ap/statemanager/longest_call.h"
 
 #include <cstddef>
 
@@ -12,6 +13,7 @@ ara::com::Service_type const k_state_management_alive_interface{
      sizeof(ximo_ap_statemanager_StateManagementAliveInterface_Request)},
     {&ximo_ap_statemanager_StateManagementAliveInterface_Reply_desc,
      sizeof(ximo_ap_statemanager_StateManagementAliveInterface_Reply)},
-    offsetof(ximo_ap_statemanager_StateManagementAliveInterface_Reply, data)};
+    offsetof(ximo_ap_statemanager_StateManagementAliveInterface_Reply, data),
+    k_longest_call};
 
 }  // namespace ximo::ap::statemanager

@@ -1,6 +1,7 @@
 #include "ximo/ap/statemanager/state_management_com_alive_interface_type.h"
 
 #include "state_management_com_alive_interface.h"
+#include "ximo/ap/statemanager/longest_call.h"
 
 #include <cstddef>
 
@@ -12,6 +13,7 @@ ara::com::Service_type const k_state_management_com_alive_interface{
      sizeof(ximo_ap_statemanager_StateManagementComAliveInterface_Request)},
     {&ximo_ap_statemanager_StateManagementComAliveInterface_Reply_desc,
      sizeof(ximo_ap_statemanager_StateManagementComAliveInterface_Reply)},
-    offsetof(ximo_ap_statemanager_StateManagementComAliveInterface_Reply, data)};
+    offsetof(ximo_ap_statemanager_StateManagementComAliveInterface_Reply, data),
+    k_longest_call};
 
 }  // namespace ximo::ap::statemanager

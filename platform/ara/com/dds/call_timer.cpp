@@ -1,5 +1,7 @@
 #include "ara/com/dds/call_timer.h"
 
+#include "ara/com/dds/started_thread.h"
+
 #include <utility>
 
 #include <pthread.h>
@@ -9,7 +11,7 @@ namespace ara::com::dds {
 void Call_timer::start() {
     base::Lock_guard lock(mutex_);
     if (!stopped_ && !thread_.joinable()) {
-        thread_ = std::thread([this] { run(); });
+        thread_ = started_thread([this] { run(); });
     }
 }
 

@@ -14,21 +14,21 @@ namespace ara::com::dds {
 
 using Clock = std::chrono::steady_clock;
 
-/// Who has calls that must not wait for ever.
+/// Who has calls, or something else, that must not wait for ever.
 class Expiring {
  public:
     virtual ~Expiring() = default;
-    /// Fails the calls whose time is over, and tells when to look again; nothing when no call is left. Must not block.
+    /// Ends what has waited for its time, and tells when to look again; nothing when nothing is left. Must not block.
     virtual std::optional<Clock::time_point> expire(Clock::time_point now) = 0;
 };
 
-/// Looks after the deadlines of calls on a thread of its own. It is not woken for
+/// Looks after the deadlines of calls, and of who is awaited, on a thread of its own. It is not woken for
 /// each call: who has calls stays noted until a look finds none. Thread-safe.
 class Call_timer {
  public:
     ~Call_timer() { stop(); }
 
-    /// Throws `std::system_error` when there is no thread to be had. May be repeated.
+    /// Throws `tarq::com::Infrastructure_exception` when there is no thread to be had. May be repeated.
     void start();
 
     /// Looks at the calls at their first deadline, and again when they say so, until none is left.

@@ -13,29 +13,14 @@ namespace ara::com::dds {
 
 using tarq::com::Infrastructure_exception;
 using tarq::com::Service_not_available_exception;
-
-namespace {
-
-// From the call to the end of its future. An instance that was just found is connected within a few milliseconds; a
-// server that stands still is given the whole time of the call.
-constexpr std::chrono::seconds k_longest_call{2};
-
-}  // namespace
+using tarq::com::Timeout_exception;
 
 Caller::Caller(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier const& instance)
     : engine_(std::move(engine)), type_(type), instance_(instance) {}
 
 void Caller::open() {
     engine_->adopt(weak_from_this());
-    engine_->timer().start();
-    auto path = std::make_shared<Call_path>(
-        engine_->participant(), type_, instance_.ToString(),
-        [this](Sample reply, dds_sample_info_t const& info) {
-            if (info.valid_data) {
-                received(reply.get());
-            }
-        },
-        [this] { connection_changed(); });
+    auto path = make_path();
     {
         base::Lock_guard lock(mutex_);
         path_ = std::move(path);
@@ -43,12 +28,27 @@ void Caller::open() {
     engine_->offers().add(weak_from_this());
 }
 
+std::shared_ptr<Call_path> Caller::make_path() {
+    return std::make_shared<Call_path>(
+        engine_->participant(), type_, instance_.ToString(),
+        [this](Sample reply, dds_sample_info_t const& info) {
+            if (info.valid_data) {
+                received(reply.get());
+            }
+        },
+        [this] { connection_changed(); });
+}
+
+// An instance that was just found is connected within a few milliseconds; a server that stands still is given the whole
+// time of the call.
 void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
-    auto const deadline = Clock::now() + k_longest_call;
+    auto const deadline = Clock::now() + type_.longest_call;
     std::optional<Begun_call> begun;
     try {
-        await_server(deadline);
-        begun = begin(pending, deadline);
+        do {
+            await_server(deadline);
+            begun = begin(pending, deadline);
+        } while (!begun);
         begun->path->send(request, begun->number);
     } catch (Infrastructure_exception const&) {
         if (begun) {
@@ -61,17 +61,23 @@ void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
     }
 }
 
-// The server may have gone since it was reached.
+// Nothing when the server has gone since it was reached.
 std::optional<Caller::Begun_call> Caller::begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline) {
     base::Lock_guard lock(mutex_);
     if (!reached_ || !path_) {
-        throw Service_not_available_exception();
+        return std::nullopt;
     }
     auto const number = calls_.add(std::move(pending), deadline);
-    if (!std::exchange(timed_, true)) {
-        engine_->timer().watch(weak_from_this(), deadline);
-    }
+    look_at(deadline);
     return Begun_call{path_, number};
+}
+
+// The timer need not know of each call: the first look tells of the next.
+void Caller::look_at(Clock::time_point when) {
+    if (!next_look_ || when < *next_look_) {
+        next_look_ = when;
+        engine_->timer().watch(weak_from_this(), when);
+    }
 }
 
 void Caller::received(void const* reply) {
@@ -93,16 +99,20 @@ std::unique_ptr<Pending_reply> Caller::take(dds_rpc_ReplyHeader const& header) {
     return path_ ? calls_.take(path_->number_of(header)) : nullptr;
 }
 
+// A look that an earlier one has overtaken finds that another is to come.
 std::optional<Clock::time_point> Caller::expire(Clock::time_point now) {
-    Pending_calls::Replies late;
+    Pending_calls::Late late;
     std::optional<Clock::time_point> next;
     {
         base::Lock_guard lock(mutex_);
+        if (!next_look_ || now < *next_look_) {
+            return std::nullopt;
+        }
         late = calls_.take_late(now);
-        next = calls_.next_deadline();
-        timed_ = next.has_value();
+        next_look_ = next = calls_.next_deadline();
     }
-    fail_all(late, std::make_exception_ptr(tarq::com::Timeout_exception("The service did not answer in time")));
+    fail_all(late.unanswered, std::make_exception_ptr(Timeout_exception("The service did not answer in time")));
+    fail_all(late.lost, std::make_exception_ptr(Service_not_available_exception()));
     return next;
 }
 

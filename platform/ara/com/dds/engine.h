@@ -54,10 +54,10 @@ class Engine {
 
     Workers workers_;
     std::shared_ptr<Strand> const strand_;
+    Call_timer timer_;
     std::unique_ptr<Participant> participant_;
     std::unique_ptr<Announcer> announcer_;
-    std::unique_ptr<Known_offers> offers_;
-    Call_timer timer_;
+    std::shared_ptr<Known_offers> offers_;
     base::Mutex mutex_;
     std::vector<std::weak_ptr<Part>> parts_ GUARDED_BY(mutex_);
     bool down_ GUARDED_BY(mutex_) = false;

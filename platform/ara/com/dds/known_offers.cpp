@@ -1,7 +1,9 @@
 #include "ara/com/dds/known_offers.h"
 
 #include "ara/com/dds/process_space.h"
+#include "ara/log/logging.h"
 #include "service_offer.h"
+#include "tarq/com/exception.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,6 +14,10 @@
 namespace ara::com::dds {
 
 namespace {
+
+// A participant announces itself every 0.8 s. Who was lost and still runs is found again, and connected, in this time.
+constexpr std::chrono::milliseconds k_longest_absence{1500};
+constexpr std::chrono::milliseconds k_pause_before_next_try{500};
 
 bool comes_before(Known_offer const& left, Known_offer const& right) {
     return key_of(left) < key_of(right);
@@ -28,8 +34,8 @@ Known_offer read(ara_com_ServiceOffer const& sample, std::string const& process_
 
 }  // namespace
 
-Known_offers::Known_offers(Participant& participant, std::shared_ptr<Strand> strand)
-    : participant_(participant), strand_(std::move(strand)), process_space_(process_space()) {}
+Known_offers::Known_offers(Participant& participant, std::shared_ptr<Strand> strand, Call_timer& timer)
+    : participant_(participant), strand_(std::move(strand)), timer_(timer), process_space_(process_space()) {}
 
 void Known_offers::add(std::weak_ptr<Offer_observer> observer) {
     strand_->post([this, observer = std::move(observer)] {
@@ -45,8 +51,23 @@ void Known_offers::begin() {
     if (reader_) {
         return;
     }
-    watch_ = std::make_unique<Process_watch>(
-        [this](pid_t process) { strand_->post([this, process] { process_ended(process); }); });
+    try {
+        open_reader();
+    } catch (tarq::com::Infrastructure_exception const& error) {
+        if (!std::exchange(failed_, true)) {
+            ara::log::LogError() << "Offers of services can't be heard of yet: " << error.what();
+        }
+        look_at(Clock::now() + k_pause_before_next_try);
+    }
+}
+
+void Known_offers::open_reader() {
+    if (!watch_) {
+        watch_ = std::make_unique<Process_watch>([this](pid_t process) {
+            strand_->post(
+                [this, process] { drop_if([process](auto const& offer) { return offer.process == process; }); });
+        });
+    }
     reader_ = std::make_unique<Reader>(
         participant_, Channel{offer_topic(), {}}, offer_quality(),
         [this](Sample sample, dds_sample_info_t const& info) {
@@ -57,6 +78,33 @@ void Known_offers::begin() {
         });
 }
 
+// One look at a time: each begins with the earliest time that is left.
+void Known_offers::look_at(Clock::time_point when) {
+    if (!std::exchange(looks_later_, true)) {
+        timer_.watch(weak_from_this(), when);
+    }
+}
+
+std::optional<Clock::time_point> Known_offers::expire(Clock::time_point /*now*/) {
+    strand_->post([this] { look(); });
+    return std::nullopt;
+}
+
+void Known_offers::look() {
+    looks_later_ = false;
+    begin();
+    drop_if([now = Clock::now()](auto const& offer) { return offer.awaited_until && *offer.awaited_until <= now; });
+    std::optional<Clock::time_point> next;
+    for (auto const& offer : offers_) {
+        if (offer.awaited_until && (!next || *offer.awaited_until < *next)) {
+            next = offer.awaited_until;
+        }
+    }
+    if (next) {
+        look_at(*next);
+    }
+}
+
 void Known_offers::close() {
     reader_.reset();
     watch_.reset();
@@ -65,8 +113,10 @@ void Known_offers::close() {
 // Without data, for an offer that ended, the key is set.
 void Known_offers::received(void const* sample, dds_instance_state_t state, dds_time_t written) {
     auto const& offer = *static_cast<ara_com_ServiceOffer const*>(sample);
-    if (state != DDS_IST_ALIVE) {
-        drop(read(offer, process_space_));
+    if (state == DDS_IST_NOT_ALIVE_NO_WRITERS) {
+        lose(read(offer, process_space_));
+    } else if (state == DDS_IST_NOT_ALIVE_DISPOSED) {
+        drop_if([key = read(offer, process_space_)](auto const& known) { return key_of(known) == key_of(key); });
     } else if (offer.version == k_mapping_version) {
         auto known = read(offer, process_space_);
         known.since = std::chrono::system_clock::time_point(std::chrono::nanoseconds(written));
@@ -81,21 +131,28 @@ void Known_offers::keep(Known_offer offer) {
     auto const place = std::lower_bound(offers_.begin(), offers_.end(), offer, comes_before);
     if (place == offers_.end() || comes_before(offer, *place)) {
         offers_.insert(place, std::move(offer));
-        report();
+    } else if (place->since == offer.since && !place->awaited_until) {
+        return;
+    } else {
+        *place = std::move(offer);
     }
+    report();
 }
 
-void Known_offers::drop(Known_offer const& offer) {
-    auto const [begin, end] = std::equal_range(offers_.begin(), offers_.end(), offer, comes_before);
-    if (begin != end) {
-        offers_.erase(begin, end);
-        report();
+// The end of a process that is watched is told by itself.
+void Known_offers::lose(Known_offer const& offer) {
+    auto const place = std::lower_bound(offers_.begin(), offers_.end(), offer, comes_before);
+    if (place == offers_.end() || comes_before(offer, *place) || place->awaited_until) {
+        return;
     }
+    place->awaited_until = Clock::now() + k_longest_absence;
+    look_at(*place->awaited_until);
+    report();
 }
 
-void Known_offers::process_ended(pid_t process) {
-    auto const gone = std::remove_if(offers_.begin(), offers_.end(),
-                                     [process](auto const& offer) { return offer.process == process; });
+template <class Predicate>
+void Known_offers::drop_if(Predicate const& is_over) {
+    auto const gone = std::remove_if(offers_.begin(), offers_.end(), is_over);
     if (gone != offers_.end()) {
         offers_.erase(gone, offers_.end());
         report();

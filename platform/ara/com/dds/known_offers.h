@@ -1,12 +1,14 @@
 #ifndef ARA_COM_DDS_KNOWN_OFFERS_H
 #define ARA_COM_DDS_KNOWN_OFFERS_H
 
+#include "ara/com/dds/call_timer.h"
 #include "ara/com/dds/endpoints.h"
 #include "ara/com/dds/offer_types.h"
 #include "ara/com/dds/process_watch.h"
 #include "ara/com/dds/strand.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,35 +24,46 @@ class Offer_observer {
     virtual void offers_changed(Known_offer_list const& offers) = 0;
 };
 
-/// What all participants offer, as far as it is known here. An offer ends when it is withdrawn, when its participant
-/// was not heard for the lease, and at once when its process has ended where that can be seen from here.
+/// What all participants offer, as far as it is known here. An offer ends when it is withdrawn, and at once when its
+/// process has ended where that can be seen from here. One whose participant was not heard for the lease is awaited for
+/// a while before it ends: after a stall of either side they soon find each other again.
 ///
-/// Everything happens on the engine's strand.
-class Known_offers {
+/// Everything happens on the engine's strand, except where something else is said.
+class Known_offers : public Expiring, public std::enable_shared_from_this<Known_offers> {
  public:
-    Known_offers(Participant& participant, std::shared_ptr<Strand> strand);
+    Known_offers(Participant& participant, std::shared_ptr<Strand> strand, Call_timer& timer);
 
-    /// Any thread. The observer is forgotten when it goes.
+    /// Any thread. The observer is forgotten when it goes. While offers can't be heard of that is tried again.
     void add(std::weak_ptr<Offer_observer> observer);
+
+    /// The timer's thread.
+    std::optional<Clock::time_point> expire(Clock::time_point now) override;
 
     /// Ends all reports; for when the strand is closed.
     void close();
 
  private:
     void begin();
+    void open_reader();
+    void look_at(Clock::time_point when);
+    void look();
     void received(void const* sample, dds_instance_state_t state, dds_time_t written);
     void keep(Known_offer offer);
-    void drop(Known_offer const& offer);
-    void process_ended(pid_t process);
+    void lose(Known_offer const& offer);
+    template <class Predicate>
+    void drop_if(Predicate const& is_over);
     void report();
 
     Participant& participant_;
     std::shared_ptr<Strand> const strand_;
+    Call_timer& timer_;
     std::string const process_space_;
     Known_offer_list offers_;
     std::vector<std::weak_ptr<Offer_observer>> observers_;
     std::unique_ptr<Process_watch> watch_;
     std::unique_ptr<Reader> reader_;  // once there was an observer
+    bool failed_ = false;             // to make the reader
+    bool looks_later_ = false;        // by the timer
 };
 
 }  // namespace ara::com::dds

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -25,8 +26,10 @@ struct Known_offer {
     std::string interface_name;
     std::string instance;
     Guid participant;
-    pid_t process;  ///< 0 when it can't be named from here
-    std::chrono::system_clock::time_point since{};
+    pid_t process;                                  ///< 0 when it can't be named from here
+    std::chrono::system_clock::time_point since{};  ///< another one for each time that it is offered
+    /// Set while its participant is not heard any more: how long it may take to come back.
+    std::optional<std::chrono::steady_clock::time_point> awaited_until{};
 };
 
 inline auto key_of(Known_offer const& offer) {

@@ -6,7 +6,7 @@
 namespace ara::com::dds {
 
 std::int64_t Pending_calls::add(std::unique_ptr<Pending_reply> reply, Clock::time_point deadline) {
-    calls_[++last_number_] = {std::move(reply), deadline};
+    calls_[++last_number_] = {std::move(reply), deadline, false};
     return last_number_;
 }
 
@@ -29,11 +29,20 @@ Pending_calls::Replies Pending_calls::take_all() {
     return all;
 }
 
-Pending_calls::Replies Pending_calls::take_late(Clock::time_point now) {
-    Replies late;
+void Pending_calls::lose(Clock::time_point deadline) {
+    for (auto& [number, call] : calls_) {
+        if (deadline < call.deadline) {
+            call.deadline = deadline;
+            call.lost = true;
+        }
+    }
+}
+
+Pending_calls::Late Pending_calls::take_late(Clock::time_point now) {
+    Late late;
     for (auto call = calls_.begin(); call != calls_.end();) {
         if (call->second.deadline <= now) {
-            late.push_back(std::move(call->second.reply));
+            (call->second.lost ? late.lost : late.unanswered).push_back(std::move(call->second.reply));
             call = calls_.erase(call);
         } else {
             ++call;

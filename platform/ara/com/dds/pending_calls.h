@@ -24,14 +24,23 @@ class Pending_calls {
     /// Null when no call waits under the number, or no longer.
     std::unique_ptr<Pending_reply> take(std::int64_t number);
 
+    /// The calls that wait now may do so until then at most, and are lost if nothing has come until then.
+    void lose(Clock::time_point deadline);
+
+    struct Late {
+        Replies unanswered;  ///< their own time is over
+        Replies lost;
+    };
+
     Replies take_all();
-    Replies take_late(Clock::time_point now);
+    Late take_late(Clock::time_point now);
     std::optional<Clock::time_point> next_deadline() const;
 
  private:
     struct Call {
         std::unique_ptr<Pending_reply> reply;
         Clock::time_point deadline;
+        bool lost;
     };
 
     std::int64_t last_number_ = 0;

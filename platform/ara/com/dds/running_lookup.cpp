@@ -3,11 +3,14 @@
 #include "tarq/com/exception.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace ara::com::dds {
 
 namespace {
+
+constexpr std::chrono::milliseconds k_pause_after_failure{500};
 
 bool is_same(Known_offer const& left, Known_offer const& right) {
     return key_of(left) == key_of(right);
@@ -72,12 +75,35 @@ void Running_lookup::offers_changed(Known_offer_list const& offers) {
     if (reported_ && std::equal(found.begin(), found.end(), reported_->begin(), reported_->end(), is_same)) {
         return;
     }
-    reported_ = found;
-    strand_->post([weak = weak_from_this(), found = std::move(found)] {
+    reported_ = std::move(found);
+    post_report();
+}
+
+void Running_lookup::post_report() {
+    strand_->post([weak = weak_from_this(), found = *reported_] {
         if (auto const lookup = weak.lock()) {
-            lookup->handler_(handles_of(found));
+            lookup->report(found);
         }
     });
+}
+
+// The strand logs what the handler throws.
+void Running_lookup::report(std::vector<Known_offer> const& found) {
+    try {
+        handler_(handles_of(found));
+    } catch (tarq::com::Infrastructure_exception const&) {
+        engine_->timer().watch(weak_from_this(), Clock::now() + k_pause_after_failure);
+        throw;
+    }
+}
+
+std::optional<Clock::time_point> Running_lookup::expire(Clock::time_point /*now*/) {
+    engine_->strand()->post([weak = weak_from_this()] {
+        if (auto const lookup = weak.lock()) {
+            lookup->post_report();
+        }
+    });
+    return std::nullopt;
 }
 
 }  // namespace ara::com::dds

@@ -17,6 +17,7 @@ namespace ara::com::dds {
 /// A lookup; it keeps itself until it is stopped or the engine ends.
 class Running_lookup : public Lookup,
                        public Offer_observer,
+                       public Expiring,
                        public Part,
                        public std::enable_shared_from_this<Running_lookup> {
  public:
@@ -31,8 +32,13 @@ class Running_lookup : public Lookup,
     void close() override;
     void offers_changed(Known_offer_list const& offers) override;
 
+    /// The timer's thread.
+    std::optional<Clock::time_point> expire(Clock::time_point now) override;
+
  private:
     std::vector<Known_offer> matching(Known_offer_list const& offers) const;
+    void post_report();
+    void report(std::vector<Known_offer> const& found);
 
     std::shared_ptr<Engine> const engine_;
     std::string const interface_;

@@ -1,8 +1,9 @@
 #include "ara/com/dds/workers.h"
 
+#include "ara/com/dds/started_thread.h"
 #include "ara/com/dds/strand.h"
+#include "tarq/com/exception.h"
 
-#include <system_error>
 #include <utility>
 
 #include <pthread.h>
@@ -15,7 +16,7 @@ Workers::Workers() {
 }
 
 void Workers::start_thread() {
-    threads_.emplace_back([this] { work(); });
+    threads_.push_back(started_thread([this] { work(); }));
     ++idle_;
 }
 
@@ -28,7 +29,7 @@ void Workers::run(std::shared_ptr<Strand> strand) {
     if (waiting_.size() > idle_) {
         try {
             start_thread();
-        } catch (std::system_error const&) {
+        } catch (tarq::com::Infrastructure_exception const&) {
             // A thread that is busy now takes the strand later.
         }
     }

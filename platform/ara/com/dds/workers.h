@@ -18,7 +18,7 @@ class Strand;
 /// an idle one is kept for the next.
 class Workers {
  public:
-    /// Throws `std::system_error` when there is no thread to be had.
+    /// Throws `tarq::com::Infrastructure_exception` when there is no thread to be had.
     Workers();
     ~Workers() { stop(); }
     Workers(Workers const&) = delete;
