@@ -48,13 +48,13 @@ TEST_F(Reactions_test, A_silent_call_acts_and_is_never_answered_until_the_servic
 }
 
 TEST_F(Reactions_test, A_slow_call_that_was_given_up_with_the_offer_is_answered_to_nobody) {
-    command({{"do", "reaction"}, {"delay_ms", 20}});
+    command({{"do", "reaction"}, {"delay_ms", 200}});
     auto call = call_beside();
     EXPECT_TRUE(await_event("call", {{"method", "SetUserData"}}));
     command({{"do", "withdraw"}});
     EXPECT_THROW(call.get(), tarq::com::Infrastructure_exception);
     command({{"do", "offer"}});
-    command({{"do", "reaction"}, {"delay_ms", 40}});  // ends when the given-up one has come to its time
+    command({{"do", "reaction"}, {"delay_ms", 300}});  // ends when the given-up one has come to its time
     EXPECT_NO_THROW(user_data.SetUserData({2}).get());
 }
 
