@@ -1,0 +1,54 @@
+// A log daemon with the configuration that is shipped, as the system's tables of sockets show it.
+
+#include "bench/process/child_process.h"
+#include "bench/process/scratch_directory.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+// "protocol address" of each socket of one port, the address as the kernel writes it.
+std::vector<std::string> sockets_of(std::string const& port) {
+    std::vector<std::string> sockets;
+    for (std::string const protocol : {"tcp", "tcp6", "udp", "udp6"}) {
+        std::ifstream table("/proc/net/" + protocol);
+        std::string line;
+        std::getline(table, line);
+        while (std::getline(table, line)) {
+            std::istringstream columns(line);
+            std::string number;
+            std::string local;
+            columns >> number >> local;
+            if (local.substr(local.find(':') + 1) == port) {
+                sockets.push_back(protocol + " " + local.substr(0, local.find(':')));
+            }
+        }
+    }
+    return sockets;
+}
+
+TEST(Shipped_log_daemon, Listens_on_the_loopback_and_nowhere_else) {
+    constexpr char const* k_port = "0DA2";                                  // 3490
+    constexpr char const* k_loopback = "0000000000000000FFFF00000100007F";  // ::ffff:127.0.0.1
+    bench::Scratch_directory const pipes;
+    bench::Child_process const daemon({"dlt-daemon", "-c", PROJECT "/deploy/dlt/dlt.conf", "-t", pipes.path().string()},
+                                      {});
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (sockets_of(k_port).empty() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    while (!std::filesystem::is_fifo(pipes.file("dlt")) && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));  // made after the sockets
+    }
+    EXPECT_THAT(sockets_of(k_port), testing::ElementsAre(std::string("tcp6 ") + k_loopback));
+}
+
+}  // namespace
