@@ -35,6 +35,9 @@ beats_after() { [ "$(property WatchdogTimestampMonotonic)" -gt "$1" ]; }
 is_another_process() { [ "$(property MainPID)" != "$1" ] && is ActiveState active; }
 press() { echo "{\"do\":\"press\",\"key\":\"$1\"}" >/run/keys; }
 
+# outside WHAT SECONDS: has something done to the container that can't be done from inside (see the script container).
+outside() { echo "$1 $2" >/opt/result/outside; }
+
 # ends WORD: the last line of a story that the machine itself ends; who started the container looks for the word.
 ends() {
     echo "the end: $1"
