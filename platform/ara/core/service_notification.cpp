@@ -1,10 +1,12 @@
 #include "ara/core/service_notification.h"
 
+#include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <system_error>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -15,26 +17,33 @@ namespace ara::core {
 
 namespace {
 
-[[noreturn]] void fail(int error) {
-    throw std::system_error(error, std::system_category(), "notification of the service manager");
+using std::chrono::steady_clock;
+
+std::atomic<bool> ready_is_owed{false};
+
+std::error_code last_error() {
+    return {errno, std::system_category()};
 }
 
+/// Each notification has a socket of its own, so that a service manager that was started anew is found.
 class Datagram_socket {
  public:
-    Datagram_socket() : descriptor_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
-        if (descriptor_ < 0) {
-            fail(errno);
+    Datagram_socket() : descriptor_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {}
+    ~Datagram_socket() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
         }
     }
-    ~Datagram_socket() { ::close(descriptor_); }
     Datagram_socket(Datagram_socket const&) = delete;
     Datagram_socket& operator=(Datagram_socket const&) = delete;
 
-    void connect_to(std::string_view name) const {
+    bool is_open() const { return descriptor_ >= 0; }
+
+    std::error_code connect_to(std::string_view name) const {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         if (name.empty() || name.size() >= sizeof address.sun_path) {
-            fail(EINVAL);
+            return {EINVAL, std::system_category()};
         }
         std::memcpy(address.sun_path, name.data(), name.size());
         bool const is_abstract = name.front() == '@';
@@ -42,45 +51,88 @@ class Datagram_socket {
             address.sun_path[0] = '\0';
         }
         auto const size = offsetof(sockaddr_un, sun_path) + name.size() + (is_abstract ? 0 : 1);
-        if (::connect(descriptor_, reinterpret_cast<sockaddr const*>(&address), static_cast<socklen_t>(size)) != 0) {
-            fail(errno);
-        }
+        auto const* const generic = reinterpret_cast<sockaddr const*>(&address);
+        return ::connect(descriptor_, generic, static_cast<socklen_t>(size)) == 0 ? std::error_code() : last_error();
     }
 
-    void send(std::string_view line) const {
+    std::error_code send(std::string_view line, steady_clock::time_point deadline) const {
         while (::send(descriptor_, line.data(), line.size(), MSG_NOSIGNAL) < 0) {
             if (errno != EAGAIN && errno != EINTR) {
-                fail(errno);
+                return last_error();
             }
-            wait_for_room();
+            auto const left = std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
+            if (left.count() <= 0) {
+                return {EAGAIN, std::system_category()};
+            }
+            pollfd room{descriptor_, POLLOUT, 0};
+            ::poll(&room, 1, static_cast<int>(left.count()));
         }
+        return {};
     }
 
  private:
-    void wait_for_room() const {
-        pollfd room{descriptor_, POLLOUT, 0};
-        auto const ready = ::poll(&room, 1, static_cast<int>(k_notification_time_limit.count()));
-        if (ready == 0) {
-            fail(ETIMEDOUT);
-        }
-        if (ready < 0 && errno != EINTR) {
-            fail(errno);
-        }
-    }
-
     int descriptor_;
 };
+
+std::error_code send(std::string_view line, std::chrono::milliseconds limit) {
+    auto const* const name = std::getenv("NOTIFY_SOCKET");
+    if (name == nullptr) {
+        return {};
+    }
+    Datagram_socket const socket;
+    if (!socket.is_open()) {
+        return last_error();
+    }
+    auto const error = socket.connect_to(name);
+    return error ? error : socket.send(line, steady_clock::now() + limit);
+}
+
+std::error_code send_at_once(std::string_view line) {
+    return send(line, std::chrono::milliseconds(0));
+}
 
 }  // namespace
 
 void notify_service_manager(std::string_view line) {
-    auto const* const name = std::getenv("NOTIFY_SOCKET");
-    if (name == nullptr) {
-        return;
+    if (auto const error = send(line, k_notification_time_limit)) {
+        throw not_notified(error);
     }
-    Datagram_socket const socket;
-    socket.connect_to(name);
-    socket.send(line);
+}
+
+void report_ready() {
+    auto const error = send_at_once("READY=1");
+    ready_is_owed = error && may_pass(error);
+    if (error && !ready_is_owed) {
+        throw not_notified(error);
+    }
+}
+
+std::error_code beat() {
+    if (ready_is_owed) {
+        if (auto const error = send_at_once("READY=1")) {
+            return may_pass(error) ? std::error_code() : error;
+        }
+        ready_is_owed = false;
+    }
+    return send_at_once("WATCHDOG=1");
+}
+
+bool may_pass(std::error_code const& error) {
+    return error.value() != ECONNREFUSED && error.value() != ENOENT && error.value() != EINVAL;
+}
+
+std::system_error not_notified(std::error_code const& error) {
+    return {error, "notification of the service manager"};
+}
+
+std::optional<std::chrono::microseconds> watchdog_time() {
+    auto const* const text = std::getenv("WATCHDOG_USEC");
+    std::int64_t microseconds = 0;
+    if (text == nullptr || std::from_chars(text, text + std::strlen(text), microseconds).ec != std::errc() ||
+        microseconds <= 0) {
+        return std::nullopt;
+    }
+    return std::chrono::microseconds(microseconds);
 }
 
 }  // namespace ara::core

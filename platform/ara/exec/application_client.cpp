@@ -9,7 +9,11 @@ namespace ara::exec {
 
 void ApplicationClient::ReportApplicationState(ApplicationState state) {
     try {
-        ara::core::notify_service_manager(state == ApplicationState::kRunning ? "READY=1" : "STOPPING=1");
+        if (state == ApplicationState::kRunning) {
+            ara::core::report_ready();
+        } else {
+            ara::core::notify_service_manager("STOPPING=1");
+        }
     } catch (std::system_error const& error) {
         ara::log::LogError() << "Application state not reported: " << error.what();
     }

@@ -15,7 +15,8 @@ enum class ApplicationState : std::uint8_t {
 /// that the environment names in NOTIFY_SOCKET. A process that no service manager started reports to nobody.
 class ApplicationClient {
  public:
-    /// Never fails towards the caller; a report that could not be sent is logged.
+    /// Never fails towards the caller; a report that could not be sent is logged. READY=1 waits for nothing: when the
+    /// service manager's queue is full it goes out with a later checkpoint of the supervision.
     void ReportApplicationState(ApplicationState state);
 };
 

@@ -2,6 +2,8 @@
 
 #include "ara/core/service_notification.h"
 
+#include <algorithm>
+
 namespace ara::phm {
 
 SupervisionEntity::SupervisionEntity(Phm_client_interface const& client) : instance_id_(client.instance_id()) {}
@@ -11,8 +13,25 @@ void SupervisionEntity::ReportCheckpoint(std::uint32_t /*checkpoint*/, std::uint
     if (last_beat_ && now - *last_beat_ < k_shortest_interval) {
         return;
     }
-    ara::core::notify_service_manager("WATCHDOG=1");
-    last_beat_ = now;
+    auto const error = ara::core::beat();
+    if (!error) {
+        last_beat_ = now;
+        last_refusal_.reset();
+        refused_for_ = {};
+    } else if (!ara::core::may_pass(error) || is_refused_for_too_long(now)) {
+        throw ara::core::not_notified(error);
+    }
+}
+
+// The time between two tries counts for a second at most: this process, and the service manager with it, may have stood
+// still.
+bool SupervisionEntity::is_refused_for_too_long(std::chrono::steady_clock::time_point now) {
+    if (last_refusal_) {
+        refused_for_ += std::min<std::chrono::steady_clock::duration>(now - *last_refusal_, k_longest_step);
+    }
+    last_refusal_ = now;
+    auto const limit = ara::core::watchdog_time();
+    return limit && refused_for_ >= *limit / 2;
 }
 
 }  // namespace ara::phm

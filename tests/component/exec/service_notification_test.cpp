@@ -7,15 +7,21 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <stdlib.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -91,6 +97,149 @@ TEST(Supervision_entity, Reports_to_an_abstract_name_too) {
     auto const count = ::recv(service_manager, line.data(), line.size(), 0);
     EXPECT_EQ(std::string(line.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))), "WATCHDOG=1");
     ::close(service_manager);
+}
+
+/// A service manager that has stopped reading: its queue is full.
+class Busy_service_manager : public testing::Test {
+ protected:
+    Busy_service_manager() {
+        ara::core::notify_service_manager("STATUS=first");
+        int count = 0;
+        try {
+            for (; count < 10'000; ++count) {
+                ara::core::notify_service_manager("STATUS=more");
+            }
+        } catch (std::system_error const& error) {
+            EXPECT_EQ(error.code().value(), EAGAIN);
+        }
+        EXPECT_LT(count, 10'000);
+    }
+    ~Busy_service_manager() override { ::unsetenv("WATCHDOG_USEC"); }
+
+    /// What has arrived besides what filled the queue.
+    std::vector<std::string> reports() const {
+        auto lines = service_manager.received();
+        auto const fills = [](std::string const& line) { return line.rfind("STATUS=", 0) == 0; };
+        lines.erase(std::remove_if(lines.begin(), lines.end(), fills), lines.end());
+        return lines;
+    }
+
+    /// Reports a checkpoint every 10 ms until that throws; the time until then.
+    milliseconds report_until_it_fails(milliseconds limit) {
+        auto const begin = steady_clock::now();
+        try {
+            while (steady_clock::now() - begin < limit) {
+                entity.ReportCheckpoint(1, 1);
+                std::this_thread::sleep_for(milliseconds(10));
+            }
+        } catch (std::system_error const& error) {
+            EXPECT_EQ(error.code().value(), EAGAIN);
+        }
+        return std::chrono::duration_cast<milliseconds>(steady_clock::now() - begin);
+    }
+
+    test_support::Notify_socket service_manager;
+    ara::phm::Phm_client client{""};
+    ara::phm::SupervisionEntity entity{client};
+    ApplicationClient application;
+};
+
+TEST_F(Busy_service_manager, Is_neither_waited_for_nor_given_up) {
+    auto const begin = steady_clock::now();
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_NO_THROW(entity.ReportCheckpoint(1, 1));
+    }
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(50));
+    EXPECT_THAT(reports(), IsEmpty());
+    entity.ReportCheckpoint(1, 1);
+    EXPECT_THAT(reports(), ElementsAre("WATCHDOG=1")) << "the newest one went out";
+}
+
+TEST_F(Busy_service_manager, Has_failed_after_half_of_the_watchdogs_time) {
+    ::setenv("WATCHDOG_USEC", "800000", 1);
+    EXPECT_THAT(report_until_it_fails(milliseconds(5000)),
+                testing::AllOf(testing::Ge(milliseconds(400)), testing::Lt(milliseconds(650))));
+}
+
+TEST_F(Busy_service_manager, Has_not_failed_when_a_report_went_out_in_between) {
+    ::setenv("WATCHDOG_USEC", "800000", 1);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_THAT(report_until_it_fails(milliseconds(250)), testing::Ge(milliseconds(250)));
+        service_manager.received();
+        entity.ReportCheckpoint(1, 1);
+        for (int filled = 0; filled < 1000; ++filled) {
+            entity.ReportCheckpoint(1, 1);
+            std::this_thread::sleep_for(filled < 20 ? ara::phm::SupervisionEntity::k_shortest_interval
+                                                    : milliseconds(0));
+        }
+    }
+}
+
+// Between two tries the whole machine may have stood still.
+TEST_F(Busy_service_manager, Has_not_failed_because_the_process_stood_still) {
+    ::setenv("WATCHDOG_USEC", "2400000", 1);
+    entity.ReportCheckpoint(1, 1);
+    std::this_thread::sleep_for(milliseconds(1500));  // the time that is meant
+    EXPECT_NO_THROW(entity.ReportCheckpoint(1, 1));
+}
+
+TEST_F(Busy_service_manager, Is_told_that_the_process_is_ready_as_soon_as_it_can_be) {
+    test_support::Log_capture log;
+    ::setenv("WATCHDOG_USEC", "200000", 1);
+    auto const begin = steady_clock::now();
+    application.ReportApplicationState(ApplicationState::kRunning);
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(50));
+    EXPECT_THAT(report_until_it_fails(milliseconds(300)), testing::Ge(milliseconds(300)))
+        << "nobody waits for beats before that";
+    EXPECT_THAT(reports(), IsEmpty());
+    entity.ReportCheckpoint(1, 1);
+    EXPECT_THAT(reports(), ElementsAre("READY=1", "WATCHDOG=1"));
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Busy_service_manager, Is_given_up_in_time_also_when_signals_interrupt) {
+    auto const before = std::signal(SIGALRM, [](int) {});
+    itimerval const often{{0, 20'000}, {0, 20'000}};
+    ::setitimer(ITIMER_REAL, &often, nullptr);
+    std::thread reader([this] {
+        std::this_thread::sleep_for(milliseconds(1000));
+        service_manager.received();
+    });
+    auto const begin = steady_clock::now();
+    EXPECT_THROW(ara::core::notify_service_manager("STOPPING=1"), std::system_error);
+    EXPECT_LT(steady_clock::now() - begin, ara::core::k_notification_time_limit + milliseconds(250));
+    itimerval const never{};
+    ::setitimer(ITIMER_REAL, &never, nullptr);
+    std::signal(SIGALRM, before);
+    reader.join();
+}
+
+TEST(Supervision_entity, Owes_a_report_for_which_the_process_has_no_descriptor) {
+    test_support::Notify_socket const service_manager;
+    ara::phm::Phm_client const client("");
+    ara::phm::SupervisionEntity sut(client);
+    rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    rlimit const none{0, before.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_NO_THROW(sut.ReportCheckpoint(1, 1));
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_THAT(service_manager.received(), IsEmpty());
+    sut.ReportCheckpoint(1, 1);
+    EXPECT_THAT(service_manager.received(), ElementsAre("WATCHDOG=1"));
+}
+
+TEST(Supervision_entity, Has_failed_at_once_when_the_service_manager_is_gone) {
+    ara::phm::Phm_client const client("");
+    ara::phm::SupervisionEntity sut(client);
+    std::string path;
+    {
+        test_support::Notify_socket const service_manager;
+        path = ::getenv("NOTIFY_SOCKET");
+    }
+    ::setenv("NOTIFY_SOCKET", path.c_str(), 1);
+    EXPECT_THROW(sut.ReportCheckpoint(1, 1), std::system_error) << "its socket is gone";
+    ::unsetenv("NOTIFY_SOCKET");
 }
 
 TEST(Supervision_entity, Succeeds_where_nobody_supervises) {
