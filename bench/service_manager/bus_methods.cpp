@@ -17,6 +17,14 @@ void reply_no_such_unit(sd_bus_message* call, std::string const& unit) {
     sd_bus_reply_method_errorf(call, k_no_such_unit, "Unit %s not found.", unit.c_str());
 }
 
+// The real one asks the bus who wants a job, to see whether that one may have it.
+bool caller_is_there(sd_bus_message* call) {
+    sd_bus_creds* credentials = nullptr;
+    bool const known = sd_bus_query_sender_creds(call, SD_BUS_CREDS_EUID, &credentials) >= 0;
+    sd_bus_creds_unref(credentials);
+    return known;
+}
+
 std::string path_of(Job const& job) {
     return "/org/freedesktop/systemd1/job/" + std::to_string(job.id);
 }
@@ -46,6 +54,11 @@ bool Bus_methods::carry_out(sd_bus_message* call, Reaction const& reaction) {
 
 void Bus_methods::start_or_stop(sd_bus_message* call, bool start, Reaction const& reaction) {
     std::string const name = first_text(call);
+    if (!caller_is_there(call)) {
+        sd_bus_reply_method_errorf(call, SD_BUS_ERROR_ACCESS_DENIED, "The caller has gone.");
+        loop_.event("refused", {{"unit", name}, {"start", start}});
+        return;
+    }
     Unit* const unit = manager_.units().find(name);
     if (unit == nullptr) {
         reply_no_such_unit(call, name);

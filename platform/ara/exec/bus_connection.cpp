@@ -1,8 +1,10 @@
 #include "bus_connection.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 namespace ara::exec {
 
@@ -11,6 +13,7 @@ namespace {
 constexpr char const* k_service = "org.freedesktop.systemd1";
 constexpr char const* k_object = "/org/freedesktop/systemd1";
 constexpr char const* k_interface = "org.freedesktop.systemd1.Manager";
+constexpr char const* k_no_connection = "no connection to the system bus";
 
 std::uint64_t microseconds_until(std::chrono::steady_clock::time_point deadline) {
     auto const left =
@@ -22,27 +25,20 @@ bool is_over(std::chrono::steady_clock::time_point deadline) {
     return std::chrono::steady_clock::now() >= deadline;
 }
 
-class Bus_error {
- public:
-    Bus_error() = default;
-    ~Bus_error() { sd_bus_error_free(&error_); }
-    Bus_error(Bus_error const&) = delete;
-    Bus_error& operator=(Bus_error const&) = delete;
+std::string_view or_empty(char const* text) {
+    return text != nullptr ? text : "";
+}
 
-    sd_bus_error* get() { return &error_; }
-    std::string_view name() const { return error_.name != nullptr ? error_.name : ""; }
-    std::string text() const { return error_.message != nullptr ? error_.message : std::string(name()); }
+std::string text_of(sd_bus_error const& error) {
+    return std::string(error.message != nullptr ? error.message : or_empty(error.name));
+}
 
-    /// The manager itself declined: an error of its own, or one about rights or arguments.
-    bool is_refusal() const {
-        auto const own = name().substr(0, std::strlen(k_service)) == k_service;
-        return own || name() == SD_BUS_ERROR_ACCESS_DENIED || name() == SD_BUS_ERROR_INVALID_ARGS ||
-               name() == SD_BUS_ERROR_INTERACTIVE_AUTHORIZATION_REQUIRED || name() == SD_BUS_ERROR_AUTH_FAILED;
-    }
-
- private:
-    sd_bus_error error_ = SD_BUS_ERROR_NULL;
-};
+/// The manager itself declined: an error of its own, or one about rights or arguments.
+bool is_refusal(std::string_view name) {
+    return name.substr(0, std::strlen(k_service)) == k_service || name == SD_BUS_ERROR_ACCESS_DENIED ||
+           name == SD_BUS_ERROR_INVALID_ARGS || name == SD_BUS_ERROR_INTERACTIVE_AUTHORIZATION_REQUIRED ||
+           name == SD_BUS_ERROR_AUTH_FAILED;
+}
 
 }  // namespace
 
@@ -52,6 +48,44 @@ void StateClient::Connection::check(int result, char const* what) {
     }
 }
 
+void StateClient::Connection::connect(Deadline deadline) {
+    try {
+        open();
+        is_greeted(deadline);
+    } catch (Broken const&) {
+        close();
+    }
+}
+
+// What libsystemd opens has still to be greeted by the bus; it would wait for that as long as the bus takes.
+void StateClient::Connection::open() {
+    if (!bus_) {
+        sd_bus* opened = nullptr;
+        check(sd_bus_open_system(&opened), k_no_connection);
+        bus_.reset(opened);
+    }
+}
+
+void StateClient::Connection::close() {
+    newest_request_.reset();
+    bus_.reset();
+}
+
+// False when the deadline is over and nothing was left to be done.
+bool StateClient::Connection::progress(Deadline deadline) {
+    auto const done = sd_bus_process(bus_.get(), nullptr);
+    check(done, k_no_connection);
+    if (done > 0) {
+        return true;
+    }
+    if (is_over(deadline)) {
+        return false;
+    }
+    auto const waited = sd_bus_wait(bus_.get(), microseconds_until(deadline));
+    check(waited == -EINTR ? 0 : waited, k_no_connection);
+    return true;
+}
+
 Message StateClient::Connection::new_call(char const* method) {
     sd_bus_message* message = nullptr;
     check(sd_bus_message_new_method_call(bus_.get(), &message, k_service, k_object, k_interface, method),
@@ -59,41 +93,80 @@ Message StateClient::Connection::new_call(char const* method) {
     return Message(message);
 }
 
-// libsystemd would wait for the bus's greeting as long as the bus takes.
-void StateClient::Connection::connect(Deadline deadline) {
-    if (bus_) {
-        return;
-    }
-    sd_bus* opened = nullptr;
-    check(sd_bus_open_system(&opened), "no connection to the system bus");
-    Bus bus(opened);
-    while (sd_bus_is_ready(bus.get()) == 0) {
-        auto const progress = sd_bus_process(bus.get(), nullptr);
-        check(progress, "no connection to the system bus");
-        if (progress == 0) {
-            check(is_over(deadline) ? -ETIMEDOUT : 0, "no connection to the system bus");
-            check(sd_bus_wait(bus.get(), microseconds_until(deadline)), "no connection to the system bus");
-        }
-    }
-    bus_ = std::move(bus);
+int StateClient::Connection::on_answer(sd_bus_message* answer, void* call, sd_bus_error* /*error*/) {
+    static_cast<Call*>(call)->answer.reset(sd_bus_message_ref(answer));
+    return 1;
 }
 
-Answer StateClient::Connection::send(Message call, Deadline deadline) {
-    Bus_error error;
-    sd_bus_message* reply = nullptr;
-    auto const result = sd_bus_call(bus_.get(), call.get(), microseconds_until(deadline), error.get(), &reply);
-    if (result >= 0) {
-        return {Message(reply), {}};
+std::unique_ptr<StateClient::Connection::Call> StateClient::Connection::send(Message message, std::string name) {
+    auto call = std::make_unique<Call>();
+    call->name = std::move(name);
+    sd_bus_slot* slot = nullptr;
+    constexpr std::uint64_t no_limit = UINT64_MAX;
+    check(sd_bus_call_async(bus_.get(), &slot, message.get(), &Connection::on_answer, call.get(), no_limit),
+          "request could not be made");
+    call->slot.reset(slot);
+    return call;
+}
+
+bool StateClient::Connection::is_greeted(Deadline deadline) {
+    while (sd_bus_is_ready(bus_.get()) == 0) {
+        if (!progress(deadline)) {
+            return false;
+        }
     }
-    if (error.is_refusal()) {
-        return {nullptr, std::string(error.name())};
+    return true;
+}
+
+bool StateClient::Connection::is_answered(Call const& call, Deadline deadline) {
+    while (!call.answer) {
+        if (!progress(deadline)) {
+            return false;
+        }
     }
-    if (is_over(deadline)) {
-        // The connection is kept: the service manager asks who may do this, and would refuse a caller that has gone. A
-        // late answer belongs to nobody.
+    return true;
+}
+
+// A call that was not answered stays where it is; the others are settled.
+Answer StateClient::Connection::answer_to(std::unique_ptr<Call>& call, Deadline deadline) {
+    if (!is_greeted(deadline)) {
+        throw std::runtime_error(std::string(k_no_connection) + ": " + std::strerror(ETIMEDOUT));
+    }
+    if (!is_answered(*call, deadline)) {
         throw std::runtime_error("no answer from execution management in time");
     }
-    throw Broken("no answer from execution management: " + error.text());
+    auto const settled = std::move(call);
+    auto const* const error = sd_bus_message_get_error(settled->answer.get());
+    if (error == nullptr) {
+        return {std::move(settled->answer), {}};
+    }
+    if (is_refusal(or_empty(error->name))) {
+        return {nullptr, error->name};
+    }
+    auto const failure = "no answer from execution management: " + text_of(*error);
+    if (sd_bus_is_open(bus_.get()) <= 0) {
+        throw Broken(failure);
+    }
+    throw std::runtime_error(failure);
+}
+
+void StateClient::Connection::finish(Deadline deadline) {
+    auto const request = std::move(newest_request_);
+    if (!request) {
+        return;
+    }
+    try {
+        auto const* const error =
+            is_answered(*request, deadline) ? sd_bus_message_get_error(request->answer.get()) : nullptr;
+        if (error != nullptr) {
+            auto const* const outcome = is_refusal(or_empty(error->name)) ? "refused" : "failed";
+            std::fprintf(stderr, "%s: %s: %s\n", request->name.c_str(), outcome, text_of(*error).c_str());
+        } else if (!request->answer) {
+            std::fprintf(stderr, "%s: no answer\n", request->name.c_str());
+        }
+    } catch (std::exception const& failure) {
+        std::fprintf(stderr, "%s: %s\n", request->name.c_str(), failure.what());
+    }
 }
 
 }  // namespace ara::exec

@@ -1,5 +1,6 @@
 #include "ara/exec/state_client.h"
 
+#include "ara/core/service_notification.h"
 #include "bus_connection.h"
 
 #include <algorithm>
@@ -62,15 +63,24 @@ Unit_state const* find(std::vector<Unit_state> const& units, std::string_view ac
 
 }  // namespace
 
-StateClient::StateClient() : connection_(std::make_unique<Connection>()) {}
-StateClient::~StateClient() = default;
+StateClient::StateClient() : connection_(std::make_unique<Connection>()) {
+    connection_->connect(std::chrono::steady_clock::now() + k_time_limit);
+}
+
+StateClient::~StateClient() {
+    std::chrono::microseconds limit = k_end_time_limit;
+    if (auto const watchdog = ara::core::watchdog_time()) {
+        limit = std::min(limit, *watchdog / 2);
+    }
+    connection_->finish(std::chrono::steady_clock::now() + limit);
+}
 
 State_client_result StateClient::SetState(std::string const& function_group, std::string const& state) {
     if (!is_name(function_group) || !is_name(state)) {
         return State_client_result::kUnknownState;
     }
     auto const unit = target_of(function_group, state);
-    auto const answer = connection_->call("StartUnit", [&unit](sd_bus_message* message) {
+    auto const answer = connection_->request("StartUnit", unit, [&unit](sd_bus_message* message) {
         return sd_bus_message_append(message, "ss", unit.c_str(), "replace");
     });
     if (answer.reply) {
@@ -86,7 +96,7 @@ State_client_result StateClient::GetState(std::string const& function_group, std
         return State_client_result::kUnknownState;
     }
     auto const pattern = target_of(function_group, "*");
-    auto const answer = connection_->call("ListUnitsByPatterns", [&pattern](sd_bus_message* message) {
+    auto const answer = connection_->ask("ListUnitsByPatterns", [&pattern](sd_bus_message* message) {
         return sd_bus_message_append(message, "asas", 0, 1, pattern.c_str());
     });
     if (!answer.reply) {

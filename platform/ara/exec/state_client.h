@@ -25,15 +25,23 @@ enum class State_client_result : std::int32_t {
 ///
 /// A state `S` of a function group `G` is the unit `G-S.target` of the service manager; asking for a state starts that
 /// target, and the state that a group is in is the one whose target is active. The connection to the system bus is made
-/// with the first request, kept, and made again after it broke.
+/// at once, so that the first request does not have to wait for it, kept, and made again after it broke.
 ///
 /// Every operation ends within `k_time_limit`: with a result when execution management answered, or with a
 /// `std::runtime_error` whose text names the cause when the bus is not there or no answer came. One thread at a time.
+///
+/// A request that was given up may still be granted, but only as long as the caller is there. So the end of the client
+/// waits for the answer to the newest request when that had none: `k_end_time_limit`, or half of the time within which
+/// the service manager wants a beat of the process when that is less. A bus that is not there costs no time. What came
+/// of it is told on standard error unless it was a success.
 class StateClient {
  public:
     /// Upper bound of one operation: long enough for a machine that boots or stood still, well below the supervision
     /// period of a process that calls it in its cycle.
     static constexpr std::chrono::milliseconds k_time_limit{1000};
+
+    /// Upper bound of the wait at the end.
+    static constexpr std::chrono::seconds k_end_time_limit{10};
 
     StateClient();
     ~StateClient();

@@ -54,6 +54,13 @@ TEST_F(Bus_test, What_it_was_asked_is_told) {
     EXPECT_EQ(sut.await_event("unit", {{"unit", k_running}, {"active", "active"}})["active"], "active");
 }
 
+TEST_F(Bus_test, A_caller_that_has_gone_is_refused) {
+    sut.command({{"do", "reaction"}, {"delay_ms", 200}});
+    Bus_client(bus.address()).call("StartUnit", {k_running, "replace"}, 50);
+    sut.await_event("refused", {{"unit", k_running}});
+    EXPECT_THAT(client.list("active", "MachineState-*.target"), ElementsAre("MachineState-Startup.target"));
+}
+
 TEST_F(Bus_test, A_unit_that_is_unknown_is_refused) {
     EXPECT_EQ(client.start("Nothing-Running.target"), k_no_such_unit);
     EXPECT_EQ(client.call("GetUnit", {"Nothing-Running.target"}), k_no_such_unit);
