@@ -33,6 +33,8 @@ times_written() { grep -c "\"text\":\"$1\"" /opt/result/events; }
 has_written_times() { [ "$(times_written "$1")" -ge "$2" ]; }
 beats_after() { [ "$(property WatchdogTimestampMonotonic)" -gt "$1" ]; }
 is_another_process() { [ "$(property MainPID)" != "$1" ] && is ActiveState active; }
+first_process_stands_still() { grep -q '^State:.T' /proc/1/status; }
+first_process_goes_on() { ! first_process_stands_still; }
 press() { echo "{\"do\":\"press\",\"key\":\"$1\"}" >/run/keys; }
 
 # outside WHAT SECONDS: has something done to the container that can't be done from inside (see the script container).
