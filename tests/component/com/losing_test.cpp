@@ -17,7 +17,7 @@ using std::chrono::steady_clock;
 constexpr char const* k_not_available = "Service not available exception";
 
 // Faster than a participant that is not heard is given up.
-constexpr milliseconds k_faster_than_lease{300};
+constexpr milliseconds k_sooner_than_lease{300};
 
 // Faster than a call that nobody ends.
 constexpr milliseconds k_faster_than_timeout{1500};
@@ -98,7 +98,7 @@ TEST_F(Losing, A_killed_server_fails_pending_calls_at_once) {
     auto const begin = steady_clock::now();
     peer_->process().signal(SIGKILL);
     EXPECT_EQ(error_of(std::move(future)), k_not_available);
-    EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
+    EXPECT_LT(steady_clock::now() - begin, k_sooner_than_lease);
 }
 
 TEST_F(Losing, All_pending_calls_fail) {

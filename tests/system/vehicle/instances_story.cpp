@@ -20,12 +20,12 @@ struct List {
     char const* member;
 };
 
-constexpr List k_ecu_alive{"MaxNumberOfApplicationsRequestAlive", "ApplicationsRequestAliveConfig",
-                           "EcuAliveInterfaceInstance"};
-constexpr List k_com_alive{"MaxNumberOfApplicationsRequestNetwork", "ApplicationsRequestNetworkConfig",
-                           "NetworkAliveInterfaceInstance"};
-constexpr List k_car_wake_up{"MaxNumberOfCWURequest", "CWURequestConfig", "CWUInterfaceInstance"};
-constexpr std::array<List, 3> k_lists{k_ecu_alive, k_com_alive, k_car_wake_up};
+constexpr List k_list_of_ecu_alive{"MaxNumberOfApplicationsRequestAlive", "ApplicationsRequestAliveConfig",
+                                   "EcuAliveInterfaceInstance"};
+constexpr List k_list_of_com_alive{"MaxNumberOfApplicationsRequestNetwork", "ApplicationsRequestNetworkConfig",
+                                   "NetworkAliveInterfaceInstance"};
+constexpr List k_list_of_car_wake_up{"MaxNumberOfCWURequest", "CWURequestConfig", "CWUInterfaceInstance"};
+constexpr std::array<List, 3> k_lists{k_list_of_ecu_alive, k_list_of_com_alive, k_list_of_car_wake_up};
 
 nlohmann::json instances_of(List const& list, std::vector<std::string> const& names) {
     auto instances = nlohmann::json::array();

@@ -7,14 +7,14 @@ namespace exploration {
 
 namespace {
 
-constexpr std::array<char const*, k_groups> k_names{"diag::dcm", "an application", "diag::dem"};
+constexpr std::array<char const*, k_groups> k_names_of_clients{"diag::dcm", "an application", "diag::dem"};
 
 Modelled_clients* latest_made = nullptr;
 
 Group group_of(notifier::Client_predicate const& predicate) {
     std::optional<Group> found;
     for (unsigned group = 0; group < k_groups; ++group) {
-        if (predicate(k_names.at(group))) {
+        if (predicate(k_names_of_clients.at(group))) {
             if (found) {
                 throw std::logic_error("two groups are asked at a time");
             }
@@ -52,7 +52,7 @@ void Modelled_clients::answer(notifier::Callback_status status) {
     auto const result = status == notifier::Callback_status::succeeded
                             ? notifier::Component_client_return_type::succeeded
                             : notifier::Component_client_return_type::general_error;
-    completed_(status, {{k_names.at(group), result}});
+    completed_(status, {{k_names_of_clients.at(group), result}});
 }
 
 }  // namespace exploration

@@ -21,8 +21,8 @@
 
 namespace {
 
-namespace ap = ximo::ap::statemanager::proxy;
-namespace udpnm = tarq::udpnm::interface::proxy;
+namespace ap_proxy = ximo::ap::statemanager::proxy;
+namespace udpnm_proxy = tarq::udpnm::interface::proxy;
 
 constexpr std::int32_t k_other = 7;  // no interface has so many methods
 
@@ -98,36 +98,36 @@ class Result_of_another_method : public testing::Test {
 };
 
 TEST_F(Result_of_another_method, Fails_every_call_of_an_application) {
-    expect_failure(client<ap::StateManagementAliveInterfaceProxy>().RequestAlive());
-    expect_failure(client<ap::StateManagementAliveInterfaceProxy>().ReleaseAlive());
-    expect_failure(client<ap::StateManagementComAliveInterfaceProxy>().RequestComAlive({}, 0));
-    expect_failure(client<ap::StateManagementComAliveInterfaceProxy>().ReleaseComAlive({}));
-    expect_failure(client<ap::StateManagementCWUInterfaceProxy>().RequestCarWakeUp(0));
-    expect_failure(client<ap::StateManagementCWUInterfaceProxy>().ReleaseCarWakeUp());
-    expect_failure(client<ap::DSAInterfaceProxy>().RequestRestart(2));
+    expect_failure(client<ap_proxy::StateManagementAliveInterfaceProxy>().RequestAlive());
+    expect_failure(client<ap_proxy::StateManagementAliveInterfaceProxy>().ReleaseAlive());
+    expect_failure(client<ap_proxy::StateManagementComAliveInterfaceProxy>().RequestComAlive({}, 0));
+    expect_failure(client<ap_proxy::StateManagementComAliveInterfaceProxy>().ReleaseComAlive({}));
+    expect_failure(client<ap_proxy::StateManagementCWUInterfaceProxy>().RequestCarWakeUp(0));
+    expect_failure(client<ap_proxy::StateManagementCWUInterfaceProxy>().ReleaseCarWakeUp());
+    expect_failure(client<ap_proxy::DSAInterfaceProxy>().RequestRestart(2));
 }
 
 TEST_F(Result_of_another_method, Fails_every_call_to_network_management) {
-    expect_failure(client<udpnm::NetworkStateInterfaceProxy>().RequestNetwork({}));
-    expect_failure(client<udpnm::NetworkStateInterfaceProxy>().ReleaseNetwork({}));
-    expect_failure(client<udpnm::NetworkStateInterfaceProxy>().NetworkState.Get());
-    expect_failure(client<udpnm::UserDataInterfaceProxy>().GetUserData());
-    expect_failure(client<udpnm::UserDataInterfaceProxy>().SetUserData({}));
+    expect_failure(client<udpnm_proxy::NetworkStateInterfaceProxy>().RequestNetwork({}));
+    expect_failure(client<udpnm_proxy::NetworkStateInterfaceProxy>().ReleaseNetwork({}));
+    expect_failure(client<udpnm_proxy::NetworkStateInterfaceProxy>().NetworkState.Get());
+    expect_failure(client<udpnm_proxy::UserDataInterfaceProxy>().GetUserData());
+    expect_failure(client<udpnm_proxy::UserDataInterfaceProxy>().SetUserData({}));
 }
 
 TEST_F(Result_of_another_method, Is_also_one_of_another_kind) {
     binding->method = 2;
     binding->kind_at = offsetof(tarq_udpnm_interface_NetworkStateInterface_Reply, data._u.getNetworkState._d);
-    expect_failure(client<udpnm::NetworkStateInterfaceProxy>().NetworkState.Get());
+    expect_failure(client<udpnm_proxy::NetworkStateInterfaceProxy>().NetworkState.Get());
     binding->kind = 0;
-    EXPECT_TRUE(client<udpnm::NetworkStateInterfaceProxy>().NetworkState.Get().get().empty());
+    EXPECT_TRUE(client<udpnm_proxy::NetworkStateInterfaceProxy>().NetworkState.Get().get().empty());
 
     binding->method = 0;
     binding->kind = k_other;
     binding->kind_at = offsetof(tarq_udpnm_interface_UserDataInterface_Reply, data._u.getUserData._d);
-    expect_failure(client<udpnm::UserDataInterfaceProxy>().GetUserData());
+    expect_failure(client<udpnm_proxy::UserDataInterfaceProxy>().GetUserData());
     binding->kind = 0;
-    EXPECT_TRUE(client<udpnm::UserDataInterfaceProxy>().GetUserData().get().data.empty());
+    EXPECT_TRUE(client<udpnm_proxy::UserDataInterfaceProxy>().GetUserData().get().data.empty());
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 namespace ximo::ap::statemanager {
 namespace {
 
-constexpr char const* k_interface = "ximo::ap::statemanager::StateManagementComAliveInterface";
+constexpr char const* k_com_alive_service = "ximo::ap::statemanager::StateManagementComAliveInterface";
 using Bits = std::vector<std::uint8_t>;
 
 class Com_alive_interface_test : public testing::Test {
@@ -110,7 +110,7 @@ TEST_F(Com_alive_interface_test, Serves_the_clients_of_its_instance_while_it_is_
     State_manager_com_alive_interface radio("radio");
     State_manager_com_alive_interface phone("phone");
     note_calls(radio);
-    auto application = client<proxy::StateManagementComAliveInterfaceProxy>(k_interface, "radio");
+    auto application = client<proxy::StateManagementComAliveInterfaceProxy>(k_com_alive_service, "radio");
     radio.offer();
     phone.offer();
 
@@ -129,7 +129,7 @@ TEST_F(Com_alive_interface_test, Serves_the_clients_of_its_instance_while_it_is_
 TEST_F(Com_alive_interface_test, Fails_its_client_when_a_callback_is_missing) {
     State_manager_com_alive_interface sut("radio");
     sut.offer();
-    auto application = client<proxy::StateManagementComAliveInterfaceProxy>(k_interface, "radio");
+    auto application = client<proxy::StateManagementComAliveInterfaceProxy>(k_com_alive_service, "radio");
 
     EXPECT_THROW(application.RequestComAlive({0x01}, 1).get(), tarq::com::Remote_exception);
 }
@@ -140,10 +140,10 @@ TEST_F(Com_alive_interface_test, Withdraws_its_offer_at_the_end_before_its_callb
         State_manager_com_alive_interface sut("radio");
         // Runs when the callback that holds it goes.
         std::shared_ptr<void> const held(
-            nullptr, [&](void* /*nothing*/) { offered_at_the_end = binding.is_offered(k_interface, "radio"); });
+            nullptr, [&](void* /*nothing*/) { offered_at_the_end = binding.is_offered(k_com_alive_service, "radio"); });
         sut.set_com_alive_release_cb([held](Bits const& /*bits*/) {});
         sut.offer();
-        EXPECT_TRUE(binding.is_offered(k_interface, "radio"));
+        EXPECT_TRUE(binding.is_offered(k_com_alive_service, "radio"));
     }
 
     EXPECT_FALSE(offered_at_the_end);

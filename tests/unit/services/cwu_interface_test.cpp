@@ -7,7 +7,7 @@
 namespace ximo::ap::statemanager {
 namespace {
 
-constexpr char const* k_interface = "ximo::ap::statemanager::StateManagementCWUInterface";
+constexpr char const* k_cwu_service = "ximo::ap::statemanager::StateManagementCWUInterface";
 
 class Cwu_interface_test : public testing::Test {
  protected:
@@ -73,7 +73,7 @@ TEST_F(Cwu_interface_test, Knows_its_instance_and_refuses_a_string_that_is_none)
 TEST_F(Cwu_interface_test, Serves_the_clients_of_its_instance_while_it_is_offered) {
     State_manager_cwu_interface sut("alarm");
     note_calls(sut);
-    auto application = client<proxy::StateManagementCWUInterfaceProxy>(k_interface, "alarm");
+    auto application = client<proxy::StateManagementCWUInterfaceProxy>(k_cwu_service, "alarm");
     sut.offer();
 
     application.RequestCarWakeUp(7).get();
@@ -90,10 +90,10 @@ TEST_F(Cwu_interface_test, Withdraws_its_offer_at_the_end_before_its_callbacks_g
         State_manager_cwu_interface sut("alarm");
         // Runs when the callback that holds it goes.
         std::shared_ptr<void> const held(
-            nullptr, [&](void* /*nothing*/) { offered_at_the_end = binding.is_offered(k_interface, "alarm"); });
+            nullptr, [&](void* /*nothing*/) { offered_at_the_end = binding.is_offered(k_cwu_service, "alarm"); });
         sut.set_cwu_release_cb([held] {});
         sut.offer();
-        EXPECT_TRUE(binding.is_offered(k_interface, "alarm"));
+        EXPECT_TRUE(binding.is_offered(k_cwu_service, "alarm"));
     }
 
     EXPECT_FALSE(offered_at_the_end);

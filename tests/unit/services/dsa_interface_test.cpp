@@ -16,7 +16,7 @@ using ara::log::LogLevel;
 using test_support::logged;
 using testing::StrEq;
 
-constexpr char const* k_interface = "ximo::ap::statemanager::DSAInterface";
+constexpr char const* k_dsa_service = "ximo::ap::statemanager::DSAInterface";
 
 /// Notes the requests; `meanwhile` runs inside of each.
 class Noting_writer : public smw::Shared_memory_reboot {
@@ -147,9 +147,9 @@ TEST_F(Dsa_interface_test, Answers_with_a_future_that_is_ready) {
 
 TEST_F(Dsa_interface_test, Serves_clients_of_its_one_instance) {
     build().OfferService();
-    EXPECT_TRUE(binding.is_offered(k_interface, "DSA_Interface"));
+    EXPECT_TRUE(binding.is_offered(k_dsa_service, "DSA_Interface"));
 
-    client<proxy::DSAInterfaceProxy>(k_interface, "DSA_Interface").RequestRestart(5).get();
+    client<proxy::DSAInterfaceProxy>(k_dsa_service, "DSA_Interface").RequestRestart(5).get();
 
     EXPECT_THAT(requests, ElementsAre("m3"));
 }
@@ -157,7 +157,7 @@ TEST_F(Dsa_interface_test, Serves_clients_of_its_one_instance) {
 TEST_F(Dsa_interface_test, Withdraws_its_offer_at_the_end_before_its_writer_goes) {
     build().OfferService();
     bool offered_at_the_end = true;
-    writer->at_the_end = [&] { offered_at_the_end = binding.is_offered(k_interface, "DSA_Interface"); };
+    writer->at_the_end = [&] { offered_at_the_end = binding.is_offered(k_dsa_service, "DSA_Interface"); };
 
     sut.reset();
 

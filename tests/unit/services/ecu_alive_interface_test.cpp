@@ -6,7 +6,7 @@
 namespace ximo::ap::statemanager::services {
 namespace {
 
-constexpr char const* k_interface = "ximo::ap::statemanager::StateManagementAliveInterface";
+constexpr char const* k_ecu_alive_service = "ximo::ap::statemanager::StateManagementAliveInterface";
 
 /// Notes who has called, and what the service says then.
 class Noting_callback : public Ecu_alive_interface_callback {
@@ -104,7 +104,7 @@ TEST_F(Ecu_alive_interface_test, Serves_its_own_clients) {
     Ecu_alive_interface roof("roof", &callback);
     door.OfferService();
     roof.OfferService();
-    auto application = client<proxy::StateManagementAliveInterfaceProxy>(k_interface, "roof");
+    auto application = client<proxy::StateManagementAliveInterfaceProxy>(k_ecu_alive_service, "roof");
 
     application.RequestAlive().get();
     EXPECT_FALSE(door.app_keeps_ecu_alive());
@@ -120,7 +120,7 @@ TEST_F(Ecu_alive_interface_test, Withdraws_its_offer_at_the_end) {
         sut.OfferService();
     }
 
-    EXPECT_FALSE(binding.is_offered(k_interface, "door"));
+    EXPECT_FALSE(binding.is_offered(k_ecu_alive_service, "door"));
 }
 
 }  // namespace
