@@ -1,11 +1,8 @@
-#include "statectl.h"
+#include "check_client.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -14,36 +11,8 @@ namespace {
 
 using nlohmann::json;
 using testing::AllOf;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
-
-std::vector<std::string> check(std::vector<std::string> const& program, char const* patience_ms = "1500") {
-    std::vector<std::string> words{"check-client", "--json", "--patience", patience_ms, "--quiet", "250", "--"};
-    words.insert(words.end(), program.begin(), program.end());
-    return words;
-}
-
-std::vector<std::string> rules_with(json const& report, std::string const& result) {
-    std::vector<std::string> names;
-    for (auto const& rule : report.at("rules")) {
-        if (rule.at("result") == result) {
-            names.push_back(rule.at("rule"));
-        }
-    }
-    return names;
-}
-
-std::vector<std::string> all_rules() {
-    std::vector<std::string> names;
-    std::istringstream lines(run_statectl({"check-client", "--list"}).output);
-    for (std::string line; std::getline(lines, line);) {
-        names.push_back(line.substr(0, line.find(' ')));
-    }
-    return names;
-}
 
 TEST(Check_client, Passes_a_good_client_without_the_library) {
     auto const result = run_statectl(check({MISBEHAVING_CLIENT}));
@@ -64,70 +33,6 @@ TEST(Check_client, Passes_a_client_that_answers_late_and_fails) {
         run_statectl(check({STATECTL, "client", "--name", "late", "--answer-after", "50", "--status", "1"}));
     EXPECT_EQ(result.status, 0) << result.output;
 }
-
-std::vector<std::string> without(std::vector<std::string> names, std::vector<std::string> const& others) {
-    auto const is_other = [&](auto const& name) { return std::count(others.begin(), others.end(), name) != 0; };
-    names.erase(std::remove_if(names.begin(), names.end(), is_other), names.end());
-    return names;
-}
-
-/// What can't be checked when the rule is broken. Each of these waits for what never comes, as long as it may.
-std::vector<std::string> rules_leaning_on(std::string const& rule) {
-    if (rule == "connects") {
-        return without(all_rules(), {"connects"});
-    }
-    if (rule == "answers") {
-        return without(all_rules(), {"connects", "waits", "hello", "one-connection", "unasked", "answers", "ends"});
-    }
-    if (rule == "comes-back") {
-        return {"keeps-state", "forgets", "forgets-half", "nonsense"};
-    }
-    return {};
-}
-
-/// The command line of a check that looks at these rules only.
-std::vector<std::string> of_rules(std::vector<std::string> const& rules, std::vector<std::string> words) {
-    for (auto const& rule : rules) {
-        words.insert(words.begin() + 1, {"--rule", rule});
-    }
-    return words;
-}
-
-class One_fault : public testing::TestWithParam<char const*> {};
-class Basic_fault : public testing::TestWithParam<char const*> {};
-
-TEST_P(One_fault, Breaks_its_own_rule_and_no_other) {
-    auto const leaning = rules_leaning_on(GetParam());
-    auto const others = without(all_rules(), leaning);
-    auto const result = run_statectl(of_rules(others, check({MISBEHAVING_CLIENT, GetParam()})));
-    auto const report = json::parse(result.output);
-    EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(rules_with(report, "fail"), ElementsAre(GetParam())) << result.output;
-    EXPECT_THAT(rules_with(report, "pass"), ElementsAreArray(without(others, {GetParam()}))) << result.output;
-}
-
-TEST_P(Basic_fault, Keeps_the_rules_that_lean_on_it_from_being_checked) {
-    auto const leaning = rules_leaning_on(GetParam());
-    auto const result = run_statectl(of_rules(leaning, check({MISBEHAVING_CLIENT, GetParam()}, "200")));
-    EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(rules_with(json::parse(result.output), "not checked"), ElementsAreArray(leaning)) << result.output;
-}
-
-std::string name_of_fault(testing::TestParamInfo<char const*> const& tested) {
-    std::string name = tested.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Faults, One_fault,
-                         testing::Values("connects", "waits", "hello", "one-connection", "unasked", "answers",
-                                         "answer-form", "number", "falling-number", "state", "unknown-state",
-                                         "same-state", "once", "duplicate", "newest", "slow-bytes", "pause", "late",
-                                         "flood", "comes-back", "keeps-state", "forgets", "forgets-half", "nonsense",
-                                         "stays", "ends"),
-                         name_of_fault);
-
-INSTANTIATE_TEST_SUITE_P(Faults, Basic_fault, testing::Values("connects", "answers", "comes-back"), name_of_fault);
 
 TEST(Check_client, Has_a_broken_client_for_each_rule) {
     EXPECT_EQ(all_rules().size(), 26U) << "a new rule needs a fault in the list above";
