@@ -24,8 +24,9 @@ TEST_F(Connecting, Works_at_a_socket_in_a_directory_that_the_server_makes) {
 }
 
 TEST_F(Connecting, Tells_nobody_before_the_introduction) {
-    Test_client const client(path);
-    EXPECT_THAT(sut->get_connected_clients(), IsEmpty());
+    Test_client const silent(path);
+    auto const seat = connect("seat");  // the silent one has been taken before it
+    EXPECT_THAT(sut->get_connected_clients(), ElementsAre(Pair("seat", testing::_)));
 }
 
 TEST_F(Connecting, Does_not_wait_for_others_that_say_nothing) {

@@ -123,6 +123,8 @@ class Server_with_hostile_clients : public Hostile_clients {
 
     static constexpr int k_cycles = 100;
     static constexpr seconds k_time_out{5};
+    // It takes 0.3 to 1.2 ms where the crowd keeps all processors busy, and some times that under a sanitizer.
+    static constexpr double k_most_among_hostile_ms = 50;
 
     Client_states_impl sut{"kOn", nullptr, path};
     Obedient_clients good{path, k_good};
@@ -145,6 +147,7 @@ TEST_F(Server_with_hostile_clients, Serves_those_that_behave_as_if_they_were_alo
                     all_misbehaviours().size() * k_of_each_kind, crowd.connected());
         print("one request, alone", alone);
         print("one request, among hostile ones", among_hostile);
+        EXPECT_LT(among_hostile[among_hostile.size() / 2], k_most_among_hostile_ms);
     }
     EXPECT_TRUE(eventually([&] { return sut.get_connected_clients().size() == k_good.size(); }));
     EXPECT_TRUE(eventually([&] { return open_descriptors() == descriptors; })) << open_descriptors();

@@ -6,10 +6,14 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <fstream>
+#include <iterator>
+#include <string>
 #include <thread>
 
 #include <pthread.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace utilities {
 namespace {
@@ -72,32 +76,84 @@ TEST_F(Polling, Time_is_in_milliseconds_also_from_a_second_on) {
     EXPECT_LT(steady_clock::now() - start, milliseconds(9000));
 }
 
+std::atomic<int> interruptions{0};
+
+/// Whether a thread of this process sleeps.
+bool sleeps(pid_t thread) {
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string const text(std::istreambuf_iterator<char>(file), {});
+    auto const name_ends = text.rfind(')');
+    return name_ends != std::string::npos && text.compare(name_ends, 3, ") S") == 0;
+}
+
+/// Waits for the condition; false when it does not come true in time.
+template <class Condition>
+bool await(Condition const& condition) {
+    for (auto const end = steady_clock::now() + std::chrono::seconds(10); !condition();) {
+        if (steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(milliseconds(1));
+    }
+    return true;
+}
+
 TEST_F(Polling, Without_limit_it_waits_for_what_comes_late_and_through_signals) {
     struct sigaction interrupting {};
-    interrupting.sa_handler = [](int) {};  // without SA_RESTART
+    interrupting.sa_handler = [](int) { ++interruptions; };  // without SA_RESTART
     struct sigaction before {};
     ::sigaction(SIGUSR1, &interrupting, &before);
+    interruptions = 0;
+    std::atomic<pid_t> thread{0};
     std::atomic<bool> ready{false};
+    std::atomic<bool> failed{false};
 
     std::thread waiter([&] {
         auto set = create_pollfd(POLLIN, sut);
-        ready = poll(set, -1);
+        thread = ::gettid();
+        try {
+            ready = poll(set, -1);
+        } catch (std::system_error const&) {
+            failed = true;
+        }
     });
-    for (int i = 0; i < 100; ++i) {
+    EXPECT_TRUE(await([&] { return thread != 0; }));
+    for (int sent = 1; sent <= 10 && !failed; ++sent) {
+        EXPECT_TRUE(await([&] { return failed || sleeps(thread); }));
         ::pthread_kill(waiter.native_handle(), SIGUSR1);
-        std::this_thread::yield();
+        EXPECT_TRUE(await([&] { return interruptions == sent; }));
     }
+    EXPECT_FALSE(ready);
     peer.sendl("x", 1, 0);
     waiter.join();
 
     EXPECT_TRUE(ready);
+    EXPECT_FALSE(failed);
     ::sigaction(SIGUSR1, &before, nullptr);
 }
 
+/// At most so many descriptors for this process, as long as it lives.
+class Descriptor_limit {
+ public:
+    explicit Descriptor_limit(rlim_t most) {
+        ::getrlimit(RLIMIT_NOFILE, &before_);
+        rlimit const lower{most, before_.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &lower);
+    }
+    ~Descriptor_limit() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+    Descriptor_limit(Descriptor_limit const&) = delete;
+    Descriptor_limit& operator=(Descriptor_limit const&) = delete;
+
+ private:
+    rlimit before_{};
+};
+
 TEST_F(Polling, More_descriptors_than_a_process_may_have_are_an_error) {
-    rlimit limit{};
-    ::getrlimit(RLIMIT_NOFILE, &limit);
-    std::vector<pollfd> set(limit.rlim_cur + 1, create_pollfd_helper(POLLIN, sut));
+    constexpr rlim_t most = 64;
+    Descriptor_limit const limit(most);
+    std::vector<pollfd> set(most, create_pollfd_helper(POLLIN, sut));
+    EXPECT_FALSE(poll(set, 0));
+    set.push_back(set.front());
     expect_system_error(EINVAL, "Socket::poll()", [&] { poll(set, 0); });
 }
 
