@@ -13,14 +13,14 @@
 
 namespace {
 
-bool somebody_else_is_faster = false;
+bool another_makes_the_file = false;
 
 }  // namespace
 
 // Takes the place of the C library's in this program.
 extern "C" int remove(char const* path) noexcept {
     auto* const removed = reinterpret_cast<int (*)(char const*)>(::dlsym(RTLD_NEXT, "remove"));
-    if (somebody_else_is_faster) {
+    if (another_makes_the_file) {
         removed(path);
     }
     return removed(path);
@@ -37,7 +37,7 @@ using testing::IsEmpty;
 
 class Files : public testing::Test {
  protected:
-    ~Files() override { somebody_else_is_faster = false; }
+    ~Files() override { another_makes_the_file = false; }
     test_support::Temporary_directory directory;
 };
 
@@ -61,7 +61,7 @@ TEST_F(Files, That_are_not_there_need_no_deleting) {
 
 TEST_F(Files, That_somebody_else_deletes_at_the_same_moment_need_no_deleting) {
     auto const path = directory.write("file", "");
-    somebody_else_is_faster = true;
+    another_makes_the_file = true;
     EXPECT_NO_THROW(delete_file(path));
     EXPECT_FALSE(file_exists(path));
 }
