@@ -3,18 +3,22 @@
 
 #include "bench/vm/virtual_machine.h"
 
+#include <functional>
+#include <utility>
+
 namespace bench::vm {
 
 /// What there is only while the machine is on.
 struct Virtual_machine::Running {
-    explicit Running(Machine_options const& options)
+    /// `take_news` reads what has arrived.
+    Running(Machine_options const& options, std::function<void()> take_news)
         : emulator(command_line(options, directory.path().string(), this_host()), {}),
           control(directory.file("control")),
           log(directory.file("log")),
           state(directory.file("state")),
           restart(directory.file("restart")),
           journal(directory.file("journal")),
-          shell(directory.file("shell")) {}
+          shell(directory.file("shell"), std::move(take_news)) {}
 
     Scratch_directory directory;
     Child_process emulator;

@@ -8,7 +8,7 @@ namespace bench::vm {
 
 namespace {
 
-constexpr int k_poll_ms = 20;
+constexpr int k_poll_ms = 5;
 constexpr char const* k_end = "<end ";
 
 }  // namespace
@@ -35,6 +35,7 @@ Shell::Result Shell::run(std::string const& line, std::chrono::milliseconds limi
         }
         pollfd source{port_.descriptor(), POLLIN, 0};
         ::poll(&source, 1, k_poll_ms);
+        meanwhile_();
     }
 }
 

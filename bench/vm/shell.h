@@ -4,7 +4,9 @@
 #include "bench/vm/port.h"
 
 #include <chrono>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace bench::vm {
 
@@ -16,7 +18,8 @@ class Shell {
         std::string output;
     };
 
-    explicit Shell(std::string const& path) : port_(path) {}
+    /// `meanwhile` is done again and again while a command runs: a machine whose lines nobody reads comes to a stop.
+    Shell(std::string const& path, std::function<void()> meanwhile) : port_(path), meanwhile_(std::move(meanwhile)) {}
 
     /// Runs one line and returns what it printed. Throws `std::runtime_error` when it does not end in time: the machine
     /// is not up yet, or the command hangs.
@@ -27,6 +30,7 @@ class Shell {
 
  private:
     Port port_;
+    std::function<void()> const meanwhile_;
     int unawaited_{0};
 };
 

@@ -50,7 +50,7 @@ void Virtual_machine::start_daemon() {
     journal_.clear();
     players_.begin();
     clock_offset_ = std::numeric_limits<std::int64_t>::max();
-    running_ = std::make_unique<Running>(options_);
+    running_ = std::make_unique<Running>(options_, [this] { take_news(); });
 }
 
 void Virtual_machine::press(std::string const& key) {

@@ -77,6 +77,7 @@ class Virtual_machine : public vehicle::Machine {
  private:
     struct Running;
 
+    void take_news();
     void take_words();
     void take_log();
     void take_journal();

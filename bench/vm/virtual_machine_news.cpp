@@ -42,10 +42,14 @@ void Virtual_machine::update(std::chrono::milliseconds limit) {
                                    {running_->journal.descriptor(), POLLIN, 0},
                                    {running_->control.descriptor(), POLLIN, 0}}};
     ::poll(sources.data(), sources.size(), static_cast<int>(limit.count()));
+    take_news();
+    take_end();
+}
+
+void Virtual_machine::take_news() {
     take_words();
     take_log();
     take_journal();
-    take_end();
 }
 
 void Virtual_machine::take_words() {

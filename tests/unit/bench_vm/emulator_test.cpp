@@ -72,6 +72,10 @@ TEST(Emulator, Gives_the_machine_no_network) {
     EXPECT_EQ(word_after(words, "-nic"), "none");
 }
 
+TEST(Emulator, Takes_what_the_machine_writes_without_waking_another_thread) {
+    EXPECT_THAT(command_line(machine(), "/run/x", {}), Contains("virtio-serial-pci,ioeventfd=off"));
+}
+
 TEST(Emulator, Has_a_socket_for_each_line_of_the_machine) {
     auto const words = command_line(machine(), "/run/x", {});
     for (std::string const line : {"log", "state", "restart", "shell", "journal"}) {
