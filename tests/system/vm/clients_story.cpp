@@ -22,35 +22,42 @@ class Clients : public Target {
     }
 
     /// Whether the client prints a line with these words, from the last `listen` on.
-    bool says(std::string const& name, std::string const& words) { return time_of(name, words) > 0; }
+    bool says(std::string const& name, std::string const& words) { return line_with(name, words) != nullptr; }
 
-    /// When it did, by the machine's clock.
-    std::int64_t time_of(std::string const& name, std::string const& words) {
-        auto const* const entry =
-            machine().await_entry("vehicle-client@" + name + ".service", words, first_, k_patience);
-        return entry != nullptr ? entry->time : 0;
+    /// Each of them was asked for the state, the one after the other. They tell when: lines of several units may come
+    /// into the journal in another order.
+    void expect_asked(std::string const& state, std::vector<std::string> const& names) {
+        std::int64_t last = 0;
+        for (auto const& name : names) {
+            auto const* const line = line_with(name, R"("state":")" + state + '"');
+            ASSERT_NE(line, nullptr) << name << " was not asked for " << state;
+            auto const message = nlohmann::json::parse(line->message);
+            EXPECT_EQ(message.at("event"), "request") << line->message;
+            EXPECT_LT(last, message.at("t").get<std::int64_t>()) << name << " was asked too early for " << state;
+            last = message.at("t").get<std::int64_t>();
+        }
     }
     void listen() { first_ = machine().journal().size(); }
 
  private:
+    Entry const* line_with(std::string const& name, std::string const& words) const {
+        return machine().await_entry("vehicle-client@" + name + ".service", words, first_, k_patience);
+    }
+
     std::size_t first_{0};
 };
 
 TEST_F(Clients, Are_asked_before_a_suspend_in_their_order_and_after_it_in_the_opposite_one) {
     machine().press("p");
     ASSERT_TRUE(shows("prepared4sd"));
-    auto const* const suspend = "\"state\":\"kPrepSD\"";
-    EXPECT_LT(time_of("diag::dcm", suspend), time_of("application", suspend));
-    EXPECT_LT(time_of("application", suspend), time_of("diag::dem", suspend));
+    expect_asked("kPrepSD", {"diag::dcm", "application", "diag::dem"});
 
     listen();
     mark();
     machine().press("r");
     ASSERT_TRUE(shows("resuming"));
     ASSERT_TRUE(shows("running"));
-    auto const* const resume = "\"state\":\"kOn\"";
-    EXPECT_LT(time_of("diag::dem", resume), time_of("application", resume));
-    EXPECT_LT(time_of("application", resume), time_of("diag::dcm", resume));
+    expect_asked("kOn", {"diag::dem", "application", "diag::dcm"});
 }
 
 TEST_F(Clients, Connect_again_to_a_daemon_that_was_killed) {

@@ -13,6 +13,7 @@ class Machine_network : public Target {
         others_need_network(true);
         start_the_daemon_again();
         ASSERT_TRUE(shows("running"));
+        ASSERT_TRUE(manager_holds(k_default_pattern, k_user_data));
         mark();
     }
     void TearDown() override {

@@ -18,12 +18,6 @@ namespace {
 
 auto* const g_shared_machine = testing::AddGlobalTestEnvironment(new Shared_machine);
 
-std::string last_word(vehicle::Timeline const& events) {
-    auto const last =
-        std::find_if(events.rbegin(), events.rend(), [](auto const& event) { return event.kind == Kind::state_word; });
-    return last == events.rend() ? "" : last->text;
-}
-
 double seconds(std::int64_t nanoseconds) {
     return static_cast<double>(nanoseconds) / 1e9;
 }
@@ -32,20 +26,32 @@ double seconds(std::int64_t nanoseconds) {
 
 Virtual_machine& Target::machine() {
     if (!shared_machine) {
-        shared_machine = std::make_unique<Virtual_machine>(Machine_options{VM_IMAGE});
+        shared_machine = std::make_unique<Virtual_machine>(usual_machine());
     }
     return *shared_machine;
 }
 
-void Target::switch_off() {
+Machine_options Target::usual_machine() {
+    Machine_options options;
+    options.image = VM_IMAGE;
+    return options;
+}
+
+void Target::switch_off(Machine_options const& next) {
     shared_machine.reset();
+    shared_machine = std::make_unique<Virtual_machine>(next);
+}
+
+void Target::begin_story() {
+    mark();
+    story_begin_ = begin_;
 }
 
 void Target::SetUp() {
-    mark();
+    begin_story();
     if (!machine().is_on()) {
         machine().start_daemon();
-    } else if (last_word(machine().events()) == "running" && !daemon_is_used_up) {
+    } else if (last_word() == "running" && !daemon_is_used_up) {
         return;
     } else {
         start_the_daemon_again();
@@ -56,6 +62,9 @@ void Target::SetUp() {
 }
 
 void Target::TearDown() {
+    if (!may_calls_fail_) {
+        EXPECT_THAT(failed_calls(), testing::IsEmpty());
+    }
     if (!HasFailure()) {
         return;
     }
@@ -72,6 +81,13 @@ void Target::TearDown() {
     }
 }
 
+std::string Target::last_word() {
+    auto const& events = machine().events();
+    auto const last =
+        std::find_if(events.rbegin(), events.rend(), [](auto const& event) { return event.kind == Kind::state_word; });
+    return last == events.rend() ? "" : last->text;
+}
+
 void Target::start_the_daemon_again() {
     mark();
     machine().shell().run("systemctl reset-failed ap_statemanager.service; systemctl restart ap_statemanager.service");
@@ -81,6 +97,45 @@ std::string Target::output_of(std::string const& command) {
     auto output = machine().shell().run(command).output;
     output.erase(output.find_last_not_of('\n') + 1);
     return output;
+}
+
+std::vector<std::string> Target::failed_calls() const {
+    auto const& events = machine().events();
+    std::vector<std::string> failures;
+    std::for_each(events.begin() + static_cast<std::ptrdiff_t>(story_begin_), events.end(), [&](auto const& event) {
+        if (event.kind == Kind::log && event.text.find("exception") != std::string::npos) {
+            failures.push_back(event.text);
+        }
+    });
+    return failures;
+}
+
+std::vector<std::string> Target::calls_at_manager() {
+    std::vector<std::string> calls;
+    for (auto const& entry : machine().journal()) {
+        auto const message = entry.unit == "vehicle-network-manager.service"
+                                 ? nlohmann::json::parse(entry.message, nullptr, false)
+                                 : nlohmann::json();
+        if (message.is_object() && message.value("event", "") == "call") {
+            calls.push_back(message.value("method", "") + " " + message.value("bytes", ""));
+        }
+    }
+    return calls;
+}
+
+bool Target::manager_holds(std::string const& bits, std::string const& user_data) {
+    auto const deadline = std::chrono::steady_clock::now() + k_patience;
+    for (;;) {
+        auto const manager = machine().tell("node", {{"do", "list"}});
+        if (manager["requests"] == bits && manager["user_data"] == user_data) {
+            return true;
+        }
+        if (std::chrono::steady_clock::now() > deadline) {
+            ADD_FAILURE() << "The network manager holds " << manager;
+            return false;
+        }
+        machine().watch(std::chrono::milliseconds(100));
+    }
 }
 
 bool Target::comes_true(std::string const& command) {

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -20,16 +21,31 @@ class Target : public testing::Test {
  protected:
     static constexpr std::chrono::seconds k_patience = Virtual_machine::k_boot_patience;
 
+    // At the network manager, as the machine's configuration has it.
+    static constexpr char const* k_default_pattern = "00 00 01 00 00 00";
+    static constexpr char const* k_no_bits = "00 00 00 00 00 00";
+    static constexpr char const* k_user_data = "80 00 00 00 00 00";  ///< while no application asks for anything
+    static constexpr char const* k_no_user_data = "00 00 00 00 00 00";
+
     static Virtual_machine& machine();
 
-    /// A machine that was off, and boots when the story starts it.
-    static void switch_off();
+    /// A machine that was off, and boots when the story starts it: another one when it says so.
+    static void switch_off(Machine_options const& next = usual_machine());
+
+    /// Only the daemon, without its vehicle.
+    static Machine_options usual_machine();
 
     void SetUp() override;
 
-    /// After a failure, tells what the machine told.
+    /// No call of the daemon has failed, unless the story says that they may. After a failure, tells what the machine
+    /// told.
     void TearDown() override;
 
+    /// For stories that take a neighbour away while the daemon needs it.
+    void calls_may_fail() { may_calls_fail_ = true; }
+
+    /// What was before does not count.
+    void begin_story();
     void mark() { begin_ = machine().events().size(); }
     bool sees(Kind kind, std::string const& text) {
         return machine().await(kind, text, begin_, k_patience).has_value();
@@ -37,11 +53,23 @@ class Target : public testing::Test {
     bool shows(std::string const& word) { return sees(Kind::state_word, word); }
     bool logs(std::string const& text) { return sees(Kind::log, text); }
 
+    /// The last that the machine has written.
+    static std::string last_word();
+
     /// What a command in the machine prints, without the newline at its end.
     static std::string output_of(std::string const& command);
 
     /// Whether a command in the machine comes to succeed.
     static bool comes_true(std::string const& command);
+
+    /// What the daemon logged of calls that failed, since the story's begin.
+    std::vector<std::string> failed_calls() const;
+
+    /// What the network manager was called for, since the machine was switched on: "ReleaseNetwork ff ff ff 01".
+    static std::vector<std::string> calls_at_manager();
+
+    /// Whether the network manager comes to hold these bits of the daemon, and this user data.
+    static bool manager_holds(std::string const& bits, std::string const& user_data);
 
     /// A property of the daemon's unit.
     static std::string property(std::string const& name) {
@@ -59,6 +87,8 @@ class Target : public testing::Test {
     friend class Shared_machine;
 
     std::size_t begin_{0};
+    std::size_t story_begin_{0};
+    bool may_calls_fail_{false};
 };
 
 }  // namespace bench::vm
