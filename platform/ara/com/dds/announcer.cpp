@@ -50,6 +50,11 @@ void Announcer::claim(std::string const& interface_name, std::string const& inst
     }
 }
 
+bool Announcer::claims(std::string const& interface_name, std::string const& instance) {
+    base::Lock_guard lock(mutex_);
+    return claimed_.count({interface_name, instance}) != 0;
+}
+
 void Announcer::announce(std::string const& interface_name, std::string const& instance) {
     auto const offer = make_offer(participant_.identity(), interface_name, instance);
     writer()->write(&offer);

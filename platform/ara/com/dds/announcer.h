@@ -19,6 +19,9 @@ class Announcer {
     /// First an instance is claimed. Throws `tarq::com::Infrastructure_exception` when this process has it already.
     void claim(std::string const& interface_name, std::string const& instance);
 
+    /// Whether this process has claimed it.
+    bool claims(std::string const& interface_name, std::string const& instance);
+
     /// Tells of a claimed instance. Throws `tarq::com::Infrastructure_exception`.
     void announce(std::string const& interface_name, std::string const& instance);
 

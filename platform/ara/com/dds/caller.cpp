@@ -25,7 +25,7 @@ void Caller::open() {
         base::Lock_guard lock(mutex_);
         path_ = std::move(path);
     }
-    engine_->offers().add(weak_from_this());
+    engine_->offers().add(weak_from_this(), type_.name, InstanceSpecifier(instance_.ToString()));
 }
 
 std::shared_ptr<Call_path> Caller::make_path() {

@@ -68,14 +68,36 @@ void Writer::write(void const* sample, std::chrono::system_clock::time_point tim
 }
 
 Reader::Reader(Participant& participant, Channel const& channel, Quality const& quality, Received_handler received,
-               Matched_handler matched)
+               Matched_handler matched, Admission admits)
     : type_(channel.type),
       received_(std::move(received)),
       matched_(std::move(matched)),
+      admits_(std::move(admits)),
+      own_topic_(make_own_topic(participant)),
       subscriber_(make_subscriber(participant, channel), "There can be no subscriber"),
-      reader_(dds_create_reader(subscriber_.get(), participant.topic(channel.type), quality.get(),
-                                reader_listener(on_data, this, matched_).get()),
+      reader_(dds_create_reader(subscriber_.get(), admits_ ? own_topic_.get() : participant.topic(channel.type),
+                                quality.get(), reader_listener(on_data, this, matched_).get()),
               "There can be no reader") {}
+
+// A filter counts for all readers of a topic's entity, and for its writers.
+Entity Reader::make_own_topic(Participant& participant) {
+    if (!admits_) {
+        return {};
+    }
+    auto topic = participant.make_topic(type_);
+    dds_topic_filter filter{};
+    filter.mode = DDS_TOPIC_FILTER_SAMPLE_ARG;
+    filter.f.sample_arg = is_admitted;
+    filter.arg = this;
+    if (auto const code = dds_set_topic_filter_extended(topic.get(), &filter); code < 0) {
+        throw_engine_error("There can be no filter", code);
+    }
+    return topic;
+}
+
+bool Reader::is_admitted(void const* sample, void* self) {
+    return static_cast<Reader const*>(self)->admits_(sample);
+}
 
 void Reader::on_data(dds_entity_t reader, void* self) {
     static_cast<Reader const*>(self)->take(reader);

@@ -22,6 +22,8 @@ struct Channel {
 /// Called by a thread of the engine, or by the one of this process that writes. So it must neither block nor call user
 /// code, nor may its caller hold a lock that it takes while using a reader or writer.
 using Matched_handler = std::function<void()>;
+/// Decides on each sample before it is kept, under locks of the engine. Without data nobody is asked.
+using Admission = std::function<bool(void const* sample)>;
 using Received_handler = std::function<void(Sample sample, dds_sample_info_t const& info)>;
 
 /// Thread-safe. Constructors throw `tarq::com::Infrastructure_exception`.
@@ -46,17 +48,21 @@ class Writer {
 class Reader {
  public:
     Reader(Participant& participant, Channel const& channel, Quality const& quality, Received_handler received,
-           Matched_handler matched = {});
+           Matched_handler matched = {}, Admission admits = {});
 
     dds_entity_t entity() const noexcept { return reader_.get(); }
 
  private:
     static void on_data(dds_entity_t reader, void* self);
+    static bool is_admitted(void const* sample, void* self);
+    Entity make_own_topic(Participant& participant);
     void take(dds_entity_t reader) const;
 
     Topic_type const type_;
     Received_handler const received_;
     Matched_handler const matched_;
+    Admission const admits_;
+    Entity const own_topic_;  // none without an admission
     Entity const subscriber_;
     Entity const reader_;
 };

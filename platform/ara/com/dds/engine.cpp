@@ -11,7 +11,7 @@ Engine::Engine()
     : strand_(std::make_shared<Strand>(workers_)),
       participant_(std::make_unique<Participant>()),
       announcer_(std::make_unique<Announcer>(*participant_)),
-      offers_(std::make_shared<Known_offers>(*participant_, strand_, timer_)) {
+      offers_(std::make_shared<Known_offers>(*participant_, *announcer_, strand_, timer_)) {
     timer_.start();
 }
 

@@ -34,15 +34,24 @@ Known_offer read(ara_com_ServiceOffer const& sample, std::string const& process_
 
 }  // namespace
 
-Known_offers::Known_offers(Participant& participant, std::shared_ptr<Strand> strand, Call_timer& timer)
-    : participant_(participant), strand_(std::move(strand)), timer_(timer), process_space_(process_space()) {}
+Known_offers::Known_offers(Participant& participant, Announcer& announcer, std::shared_ptr<Strand> strand,
+                           Call_timer& timer)
+    : participant_(participant),
+      strand_(std::move(strand)),
+      timer_(timer),
+      process_space_(process_space()),
+      bounds_([&participant, &announcer](auto const& identity, auto const& interface_name, auto const& instance) {
+          return identity == participant.identity() && announcer.claims(interface_name, instance);
+      }) {}
 
-void Known_offers::add(std::weak_ptr<Offer_observer> observer) {
-    strand_->post([this, observer = std::move(observer)] {
+void Known_offers::add(std::weak_ptr<Offer_observer> observer, std::string interface_name,
+                       InstanceSpecifier const& wanted) {
+    auto instance = wanted.ToString() == "*" ? std::string() : wanted.ToString();
+    strand_->post([this, added = Observer{std::move(observer), std::move(interface_name), std::move(instance)}] {
         begin();
-        observers_.push_back(observer);
-        if (auto const added = observer.lock()) {
-            added->offers_changed(offers_);
+        observers_.push_back(added);
+        if (auto const present = added.observer.lock()) {
+            present->offers_changed(wanted_by(added));
         }
     });
 }
@@ -73,9 +82,14 @@ void Known_offers::open_reader() {
         [this](Sample sample, dds_sample_info_t const& info) {
             std::shared_ptr<void const> const kept = std::move(sample);
             auto const state = info.instance_state;
+            if (state != DDS_IST_ALIVE) {
+                bounds_.ended(*static_cast<ara_com_ServiceOffer const*>(kept.get()));
+            }
             auto const written = info.source_timestamp;
             strand_->post([this, kept, state, written] { received(kept.get(), state, written); });
-        });
+        },
+        Matched_handler(),
+        [this](void const* sample) { return bounds_.admits(*static_cast<ara_com_ServiceOffer const*>(sample)); });
 }
 
 // One look at a time: each begins with the earliest time that is left.
@@ -128,15 +142,15 @@ void Known_offers::keep(Known_offer offer) {
     if (offer.process != 0 && offer.process != getpid() && !watch_->watch(offer.process)) {
         return;
     }
-    auto const place = std::lower_bound(offers_.begin(), offers_.end(), offer, comes_before);
+    auto place = std::lower_bound(offers_.begin(), offers_.end(), offer, comes_before);
     if (place == offers_.end() || comes_before(offer, *place)) {
-        offers_.insert(place, std::move(offer));
+        place = offers_.insert(place, std::move(offer));
     } else if (place->since == offer.since && !place->awaited_until) {
         return;
     } else {
         *place = std::move(offer);
     }
-    report();
+    report(*place);
 }
 
 // The end of a process that is watched is told by itself.
@@ -147,26 +161,37 @@ void Known_offers::lose(Known_offer const& offer) {
     }
     place->awaited_until = Clock::now() + k_longest_absence;
     look_at(*place->awaited_until);
-    report();
+    report(*place);
 }
 
 template <class Predicate>
 void Known_offers::drop_if(Predicate const& is_over) {
-    auto const gone = std::remove_if(offers_.begin(), offers_.end(), is_over);
-    if (gone != offers_.end()) {
-        offers_.erase(gone, offers_.end());
-        report();
+    auto const place = std::stable_partition(offers_.begin(), offers_.end(),
+                                             [&is_over](auto const& offer) { return !is_over(offer); });
+    Known_offer_list const gone(place, offers_.end());
+    offers_.erase(place, offers_.end());
+    for (auto const& offer : gone) {
+        report(offer);
     }
 }
 
-void Known_offers::report() {
-    auto const gone = [](auto const& observer) { return observer.expired(); };
+// To those who want it alone.
+void Known_offers::report(Known_offer const& changed) {
+    auto const gone = [](auto const& observer) { return observer.observer.expired(); };
     observers_.erase(std::remove_if(observers_.begin(), observers_.end(), gone), observers_.end());
     for (auto const& observer : observers_) {
-        if (auto const present = observer.lock()) {
-            present->offers_changed(offers_);
+        auto const present = observer.wants(changed) ? observer.observer.lock() : nullptr;
+        if (present) {
+            present->offers_changed(wanted_by(observer));
         }
     }
+}
+
+Known_offer_list Known_offers::wanted_by(Observer const& observer) const {
+    Known_offer const first{observer.interface_name, observer.instance, {}, 0};
+    auto const begin = std::lower_bound(offers_.begin(), offers_.end(), first, comes_before);
+    auto const end = std::find_if_not(begin, offers_.end(), [&](auto const& offer) { return observer.wants(offer); });
+    return {begin, end};
 }
 
 }  // namespace ara::com::dds

@@ -1,11 +1,14 @@
 #ifndef ARA_COM_DDS_KNOWN_OFFERS_H
 #define ARA_COM_DDS_KNOWN_OFFERS_H
 
+#include "ara/com/dds/announcer.h"
 #include "ara/com/dds/call_timer.h"
 #include "ara/com/dds/endpoints.h"
+#include "ara/com/dds/offer_bounds.h"
 #include "ara/com/dds/offer_types.h"
 #include "ara/com/dds/process_watch.h"
 #include "ara/com/dds/strand.h"
+#include "ara/com/instance.h"
 
 #include <memory>
 #include <optional>
@@ -20,7 +23,8 @@ namespace ara::com::dds {
 class Offer_observer {
  public:
     virtual ~Offer_observer() = default;
-    /// The whole list, on the engine's strand: at first what is known already, then on each change. Must not block.
+    /// All offers of the interface and instances that it wants, on the engine's strand: at first what is known already,
+    /// then on each change of them. Must not block.
     virtual void offers_changed(Known_offer_list const& offers) = 0;
 };
 
@@ -31,10 +35,10 @@ class Offer_observer {
 /// Everything happens on the engine's strand, except where something else is said.
 class Known_offers : public Expiring, public std::enable_shared_from_this<Known_offers> {
  public:
-    Known_offers(Participant& participant, std::shared_ptr<Strand> strand, Call_timer& timer);
+    Known_offers(Participant& participant, Announcer& announcer, std::shared_ptr<Strand> strand, Call_timer& timer);
 
     /// Any thread. The observer is forgotten when it goes. While offers can't be heard of that is tried again.
-    void add(std::weak_ptr<Offer_observer> observer);
+    void add(std::weak_ptr<Offer_observer> observer, std::string interface_name, InstanceSpecifier const& wanted);
 
     /// The timer's thread.
     std::optional<Clock::time_point> expire(Clock::time_point now) override;
@@ -43,6 +47,16 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     void close();
 
  private:
+    struct Observer {
+        std::weak_ptr<Offer_observer> observer;
+        std::string interface_name;
+        std::string instance;  // empty for any
+
+        bool wants(Known_offer const& offer) const {
+            return interface_name == offer.interface_name && (instance.empty() || instance == offer.instance);
+        }
+    };
+
     void begin();
     void open_reader();
     void look_at(Clock::time_point when);
@@ -52,14 +66,16 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     void lose(Known_offer const& offer);
     template <class Predicate>
     void drop_if(Predicate const& is_over);
-    void report();
+    void report(Known_offer const& changed);
+    Known_offer_list wanted_by(Observer const& observer) const;
 
     Participant& participant_;
     std::shared_ptr<Strand> const strand_;
     Call_timer& timer_;
     std::string const process_space_;
     Known_offer_list offers_;
-    std::vector<std::weak_ptr<Offer_observer>> observers_;
+    std::vector<Observer> observers_;
+    Offer_bounds bounds_;
     std::unique_ptr<Process_watch> watch_;
     std::unique_ptr<Reader> reader_;  // once there was an observer
     bool failed_ = false;             // to make the reader

@@ -85,19 +85,19 @@ Participant::Participant()
       identity_(guid_of(participant_.get())) {}
 
 dds_entity_t Participant::topic(Topic_type const& type) {
+    auto const* const name = descriptor_of(type).m_typename;
+    base::Lock_guard lock(mutex_);
+    auto& topic = topics_[name];
+    if (topic.get() == 0) {
+        topic = make_topic(type);
+    }
+    return topic.get();
+}
+
+Entity Participant::make_topic(Topic_type const& type) const {
     auto const& descriptor = descriptor_of(type);
     auto const name = topic_name(descriptor);
-    base::Lock_guard lock(mutex_);
-    auto const known = topics_.find(name);
-    if (known != topics_.end()) {
-        return known->second;
-    }
-    auto const topic = dds_create_topic(entity(), &descriptor, name.c_str(), nullptr, nullptr);
-    if (topic < 0) {
-        throw_engine_error("There can be no topic " + name, topic);
-    }
-    topics_[name] = topic;
-    return topic;
+    return {dds_create_topic(entity(), &descriptor, name.c_str(), nullptr, nullptr), "There can be no topic " + name};
 }
 
 }  // namespace ara::com::dds

@@ -26,12 +26,15 @@ class Participant {
     /// `tarq::com::Infrastructure_exception`.
     dds_entity_t topic(Topic_type const& type);
 
+    /// One more entity for the same topic. Throws as `topic` does.
+    Entity make_topic(Topic_type const& type) const;
+
  private:
     std::shared_ptr<Entity> const domain_;  // null where the environment configures it
     Entity const participant_;
     Guid const identity_;
     base::Mutex mutex_;
-    std::map<std::string, dds_entity_t> topics_ GUARDED_BY(mutex_);
+    std::map<std::string, Entity> topics_ GUARDED_BY(mutex_);
 };
 
 }  // namespace ara::com::dds

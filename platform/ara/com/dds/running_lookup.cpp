@@ -16,15 +16,6 @@ bool is_same(Known_offer const& left, Known_offer const& right) {
     return key_of(left) == key_of(right);
 }
 
-// Others may offer names that can't be ours.
-bool is_wanted(InstanceSpecifier const& wanted, std::string const& instance) {
-    try {
-        return wanted.matches(InstanceIdentifier(instance));
-    } catch (tarq::com::Invalid_argument_exception const&) {
-        return false;
-    }
-}
-
 ServiceHandleContainer handles_of(std::vector<Known_offer> const& offers) {
     ServiceHandleContainer handles;
     for (auto const& offer : offers) {
@@ -50,7 +41,7 @@ void Running_lookup::start() {
         base::Lock_guard lock(mutex_);
         self_ = shared_from_this();
     }
-    engine_->offers().add(weak_from_this());
+    engine_->offers().add(weak_from_this(), interface_, wanted_);
 }
 
 void Running_lookup::close() {
@@ -62,35 +53,39 @@ void Running_lookup::close() {
     strand_->close();
 }
 
-std::vector<Known_offer> Running_lookup::matching(Known_offer_list const& offers) const {
-    std::vector<Known_offer> matching;
-    std::copy_if(offers.begin(), offers.end(), std::back_inserter(matching), [this](auto const& offer) {
-        return offer.interface_name == interface_ && is_wanted(wanted_, offer.instance);
-    });
-    return matching;
-}
-
 void Running_lookup::offers_changed(Known_offer_list const& offers) {
-    auto found = matching(offers);
-    if (reported_ && std::equal(found.begin(), found.end(), reported_->begin(), reported_->end(), is_same)) {
-        return;
+    {
+        base::Lock_guard lock(mutex_);
+        if (newest_ && std::equal(offers.begin(), offers.end(), newest_->begin(), newest_->end(), is_same)) {
+            return;
+        }
+        newest_ = offers;
     }
-    reported_ = std::move(found);
     post_report();
 }
 
+// While a report waits for the one that runs, it takes in what changes.
 void Running_lookup::post_report() {
-    strand_->post([weak = weak_from_this(), found = *reported_] {
+    if (waiting_.exchange(true)) {
+        return;
+    }
+    strand_->post([weak = weak_from_this()] {
         if (auto const lookup = weak.lock()) {
-            lookup->report(found);
+            lookup->report();
         }
     });
 }
 
+Known_offer_list Running_lookup::newest() {
+    waiting_ = false;
+    base::Lock_guard lock(mutex_);
+    return *newest_;
+}
+
 // The strand logs what the handler throws.
-void Running_lookup::report(std::vector<Known_offer> const& found) {
+void Running_lookup::report() {
     try {
-        handler_(handles_of(found));
+        handler_(handles_of(newest()));
     } catch (tarq::com::Infrastructure_exception const&) {
         engine_->timer().watch(weak_from_this(), Clock::now() + k_pause_after_failure);
         throw;

@@ -7,10 +7,10 @@
 #include "ara/com/dds/strand.h"
 #include "base/mutex.h"
 
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace ara::com::dds {
 
@@ -36,17 +36,18 @@ class Running_lookup : public Lookup,
     std::optional<Clock::time_point> expire(Clock::time_point now) override;
 
  private:
-    std::vector<Known_offer> matching(Known_offer_list const& offers) const;
     void post_report();
-    void report(std::vector<Known_offer> const& found);
+    Known_offer_list newest();
+    void report();
 
     std::shared_ptr<Engine> const engine_;
     std::string const interface_;
     InstanceSpecifier const wanted_;
     FindServiceHandler const handler_;
     std::shared_ptr<Strand> const strand_;
-    std::optional<std::vector<Known_offer>> reported_;  // the engine's strand alone uses it
+    std::atomic<bool> waiting_{false};  // a report that has not begun
     base::Mutex mutex_;
+    std::optional<Known_offer_list> newest_ GUARDED_BY(mutex_);
     std::shared_ptr<Running_lookup> self_ GUARDED_BY(mutex_);
 };
 

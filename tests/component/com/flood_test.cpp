@@ -1,0 +1,97 @@
+// A stranger who offers far more than anybody has: what is known of it is bounded, and calls go on beside it.
+
+#include "client_fixture.h"
+#include "peer_services.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+
+#include <malloc.h>
+
+namespace com_test {
+namespace {
+
+using std::chrono::duration;
+using std::chrono::steady_clock;
+
+std::string const k_our_interface = "tarq::udpnm::interface::NetworkStateInterface";
+
+class Flood : public Client {
+ protected:
+    // Ready when all is written.
+    static bench::Player stranger(int participants, int offers, std::string const& interface_name) {
+        return bench::Player({FLOOD_PROGRAM, std::to_string(participants), std::to_string(offers), interface_name},
+                             given_up_soon());
+    }
+
+    bench::Player peer_ = server({"app"});
+};
+
+TEST_F(Flood, Of_one_participant_leaves_sixty_four_of_its_offers_and_room_for_others) {
+    Watching<Network_proxy> lookup("*");
+    lookup.expect({"app"});
+    auto const flood = stranger(1, 2000, k_our_interface);
+    lookup.reports.await([](auto const& reports) { return reports.back().size() >= 64 + 1; });
+    auto const witness = server({"witness"});
+    auto const has_witness = [](auto const& reports) {
+        return std::count(reports.back().begin(), reports.back().end(), "witness") != 0;
+    };
+    auto const known = lookup.reports.await(has_witness).back();
+    EXPECT_EQ(known.size(), 64U + 2U);
+    EXPECT_EQ(std::count(known.begin(), known.end(), "app"), 1);
+}
+
+TEST_F(Flood, Of_many_participants_leaves_one_thousand_and_twenty_four_offers) {
+    User_data own("own");
+    own.OfferService();
+    Network_proxy proxy(found<Network_proxy>("app"));
+    Watching<Network_proxy> lookup("*");
+    auto const flood = stranger(20, 100, k_our_interface);
+    // The peer has two more services, which count in all, and own ones find room in any case.
+    auto const known = lookup.reports.await([](auto const& reports) { return reports.back().size() >= 1024 - 2; });
+    EXPECT_EQ(known.back().size(), 1024U - 2U);
+    EXPECT_TRUE(succeeds(proxy.RequestNetwork({1})));
+    Network own_network("own", [](auto const&) {});
+    own_network.OfferService();
+    EXPECT_TRUE(succeeds(Network_proxy(found<Network_proxy>("own")).RequestNetwork({1})));
+    EXPECT_EQ(lookup.reports.await([](auto const& reports) { return reports.back().size() >= 1024 - 1; }).back().size(),
+              1024U - 1U);
+}
+
+TEST_F(Flood, That_goes_makes_room_again) {
+    Watching<Network_proxy> lookup("*");
+    lookup.expect({"app"});
+    {
+        auto flood = stranger(1, 100, k_our_interface);
+        lookup.reports.await([](auto const& reports) { return reports.back().size() == 65; });
+        flood.process().close_input();
+        EXPECT_EQ(flood.process().wait(k_patience), 0);
+    }
+    lookup.expect({"app"});
+    auto const flood = stranger(1, 100, k_our_interface);
+    EXPECT_EQ(lookup.reports.await([](auto const& reports) { return reports.back().size() == 65; }).back().size(), 65U);
+}
+
+TEST_F(Flood, Of_twenty_thousand_offers_takes_no_memory_and_no_call) {
+    User_data_proxy proxy(found<User_data_proxy>("app"));
+    EXPECT_TRUE(succeeds(proxy.SetUserData({1})));
+    auto const before = ::mallinfo2().uordblks;
+    bench::Child_process flood({FLOOD_PROGRAM, "1", "20000", "an::interface::Of_a_stranger"}, given_up_soon());
+    auto const deadline = steady_clock::now() + std::chrono::seconds(5);
+    duration<double, std::milli> longest{0};
+    int calls = 0;
+    for (; steady_clock::now() < deadline; ++calls) {
+        auto const begin = steady_clock::now();
+        ASSERT_TRUE(succeeds(proxy.SetUserData({1})));
+        longest = std::max<duration<double, std::milli>>(longest, steady_clock::now() - begin);
+    }
+    auto const after = ::mallinfo2().uordblks;
+    std::cout << calls << " calls, the longest took " << longest.count() << " ms; " << (after - before) / 1024
+              << " KiB more in use\n";
+    // Two of them are buffers of a mebibyte in which the engine receives, and which come and go.
+    EXPECT_LT(after, before + 4 * 1024 * 1024);
+}
+
+}  // namespace
+}  // namespace com_test
