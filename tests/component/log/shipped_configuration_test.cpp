@@ -15,7 +15,8 @@
 
 namespace {
 
-// "protocol address" of each socket of one port, the address as the kernel writes it.
+// "protocol address" of each socket of one port that takes what comes, the address as the kernel writes it. Connections
+// that have ended stay in the tables for a while.
 std::vector<std::string> sockets_of(std::string const& port) {
     std::vector<std::string> sockets;
     for (std::string const protocol : {"tcp", "tcp6", "udp", "udp6"}) {
@@ -26,8 +27,11 @@ std::vector<std::string> sockets_of(std::string const& port) {
             std::istringstream columns(line);
             std::string number;
             std::string local;
-            columns >> number >> local;
-            if (local.substr(local.find(':') + 1) == port) {
+            std::string remote;
+            std::string state;
+            columns >> number >> local >> remote >> state;
+            bool const takes = state == "0A" || protocol.substr(0, 3) == "udp";
+            if (takes && local.substr(local.find(':') + 1) == port) {
                 sockets.push_back(protocol + " " + local.substr(0, local.find(':')));
             }
         }
