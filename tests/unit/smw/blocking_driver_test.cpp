@@ -8,6 +8,8 @@
 #include <atomic>
 #include <csignal>
 #include <fstream>
+#include <iterator>
+#include <string>
 #include <thread>
 
 #include <fcntl.h>
@@ -20,8 +22,6 @@
 namespace ximo::ap::statemanager::smw {
 namespace {
 
-std::atomic<int> g_signals{0};
-
 class Blocking_driver : public testing::Test {
  protected:
     Blocking_driver() {
@@ -30,7 +30,6 @@ class Blocking_driver : public testing::Test {
         std::array<char, 4096> const filling{};
         while (::write(driver_, filling.data(), filling.size()) > 0) {
         }
-        g_signals = 0;
     }
     ~Blocking_driver() override {
         ::sigaction(SIGUSR1, &before_, nullptr);
@@ -39,24 +38,31 @@ class Blocking_driver : public testing::Test {
 
     void handle_signals(int flags) {
         struct sigaction action {};
-        action.sa_handler = [](int) { ++g_signals; };
+        action.sa_handler = [](int) {};
         action.sa_flags = flags;
         ::sigaction(SIGUSR1, &action, &before_);
     }
 
     /// Writes a word on a thread of its own, and comes back when that sleeps in the driver.
     std::thread write_word() {
-        std::atomic<long> writer{0};
-        std::thread thread([this, &writer] {
+        std::thread thread([this] {
             Control_file_buffer sut(path_);
-            writer = ::syscall(SYS_gettid);
+            writer_ = ::syscall(SYS_gettid);
             taken_ = sut.sputn("running", 7);
             done_ = true;
         });
-        while (writer == 0 || !sleeps(writer)) {
+        while (writer_ == 0 || !status_says("State:\tS")) {
             std::this_thread::yield();
         }
         return thread;
+    }
+
+    /// Sends a signal to the writer, and comes back when the kernel has delivered it.
+    void interrupt(std::thread& writer) {
+        ::pthread_kill(writer.native_handle(), SIGUSR1);
+        while (!done_ && !status_says("SigPnd:\t0000000000000000")) {
+            std::this_thread::yield();
+        }
     }
 
     void take_everything() {
@@ -69,15 +75,15 @@ class Blocking_driver : public testing::Test {
     std::atomic<bool> done_{false};
 
  private:
-    static bool sleeps(long thread) {
-        std::ifstream call("/proc/self/task/" + std::to_string(thread) + "/stat");
-        std::string text;
-        std::getline(call, text);
-        return text.find(") S ") != std::string::npos;
+    bool status_says(std::string const& line) const {
+        std::ifstream status("/proc/self/task/" + std::to_string(writer_) + "/status");
+        std::string const text(std::istreambuf_iterator<char>(status), {});
+        return text.find(line) != std::string::npos;
     }
 
     test_support::Temporary_directory directory_;
     std::string const path_ = directory_.file("driver");
+    std::atomic<long> writer_{0};
     int driver_{-1};
     struct sigaction before_ {};
 };
@@ -86,10 +92,7 @@ TEST_F(Blocking_driver, Goes_on_with_a_word_that_it_leaves_to_the_kernel_after_a
     handle_signals(SA_RESTART);
     auto writer = write_word();
 
-    ::pthread_kill(writer.native_handle(), SIGUSR1);
-    while (g_signals == 0) {
-        std::this_thread::yield();
-    }
+    interrupt(writer);
     EXPECT_FALSE(done_);
     take_everything();
     writer.join();
