@@ -46,7 +46,11 @@ void time_bursts(benchmark::State& state, Call const& call, Write_out const& wri
 void Three_arguments_ara_log(benchmark::State& state) {
     time_bursts(
         state, [](int number) { ara::log::LogInfo() << "AP_StateManger transition from" << number << "Running"; },
-        [] { ara::log::Log_engine::instance().drain(); });
+        [] {
+            while (!ara::log::Log_engine::instance().drain()) {  // the log daemon is slower than the bursts
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
 }
 
 void Three_arguments_bare_libdlt(benchmark::State& state) {

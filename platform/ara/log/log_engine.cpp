@@ -80,7 +80,7 @@ void Log_engine::add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level
     sinks_.push_back(std::move(sink));
 }
 
-void Log_engine::drain() {
+bool Log_engine::drain() {
     base::Lock_guard const lock(consumer_);
     for (auto const& sink : sinks_) {
         sink->tend();
@@ -90,6 +90,7 @@ void Log_engine::drain() {
     }
     report_drops();
     is_stuck_ = !has_room();
+    return queue_.size() == 0;
 }
 
 bool Log_engine::has_room() {
@@ -144,9 +145,8 @@ void Log_engine::stop_writer() {
         writer->stop();  // the object stays: a signal handler may still be about to wake it
     }
     Exit_patience patience;
-    do {
-        drain();
-    } while (queue_.size() != 0 && patience.waits_for(queue_.size()));
+    while (!drain() && patience.waits_for(queue_.size())) {
+    }
 }
 
 void Log_engine::wake_writer() noexcept {

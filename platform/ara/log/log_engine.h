@@ -54,8 +54,9 @@ class Log_engine {
     /// Ends it after everything queued has been written, as long as the sinks have room (see Exit_patience).
     void stop_writer();
 
-    /// Hands everything queued to the sinks, but not what comes meanwhile: others may want the log, too.
-    void drain();
+    /// Hands everything queued to the sinks, but not what comes meanwhile: others may want the log, too. False when
+    /// something is left.
+    bool drain();
 
     /// Replaces the sinks by a function, logs all levels, and makes producers wait instead of dropping; an empty
     /// function ends it. For tests.
