@@ -118,7 +118,16 @@ std::error_code beat() {
 }
 
 bool may_pass(std::error_code const& error) {
-    return error.value() != ECONNREFUSED && error.value() != ENOENT && error.value() != EINVAL;
+    switch (error.value()) {
+        case EAGAIN:
+        case ENOBUFS:
+        case ENOMEM:
+        case EMFILE:
+        case ENFILE:
+            return true;
+        default:
+            return false;
+    }
 }
 
 std::system_error not_notified(std::error_code const& error) {

@@ -29,7 +29,8 @@ void report_ready();
 /// no beat is due, since the service manager's watchdog starts with READY=1.
 std::error_code beat();
 
-/// Whether the same line may go out a moment later: not when nobody listens, or when the socket's name is none.
+/// Whether the same line may go out a moment later: when there was no room, no descriptor or no memory for it. Nobody
+/// who listens, a socket that this process may not use and a name that is none stay what they are.
 bool may_pass(std::error_code const& error);
 
 /// What to throw for it.

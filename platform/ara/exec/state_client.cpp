@@ -64,7 +64,7 @@ Unit_state const* find(std::vector<Unit_state> const& units, std::string_view ac
 }  // namespace
 
 StateClient::StateClient() : connection_(std::make_unique<Connection>()) {
-    connection_->connect(std::chrono::steady_clock::now() + k_time_limit);
+    connection_->connect(std::chrono::steady_clock::now() + k_connect_time_limit);
 }
 
 StateClient::~StateClient() {

@@ -25,7 +25,8 @@ enum class State_client_result : std::int32_t {
 ///
 /// A state `S` of a function group `G` is the unit `G-S.target` of the service manager; asking for a state starts that
 /// target, and the state that a group is in is the one whose target is active. The connection to the system bus is made
-/// at once, so that the first request does not have to wait for it, kept, and made again after it broke.
+/// at once, so that the first request does not have to wait for it, kept, and made again after it broke. A bus that is
+/// late to greet greets a later request.
 ///
 /// Every operation ends within `k_time_limit`: with a result when execution management answered, or with a
 /// `std::runtime_error` whose text names the cause when the bus is not there or no answer came. One thread at a time.
@@ -39,6 +40,10 @@ class StateClient {
     /// Upper bound of one operation: long enough for a machine that boots or stood still, well below the supervision
     /// period of a process that calls it in its cycle.
     static constexpr std::chrono::milliseconds k_time_limit{1000};
+
+    /// Upper bound of the wait for the bus's greeting when the client is made. What is asked for later does not need
+    /// it.
+    static constexpr std::chrono::milliseconds k_connect_time_limit{100};
 
     /// Upper bound of the wait at the end.
     static constexpr std::chrono::seconds k_end_time_limit{10};

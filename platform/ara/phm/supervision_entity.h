@@ -28,7 +28,7 @@ class SupervisionEntityInterface {
 ///
 /// A report waits for nothing. One that finds the service manager's queue full, or the process without a descriptor or
 /// memory for it, is owed, and the next one is it: it fails only when none could go out for half of WATCHDOG_USEC. It
-/// fails at once when nobody listens.
+/// fails at once when nobody listens, or for any other reason that stays.
 class SupervisionEntity : public SupervisionEntityInterface {
  public:
     /// How close beats may follow each other. The service manager reads them before everything else that it does: a

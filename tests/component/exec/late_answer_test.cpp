@@ -80,7 +80,7 @@ TEST_F(Late_execution_management, Still_finds_its_caller_when_the_bus_was_late) 
 
 TEST_F(Late_execution_management, Gets_a_request_that_was_made_before_the_bus_greeted) {
     sut.reset();
-    auto late = stop_bus(milliseconds(2500));
+    auto late = stop_bus(milliseconds(1500));
     sut = std::make_unique<StateClient>();
     failure = "no connection to the system bus: Connection timed out";
     request();

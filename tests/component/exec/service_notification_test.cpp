@@ -252,7 +252,7 @@ TEST(Supervision_entity, Succeeds_where_nobody_supervises) {
 TEST(Supervision_entity, Throws_when_a_report_can_not_be_delivered) {
     ara::phm::Phm_client const client("");
     ara::phm::SupervisionEntity sut(client);
-    for (auto const* const name : {"/nowhere/notify", "", "@"}) {
+    for (auto const* const name : {"/nowhere/notify", "/dev/null/notify", "", "@"}) {
         ::setenv("NOTIFY_SOCKET", name, 1);
         EXPECT_THROW(sut.ReportCheckpoint(1, 1), std::runtime_error) << name;
     }

@@ -188,7 +188,7 @@ TEST_F(No_bus, That_never_greets_is_given_up_in_time) {
     listen();
     auto before = steady_clock::now();
     StateClient client;
-    EXPECT_LT(steady_clock::now() - before, k_bound);
+    EXPECT_LT(steady_clock::now() - before, StateClient::k_time_limit / 2) << "it is no request's turn yet";
     before = steady_clock::now();
     EXPECT_THAT([&client] { client.SetState("MachineState", "Running"); },
                 ThrowsMessage<std::runtime_error>("no connection to the system bus: Connection timed out"));
