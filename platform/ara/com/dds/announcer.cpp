@@ -44,14 +44,14 @@ std::shared_ptr<Writer> Announcer::writer() {
 }
 
 void Announcer::claim(std::string const& interface_name, std::string const& instance) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard lock(claims_mutex_);
     if (!claimed_.emplace(interface_name, instance).second) {
         throw tarq::com::Infrastructure_exception("This process offers the instance already: " + instance);
     }
 }
 
 bool Announcer::claims(std::string const& interface_name, std::string const& instance) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard lock(claims_mutex_);
     return claimed_.count({interface_name, instance}) != 0;
 }
 
@@ -72,7 +72,7 @@ void Announcer::withdraw(std::string const& interface_name, std::string const& i
         dds_dispose(writer->entity(), &offer);
         dds_unregister_instance(writer->entity(), &offer);
     }
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard lock(claims_mutex_);
     claimed_.erase({interface_name, instance});
 }
 

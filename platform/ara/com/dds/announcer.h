@@ -19,7 +19,7 @@ class Announcer {
     /// First an instance is claimed. Throws `tarq::com::Infrastructure_exception` when this process has it already.
     void claim(std::string const& interface_name, std::string const& instance);
 
-    /// Whether this process has claimed it.
+    /// Whether this process has claimed it. May be asked under locks of the engine.
     bool claims(std::string const& interface_name, std::string const& instance);
 
     /// Tells of a claimed instance. Throws `tarq::com::Infrastructure_exception`.
@@ -36,7 +36,8 @@ class Announcer {
     Participant& participant_;
     base::Mutex mutex_;
     std::shared_ptr<Writer> writer_ GUARDED_BY(mutex_);  // once there was an offer
-    std::set<Name> claimed_ GUARDED_BY(mutex_);
+    base::Mutex claims_mutex_;                           // also taken under locks of the engine, so nothing is called
+    std::set<Name> claimed_ GUARDED_BY(claims_mutex_);
 };
 
 }  // namespace ara::com::dds
