@@ -180,10 +180,11 @@ TEST_F(Network, Manager_may_never_answer) {
     request("1", com_alive("02", 0));
     EXPECT_TRUE(logs("infrastructure exception  The service did not answer in time"));
 
+    auto const before = machine->events().size();
     tell_node({{"do", "withdraw"}});
     tell_node({{"do", "offer"}});
     release("1", com_alive("02"));
-    EXPECT_TRUE(sees(Kind::network_state, "01 00 00 00 00 00"));
+    EXPECT_TRUE(machine->await(Kind::network_state, "01 00 00 00 00 00", before).has_value());
     EXPECT_EQ(requests_of_node(), "01 00 00 00 00 00");
 }
 
