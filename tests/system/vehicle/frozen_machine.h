@@ -44,6 +44,9 @@ class Frozen_machine : public Network_story, public testing::WithParamInterface<
 
     void start() {
         start_and_run();
+        for (auto const& client : options.clients) {
+            ASSERT_TRUE(sees(Kind::client, client + " connected kOn")) << client;
+        }
         request("1", com_alive("02", 3));
         request("1", k_ecu_alive);
         ASSERT_TRUE(sees(Kind::user_data, "80 04 00"));
