@@ -20,6 +20,10 @@ bool is_same(Known_offer const& left, Known_offer const& right) {
     return left.participant == right.participant && left.since == right.since;
 }
 
+bool is_as_before(Known_offer const& before, Known_offer const& now) {
+    return is_same(before, now) && (!before.awaited_until || now.awaited_until);
+}
+
 Known_offer_list::const_iterator place_of(Known_offer_list const& offers, std::optional<Known_offer> const& wanted) {
     return std::find_if(offers.begin(), offers.end(),
                         [&](auto const& offer) { return wanted && is_same(offer, *wanted); });
@@ -74,12 +78,13 @@ std::optional<Known_offer> Caller::choose(Known_offer_list const& offers) {
     return best == offers.end() ? std::nullopt : std::make_optional(*best);
 }
 
-// Another offer gets a path of its own: only who makes that offer connects with it, while the ends of an older one may
-// be there for a moment longer. Null where the path is right as it is, or where there can't be another.
+// Another offer gets a path of its own, and so does a server that is heard again after it was lost: only who serves now
+// connects with it, while ends that were known before may be there although nobody listens. Null where the path is
+// right as it is, or where there can't be another.
 std::shared_ptr<Call_path> Caller::path_for(std::optional<Known_offer> const& offer) {
     {
         base::Lock_guard lock(mutex_);
-        if (!offer || !path_is_used_ || !path_ || (server_ && is_same(*server_, *offer))) {
+        if (!offer || !path_is_used_ || !path_ || (server_ && is_as_before(*server_, *offer))) {
             return nullptr;
         }
     }
@@ -131,7 +136,7 @@ std::optional<Caller::Candidate> Caller::next_candidate(unsigned seen, Clock::ti
         if (informed_ && !server_) {
             throw Service_not_available_exception();
         }
-        if (informed_ && version_ != seen) {
+        if (informed_ && version_ != seen && !server_->awaited_until) {
             return Candidate{path_, *server_, version_};
         }
         if (changed_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
