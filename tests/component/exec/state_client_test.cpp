@@ -132,7 +132,7 @@ TEST_F(Execution_management, That_answers_late_still_finds_its_caller_on_the_bus
 }
 
 TEST_F(Execution_management, That_is_not_on_the_bus_is_an_error) {
-    manager.reset();
+    end_manager();
     auto const names_who_is_missing = ThrowsMessage<std::runtime_error>(
         AllOf(StartsWith("no answer from execution management: "), HasSubstr("org.freedesktop.systemd1")));
     EXPECT_THAT([this] { sut.SetState("MachineState", "Running"); }, names_who_is_missing);
