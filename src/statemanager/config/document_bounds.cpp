@@ -41,7 +41,8 @@ class Count {
         if (opens) {
             ++depth_;
         }
-        // Each value but the document stands behind a comma or is the first one of its parent.
+        // Each value but the document stands behind a comma or is the first one of its parent, which every parent is
+        // taken to have: an empty one costs as much as one with a value when it is of no use.
         if (opens || character == ',') {
             require_values(++values_);
         }

@@ -58,6 +58,14 @@ TEST(Document_bounds, Hold_as_many_values_as_are_allowed_and_no_more) {
     EXPECT_EQ(refusal('{' + members + "\"a\":{\"a\":1},\"a\":[1]}"), k_too_many);
 }
 
+TEST(Document_bounds, Count_a_list_or_an_object_that_is_empty_twice) {
+    for (std::string const empty : {"[]", "{}", "[ ]", "{\n}"}) {
+        auto const list = '[' + repeated(k_most_values / 2 - 2, empty + ',') + empty;
+        EXPECT_EQ(refusal(list + ']'), "") << empty;
+        EXPECT_EQ(refusal(list + ',' + empty + ']'), k_too_many) << empty;
+    }
+}
+
 TEST(Document_bounds, Look_at_nothing_inside_a_string) {
     auto const brackets = repeated(100, "[{");
     auto const commas = repeated(k_most_values, ",");
