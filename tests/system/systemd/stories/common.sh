@@ -40,6 +40,35 @@ press() { echo "{\"do\":\"press\",\"key\":\"$1\"}" >/run/keys; }
 # outside WHAT SECONDS: has something done to the container that can't be done from inside (see the script container).
 outside() { echo "$1 $2" >/opt/result/outside; }
 
+# as_installed: the daemon as the user that the unit names, with the paths of the shipped configuration. The kernel's own
+# /sys takes no files from here: a file system of the container's stands for it, with the kernel's directories in it.
+as_installed() {
+    local directory
+    systemd-sysusers /opt/project/deploy/sysusers/ap-statemanager.conf
+    install -D -m 644 -t /etc/tmpfiles.d /opt/project/deploy/tmpfiles/ap-statemanager.conf
+    install -m 644 -t /etc/adaptive /opt/project/deploy/config/ap_statemanager.json
+    sed -i -e '/^ReadWritePaths=/d' -e '/^User=/d' -e '/^Group=/d' -e '/^SupplementaryGroups=/d' \
+        /etc/systemd/system/ap_statemanager.service.d/container.conf
+    mkdir /run/sys
+    mount -t tmpfs -o mode=755 tmpfs /run/sys
+    for directory in /sys/*; do
+        mkdir "/run/sys/${directory##*/}"
+        mount --rbind "$directory" "/run/sys/${directory##*/}"
+    done
+    mount --rbind /run/sys /sys
+    systemctl daemon-reload
+}
+
+# The driver makes its control files, as a driver does: for root. They are plain files here, with the words back to back.
+driver_comes() {
+    mkdir /sys/vmctl
+    install -m 644 /dev/null /sys/vmctl/set_status
+    install -m 644 /dev/null /sys/vmctl/command_request
+}
+driver_goes() { rm -r /sys/vmctl; }
+holds() { [ "$(cat "/sys/vmctl/$1")" = "$2" ]; }
+rights_are() { [ "$(stat -c '%A %U %G' /sys/vmctl/*)" = "$1"$'\n'"$1" ]; }
+
 # ends WORD: the last line of a story that the machine itself ends; who started the container looks for the word.
 ends() {
     echo "the end: $1"
