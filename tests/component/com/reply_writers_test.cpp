@@ -4,7 +4,11 @@
 #include "client_fixture.h"
 
 #include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,7 +16,8 @@
 
 namespace {
 
-std::atomic<int> g_writers_until_failure{-1};  // negative: none fails
+std::atomic<int> g_writers_until_failure{-1};                     // negative: none fails
+std::atomic<std::function<void()> const*> g_after_look{nullptr};  // at the clients of a reader; called once
 
 }  // namespace
 
@@ -26,12 +31,24 @@ extern "C" dds_entity_t dds_create_writer(dds_entity_t publisher, dds_entity_t t
     return real(publisher, topic, quality, listener);
 }
 
+// The engine's function, between whose result and its use something may happen.
+extern "C" dds_return_t dds_get_matched_publications(dds_entity_t reader, dds_instance_handle_t* writers,
+                                                     std::size_t size) {
+    static auto const real =
+        reinterpret_cast<decltype(&dds_get_matched_publications)>(::dlsym(RTLD_NEXT, "dds_get_matched_publications"));
+    auto const count = real(reader, writers, size);
+    if (auto const* const after_look = g_after_look.exchange(nullptr)) {
+        (*after_look)();
+    }
+    return count;
+}
+
 namespace com_test {
 namespace {
 
 using namespace ara::com::dds;  // NOLINT(google-build-using-namespace): what is tested is a part of it
 
-/// A client's two ends, and how often its reader was found by a writer of replies.
+/// A client's two ends, how often its reader was found by a writer of replies, and whether there is one now.
 class Client_ends {
  public:
     explicit Client_ends(Participant& participant)
@@ -39,13 +56,16 @@ class Client_ends {
           replies_(participant, {offer_topic(), to_text(guid_of(requests_.entity()))}, call_quality(k_longest_write),
                    [](auto&&...) {}) {}
 
-    unsigned times_found() const {
-        dds_subscription_matched_status_t status{};
-        dds_get_subscription_matched_status(replies_.entity(), &status);
-        return status.total_count;
-    }
+    unsigned times_found() const { return status().total_count; }
+    bool has_writer() const { return status().current_count != 0; }
 
  private:
+    dds_subscription_matched_status_t status() const {
+        dds_subscription_matched_status_t status{};
+        dds_get_subscription_matched_status(replies_.entity(), &status);
+        return status;
+    }
+
     Writer const requests_;
     Reader const replies_;
 };
@@ -96,6 +116,26 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
     clients.erase(clients.begin());
     sut.follow(requests.entity());
     EXPECT_EQ(late.times_found(), 1U);
+}
+
+// A reply to a client that has gone makes a thread look that is not the one which follows the clients.
+TEST(Reply_writers_test, A_look_that_another_one_overtakes_leaves_a_new_client_its_writer) {
+    Participant participant;
+    Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
+    Reply_writers sut(participant, offer_topic());
+    std::optional<Client_ends> client;
+    std::future<void> other;
+    std::function<void()> const meanwhile = [&] {
+        client.emplace(participant);
+        other = std::async(std::launch::async, [&] { sut.follow(requests.entity()); });
+        // Either it ends before the first look goes on, or it has to wait for that.
+        other.wait_for(std::chrono::milliseconds(200));
+    };
+    g_after_look = &meanwhile;
+    sut.follow(requests.entity());
+    ASSERT_TRUE(other.valid());
+    other.get();
+    EXPECT_TRUE(client->has_writer());
 }
 
 }  // namespace

@@ -49,6 +49,7 @@ void Known_offers::add(std::weak_ptr<Offer_observer> observer, std::string inter
     auto instance = wanted.ToString() == "*" ? std::string() : wanted.ToString();
     strand_->post([this, added = Observer{std::move(observer), std::move(interface_name), std::move(instance)}] {
         begin();
+        forget_gone_observers();
         observers_.push_back(added);
         if (auto const present = added.observer.lock()) {
             present->offers_changed(wanted_by(added));
@@ -177,14 +178,19 @@ void Known_offers::drop_if(Predicate const& is_over) {
 
 // To those who want it alone.
 void Known_offers::report(Known_offer const& changed) {
-    auto const gone = [](auto const& observer) { return observer.observer.expired(); };
-    observers_.erase(std::remove_if(observers_.begin(), observers_.end(), gone), observers_.end());
+    forget_gone_observers();
     for (auto const& observer : observers_) {
         auto const present = observer.wants(changed) ? observer.observer.lock() : nullptr;
         if (present) {
             present->offers_changed(wanted_by(observer));
         }
     }
+}
+
+// Also before one is added: while no offer changes nothing else would.
+void Known_offers::forget_gone_observers() {
+    auto const gone = [](auto const& observer) { return observer.observer.expired(); };
+    observers_.erase(std::remove_if(observers_.begin(), observers_.end(), gone), observers_.end());
 }
 
 Known_offer_list Known_offers::wanted_by(Observer const& observer) const {

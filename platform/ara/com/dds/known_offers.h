@@ -67,6 +67,7 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     template <class Predicate>
     void drop_if(Predicate const& is_over);
     void report(Known_offer const& changed);
+    void forget_gone_observers();
     Known_offer_list wanted_by(Observer const& observer) const;
 
     Participant& participant_;

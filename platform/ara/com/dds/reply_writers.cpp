@@ -53,13 +53,14 @@ class Reply_writers::Way {
     bool began_ = false;
 };
 
+// Clients are looked at under the mutex: a look that another thread overtook would take a new client's way from it.
 void Reply_writers::follow(dds_entity_t requests) {
-    auto const clients = writers_matched_by(requests);
     Ways gone;
     base::Lock_guard lock(mutex_);
     if (closed_) {
         return;
     }
+    auto const clients = writers_matched_by(requests);
     std::swap(gone, ways_);
     for (auto const& client : clients) {
         ways_.insert(gone.extract(client.handle));
