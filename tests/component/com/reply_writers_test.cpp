@@ -2,6 +2,7 @@
 
 #include "ara/com/dds/offer_types.h"
 #include "client_fixture.h"
+#include "peer_services.h"
 
 #include <atomic>
 #include <chrono>
@@ -116,6 +117,19 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
     clients.erase(clients.begin());
     sut.follow(requests.entity());
     EXPECT_EQ(late.times_found(), 1U);
+}
+
+class Reply_writers_of_a_service : public Client {};
+
+TEST_F(Reply_writers_of_a_service, Are_tried_again_when_one_could_not_be_made) {
+    Network service("app", [](auto const& /*event*/) {});
+    service.OfferService();
+    auto const handle = found<Network_proxy>("app");
+    // The first is the client's own.
+    g_writers_until_failure = 1;
+    Network_proxy sut(handle);
+    EXPECT_TRUE(succeeds(sut.RequestNetwork({1})));
+    EXPECT_EQ(g_writers_until_failure, -1);
 }
 
 // A reply to a client that has gone makes a thread look that is not the one which follows the clients.

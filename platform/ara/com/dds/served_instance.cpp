@@ -3,6 +3,7 @@
 #include "ara/log/logging.h"
 #include "tarq/com/exception.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstring>
 #include <exception>
@@ -14,6 +15,8 @@ namespace {
 
 // More calls than this that wait for one instance are refused, and when as many refusals wait, calls are dropped.
 constexpr int k_most_waiting = 1000;
+
+constexpr std::chrono::milliseconds k_pause_before_next_try{500};
 
 }  // namespace
 
@@ -80,10 +83,28 @@ void Served_instance::follow_clients() {
             return;
         }
         self->following_ = false;
-        if (auto const reader = self->requests()) {
-            self->replies_.follow(reader->entity());
-        }
+        self->follow_clients_now();
     });
+}
+
+// A client whose way can't be made just then waits for it and does not call, so that nothing else would try again. The
+// strand logs why.
+void Served_instance::follow_clients_now() {
+    auto const reader = requests();
+    if (!reader) {
+        return;
+    }
+    try {
+        replies_.follow(reader->entity());
+    } catch (tarq::com::Infrastructure_exception const&) {
+        engine_->timer().watch(weak_from_this(), Clock::now() + k_pause_before_next_try);
+        throw;
+    }
+}
+
+std::optional<Clock::time_point> Served_instance::expire(Clock::time_point /*now*/) {
+    follow_clients();
+    return std::nullopt;
 }
 
 void Served_instance::received(Sample sample, dds_sample_info_t const& info) {

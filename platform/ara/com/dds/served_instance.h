@@ -11,11 +11,12 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 namespace ara::com::dds {
 
 /// The server's side of one offered instance: takes the requests, has them handled one after the other, and answers.
-class Served_instance : public Part, public std::enable_shared_from_this<Served_instance> {
+class Served_instance : public Part, public Expiring, public std::enable_shared_from_this<Served_instance> {
  public:
     Served_instance(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier instance,
                     Request_handler handler);
@@ -26,11 +27,15 @@ class Served_instance : public Part, public std::enable_shared_from_this<Served_
 
     void close() override;
 
+    /// The timer's thread.
+    std::optional<Clock::time_point> expire(Clock::time_point now) override;
+
  private:
     struct Request;
 
     std::shared_ptr<Reader> requests();
     void follow_clients();
+    void follow_clients_now();
     void received(Sample sample, dds_sample_info_t const& info);
     void serve(Request const& request);
     dds_rpc_RemoteExceptionCode_t handle(Request const& request, Reply_sink const& answer);
