@@ -45,6 +45,9 @@ std::shared_ptr<Writer> Announcer::writer() {
 
 void Announcer::claim(std::string const& interface_name, std::string const& instance) {
     base::Lock_guard lock(claims_mutex_);
+    while (withdrawing_.count({interface_name, instance}) != 0) {
+        withdrawn_.wait(claims_mutex_);
+    }
     if (!claimed_.emplace(interface_name, instance).second) {
         throw tarq::com::Infrastructure_exception("This process offers the instance already: " + instance);
     }
@@ -67,6 +70,10 @@ void Announcer::withdraw(std::string const& interface_name, std::string const& i
         base::Lock_guard lock(mutex_);
         writer = writer_;
     }
+    {
+        base::Lock_guard lock(claims_mutex_);
+        withdrawing_.emplace(interface_name, instance);
+    }
     if (writer) {
         auto const offer = make_offer(participant_.identity(), interface_name, instance);
         dds_dispose(writer->entity(), &offer);
@@ -74,6 +81,8 @@ void Announcer::withdraw(std::string const& interface_name, std::string const& i
     }
     base::Lock_guard lock(claims_mutex_);
     claimed_.erase({interface_name, instance});
+    withdrawing_.erase({interface_name, instance});
+    withdrawn_.notify_all();
 }
 
 }  // namespace ara::com::dds

@@ -4,6 +4,7 @@
 #include "ara/com/dds/endpoints.h"
 #include "base/mutex.h"
 
+#include <condition_variable>
 #include <memory>
 #include <set>
 #include <string>
@@ -16,7 +17,8 @@ class Announcer {
  public:
     explicit Announcer(Participant& participant) : participant_(participant) {}
 
-    /// First an instance is claimed. Throws `tarq::com::Infrastructure_exception` when this process has it already.
+    /// First an instance is claimed; the end of a withdrawal that others may have heard of already is waited for.
+    /// Throws `tarq::com::Infrastructure_exception` when this process has it already.
     void claim(std::string const& interface_name, std::string const& instance);
 
     /// Whether this process has claimed it. May be asked under locks of the engine.
@@ -38,6 +40,8 @@ class Announcer {
     std::shared_ptr<Writer> writer_ GUARDED_BY(mutex_);  // once there was an offer
     base::Mutex claims_mutex_;                           // also taken under locks of the engine, so nothing is called
     std::set<Name> claimed_ GUARDED_BY(claims_mutex_);
+    std::set<Name> withdrawing_ GUARDED_BY(claims_mutex_);
+    std::condition_variable_any withdrawn_;
 };
 
 }  // namespace ara::com::dds
