@@ -63,12 +63,13 @@ bool Message_queue::pop(Queued_message& message) noexcept {
     for (auto freed = position; freed != end; ++freed) {
         slot(freed).sequence.store(freed + k_slots, std::memory_order_release);
     }
-    tail_.store(end, std::memory_order_relaxed);
+    tail_.store(end, std::memory_order_release);
     return true;
 }
 
 std::size_t Message_queue::size() const noexcept {
-    auto const tail = tail_.load(std::memory_order_relaxed);  // first, so that it is never ahead of the head
+    // First, and with what the consumer saw before: so it is never ahead of the head.
+    auto const tail = tail_.load(std::memory_order_acquire);
     return head_.load(std::memory_order_relaxed) - tail;
 }
 
