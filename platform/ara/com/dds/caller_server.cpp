@@ -146,9 +146,12 @@ std::optional<Caller::Candidate> Caller::next_candidate(unsigned seen, Clock::ti
     return std::nullopt;
 }
 
+// A look that something has overtaken tells nothing any more; there will be another.
 void Caller::set_reached(Candidate const& candidate) {
     base::Lock_guard lock(mutex_);
-    reached_ = path_ == candidate.path && server_ && is_same(*server_, candidate.offer);
+    if (version_ == candidate.version && path_ == candidate.path) {
+        reached_ = true;
+    }
 }
 
 }  // namespace ara::com::dds
