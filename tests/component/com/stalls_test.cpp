@@ -48,7 +48,7 @@ TEST_P(Stalls, Of_a_server_in_use_lose_no_call) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Up_to_the_time_of_a_call, Stalls,
-                         testing::Values(milliseconds(500), milliseconds(1000), milliseconds(1900)),
+                         testing::Values(milliseconds(500), milliseconds(1000), milliseconds(1700)),
                          [](auto const& stall) { return "Of_" + std::to_string(stall.param.count()) + "_ms"; });
 
 }  // namespace
