@@ -34,10 +34,11 @@ Served_instance::Served_instance(std::shared_ptr<Engine> engine, Service_type co
       type_(type),
       instance_(std::move(instance)),
       handler_(std::move(handler)),
-      strand_(std::make_shared<Strand>(engine_->workers())),
+      strand_(std::make_shared<Strand>(engine_->workers(), Strand::Beginning::k_when_told)),
       replies_(engine_->participant(), type.reply) {}
 
-// A client may be matched before the reader is known here, so the clients are looked at once more.
+// A client may be matched before the reader is known here, so the clients are looked at once more. What was requested
+// before others could know of the offer waits for that, so that no handler runs if it fails.
 void Served_instance::open() {
     engine_->adopt(weak_from_this());
     engine_->announcer().claim(type_.name, instance_.ToString());
@@ -52,6 +53,7 @@ void Served_instance::open() {
     }
     follow_clients();
     engine_->announcer().announce(type_.name, instance_.ToString());
+    strand_->begin();
 }
 
 void Served_instance::close() {
