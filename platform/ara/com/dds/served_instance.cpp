@@ -23,6 +23,7 @@ constexpr std::chrono::milliseconds k_pause_before_next_try{500};
 struct Served_instance::Request {
     std::shared_ptr<void const> sample;
     dds_instance_handle_t client;
+    dds_time_t written;
     bool refused;
 
     dds_rpc_RequestHeader const& header() const { return *static_cast<dds_rpc_RequestHeader const*>(sample.get()); }
@@ -118,7 +119,7 @@ void Served_instance::received(Sample sample, dds_sample_info_t const& info) {
         --waiting_;
         return;
     }
-    Request request{std::move(sample), info.publication_handle, waiting >= k_most_waiting};
+    Request request{std::move(sample), info.publication_handle, info.source_timestamp, waiting >= k_most_waiting};
     strand_->post([weak = weak_from_this(), request = std::move(request)] {
         if (auto const self = weak.lock()) {
             --self->waiting_;
@@ -128,6 +129,9 @@ void Served_instance::received(Sample sample, dds_sample_info_t const& info) {
 }
 
 void Served_instance::serve(Request const& request) {
+    if (!recent_.is_new(request.header().requestId, request.written)) {
+        return;
+    }
     if (request.refused) {
         refuse(request, dds_rpc_REMOTE_EX_OUT_OF_RESOURCES);
         return;
