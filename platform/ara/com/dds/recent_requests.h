@@ -2,7 +2,7 @@
 #define ARA_COM_DDS_RECENT_REQUESTS_H
 
 #include "ara/com/dds/guid.h"
-#include "dds_rpc.h"
+#include "rpc_headers.h"
 
 #include <cstdint>
 #include <deque>

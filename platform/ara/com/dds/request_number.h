@@ -1,7 +1,7 @@
 #ifndef ARA_COM_DDS_REQUEST_NUMBER_H
 #define ARA_COM_DDS_REQUEST_NUMBER_H
 
-#include "dds_rpc.h"
+#include "rpc_headers.h"
 
 #include <cstdint>
 

@@ -8,7 +8,7 @@
 #include "ara/com/dds/reply_writers.h"
 #include "ara/com/dds/strand.h"
 #include "base/mutex.h"
-#include "dds_rpc.h"
+#include "rpc_headers.h"
 
 #include <atomic>
 #include <memory>
