@@ -11,6 +11,10 @@ set(STATEMANAGER_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. addres
 if(STATEMANAGER_SANITIZE)
     add_compile_options(-fsanitize=${STATEMANAGER_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${STATEMANAGER_SANITIZE})
+    # Part of each program: how it ends when something is found.
+    add_library(sanitizer_options OBJECT ${CMAKE_CURRENT_LIST_DIR}/../deploy/sanitizers/options.cpp)
+    target_sources(project_options INTERFACE
+        $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:sanitizer_options>>)
     if(STATEMANAGER_SANITIZE MATCHES "undefined")
         # The check of virtual tables opens a pipe; with a full descriptor table, which some tests make, it sees errors
         # where there are none.

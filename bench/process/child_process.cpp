@@ -1,7 +1,9 @@
 #include "bench/process/child_process.h"
 
 #include "bench/process/end_signals.h"
+#include "bench/process/unasked_end.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -19,7 +21,7 @@ namespace bench {
 
 namespace {
 
-constexpr std::chrono::milliseconds k_time_to_end{2000};
+constexpr std::chrono::milliseconds k_time_to_end{3'000};
 
 [[noreturn]] void fail(char const* what, int error) {
     throw std::system_error(error, std::generic_category(), what);
@@ -84,7 +86,8 @@ std::vector<std::string> merged(std::vector<std::string> assignments) {
 
 }  // namespace
 
-Child_process::Child_process(std::vector<std::string> const& words, std::vector<std::string> const& environment) {
+Child_process::Child_process(std::vector<std::string> const& words, std::vector<std::string> const& environment)
+    : name_(words.front()), expected_{EXIT_SUCCESS} {
     std::vector<std::string> own_words = words;
     std::vector<std::string> own_environment = merged(environment);
     auto const word_pointers = pointers_to(own_words);
@@ -118,9 +121,18 @@ Child_process::Child_process(std::vector<std::string> const& words, std::vector<
 Child_process::~Child_process() {
     close_input();
     ::close(output_);
-    if (!wait(k_time_to_end)) {
+    if (end_within(k_time_to_end)) {
+        tell_unasked_end();
+    } else {
         ::kill(pid_, SIGKILL);
         ::waitpid(pid_, nullptr, 0);
+        unasked_end(name_ + " did not end when it was told to");
+    }
+}
+
+void Child_process::tell_unasked_end() const {
+    if (std::find(expected_.begin(), expected_.end(), *status_) == expected_.end()) {
+        unasked_end(name_ + " ended with status " + std::to_string(*status_) + ", for which nobody had asked");
     }
 }
 
@@ -131,13 +143,21 @@ void Child_process::close_input() {
     }
 }
 
-void Child_process::signal(int number) const {
+void Child_process::signal(int number) {
     if (!status_) {
+        expect(k_signal_status + number);
         ::kill(pid_, number);
     }
 }
 
 std::optional<int> Child_process::wait(std::chrono::milliseconds limit) {
+    if (end_within(limit)) {
+        expect(*status_);
+    }
+    return status_;
+}
+
+bool Child_process::end_within(std::chrono::milliseconds limit) {
     auto const end = std::chrono::steady_clock::now() + limit;
     while (!status_) {
         int status = 0;
@@ -149,7 +169,7 @@ std::optional<int> Child_process::wait(std::chrono::milliseconds limit) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
-    return status_;
+    return status_.has_value();
 }
 
 }  // namespace bench

@@ -8,6 +8,12 @@
 
 namespace bench {
 
+namespace {
+
+constexpr std::chrono::seconds k_end_after_output{1};
+
+}  // namespace
+
 bool has_members(nlohmann::json const& message, nlohmann::json const& members) {
     for (auto const& member : members.items()) {
         auto const found = message.find(member.key());
@@ -20,7 +26,11 @@ bool has_members(nlohmann::json const& message, nlohmann::json const& members) {
 
 Player::Player(std::vector<std::string> const& words, std::vector<std::string> const& environment)
     : process_(words, environment), log_(process_.output()) {
-    await_event("ready");
+    if (!log_.await([](nlohmann::json const& line) { return has_members(line, {{"event", "ready"}}); }, k_patience)) {
+        auto const status = process_.wait(k_end_after_output);
+        throw std::runtime_error(words.front() + " is not ready" +
+                                 (status ? ", it ended with status " + std::to_string(*status) : ""));
+    }
 }
 
 void Player::send_line(std::string const& line) const {

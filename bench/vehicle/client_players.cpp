@@ -1,9 +1,10 @@
 #include "bench/vehicle/client_players.h"
 
 #include "bench/json_lines/clock.h"
+#include "bench/process/end_signals.h"
 
 #include <algorithm>
-#include <chrono>
+#include <csignal>
 #include <stdexcept>
 #include <utility>
 
@@ -44,7 +45,11 @@ json Client_players::tell(std::string const& name, json const& command) {
         throw std::runtime_error(name + " refused " + command.dump() + ": " + answer.value("error", ""));
     }
     if (command.contains("as")) {
-        client->record.set_manner(command.at("as").get<std::string>());
+        auto const manner = command.at("as").get<std::string>();
+        client->record.set_manner(manner);
+        if (manner == "crashing") {
+            client->player->process().expect(k_signal_status + SIGKILL);
+        }
     }
     return answer;
 }
@@ -73,7 +78,7 @@ void Client_players::take_news(Client& client, Timeline& events) const {
 }
 
 void Client_players::take_end(Client& client, Timeline& events) const {
-    if (client.player->process().wait(std::chrono::milliseconds::zero())) {
+    if (client.player->process().status()) {
         take_news(client, events);
         events.push_back(client.record.take_end(monotonic_ns()));
     }

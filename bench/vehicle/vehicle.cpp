@@ -1,6 +1,7 @@
 #include "bench/vehicle/vehicle.h"
 
 #include "bench/json_lines/clock.h"
+#include "bench/process/unasked_end.h"
 #include "bench/vehicle/player_events.h"
 #include "bench/vehicle/world.h"
 
@@ -53,8 +54,14 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
 }
 
 Vehicle::~Vehicle() {
+    take_end();
     if (daemon_ && !exit_status_) {
-        daemon_->signal(SIGKILL);
+        daemon_->signal(SIGTERM);
+        auto const status = daemon_->wait(k_patience);
+        if (status != EXIT_SUCCESS) {
+            unasked_end("The daemon ended " + (status ? "with status " + std::to_string(*status) : "not at all") +
+                        " after SIGTERM");
+        }
     }
 }
 
@@ -93,6 +100,7 @@ void Vehicle::start_daemon() {
         environment.push_back("DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address());
     }
     exit_status_.reset();
+    is_end_awaited_ = false;
     auto words = options_.daemon_starter;
     words.push_back((fs::path(options_.programs) / "src/main/ap_statemanager").string());
     daemon_ = std::make_unique<Child_process>(words, environment);
@@ -111,7 +119,13 @@ std::optional<int> Vehicle::await_end(std::chrono::milliseconds limit) {
     if (exit_status_) {
         take_the_rest();
     }
+    is_end_awaited_ = daemon_->wait({}).has_value();
     return exit_status_;
+}
+
+bool Vehicle::has_ended_unawaited() {
+    take_end();
+    return exit_status_ && !is_end_awaited_;
 }
 
 // What the log daemon and the service manager still have to tell when the daemon itself has gone.
@@ -183,7 +197,7 @@ void Vehicle::take_news(Player& player, std::size_t& seen, Timeline (*meaning)(n
 
 void Vehicle::take_end() {
     if (daemon_ && !exit_status_) {
-        exit_status_ = daemon_->wait({});
+        exit_status_ = daemon_->status();
         if (exit_status_) {
             add({monotonic_ns(), Kind::ended, std::to_string(*exit_status_)});
         }

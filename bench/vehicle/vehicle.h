@@ -44,6 +44,9 @@ struct Options {
 class Vehicle : public Machine {
  public:
     explicit Vehicle(Options options);
+
+    /// A daemon that still runs is stopped as a service manager does it, by SIGTERM; any status but 0 is an end that
+    /// nobody asked for.
     ~Vehicle() override;
 
     void start_daemon() override;
@@ -56,6 +59,9 @@ class Vehicle : public Machine {
 
     /// The exit status; nothing when the daemon still runs after the time.
     std::optional<int> await_end(std::chrono::milliseconds limit = k_patience);
+
+    /// Whether the daemon has ended and nobody has awaited it.
+    bool has_ended_unawaited();
 
     void update(std::chrono::milliseconds limit) override;
 
@@ -84,6 +90,7 @@ class Vehicle : public Machine {
     std::unique_ptr<Surroundings> surroundings_;
     std::unique_ptr<Child_process> daemon_;
     std::optional<int> exit_status_;
+    bool is_end_awaited_{false};
     std::size_t hypervisor_seen_{0};
     std::size_t service_manager_seen_{0};
 };

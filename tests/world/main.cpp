@@ -1,4 +1,5 @@
 #include "bench/vehicle/world.h"
+#include "fail_by_unasked_ends.h"
 
 #include <cstdio>
 #include <cstring>
@@ -23,6 +24,7 @@ bool only_lists(int argc, char** argv) {
 int main(int argc, char** argv) {
     auto const run = [&argc, argv] {
         testing::InitGoogleTest(&argc, argv);
+        fail_by_unasked_ends();
         return RUN_ALL_TESTS();
     };
     if (only_lists(argc, argv)) {

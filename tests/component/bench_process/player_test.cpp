@@ -22,7 +22,12 @@ TEST(Player_test, It_is_ready_once_it_says_so) {
 }
 
 TEST(Player_test, A_program_that_ends_before_it_is_ready_is_an_error) {
-    EXPECT_THROW(Player({"true"}), std::runtime_error);
+    try {
+        Player const sut({"sh", "-c", "exit 3"});
+        FAIL() << "it is ready";
+    } catch (std::runtime_error const& error) {
+        EXPECT_STREQ(error.what(), "sh is not ready, it ended with status 3");
+    }
 }
 
 TEST(Player_test, The_answer_with_the_commands_identity_is_returned) {

@@ -4,6 +4,7 @@
 #include "bench/process/scratch_directory.h"
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -43,8 +44,7 @@ TEST(Shipped_log_daemon, Listens_on_the_loopback_and_nowhere_else) {
     constexpr char const* k_port = "0DA2";                                  // 3490
     constexpr char const* k_loopback = "0000000000000000FFFF00000100007F";  // ::ffff:127.0.0.1
     bench::Scratch_directory const pipes;
-    bench::Child_process const daemon({"dlt-daemon", "-c", PROJECT "/deploy/dlt/dlt.conf", "-t", pipes.path().string()},
-                                      {});
+    bench::Child_process daemon({"dlt-daemon", "-c", PROJECT "/deploy/dlt/dlt.conf", "-t", pipes.path().string()}, {});
     auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (sockets_of(k_port).empty() && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -53,6 +53,7 @@ TEST(Shipped_log_daemon, Listens_on_the_loopback_and_nowhere_else) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));  // made after the sockets
     }
     EXPECT_THAT(sockets_of(k_port), testing::ElementsAre(std::string("tcp6 ") + k_loopback));
+    daemon.signal(SIGTERM);
 }
 
 }  // namespace

@@ -76,6 +76,7 @@ TEST_F(Faults, Of_a_bus_that_dies_are_logged_and_survived) {
     start_and_run();
     ASSERT_TRUE(sees(Kind::machine_state, "Running"));
     machine->bus().process().signal(SIGKILL);
+    machine->service_manager().process().expect(EXIT_FAILURE);
     machine->press("power");
     EXPECT_TRUE(ends_with(0));
     EXPECT_TRUE(logs("StateClient::SetState(MachineState, Shutdown) exception: "));

@@ -17,7 +17,9 @@
 
 namespace bench::vehicle {
 
-/// A complete machine that each story starts, and changes before, to its liking.
+/// A complete machine that each story starts, and changes before, to its liking. A daemon that runs at a story's end is
+/// stopped; one that ended without the story's waiting for it, and any program that came to an end that nobody had
+/// asked for, fails the story.
 class Story : public testing::Test {
  protected:
     Story() {
@@ -25,6 +27,7 @@ class Story : public testing::Test {
         configuration = nlohmann::json::parse(file);
         options.programs = VEHICLE_BUILD;
     }
+    ~Story() override { finish(); }
 
     nlohmann::json& settings() { return configuration["ap_statemanager"]; }
 
@@ -43,6 +46,12 @@ class Story : public testing::Test {
     void start_and_run() {
         start();
         ASSERT_TRUE(sees(Kind::state_word, "running"));
+    }
+
+    /// Ends the machine; a story does it by itself at last.
+    void finish() {
+        EXPECT_FALSE(machine && machine->has_ended_unawaited()) << "The daemon ended, and the story didn't wait for it";
+        machine.reset();
     }
 
     bool sees(Kind kind, std::string const& text) { return machine->await(kind, text).has_value(); }

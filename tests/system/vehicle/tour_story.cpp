@@ -41,6 +41,7 @@ TEST_F(Tour, Reaches_every_row_of_every_states_table) {
         EXPECT_TRUE(finding.seen) << finding.step << ": " << finding.expected;
     }
     EXPECT_TRUE(tour::print_rows(steps, findings));
+    EXPECT_TRUE(ends_with(0));
 }
 
 }  // namespace

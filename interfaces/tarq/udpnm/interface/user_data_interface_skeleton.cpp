@@ -16,14 +16,14 @@ void serve(UserDataInterfaceSkeleton& service, void const* sample, ara::com::Rep
     tarq_udpnm_interface_UserDataInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case tarq_udpnm_interface_UserDataInterface_Method_GetUserData: {
+        case 0: {
             auto const output = service.GetUserData().get();
             reply.data._u.getUserData._u.result.data =
                 ara::com::view_of_result<tarq_udpnm_interface_UserDataInterface_Bytes>(output.data);
             answer(&reply);
             return;
         }
-        case tarq_udpnm_interface_UserDataInterface_Method_SetUserData: {
+        case 1: {
             auto const& arguments = request.data._u.setUserData;
             service.SetUserData(ara::com::copy(arguments.data)).get();
             break;

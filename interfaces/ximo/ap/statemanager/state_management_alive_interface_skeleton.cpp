@@ -14,10 +14,10 @@ void serve(StateManagementAliveInterfaceSkeleton& service, void const* sample, a
     ximo_ap_statemanager_StateManagementAliveInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case ximo_ap_statemanager_StateManagementAliveInterface_Method_ReleaseAlive:
+        case 0:
             service.ReleaseAlive().get();
             break;
-        case ximo_ap_statemanager_StateManagementAliveInterface_Method_RequestAlive:
+        case 1:
             service.RequestAlive().get();
             break;
         default:

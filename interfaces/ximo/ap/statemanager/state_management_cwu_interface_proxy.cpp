@@ -7,22 +7,25 @@ namespace ximo::ap::statemanager::proxy {
 
 namespace {
 
-using Request = ximo_ap_statemanager_StateManagementCWUInterface_Request;
-using Reply = ximo_ap_statemanager_StateManagementCWUInterface_Reply;
+auto const& result_of(std::int32_t method, void const* sample) {
+    auto const& data = static_cast<ximo_ap_statemanager_StateManagementCWUInterface_Reply const*>(sample)->data;
+    ara::com::expect_result(data, method);
+    return data;
+}
 
 }  // namespace
 
 ximo::com::Future<void> StateManagementCWUInterfaceProxy::ReleaseCarWakeUp() {
-    auto const request =
-        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementCWUInterface_Method_ReleaseCarWakeUp);
-    return ara::com::call<Reply>(*connection(), request);
+    ximo_ap_statemanager_StateManagementCWUInterface_Request request{};
+    request.data._d = 0;
+    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(0, reply); });
 }
 
 ximo::com::Future<void> StateManagementCWUInterfaceProxy::RequestCarWakeUp(std::uint8_t ac_number) {
-    auto request =
-        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementCWUInterface_Method_RequestCarWakeUp);
+    ximo_ap_statemanager_StateManagementCWUInterface_Request request{};
+    request.data._d = 1;
     request.data._u.requestCarWakeUp.ac_number = ac_number;
-    return ara::com::call<Reply>(*connection(), request);
+    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(1, reply); });
 }
 
 }  // namespace ximo::ap::statemanager::proxy

@@ -14,10 +14,10 @@ void serve(StateManagementCWUInterfaceSkeleton& service, void const* sample, ara
     ximo_ap_statemanager_StateManagementCWUInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case ximo_ap_statemanager_StateManagementCWUInterface_Method_ReleaseCarWakeUp:
+        case 0:
             service.ReleaseCarWakeUp().get();
             break;
-        case ximo_ap_statemanager_StateManagementCWUInterface_Method_RequestCarWakeUp: {
+        case 1: {
             auto const& arguments = request.data._u.requestCarWakeUp;
             service.RequestCarWakeUp(arguments.ac_number).get();
             break;
