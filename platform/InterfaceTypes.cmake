@@ -1,10 +1,11 @@
 # The engine's IDL compiler: one C struct and one description for each type.
 find_program(IDLC_PROGRAM idlc REQUIRED)
 
-# add_interface_types(NAME target IDL file... [DEPENDS target...])
-#   Compiles IDL files into a library; <file>.idl gives the header <file>.h. They may include dds_rpc.idl.
+# add_interface_types(NAME target IDL file...)
+#   Compiles IDL files into a library; <file>.idl gives the header <file>.h. They may include rpc_headers.idl, the headers
+#   of requests and replies.
 function(add_interface_types)
-    cmake_parse_arguments(PARSE_ARGV 0 T "" "NAME" "IDL;DEPENDS")
+    cmake_parse_arguments(PARSE_ARGV 0 T "" "NAME" "IDL")
     set(out ${CMAKE_CURRENT_BINARY_DIR}/${T_NAME})
     set(include_dir ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/ara/com/dds)
     set(generated)
@@ -14,10 +15,13 @@ function(add_interface_types)
         add_custom_command(OUTPUT ${out}/${stem}.c ${out}/${stem}.h
             COMMAND ${CMAKE_COMMAND} -E make_directory ${out}
             COMMAND ${IDLC_PROGRAM} -f case-sensitive -W no-implicit-extensibility -I ${include_dir} -o ${out} ${idl}
-            DEPENDS ${idl} ${include_dir}/dds_rpc.idl VERBATIM)
+            DEPENDS ${idl} ${include_dir}/rpc_headers.idl VERBATIM)
         list(APPEND generated ${out}/${stem}.c ${out}/${stem}.h)
     endforeach()
     add_library(${T_NAME} STATIC ${generated})
     target_include_directories(${T_NAME} SYSTEM PUBLIC ${out})
-    target_link_libraries(${T_NAME} PUBLIC PkgConfig::CYCLONEDDS ${T_DEPENDS})
+    if(NOT "rpc_headers.idl" IN_LIST T_IDL)
+        target_link_libraries(${T_NAME} PUBLIC ara_com_dds_types)
+    endif()
+    target_link_libraries(${T_NAME} PUBLIC PkgConfig::CYCLONEDDS)
 endfunction()

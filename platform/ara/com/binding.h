@@ -81,6 +81,7 @@ class Binding {
  public:
     virtual ~Binding() = default;
     virtual std::unique_ptr<Event_source> offer_event(Event_type const& event, InstanceIdentifier const& instance) = 0;
+    /// No handler runs for an offer that fails.
     virtual std::unique_ptr<Offer> offer(Service_type const& type, InstanceIdentifier const& instance,
                                          Request_handler handler) = 0;
     virtual std::shared_ptr<Lookup> find(Service_type const& type, InstanceSpecifier const& wanted,

@@ -53,13 +53,39 @@ void expect_result(Union const& data, std::int32_t method) {
     }
 }
 
-/// Calls and returns the future of the result.
-template <class Value>
-ximo::com::Future<Value> call(Connection& connection, void* request, typename Typed_reply<Value>::Decode decode) {
-    auto reply = std::make_unique<Typed_reply<Value>>(std::move(decode));
+/// The result in a method's part of a reply, a union whose case 0 it is.
+template <class Union>
+auto const& result_in(Union const& outcome) {
+    expect_result(outcome, 0);
+    return outcome._u.result;
+}
+
+/// A request to a method without its arguments.
+template <class Request>
+Request request_to(std::int32_t method) {
+    Request request{};
+    request.data._d = method;
+    return request;
+}
+
+/// Calls what the request names and returns the future of the result, which `decode` takes from the reply's union.
+template <class Reply, class Request, class Decode>
+auto call(Connection& connection, Request request, Decode decode) {
+    using Value = std::invoke_result_t<Decode, decltype(Reply::data) const&>;
+    auto reply = std::make_unique<Typed_reply<Value>>([method = request.data._d, decode](void const* sample) {
+        auto const& data = static_cast<Reply const*>(sample)->data;
+        expect_result(data, method);
+        return decode(data);
+    });
     auto future = reply->future();
-    connection.call(request, std::move(reply));
+    connection.call(&request, std::move(reply));
     return future;
+}
+
+/// The same for a method without a result.
+template <class Reply, class Request>
+ximo::com::Future<void> call(Connection& connection, Request const& request) {
+    return call<Reply>(connection, request, [](auto const& /*data*/) {});
 }
 
 }  // namespace ara::com

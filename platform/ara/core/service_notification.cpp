@@ -20,6 +20,7 @@ namespace {
 using std::chrono::steady_clock;
 
 std::atomic<bool> ready_is_owed{false};
+std::atomic<bool> is_stopping{false};
 
 std::error_code last_error() {
     return {errno, std::system_category()};
@@ -91,6 +92,22 @@ std::error_code send_at_once(std::string_view line) {
     return send(line, std::chrono::milliseconds(0));
 }
 
+/// The number in an environment variable; nothing when there is none, or none alone.
+std::optional<std::int64_t> number_in(char const* variable) {
+    auto const* const text = std::getenv(variable);
+    if (text == nullptr) {
+        return std::nullopt;
+    }
+    auto const* const end = text + std::strlen(text);
+    std::int64_t number = 0;
+    auto const parsed = std::from_chars(text, end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end ? std::optional(number) : std::nullopt;
+}
+
+bool is_meant_for_another_process() {
+    return std::getenv("WATCHDOG_PID") != nullptr && number_in("WATCHDOG_PID") != ::getpid();
+}
+
 }  // namespace
 
 void notify_service_manager(std::string_view line) {
@@ -100,11 +117,17 @@ void notify_service_manager(std::string_view line) {
 }
 
 void report_ready() {
+    is_stopping = false;
     auto const error = send_at_once("READY=1");
     ready_is_owed = error && may_pass(error);
     if (error && !ready_is_owed) {
         throw not_notified(error);
     }
+}
+
+void report_stopping() {
+    notify_service_manager("STOPPING=1");
+    is_stopping = true;
 }
 
 std::error_code beat() {
@@ -135,13 +158,11 @@ std::system_error not_notified(std::error_code const& error) {
 }
 
 std::optional<std::chrono::microseconds> watchdog_time() {
-    auto const* const text = std::getenv("WATCHDOG_USEC");
-    std::int64_t microseconds = 0;
-    if (text == nullptr || std::from_chars(text, text + std::strlen(text), microseconds).ec != std::errc() ||
-        microseconds <= 0) {
+    auto const microseconds = number_in("WATCHDOG_USEC");
+    if (is_stopping || is_meant_for_another_process() || !microseconds || *microseconds <= 0) {
         return std::nullopt;
     }
-    return std::chrono::microseconds(microseconds);
+    return std::chrono::microseconds(*microseconds);
 }
 
 }  // namespace ara::core

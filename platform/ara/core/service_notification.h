@@ -25,6 +25,10 @@ void notify_service_manager(std::string_view line);
 /// `std::system_error` when another try is of no use.
 void report_ready();
 
+/// Reports STOPPING=1, and waits for room if it must. From then on the service manager wants no beat. Throws
+/// `std::system_error` when the line can't be delivered.
+void report_stopping();
+
 /// Sends WATCHDOG=1 and waits for nothing; returns what kept it. A READY=1 that is owed goes out first; while it can't,
 /// no beat is due, since the service manager's watchdog starts with READY=1.
 std::error_code beat();
@@ -36,7 +40,8 @@ bool may_pass(std::error_code const& error);
 /// What to throw for it.
 std::system_error not_notified(std::error_code const& error);
 
-/// WATCHDOG_USEC, the time within which the service manager wants a beat; nothing when it wants none.
+/// WATCHDOG_USEC, the time within which the service manager wants a beat. Nothing when it wants none of this process:
+/// WATCHDOG_PID names another, or this one has reported that it stops, and not that it is ready since.
 std::optional<std::chrono::microseconds> watchdog_time();
 
 }  // namespace ara::core

@@ -12,7 +12,7 @@ void ApplicationClient::ReportApplicationState(ApplicationState state) {
         if (state == ApplicationState::kRunning) {
             ara::core::report_ready();
         } else {
-            ara::core::notify_service_manager("STOPPING=1");
+            ara::core::report_stopping();
         }
     } catch (std::system_error const& error) {
         ara::log::LogError() << "Application state not reported: " << error.what();

@@ -1,5 +1,6 @@
 #include "bus_connection.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -127,6 +128,18 @@ bool StateClient::Connection::is_answered(Call const& call, Deadline deadline) {
     return true;
 }
 
+bool StateClient::Connection::is_answered(Call const& call, std::chrono::microseconds patience) {
+    constexpr std::chrono::microseconds longest_step = std::chrono::seconds(1);
+    while (patience.count() > 0) {
+        auto const step = std::min(patience, longest_step);
+        if (is_answered(call, std::chrono::steady_clock::now() + step)) {
+            return true;
+        }
+        patience -= step;
+    }
+    return false;
+}
+
 // A call that was not answered stays where it is; the others are settled.
 Answer StateClient::Connection::answer_to(std::unique_ptr<Call>& call, Deadline deadline) {
     if (!is_greeted(deadline)) {
@@ -150,14 +163,14 @@ Answer StateClient::Connection::answer_to(std::unique_ptr<Call>& call, Deadline 
     throw std::runtime_error(failure);
 }
 
-void StateClient::Connection::finish(Deadline deadline) {
+void StateClient::Connection::finish(std::chrono::microseconds patience) {
     auto const request = std::move(newest_request_);
     if (!request) {
         return;
     }
     try {
         auto const* const error =
-            is_answered(*request, deadline) ? sd_bus_message_get_error(request->answer.get()) : nullptr;
+            is_answered(*request, patience) ? sd_bus_message_get_error(request->answer.get()) : nullptr;
         if (error != nullptr) {
             auto const* const outcome = is_refusal(or_empty(error->name)) ? "refused" : "failed";
             std::fprintf(stderr, "%s: %s: %s\n", request->name.c_str(), outcome, text_of(*error).c_str());

@@ -59,8 +59,9 @@ class StateClient::Connection {
     }
 
     /// Waits for the answer to the newest request when that was given up; one that is not a success is told on standard
-    /// error, since nobody else hears of it.
-    void finish(Deadline deadline);
+    /// error, since nobody else hears of it. While the process stands still time passes in vain, and whoever should
+    /// answer may have stood still with it: a second of that counts at most.
+    void finish(std::chrono::microseconds patience);
 
  private:
     struct Broken : std::runtime_error {
@@ -110,6 +111,7 @@ class StateClient::Connection {
     Answer answer_to(std::unique_ptr<Call>& call, Deadline deadline);
     bool is_greeted(Deadline deadline);
     bool is_answered(Call const& call, Deadline deadline);
+    bool is_answered(Call const& call, std::chrono::microseconds patience);
 
     Bus bus_;
     std::unique_ptr<Call> newest_request_;

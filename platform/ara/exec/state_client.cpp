@@ -72,7 +72,7 @@ StateClient::~StateClient() {
     if (auto const watchdog = ara::core::watchdog_time()) {
         limit = std::min(limit, *watchdog / 2);
     }
-    connection_->finish(std::chrono::steady_clock::now() + limit);
+    connection_->finish(limit);
 }
 
 State_client_result StateClient::SetState(std::string const& function_group, std::string const& state) {

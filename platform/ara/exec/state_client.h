@@ -33,8 +33,9 @@ enum class State_client_result : std::int32_t {
 ///
 /// A request that was given up may still be granted, but only as long as the caller is there. So the end of the client
 /// waits for the answer to the newest request when that had none: `k_end_time_limit`, or half of the time within which
-/// the service manager wants a beat of the process when that is less. A bus that is not there costs no time. What came
-/// of it is told on standard error unless it was a success.
+/// the service manager wants a beat of the process when that is less; it wants none of one that has reported that it
+/// stops. Time for which the process stood still does not count. A bus that is not there costs no time. What came of it
+/// is told on standard error unless it was a success.
 class StateClient {
  public:
     /// Upper bound of one operation: long enough for a machine that boots or stood still, well below the supervision

@@ -8,14 +8,20 @@
 namespace ximo::ap::statemanager {
 
 /// What one search calls when both services are there: once, however often and from however many threads at once it is
-/// asked to.
+/// asked to; again when a call has ended by an exception.
 class Nm_interface::Announcement {
  public:
     explicit Announcement(std::function<void()> on_services_found) : on_services_found_(std::move(on_services_found)) {}
 
     void make() {
-        if (!made_.exchange(true)) {
+        if (made_.exchange(true)) {
+            return;
+        }
+        try {
             on_services_found_();
+        } catch (...) {
+            made_ = false;
+            throw;
         }
     }
 

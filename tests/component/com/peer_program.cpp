@@ -6,6 +6,7 @@
 #include "tarq/com/runtime/component_singleton.h"
 
 #include <atomic>
+#include <csignal>
 #include <ctime>
 #include <iostream>
 #include <memory>
@@ -106,6 +107,15 @@ void add_client_commands(bench::Command_table& commands, std::unique_ptr<com_tes
         auto const handle = com_test::found<com_test::Network_proxy>(arguments.text("instance"));
         subscriber = std::make_unique<com_test::Network_proxy>(handle);
         subscriber->NetworkState.Subscribe(1);
+        return json();
+    });
+    commands.add("call and stand still", [](bench::Arguments& arguments) {
+        com_test::Network_proxy proxy(com_test::found<com_test::Network_proxy>(arguments.text("instance")));
+        proxy.RequestNetwork({1}).get();
+        auto const future = proxy.RequestNetwork({2});
+        ::raise(SIGSTOP);
+        future.wait();
+        com_test::print({{"event", "went on"}, {"outcome", com_test::error_of(proxy.RequestNetwork({3}))}});
         return json();
     });
     commands.add("call", [](bench::Arguments& arguments) {

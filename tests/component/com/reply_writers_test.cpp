@@ -2,9 +2,9 @@
 
 #include "ara/com/dds/offer_types.h"
 #include "client_fixture.h"
+#include "engine_hooks.h"
 #include "peer_services.h"
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -12,37 +12,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <dlfcn.h>
-
-namespace {
-
-std::atomic<int> g_writers_until_failure{-1};                     // negative: none fails
-std::atomic<std::function<void()> const*> g_after_look{nullptr};  // at the clients of a reader; called once
-
-}  // namespace
-
-// The engine's function, which fails once when it is told to. All of this program's writers are made here.
-extern "C" dds_entity_t dds_create_writer(dds_entity_t publisher, dds_entity_t topic, dds_qos_t const* quality,
-                                          dds_listener_t const* listener) {
-    static auto const real = reinterpret_cast<decltype(&dds_create_writer)>(::dlsym(RTLD_NEXT, "dds_create_writer"));
-    if (g_writers_until_failure >= 0 && g_writers_until_failure-- == 0) {
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
-    return real(publisher, topic, quality, listener);
-}
-
-// The engine's function, between whose result and its use something may happen.
-extern "C" dds_return_t dds_get_matched_publications(dds_entity_t reader, dds_instance_handle_t* writers,
-                                                     std::size_t size) {
-    static auto const real =
-        reinterpret_cast<decltype(&dds_get_matched_publications)>(::dlsym(RTLD_NEXT, "dds_get_matched_publications"));
-    auto const count = real(reader, writers, size);
-    if (auto const* const after_look = g_after_look.exchange(nullptr)) {
-        (*after_look)();
-    }
-    return count;
-}
 
 namespace com_test {
 namespace {
@@ -84,7 +53,7 @@ TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_
         clients.push_back(std::make_unique<Client_ends>(participant));
     }
 
-    g_writers_until_failure = 2;
+    engine_hooks().writers_until_failure = 2;
     EXPECT_THROW(sut.follow(requests.entity()), tarq::com::Infrastructure_exception);
 
     auto const found = [&clients] {
@@ -126,10 +95,10 @@ TEST_F(Reply_writers_of_a_service, Are_tried_again_when_one_could_not_be_made) {
     service.OfferService();
     auto const handle = found<Network_proxy>("app");
     // The first is the client's own.
-    g_writers_until_failure = 1;
+    engine_hooks().writers_until_failure = 1;
     Network_proxy sut(handle);
     EXPECT_TRUE(succeeds(sut.RequestNetwork({1})));
-    EXPECT_EQ(g_writers_until_failure, -1);
+    EXPECT_EQ(engine_hooks().writers_until_failure, -1);
 }
 
 // A reply to a client that has gone makes a thread look that is not the one which follows the clients.
@@ -145,7 +114,7 @@ TEST(Reply_writers_test, A_look_that_another_one_overtakes_leaves_a_new_client_i
         // Either it ends before the first look goes on, or it has to wait for that.
         other.wait_for(std::chrono::milliseconds(200));
     };
-    g_after_look = &meanwhile;
+    engine_hooks().after_look = &meanwhile;
     sut.follow(requests.entity());
     ASSERT_TRUE(other.valid());
     other.get();

@@ -1,4 +1,5 @@
 #include "client_fixture.h"
+#include "own_client.h"
 #include "peer_numbers.h"
 #include "peer_services.h"
 #include "subscribed.h"
@@ -49,18 +50,8 @@ Threads left_since(Threads const& before) {
     }
 }
 
-/// The runtime's end in a process that is client and server of itself.
-class Shutdown : public testing::Test {
- protected:
-    void start() { runtime_.emplace(false, ""); }
-    void end() { runtime_.reset(); }
-
-    std::optional<tarq::com::runtime::Component_singleton> runtime_{std::in_place, false, ""};
-    Seen<nlohmann::json> told_;
-    std::promise<void> open_;
-    std::shared_future<void> gate_{open_.get_future()};
-    Tell tell_ = [this](auto const& event) { told_.add(event); };
-};
+/// The runtime's end.
+class Shutdown : public Own_client {};
 
 TEST_F(Shutdown, A_runtime_that_is_not_used_starts_no_thread) {
     end();
@@ -260,134 +251,6 @@ TEST_F(Shutdown, A_field_whose_service_could_not_be_offered_sends_nothing) {
     first.NetworkState.Update({3});
     EXPECT_THAT(seen.await_count(2), ElementsAre(Bytes{1}, Bytes{3}));
     proxy.NetworkState.Unsubscribe();
-}
-
-/// An end that is asked for twice, while the handler that both wait for runs.
-class Ends : public Shutdown {
- protected:
-    // Neither of two calls returns before the handler does.
-    template <class End>
-    void expect_both_wait(End const& end) {
-        auto first = std::async(std::launch::async, end);
-        auto second = std::async(std::launch::async, end);
-        EXPECT_EQ(first.wait_for(k_short_while), std::future_status::timeout);
-        EXPECT_EQ(second.wait_for(k_short_while), std::future_status::timeout);
-        open_.set_value();
-        first.get();
-        second.get();
-    }
-
-    static constexpr std::chrono::milliseconds k_short_while{100};
-    Tell tell_and_wait_ = [this](auto const& event) {
-        told_.add(event);
-        gate_.wait();
-    };
-};
-
-TEST_F(Ends, Of_an_offer_wait_both) {
-    Network service("app", tell_and_wait_);
-    service.OfferService();
-    Network_proxy proxy(found<Network_proxy>("app"));
-    auto const future = proxy.RequestNetwork({});
-    told_.await_count(1);
-    expect_both_wait([&] { service.StopOfferService(); });
-}
-
-TEST_F(Ends, Of_an_offer_wait_both_after_the_handler_ended_it_itself) {
-    Network* service = nullptr;
-    Network ended_by_handler("app", [&](auto const& event) {
-        service->StopOfferService();
-        tell_and_wait_(event);
-    });
-    service = &ended_by_handler;
-    service->OfferService();
-    Network_proxy proxy(found<Network_proxy>("app"));
-    auto const future = proxy.RequestNetwork({});
-    told_.await_count(1);
-    expect_both_wait([&] { service->StopOfferService(); });
-}
-
-TEST_F(Ends, Of_a_subscription_wait_both) {
-    Network service("app", tell_);
-    service.OfferService();
-    Network_proxy proxy(found<Network_proxy>("app"));
-    proxy.NetworkState.SetReceiveHandler([&] { tell_and_wait_({}); });
-    proxy.NetworkState.Subscribe(1);
-    service.NetworkState.Update({1});
-    told_.await_count(1);
-    expect_both_wait([&] { proxy.NetworkState.Unsubscribe(); });
-}
-
-TEST_F(Ends, Of_a_subscription_wait_both_after_the_handler_ended_it_itself) {
-    Network service("app", tell_);
-    service.OfferService();
-    Network_proxy proxy(found<Network_proxy>("app"));
-    proxy.NetworkState.SetReceiveHandler([&] {
-        proxy.NetworkState.Unsubscribe();
-        tell_and_wait_({});
-    });
-    proxy.NetworkState.Subscribe(1);
-    service.NetworkState.Update({1});
-    told_.await_count(1);
-    expect_both_wait([&] { proxy.NetworkState.Unsubscribe(); });
-}
-
-TEST_F(Ends, Of_a_lookup_wait_both) {
-    std::promise<ara::com::FindServiceHandle> promise;
-    auto const handle = promise.get_future().share();
-    promise.set_value(Network_proxy::StartFindService(
-        [this, handle](auto const& /*handles*/) {
-            Network_proxy::StopFindService(handle.get());
-            tell_and_wait_({});
-        },
-        ara::com::InstanceSpecifier("*")));
-    told_.await_count(1);
-    expect_both_wait([&] { Network_proxy::StopFindService(handle.get()); });
-}
-
-TEST_F(Ends, That_wait_leave_a_newer_offer_alone) {
-    Network service("app", tell_and_wait_);
-    service.NetworkState.Update({1});
-    service.OfferService();
-    Network_proxy proxy(found<Network_proxy>("app"));
-    Subscribed subscribed(proxy.NetworkState);
-    subscribed.await_last({1});
-    auto future = proxy.RequestNetwork({});
-    told_.await_count(1);
-    std::thread waiting([&] { service.StopOfferService(); });
-    EXPECT_EQ(error_of(std::move(future)), "Service not available exception");
-    service.OfferService();
-    open_.set_value();
-    waiting.join();
-    service.NetworkState.Update({2});
-    EXPECT_EQ(subscribed.await_last({2}).back(), Bytes{2});
-    service.StopOfferService();
-}
-
-TEST_F(Ends, Of_a_field_keep_its_getter_until_the_receive_handler_has_ended) {
-    Network service("app", tell_);
-    service.OfferService();
-    auto const connection =
-        ara::com::binding()->connect(tarq::udpnm::interface::k_network_state_interface, found<Network_proxy>("app"));
-    auto held = std::make_shared<int>(0);
-    std::weak_ptr<int> const getter = held;
-    auto sut = std::make_unique<ara::com::Proxy_field<int>>(
-        connection, tarq::udpnm::interface::k_network_state, [](void const*) { return 0; },
-        [held = std::move(held)] { return ximo::com::Future<int>(); });
-    bool gone = false;
-    sut->SetReceiveHandler([&] {
-        told_.add({});
-        auto const deadline = std::chrono::steady_clock::now() + 2 * k_short_while;
-        while (!(gone = getter.expired()) && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::yield();
-        }
-    });
-    sut->Subscribe(1);
-    service.NetworkState.Update({1});
-    told_.await_count(1);
-    sut.reset();
-    EXPECT_FALSE(gone);
-    EXPECT_TRUE(getter.expired());
 }
 
 }  // namespace

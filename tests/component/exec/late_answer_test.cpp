@@ -1,8 +1,10 @@
 // A service manager that answers after the request was given up: the end of the client waits for it, since the manager
 // refuses a caller that has gone.
 
+#include "ara/exec/application_client.h"
 #include "ara/exec/state_client.h"
 #include "private_execution_management.h"
+#include "support/notify_socket.h"
 
 #include <chrono>
 #include <csignal>
@@ -14,6 +16,7 @@
 #include <gmock/gmock.h>
 #include <stdlib.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 namespace ara::exec {
 namespace {
@@ -103,6 +106,30 @@ TEST_F(Late_execution_management, Is_waited_for_half_of_the_watchdogs_time_at_mo
     manager->command({{"do", "reaction"}, {"silent", true}});
     request();
     EXPECT_THAT(end(), AllOf(Ge(milliseconds(450)), Lt(milliseconds(500) + k_busy)));
+}
+
+TEST_F(Late_execution_management, Is_waited_for_all_the_time_once_the_process_has_said_that_it_stops) {
+    test_support::Notify_socket const service_manager;
+    ApplicationClient().ReportApplicationState(ApplicationState::kTerminating);
+    manager->command({{"do", "reaction"}, {"delay_ms", 3000}});
+    request();
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(end(), Ge(milliseconds(1900)));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    ApplicationClient().ReportApplicationState(ApplicationState::kRunning);
+}
+
+// A freeze of this process and of the bus, which goes on a moment later.
+TEST_F(Late_execution_management, Is_waited_for_after_both_stood_still_for_longer_than_the_wait) {
+    ::setenv("WATCHDOG_USEC", "4000000", 1);
+    bus->process().signal(SIGSTOP);
+    request();
+    auto const self = std::to_string(::getpid());
+    auto const its = std::to_string(bus->process().pid());
+    bench::Child_process const freezer(
+        {"sh", "-c", "kill -STOP " + self + "; sleep 2.5; kill -CONT " + self + "; sleep 0.3; kill -CONT " + its}, {});
+    EXPECT_THAT(end(), Ge(milliseconds(2700)));
+    manager->await_event("unit", {{"unit", "MachineState-Shutdown.target"}, {"active", "active"}});
 }
 
 TEST_F(Late_execution_management, Costs_nothing_once_it_has_answered) {

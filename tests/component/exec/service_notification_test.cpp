@@ -11,6 +11,8 @@
 #include <chrono>
 #include <csignal>
 #include <cstddef>
+#include <optional>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -259,6 +261,69 @@ TEST(Supervision_entity, Throws_when_a_report_can_not_be_delivered) {
     ::setenv("NOTIFY_SOCKET", std::string(200, 'x').c_str(), 1);
     EXPECT_THROW(sut.ReportCheckpoint(1, 1), std::runtime_error);
     ::unsetenv("NOTIFY_SOCKET");
+}
+
+struct Watchdog_variables {
+    char const* name;
+    std::string microseconds;
+    std::string process;  ///< WATCHDOG_PID, unset when empty
+    std::optional<std::chrono::microseconds> time;
+
+    friend std::ostream& operator<<(std::ostream& out, Watchdog_variables const& variables) {
+        return out << variables.name;
+    }
+};
+
+class Watchdog_time : public testing::TestWithParam<Watchdog_variables> {
+ protected:
+    Watchdog_time() {
+        ::setenv("WATCHDOG_USEC", GetParam().microseconds.c_str(), 1);
+        if (!GetParam().process.empty()) {
+            ::setenv("WATCHDOG_PID", GetParam().process.c_str(), 1);
+        }
+    }
+    ~Watchdog_time() override {
+        ::unsetenv("WATCHDOG_USEC");
+        ::unsetenv("WATCHDOG_PID");
+    }
+};
+
+TEST_P(Watchdog_time, Is_that_of_the_process_that_it_is_meant_for) {
+    EXPECT_EQ(ara::core::watchdog_time(), GetParam().time);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Variables, Watchdog_time,
+    testing::Values(Watchdog_variables{"For_whoever_reads_it", "2000000", "", std::chrono::seconds(2)},
+                    Watchdog_variables{"For_this_process", "2000000", std::to_string(::getpid()),
+                                       std::chrono::seconds(2)},
+                    Watchdog_variables{"For_its_parent", "2000000", std::to_string(::getppid()), std::nullopt},
+                    Watchdog_variables{"For_no_process", "2000000", "this one", std::nullopt},
+                    Watchdog_variables{"Cut_short", "2000000", std::to_string(::getpid()) + "x", std::nullopt},
+                    Watchdog_variables{"No_time", "0", "", std::nullopt},
+                    Watchdog_variables{"Less_than_no_time", "-1", "", std::nullopt},
+                    Watchdog_variables{"No_number", "soon", "", std::nullopt}),
+    [](auto const& instance) { return std::string(instance.param.name); });
+
+TEST(Service_notification, Ends_the_watchdog_with_the_report_that_the_process_stops) {
+    test_support::Notify_socket const service_manager;
+    ::setenv("WATCHDOG_USEC", "2000000", 1);
+    ApplicationClient sut;
+    sut.ReportApplicationState(ApplicationState::kTerminating);
+    EXPECT_EQ(ara::core::watchdog_time(), std::nullopt);
+    sut.ReportApplicationState(ApplicationState::kRunning);
+    EXPECT_EQ(ara::core::watchdog_time(), std::chrono::seconds(2)) << "and it begins with the other one";
+    ::unsetenv("WATCHDOG_USEC");
+}
+
+TEST(Service_notification, Leaves_the_watchdog_where_nobody_heard_that_the_process_stops) {
+    test_support::Log_capture log;
+    ::setenv("NOTIFY_SOCKET", "/nowhere/notify", 1);
+    ::setenv("WATCHDOG_USEC", "2000000", 1);
+    ApplicationClient().ReportApplicationState(ApplicationState::kTerminating);
+    EXPECT_EQ(ara::core::watchdog_time(), std::chrono::seconds(2));
+    ::unsetenv("NOTIFY_SOCKET");
+    ::unsetenv("WATCHDOG_USEC");
 }
 
 TEST(Service_notification, Gives_up_in_time_when_the_queue_of_the_service_manager_stays_full) {

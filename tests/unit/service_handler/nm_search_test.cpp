@@ -136,6 +136,21 @@ TEST_F(Nm_search, Announces_once_however_often_a_service_is_reported) {
     EXPECT_THAT(binding.recorded("connect " + k_user_data), testing::SizeIs(2));
 }
 
+TEST_F(Nm_search, Announces_again_when_it_could_not_be_heard) {
+    network_state.OfferService();
+    sut->start_find_services([this] {
+        if (++announced == 1) {
+            throw tarq::com::Infrastructure_exception("no memory");
+        }
+    });
+    EXPECT_THROW(user_data.OfferService(), tarq::com::Infrastructure_exception) << "so that the binding reports again";
+
+    binding.report(k_user_data, {ara::com::ServiceHandle(k_user_data, ara::com::InstanceIdentifier("node"), "")});
+
+    EXPECT_EQ(announced, 2);
+    EXPECT_THAT(log.messages(), Contains(stopping_user_data));
+}
+
 TEST_F(Nm_search, Needs_somebody_to_announce_to) {
     network_state.OfferService();
     sut->start_find_services({});

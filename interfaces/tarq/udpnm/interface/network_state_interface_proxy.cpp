@@ -8,23 +8,18 @@ namespace tarq::udpnm::interface::proxy {
 
 namespace {
 
-auto const& result_of(std::int32_t method, void const* sample) {
-    auto const& data = static_cast<tarq_udpnm_interface_NetworkStateInterface_Reply const*>(sample)->data;
-    ara::com::expect_result(data, method);
-    return data;
-}
+using Request = tarq_udpnm_interface_NetworkStateInterface_Request;
+using Reply = tarq_udpnm_interface_NetworkStateInterface_Reply;
 
 std::vector<std::uint8_t> decode(void const* sample) {
     return ara::com::copy(static_cast<tarq_udpnm_interface_NetworkStateInterface_NetworkState const*>(sample)->value);
 }
 
 ximo::com::Future<std::vector<std::uint8_t>> get_value(ara::com::Connection& connection) {
-    tarq_udpnm_interface_NetworkStateInterface_Request request{};
-    request.data._d = 2;
-    return ara::com::call<std::vector<std::uint8_t>>(connection, &request, [](void const* reply) {
-        auto const& result = result_of(2, reply)._u.getNetworkState;
-        ara::com::expect_result(result, 0);
-        return ara::com::copy(result._u.result.value);
+    auto const request =
+        ara::com::request_to<Request>(tarq_udpnm_interface_NetworkStateInterface_Method_GetNetworkState);
+    return ara::com::call<Reply>(connection, request, [](auto const& data) {
+        return ara::com::copy(ara::com::result_in(data._u.getNetworkState).value);
     });
 }
 
@@ -34,17 +29,15 @@ NetworkStateInterfaceProxy::NetworkStateInterfaceProxy(HandleType const& handle)
     : Proxy(handle), NetworkState(connection(), k_network_state, decode, [this] { return get_value(*connection()); }) {}
 
 ximo::com::Future<void> NetworkStateInterfaceProxy::RequestNetwork(std::vector<std::uint8_t> const& bits) {
-    tarq_udpnm_interface_NetworkStateInterface_Request request{};
-    request.data._d = 0;
+    auto request = ara::com::request_to<Request>(tarq_udpnm_interface_NetworkStateInterface_Method_RequestNetwork);
     request.data._u.requestNetwork.bits = ara::com::view<tarq_udpnm_interface_NetworkStateInterface_Bytes>(bits);
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(0, reply); });
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 ximo::com::Future<void> NetworkStateInterfaceProxy::ReleaseNetwork(std::vector<std::uint8_t> const& bits) {
-    tarq_udpnm_interface_NetworkStateInterface_Request request{};
-    request.data._d = 1;
+    auto request = ara::com::request_to<Request>(tarq_udpnm_interface_NetworkStateInterface_Method_ReleaseNetwork);
     request.data._u.releaseNetwork.bits = ara::com::view<tarq_udpnm_interface_NetworkStateInterface_Bytes>(bits);
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(1, reply); });
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 }  // namespace tarq::udpnm::interface::proxy

@@ -16,17 +16,17 @@ void serve(NetworkStateInterfaceSkeleton& service, void const* sample, ara::com:
     tarq_udpnm_interface_NetworkStateInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case 0: {
+        case tarq_udpnm_interface_NetworkStateInterface_Method_RequestNetwork: {
             auto const& arguments = request.data._u.requestNetwork;
             service.RequestNetwork(ara::com::copy(arguments.bits)).get();
             break;
         }
-        case 1: {
+        case tarq_udpnm_interface_NetworkStateInterface_Method_ReleaseNetwork: {
             auto const& arguments = request.data._u.releaseNetwork;
             service.ReleaseNetwork(ara::com::copy(arguments.bits)).get();
             break;
         }
-        case 2: {
+        case tarq_udpnm_interface_NetworkStateInterface_Method_GetNetworkState: {
             auto const value = service.NetworkState.get();
             reply.data._u.getNetworkState._u.result.value =
                 ara::com::view_of_result<tarq_udpnm_interface_NetworkStateInterface_Bytes>(value);

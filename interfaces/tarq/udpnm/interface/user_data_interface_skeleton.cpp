@@ -16,14 +16,14 @@ void serve(UserDataInterfaceSkeleton& service, void const* sample, ara::com::Rep
     tarq_udpnm_interface_UserDataInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case 0: {
+        case tarq_udpnm_interface_UserDataInterface_Method_GetUserData: {
             auto const output = service.GetUserData().get();
             reply.data._u.getUserData._u.result.data =
                 ara::com::view_of_result<tarq_udpnm_interface_UserDataInterface_Bytes>(output.data);
             answer(&reply);
             return;
         }
-        case 1: {
+        case tarq_udpnm_interface_UserDataInterface_Method_SetUserData: {
             auto const& arguments = request.data._u.setUserData;
             service.SetUserData(ara::com::copy(arguments.data)).get();
             break;

@@ -7,19 +7,15 @@ namespace ximo::ap::statemanager::proxy {
 
 namespace {
 
-auto const& result_of(std::int32_t method, void const* sample) {
-    auto const& data = static_cast<ximo_ap_statemanager_DSAInterface_Reply const*>(sample)->data;
-    ara::com::expect_result(data, method);
-    return data;
-}
+using Request = ximo_ap_statemanager_DSAInterface_Request;
+using Reply = ximo_ap_statemanager_DSAInterface_Reply;
 
 }  // namespace
 
 ximo::com::Future<void> DSAInterfaceProxy::RequestRestart(std::uint8_t RestartType) {
-    ximo_ap_statemanager_DSAInterface_Request request{};
-    request.data._d = 0;
+    auto request = ara::com::request_to<Request>(ximo_ap_statemanager_DSAInterface_Method_RequestRestart);
     request.data._u.requestRestart.RestartType = RestartType;
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(0, reply); });
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 }  // namespace ximo::ap::statemanager::proxy

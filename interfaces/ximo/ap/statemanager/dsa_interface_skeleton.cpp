@@ -14,7 +14,7 @@ void serve(DSAInterfaceSkeleton& service, void const* sample, ara::com::Reply_si
     ximo_ap_statemanager_DSAInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case 0: {
+        case ximo_ap_statemanager_DSAInterface_Method_RequestRestart: {
             auto const& arguments = request.data._u.requestRestart;
             service.RequestRestart(arguments.RestartType).get();
             break;

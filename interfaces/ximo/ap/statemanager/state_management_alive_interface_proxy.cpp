@@ -7,24 +7,21 @@ namespace ximo::ap::statemanager::proxy {
 
 namespace {
 
-auto const& result_of(std::int32_t method, void const* sample) {
-    auto const& data = static_cast<ximo_ap_statemanager_StateManagementAliveInterface_Reply const*>(sample)->data;
-    ara::com::expect_result(data, method);
-    return data;
-}
+using Request = ximo_ap_statemanager_StateManagementAliveInterface_Request;
+using Reply = ximo_ap_statemanager_StateManagementAliveInterface_Reply;
 
 }  // namespace
 
 ximo::com::Future<void> StateManagementAliveInterfaceProxy::ReleaseAlive() {
-    ximo_ap_statemanager_StateManagementAliveInterface_Request request{};
-    request.data._d = 0;
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(0, reply); });
+    auto const request =
+        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementAliveInterface_Method_ReleaseAlive);
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 ximo::com::Future<void> StateManagementAliveInterfaceProxy::RequestAlive() {
-    ximo_ap_statemanager_StateManagementAliveInterface_Request request{};
-    request.data._d = 1;
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(1, reply); });
+    auto const request =
+        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementAliveInterface_Method_RequestAlive);
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 }  // namespace ximo::ap::statemanager::proxy

@@ -14,10 +14,10 @@ void serve(StateManagementAliveInterfaceSkeleton& service, void const* sample, a
     ximo_ap_statemanager_StateManagementAliveInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case 0:
+        case ximo_ap_statemanager_StateManagementAliveInterface_Method_ReleaseAlive:
             service.ReleaseAlive().get();
             break;
-        case 1:
+        case ximo_ap_statemanager_StateManagementAliveInterface_Method_RequestAlive:
             service.RequestAlive().get();
             break;
         default:

@@ -8,31 +8,28 @@ namespace ximo::ap::statemanager::proxy {
 
 namespace {
 
-auto const& result_of(std::int32_t method, void const* sample) {
-    auto const& data = static_cast<ximo_ap_statemanager_StateManagementComAliveInterface_Reply const*>(sample)->data;
-    ara::com::expect_result(data, method);
-    return data;
-}
+using Request = ximo_ap_statemanager_StateManagementComAliveInterface_Request;
+using Reply = ximo_ap_statemanager_StateManagementComAliveInterface_Reply;
 
 }  // namespace
 
 ximo::com::Future<void> StateManagementComAliveInterfaceProxy::ReleaseComAlive(
     std::vector<std::uint8_t> const& cab_bits) {
-    ximo_ap_statemanager_StateManagementComAliveInterface_Request request{};
-    request.data._d = 0;
+    auto request =
+        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementComAliveInterface_Method_ReleaseComAlive);
     request.data._u.releaseComAlive.cab_bits =
         ara::com::view<ximo_ap_statemanager_StateManagementComAliveInterface_Bytes>(cab_bits);
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(0, reply); });
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 ximo::com::Future<void> StateManagementComAliveInterfaceProxy::RequestComAlive(
     std::vector<std::uint8_t> const& cab_bits, std::uint8_t ac_number) {
-    ximo_ap_statemanager_StateManagementComAliveInterface_Request request{};
-    request.data._d = 1;
+    auto request =
+        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementComAliveInterface_Method_RequestComAlive);
     request.data._u.requestComAlive.cab_bits =
         ara::com::view<ximo_ap_statemanager_StateManagementComAliveInterface_Bytes>(cab_bits);
     request.data._u.requestComAlive.ac_number = ac_number;
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(1, reply); });
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 }  // namespace ximo::ap::statemanager::proxy

@@ -15,12 +15,12 @@ void serve(StateManagementComAliveInterfaceSkeleton& service, void const* sample
     ximo_ap_statemanager_StateManagementComAliveInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case 0: {
+        case ximo_ap_statemanager_StateManagementComAliveInterface_Method_ReleaseComAlive: {
             auto const& arguments = request.data._u.releaseComAlive;
             service.ReleaseComAlive(ara::com::copy(arguments.cab_bits)).get();
             break;
         }
-        case 1: {
+        case ximo_ap_statemanager_StateManagementComAliveInterface_Method_RequestComAlive: {
             auto const& arguments = request.data._u.requestComAlive;
             service.RequestComAlive(ara::com::copy(arguments.cab_bits), arguments.ac_number).get();
             break;

@@ -7,25 +7,22 @@ namespace ximo::ap::statemanager::proxy {
 
 namespace {
 
-auto const& result_of(std::int32_t method, void const* sample) {
-    auto const& data = static_cast<ximo_ap_statemanager_StateManagementCWUInterface_Reply const*>(sample)->data;
-    ara::com::expect_result(data, method);
-    return data;
-}
+using Request = ximo_ap_statemanager_StateManagementCWUInterface_Request;
+using Reply = ximo_ap_statemanager_StateManagementCWUInterface_Reply;
 
 }  // namespace
 
 ximo::com::Future<void> StateManagementCWUInterfaceProxy::ReleaseCarWakeUp() {
-    ximo_ap_statemanager_StateManagementCWUInterface_Request request{};
-    request.data._d = 0;
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(0, reply); });
+    auto const request =
+        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementCWUInterface_Method_ReleaseCarWakeUp);
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 ximo::com::Future<void> StateManagementCWUInterfaceProxy::RequestCarWakeUp(std::uint8_t ac_number) {
-    ximo_ap_statemanager_StateManagementCWUInterface_Request request{};
-    request.data._d = 1;
+    auto request =
+        ara::com::request_to<Request>(ximo_ap_statemanager_StateManagementCWUInterface_Method_RequestCarWakeUp);
     request.data._u.requestCarWakeUp.ac_number = ac_number;
-    return ara::com::call<void>(*connection(), &request, [](void const* reply) { result_of(1, reply); });
+    return ara::com::call<Reply>(*connection(), request);
 }
 
 }  // namespace ximo::ap::statemanager::proxy

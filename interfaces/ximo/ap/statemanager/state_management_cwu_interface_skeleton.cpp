@@ -14,10 +14,10 @@ void serve(StateManagementCWUInterfaceSkeleton& service, void const* sample, ara
     ximo_ap_statemanager_StateManagementCWUInterface_Reply reply{};
     reply.data._d = request.data._d;
     switch (request.data._d) {
-        case 0:
+        case ximo_ap_statemanager_StateManagementCWUInterface_Method_ReleaseCarWakeUp:
             service.ReleaseCarWakeUp().get();
             break;
-        case 1: {
+        case ximo_ap_statemanager_StateManagementCWUInterface_Method_RequestCarWakeUp: {
             auto const& arguments = request.data._u.requestCarWakeUp;
             service.RequestCarWakeUp(arguments.ac_number).get();
             break;

@@ -1,6 +1,7 @@
 #include "ara/com/dds/call_path.h"
 
 #include "ara/com/dds/matched.h"
+#include "ara/com/dds/request_number.h"
 
 #include <algorithm>
 #include <cstring>
@@ -34,7 +35,7 @@ void Call_path::send(void* request, std::int64_t number) const {
     auto& header = *static_cast<dds_rpc_RequestHeader*>(request);
     static_assert(sizeof header.requestId.writer_guid == sizeof identity_);
     std::memcpy(&header.requestId.writer_guid, identity_.data(), identity_.size());
-    header.requestId.sequence_number = {static_cast<std::int32_t>(number >> 32), static_cast<std::uint32_t>(number)};
+    header.requestId.sequence_number = to_wire(number);
     std::copy_n(instance_.c_str(), std::min(instance_.size() + 1, sizeof header.instanceName), header.instanceName);
     requests_.write(request);
 }
@@ -44,7 +45,7 @@ std::int64_t Call_path::number_of(dds_rpc_ReplyHeader const& header) const {
     if (std::memcmp(&id.writer_guid, identity_.data(), identity_.size()) != 0) {
         return 0;
     }
-    return std::int64_t{id.sequence_number.hi} * (std::int64_t{1} << 32) + id.sequence_number.lo;
+    return dds::number_of(id.sequence_number);
 }
 
 }  // namespace ara::com::dds

@@ -4,7 +4,7 @@
 #include "ara/com/dds/endpoints.h"
 #include "ara/com/dds/guid.h"
 #include "ara/com/service_type.h"
-#include "dds_rpc.h"
+#include "rpc_headers.h"
 
 #include <cstdint>
 #include <string>

@@ -23,6 +23,7 @@ constexpr std::chrono::milliseconds k_pause_before_next_try{500};
 struct Served_instance::Request {
     std::shared_ptr<void const> sample;
     dds_instance_handle_t client;
+    dds_time_t written;
     bool refused;
 
     dds_rpc_RequestHeader const& header() const { return *static_cast<dds_rpc_RequestHeader const*>(sample.get()); }
@@ -34,10 +35,11 @@ Served_instance::Served_instance(std::shared_ptr<Engine> engine, Service_type co
       type_(type),
       instance_(std::move(instance)),
       handler_(std::move(handler)),
-      strand_(std::make_shared<Strand>(engine_->workers())),
+      strand_(std::make_shared<Strand>(engine_->workers(), Strand::Beginning::k_when_told)),
       replies_(engine_->participant(), type.reply) {}
 
-// A client may be matched before the reader is known here, so the clients are looked at once more.
+// A client may be matched before the reader is known here, so the clients are looked at once more. What was requested
+// before others could know of the offer waits for that, so that no handler runs if it fails.
 void Served_instance::open() {
     engine_->adopt(weak_from_this());
     engine_->announcer().claim(type_.name, instance_.ToString());
@@ -52,6 +54,7 @@ void Served_instance::open() {
     }
     follow_clients();
     engine_->announcer().announce(type_.name, instance_.ToString());
+    strand_->begin();
 }
 
 void Served_instance::close() {
@@ -116,7 +119,7 @@ void Served_instance::received(Sample sample, dds_sample_info_t const& info) {
         --waiting_;
         return;
     }
-    Request request{std::move(sample), info.publication_handle, waiting >= k_most_waiting};
+    Request request{std::move(sample), info.publication_handle, info.source_timestamp, waiting >= k_most_waiting};
     strand_->post([weak = weak_from_this(), request = std::move(request)] {
         if (auto const self = weak.lock()) {
             --self->waiting_;
@@ -126,6 +129,9 @@ void Served_instance::received(Sample sample, dds_sample_info_t const& info) {
 }
 
 void Served_instance::serve(Request const& request) {
+    if (!recent_.is_new(request.header().requestId, request.written)) {
+        return;
+    }
     if (request.refused) {
         refuse(request, dds_rpc_REMOTE_EX_OUT_OF_RESOURCES);
         return;

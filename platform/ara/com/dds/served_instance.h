@@ -4,10 +4,11 @@
 #include "ara/com/binding.h"
 #include "ara/com/dds/endpoints.h"
 #include "ara/com/dds/engine.h"
+#include "ara/com/dds/recent_requests.h"
 #include "ara/com/dds/reply_writers.h"
 #include "ara/com/dds/strand.h"
 #include "base/mutex.h"
-#include "dds_rpc.h"
+#include "rpc_headers.h"
 
 #include <atomic>
 #include <memory>
@@ -15,7 +16,8 @@
 
 namespace ara::com::dds {
 
-/// The server's side of one offered instance: takes the requests, has them handled one after the other, and answers.
+/// The server's side of one offered instance: takes the requests, has each handled once, one after the other,
+/// and answers.
 class Served_instance : public Part, public Expiring, public std::enable_shared_from_this<Served_instance> {
  public:
     Served_instance(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier instance,
@@ -48,6 +50,7 @@ class Served_instance : public Part, public Expiring, public std::enable_shared_
     Request_handler const handler_;
     std::shared_ptr<Strand> const strand_;
     Reply_writers replies_;
+    Recent_requests recent_;  // the strand's
     std::atomic<bool> claimed_{false};
     std::atomic<bool> following_{false};  // a look at the clients is posted
     std::atomic<int> waiting_{0};

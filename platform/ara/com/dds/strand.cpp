@@ -38,6 +38,11 @@ void Strand::post(Task task) {
     workers_.run(shared_from_this());
 }
 
+// As if the workers had been told when the first task was posted.
+void Strand::begin() {
+    workers_.run(shared_from_this());
+}
+
 void Strand::refuse() {
     std::deque<Task> dropped;
     base::Lock_guard lock(mutex_);

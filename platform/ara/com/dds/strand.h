@@ -19,8 +19,15 @@ class Strand : public std::enable_shared_from_this<Strand> {
  public:
     using Task = std::function<void()>;
 
+    /// When the first task may begin.
+    enum class Beginning { k_at_once, k_when_told };
+
     /// The workers outlive the strand's use.
-    explicit Strand(Workers& workers) : workers_(workers) {}
+    explicit Strand(Workers& workers, Beginning beginning = Beginning::k_at_once)
+        : workers_(workers), scheduled_(beginning == Beginning::k_when_told) {}
+
+    /// Lets the tasks begin of a strand that waits for it. Once.
+    void begin();
 
     /// Any thread; does not block. Does nothing once the strand is closed.
     void post(Task task);
@@ -41,7 +48,7 @@ class Strand : public std::enable_shared_from_this<Strand> {
     base::Mutex mutex_;
     std::condition_variable_any ended_;
     std::deque<Task> tasks_ GUARDED_BY(mutex_);
-    bool scheduled_ GUARDED_BY(mutex_) = false;
+    bool scheduled_ GUARDED_BY(mutex_);
     bool closed_ GUARDED_BY(mutex_) = false;
     std::thread::id runner_ GUARDED_BY(mutex_);  // of the task that runs; no thread's while none does
 };
