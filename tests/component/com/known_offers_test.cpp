@@ -1,13 +1,25 @@
-// Who wants to know of offers, and is forgotten again.
+// Who wants to know of offers, and is forgotten again; whose processes are watched.
 
 #include "ara/com/dds/known_offers.h"
 
+#include "ara/com/dds/endpoints.h"
 #include "ara/com/dds/engine.h"
+#include "ara/com/dds/offer_types.h"
+#include "ara/com/dds/process_space.h"
+#include "bench/process/child_process.h"
+#include "client_fixture.h"
+#include "service_offer.h"
 
 #include <atomic>
+#include <csignal>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <future>
 #include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -58,6 +70,90 @@ TEST(Known_offers_test, Proxies_that_come_and_go_leave_nothing_behind_although_n
     }
     EXPECT_LE(g_blocks, 1);
 }
+
+// A process that does nothing until it is killed, at the latest with this object.
+class Sleeping_process {
+ public:
+    Sleeping_process() : process_({"sleep", "1000"}, {}) {}
+    ~Sleeping_process() { process_.signal(SIGKILL); }
+    Sleeping_process(Sleeping_process const&) = delete;
+    Sleeping_process& operator=(Sleeping_process const&) = delete;
+
+    pid_t id() const { return process_.pid(); }
+    void kill() const { process_.signal(SIGKILL); }
+
+ private:
+    bench::Child_process process_;
+};
+
+class Counting_observer : public Offer_observer {
+ public:
+    void offers_changed(Known_offer_list const& offers) override { numbers.add(offers.size()); }
+    void await(std::size_t number) {
+        auto const all = numbers.await([number](auto const& seen) { return !seen.empty() && seen.back() == number; });
+        EXPECT_EQ(all.back(), number);
+    }
+
+    Seen<std::size_t> numbers;
+};
+
+struct Strangers_offers {
+    char const* who;
+    char const* interface_name;
+    bool is_one_participant;
+};
+
+void PrintTo(Strangers_offers const& parameter, std::ostream* out) {
+    *out << parameter.who;
+}
+
+/// Somebody offers as much as is known of others, and says each time that another process does so.
+class Watched_processes : public testing::TestWithParam<Strangers_offers> {
+ protected:
+    void offer(char const* interface_name, std::uint8_t participant, pid_t process) {
+        static auto const space = process_space();
+        ara_com_ServiceOffer offer{};
+        std::strncpy(offer.interface_name, interface_name, sizeof offer.interface_name - 1);
+        std::strncpy(offer.instance_name, std::to_string(process).c_str(), sizeof offer.instance_name - 1);
+        offer.participant[0] = participant;
+        offer.version = k_mapping_version;
+        offer.process = process;
+        std::strncpy(offer.process_space, space.c_str(), sizeof offer.process_space - 1);
+        offers_.write(&offer);
+    }
+
+    static constexpr char const* k_interface = "an::Interface";
+    Engine engine_;
+    Participant others_;
+    Writer const offers_{others_, {offer_topic(), {}}, offer_quality()};
+};
+
+TEST_P(Watched_processes, Are_those_of_our_peers_whatever_a_stranger_offers) {
+    std::vector<std::unique_ptr<Sleeping_process>> strangers;
+    auto const sut = std::make_shared<Counting_observer>();
+    auto const before = std::make_shared<Idle_observer>();
+    engine_.offers().add(before, "another::Interface", ara::com::InstanceSpecifier("none"));
+    for (std::uint8_t number = 0; number < 64; ++number) {
+        strangers.push_back(std::make_unique<Sleeping_process>());
+        offer(GetParam().interface_name, GetParam().is_one_participant ? 1 : 1 + number, strangers.back()->id());
+    }
+    Sleeping_process const early;
+    Sleeping_process const late;
+    offer(k_interface, 200, early.id());
+    engine_.offers().add(sut, k_interface, ara::com::InstanceSpecifier("*"));
+    auto const of_stranger = GetParam().is_one_participant ? 64U : 0U;
+    sut->await(of_stranger + 1);
+    offer(k_interface, 201, late.id());
+    sut->await(of_stranger + 2);
+    late.kill();
+    sut->await(of_stranger + 1);
+    early.kill();
+    sut->await(of_stranger);
+}
+
+INSTANTIATE_TEST_SUITE_P(For, Watched_processes,
+                         testing::Values(Strangers_offers{"one participant", "an::Interface", true},
+                                         Strangers_offers{"another interface", "a::Strangers_interface", false}));
 
 }  // namespace
 }  // namespace com_test

@@ -50,6 +50,7 @@ void Known_offers::add(std::weak_ptr<Offer_observer> observer, std::string inter
     strand_->post([this, added = Observer{std::move(observer), std::move(interface_name), std::move(instance)}] {
         begin();
         forget_gone_observers();
+        watch_those_wanted_by(added);
         observers_.push_back(added);
         if (auto const present = added.observer.lock()) {
             present->offers_changed(wanted_by(added));
@@ -140,7 +141,11 @@ void Known_offers::received(void const* sample, dds_instance_state_t state, dds_
 }
 
 void Known_offers::keep(Known_offer offer) {
-    if (offer.process != 0 && offer.process != getpid() && !watch_->watch(offer.process)) {
+    if (!is_believed(offer)) {
+        offer.process = 0;
+    }
+    auto const is_wanted = [&offer](auto const& observer) { return observer.wants(offer); };
+    if (std::any_of(observers_.begin(), observers_.end(), is_wanted) && has_ended(offer)) {
         return;
     }
     auto place = std::lower_bound(offers_.begin(), offers_.end(), offer, comes_before);
@@ -152,6 +157,27 @@ void Known_offers::keep(Known_offer offer) {
         *place = std::move(offer);
     }
     report(*place);
+}
+
+// A participant is in one process. What names further ones would have them all watched.
+bool Known_offers::is_believed(Known_offer const& offer) const {
+    return std::none_of(offers_.begin(), offers_.end(), [&offer](auto const& known) {
+        return known.participant == offer.participant && known.process != 0 && known.process != offer.process;
+    });
+}
+
+// A process that runs is watched from then on. There are not watches for all that anybody may offer, so this is asked
+// for offers that somebody wants.
+bool Known_offers::has_ended(Known_offer const& offer) {
+    return offer.process != 0 && offer.process != getpid() && !watch_->watch(offer.process);
+}
+
+void Known_offers::watch_those_wanted_by(Observer const& observer) {
+    for (auto const& offer : wanted_by(observer)) {
+        if (has_ended(offer)) {
+            drop_if([process = offer.process](auto const& known) { return known.process == process; });
+        }
+    }
 }
 
 // The end of a process that is watched is told by itself.

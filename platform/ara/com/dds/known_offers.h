@@ -29,8 +29,9 @@ class Offer_observer {
 };
 
 /// What all participants offer, as far as it is known here. An offer ends when it is withdrawn, and at once when its
-/// process has ended where that can be seen from here. One whose participant was not heard for the lease is awaited for
-/// a while before it ends: after a stall of either side they soon find each other again.
+/// process has ended where that can be seen from here, which is looked for while somebody wants the offer. One whose
+/// participant was not heard for the lease is awaited for a while before it ends: after a stall of either side they
+/// soon find each other again.
 ///
 /// Everything happens on the engine's strand, except where something else is said.
 class Known_offers : public Expiring, public std::enable_shared_from_this<Known_offers> {
@@ -63,6 +64,9 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     void look();
     void received(void const* sample, dds_instance_state_t state, dds_time_t written);
     void keep(Known_offer offer);
+    bool is_believed(Known_offer const& offer) const;
+    bool has_ended(Known_offer const& offer);
+    void watch_those_wanted_by(Observer const& observer);
     void lose(Known_offer const& offer);
     template <class Predicate>
     void drop_if(Predicate const& is_over);

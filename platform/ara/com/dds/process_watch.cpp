@@ -17,8 +17,7 @@ namespace {
 
 constexpr pid_t k_nobody = 0;
 
-// More processes than find a place in the domain of a machine. Each takes a descriptor, and offers may name any
-// process.
+// More processes than find a place in the domain of a machine. Each takes a descriptor.
 constexpr std::size_t k_most_watched = 64;
 
 // The process is ready for reading once it has ended.
