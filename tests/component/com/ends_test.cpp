@@ -1,6 +1,6 @@
 // Ends of offers, subscriptions and lookups, and the handlers that they wait for.
 
-#include "ara/com/dds/call_path.h"
+#include "ara/com/dds/calls/call_path.h"
 #include "engine_hooks.h"
 #include "network_state_interface.h"
 #include "own_client.h"

@@ -1,11 +1,11 @@
 // Who wants to know of offers, and is forgotten again; whose processes are watched.
 
-#include "ara/com/dds/known_offers.h"
+#include "ara/com/dds/offers/known_offers.h"
 
-#include "ara/com/dds/endpoints.h"
-#include "ara/com/dds/engine.h"
-#include "ara/com/dds/offer_types.h"
-#include "ara/com/dds/process_space.h"
+#include "ara/com/dds/engine/engine.h"
+#include "ara/com/dds/entities/endpoints.h"
+#include "ara/com/dds/offers/offer_types.h"
+#include "ara/com/dds/offers/process_space.h"
 #include "bench/process/child_process.h"
 #include "client_fixture.h"
 #include "service_offer.h"
@@ -80,7 +80,7 @@ class Sleeping_process {
     Sleeping_process& operator=(Sleeping_process const&) = delete;
 
     pid_t id() const { return process_.pid(); }
-    void kill() const { process_.signal(SIGKILL); }
+    void kill() { process_.signal(SIGKILL); }
 
  private:
     bench::Child_process process_;
@@ -137,8 +137,8 @@ TEST_P(Watched_processes, Are_those_of_our_peers_whatever_a_stranger_offers) {
         strangers.push_back(std::make_unique<Sleeping_process>());
         offer(GetParam().interface_name, GetParam().is_one_participant ? 1 : 1 + number, strangers.back()->id());
     }
-    Sleeping_process const early;
-    Sleeping_process const late;
+    Sleeping_process early;
+    Sleeping_process late;
     offer(k_interface, 200, early.id());
     engine_.offers().add(sut, k_interface, ara::com::InstanceSpecifier("*"));
     auto const of_stranger = GetParam().is_one_participant ? 64U : 0U;

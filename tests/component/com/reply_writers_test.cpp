@@ -1,6 +1,6 @@
-#include "ara/com/dds/reply_writers.h"
+#include "ara/com/dds/calls/reply_writers.h"
 
-#include "ara/com/dds/offer_types.h"
+#include "ara/com/dds/offers/offer_types.h"
 #include "client_fixture.h"
 #include "engine_hooks.h"
 #include "peer_services.h"

@@ -1,4 +1,4 @@
-#include "ara/com/dds/call_timer.h"
+#include "ara/com/dds/threads/call_timer.h"
 
 #include <chrono>
 #include <condition_variable>

@@ -1,6 +1,6 @@
-#include "ara/com/dds/process_watch.h"
+#include "ara/com/dds/offers/process_watch.h"
 
-#include "ara/com/dds/process_space.h"
+#include "ara/com/dds/offers/process_space.h"
 
 #include <chrono>
 #include <condition_variable>

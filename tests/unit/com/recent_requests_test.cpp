@@ -1,6 +1,6 @@
-#include "ara/com/dds/recent_requests.h"
+#include "ara/com/dds/calls/recent_requests.h"
 
-#include "ara/com/dds/request_number.h"
+#include "ara/com/dds/calls/request_number.h"
 
 #include <cstdint>
 #include <random>

@@ -1,6 +1,6 @@
-#include "ara/com/dds/strand.h"
+#include "ara/com/dds/threads/strand.h"
 
-#include "ara/com/dds/workers.h"
+#include "ara/com/dds/threads/workers.h"
 #include "support/log_capture.h"
 
 #include <algorithm>

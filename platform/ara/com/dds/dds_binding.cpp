@@ -1,11 +1,11 @@
 #include "ara/com/dds/dds_binding.h"
 
-#include "ara/com/dds/caller.h"
-#include "ara/com/dds/closing.h"
-#include "ara/com/dds/engine.h"
-#include "ara/com/dds/event_sender.h"
-#include "ara/com/dds/running_lookup.h"
-#include "ara/com/dds/served_instance.h"
+#include "ara/com/dds/calls/caller.h"
+#include "ara/com/dds/calls/served_instance.h"
+#include "ara/com/dds/engine/closing.h"
+#include "ara/com/dds/engine/engine.h"
+#include "ara/com/dds/events/event_sender.h"
+#include "ara/com/dds/lookups/running_lookup.h"
 #include "base/mutex.h"
 #include "tarq/com/exception.h"
 
@@ -85,17 +85,9 @@ std::shared_ptr<Binding> make_binding() {
 }  // namespace ara::com::dds
 
 #ifdef __SANITIZE_THREAD__
-// ThreadSanitizer in programs that use the binding.
-//
-// The engine is not built with it, so that what the engine does to its own memory looks like races: accesses from
-// libraries without it don't count. Our handlers on the engine's threads do, and so do the engine's mutexes.
-// exception_ptr: its reference count is in the standard library, which is not built with the sanitizer either.
-extern "C" char const* __tsan_default_options();
+// What ThreadSanitizer is not to report in programs that use the binding: the reference count of exception_ptr is in
+// the standard library, which is not built with it.
 extern "C" char const* __tsan_default_suppressions();
-
-extern "C" char const* __tsan_default_options() {
-    return "ignore_noninstrumented_modules=1";
-}
 
 extern "C" char const* __tsan_default_suppressions() {
     return "race:std::__exception_ptr::exception_ptr::_M_release\n";

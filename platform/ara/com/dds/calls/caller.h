@@ -1,0 +1,86 @@
+#ifndef ARA_COM_DDS_CALLS_CALLER_H
+#define ARA_COM_DDS_CALLS_CALLER_H
+
+#include "ara/com/binding.h"
+#include "ara/com/dds/calls/call_path.h"
+#include "ara/com/dds/calls/pending_calls.h"
+#include "ara/com/dds/engine/engine.h"
+#include "ara/com/dds/offers/known_offers.h"
+#include "ara/com/dds/threads/call_timer.h"
+#include "base/mutex.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace ara::com::dds {
+
+/// A client's way to one instance, whoever offers it: it follows the offers and forgets a server whose offer goes, with
+/// the calls that wait for it. A server that is not heard for the lease may come back in a while: calls wait for it,
+/// and those that were under way fail after that time, since nobody knows whether they have arrived.
+class Caller : public Connection,
+               public Offer_observer,
+               public Expiring,
+               public Part,
+               public std::enable_shared_from_this<Caller> {
+ public:
+    Caller(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier const& instance);
+    ~Caller() override { close(); }
+
+    /// Throws `tarq::com::Infrastructure_exception`.
+    void open();
+
+    void call(void* request, std::unique_ptr<Pending_reply> pending) override;
+    std::unique_ptr<Subscription> subscribe(Event_type const& event, Sample_handler handler) override;
+
+    void offers_changed(Known_offer_list const& offers) override;
+    std::optional<Clock::time_point> expire(Clock::time_point now) override;
+    void release() override;
+    void close() override;
+
+ private:
+    // An offer whose connection is to be looked at, and the state in which that was told.
+    struct Candidate {
+        std::shared_ptr<Call_path> path;
+        Known_offer offer;
+        unsigned version;
+    };
+    struct Begun_call {
+        std::shared_ptr<Call_path> path;
+        std::int64_t number;
+    };
+
+    std::shared_ptr<Call_path> make_path();
+    Known_offer_list offers_of_instance(Known_offer_list const& offers) const;
+    std::optional<Known_offer> choose(Known_offer_list const& offers);
+    std::shared_ptr<Call_path> path_for(std::optional<Known_offer> const& offer);
+    Pending_calls::Replies follow(Known_offer_list const& offers) REQUIRES(mutex_);
+    void await_server(Clock::time_point deadline);
+    std::optional<Candidate> next_candidate(unsigned seen, Clock::time_point deadline);
+    void set_reached(Candidate const& candidate);
+    std::optional<Begun_call> begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline);
+    void look_at(Clock::time_point when) REQUIRES(mutex_);
+    void received(void const* reply);
+    std::unique_ptr<Pending_reply> take(dds_rpc_ReplyHeader const& header);
+    void connection_changed();
+
+    std::shared_ptr<Engine> const engine_;
+    Service_type const& type_;
+    InstanceIdentifier const instance_;
+    base::Mutex mutex_;
+    std::condition_variable_any changed_;
+    std::shared_ptr<Call_path> path_ GUARDED_BY(mutex_);    // null before it is open and when it is closed
+    bool informed_ GUARDED_BY(mutex_) = false;              // of the offers
+    std::optional<Known_offer> server_ GUARDED_BY(mutex_);  // the offer that calls go to
+    bool path_is_used_ GUARDED_BY(mutex_) = false;          // there was an offer since it was made
+    bool reached_ GUARDED_BY(mutex_) = false;               // requests get to the server, and replies back
+    unsigned version_ GUARDED_BY(mutex_) = 1;               // of the server and of what is connected
+    Pending_calls calls_ GUARDED_BY(mutex_);
+    std::optional<Clock::time_point> next_look_ GUARDED_BY(mutex_);  // of the timer at the calls
+};
+
+}  // namespace ara::com::dds
+
+#endif

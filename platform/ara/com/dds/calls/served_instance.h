@@ -1,0 +1,63 @@
+#ifndef ARA_COM_DDS_CALLS_SERVED_INSTANCE_H
+#define ARA_COM_DDS_CALLS_SERVED_INSTANCE_H
+
+#include "ara/com/binding.h"
+#include "ara/com/dds/calls/recent_requests.h"
+#include "ara/com/dds/calls/reply_writers.h"
+#include "ara/com/dds/engine/engine.h"
+#include "ara/com/dds/entities/endpoints.h"
+#include "ara/com/dds/threads/strand.h"
+#include "base/mutex.h"
+#include "rpc_headers.h"
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+namespace ara::com::dds {
+
+/// The server's side of one offered instance: takes the requests, has each handled once, one after the other,
+/// and answers.
+class Served_instance : public Part, public Expiring, public std::enable_shared_from_this<Served_instance> {
+ public:
+    Served_instance(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier instance,
+                    Request_handler handler);
+    ~Served_instance() override { close(); }
+
+    /// Takes requests and announces the offer. Throws `tarq::com::Infrastructure_exception`.
+    void open();
+
+    void close() override;
+
+    /// The timer's thread.
+    std::optional<Clock::time_point> expire(Clock::time_point now) override;
+
+ private:
+    struct Request;
+
+    std::shared_ptr<Reader> requests();
+    void follow_clients();
+    void follow_clients_now();
+    void received(Sample sample, dds_sample_info_t const& info);
+    void serve(Request const& request);
+    dds_rpc_RemoteExceptionCode_t handle(Request const& request, Reply_sink const& answer);
+    void send(Request const& request, dds_rpc_RemoteExceptionCode_t code, void* reply);
+    void refuse(Request const& request, dds_rpc_RemoteExceptionCode_t code);
+
+    std::shared_ptr<Engine> const engine_;
+    Service_type const& type_;
+    InstanceIdentifier const instance_;
+    Request_handler const handler_;
+    std::shared_ptr<Strand> const strand_;
+    Reply_writers replies_;
+    Recent_requests recent_;  // the strand's
+    std::atomic<bool> claimed_{false};
+    std::atomic<bool> following_{false};  // a look at the clients is posted
+    std::atomic<int> waiting_{0};
+    base::Mutex mutex_;
+    std::shared_ptr<Reader> requests_ GUARDED_BY(mutex_);
+};
+
+}  // namespace ara::com::dds
+
+#endif

@@ -1,0 +1,61 @@
+#include "ara/com/dds/engine/engine.h"
+
+#include "tarq/com/exception.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace ara::com::dds {
+
+Engine::Engine()
+    : strand_(std::make_shared<Strand>(workers_)),
+      participant_(std::make_unique<Participant>()),
+      announcer_(std::make_unique<Announcer>(*participant_)),
+      offers_(std::make_shared<Known_offers>(*participant_, *announcer_, strand_, timer_)) {
+    timer_.start();
+}
+
+void Engine::adopt(std::weak_ptr<Part> part) {
+    base::Lock_guard lock(mutex_);
+    if (down_) {
+        throw tarq::com::Infrastructure_exception("The communication runtime does not run");
+    }
+    auto const gone = [](auto const& known) { return known.expired(); };
+    parts_.erase(std::remove_if(parts_.begin(), parts_.end(), gone), parts_.end());
+    parts_.push_back(std::move(part));
+}
+
+std::vector<std::shared_ptr<Part>> Engine::refuse_new_parts() {
+    std::vector<std::shared_ptr<Part>> present;
+    base::Lock_guard lock(mutex_);
+    down_ = true;
+    for (auto const& known : parts_) {
+        if (auto part = known.lock()) {
+            present.push_back(std::move(part));
+        }
+    }
+    parts_.clear();
+    return present;
+}
+
+// The engine's strand ends after the parts, which it may still serve, and before what it uses.
+void Engine::shut_down() {
+    auto const parts = refuse_new_parts();
+    for (auto const& part : parts) {
+        part->release();
+    }
+    for (auto const& part : parts) {
+        part->close();
+    }
+    timer_.stop();
+    strand_->close();
+    workers_.stop();
+    if (offers_) {
+        offers_->close();
+    }
+    offers_.reset();
+    announcer_.reset();
+    participant_.reset();
+}
+
+}  // namespace ara::com::dds

@@ -1,0 +1,68 @@
+#ifndef ARA_COM_DDS_ENGINE_ENGINE_H
+#define ARA_COM_DDS_ENGINE_ENGINE_H
+
+#include "ara/com/dds/entities/participant.h"
+#include "ara/com/dds/offers/announcer.h"
+#include "ara/com/dds/offers/known_offers.h"
+#include "ara/com/dds/threads/call_timer.h"
+#include "ara/com/dds/threads/strand.h"
+#include "ara/com/dds/threads/workers.h"
+#include "base/mutex.h"
+
+#include <memory>
+#include <vector>
+
+namespace ara::com::dds {
+
+/// What uses the engine and must end before it.
+class Part {
+ public:
+    virtual ~Part() = default;
+    /// First all parts let those go who wait for them: pending calls fail, new ones are refused, lookups report no
+    /// more.
+    virtual void release() {}
+    /// Ends for good, and waits for what runs in it. The object stays, without effect.
+    virtual void close() = 0;
+};
+
+/// What all offers, lookups and connections of a process share. They hold it, so that it may be shut down before them.
+class Engine {
+ public:
+    /// Throws `tarq::com::Infrastructure_exception`.
+    Engine();
+    ~Engine() { shut_down(); }
+    Engine(Engine const&) = delete;
+    Engine& operator=(Engine const&) = delete;
+
+    /// Ends all parts, then the engine itself. From no thread of the binding.
+    void shut_down();
+
+    /// Closes the part at shut-down, if it still exists. Throws `tarq::com::Infrastructure_exception` after that.
+    void adopt(std::weak_ptr<Part> part);
+
+    /// These may be used by parts that are not closed.
+    Participant& participant() { return *participant_; }
+    Workers& workers() { return workers_; }
+    /// For the engine's own tasks, which do not block; no user code.
+    std::shared_ptr<Strand> const& strand() const { return strand_; }
+    Announcer& announcer() { return *announcer_; }
+    Known_offers& offers() { return *offers_; }
+    Call_timer& timer() { return timer_; }
+
+ private:
+    std::vector<std::shared_ptr<Part>> refuse_new_parts();
+
+    Workers workers_;
+    std::shared_ptr<Strand> const strand_;
+    Call_timer timer_;
+    std::unique_ptr<Participant> participant_;
+    std::unique_ptr<Announcer> announcer_;
+    std::shared_ptr<Known_offers> offers_;
+    base::Mutex mutex_;
+    std::vector<std::weak_ptr<Part>> parts_ GUARDED_BY(mutex_);
+    bool down_ GUARDED_BY(mutex_) = false;
+};
+
+}  // namespace ara::com::dds
+
+#endif

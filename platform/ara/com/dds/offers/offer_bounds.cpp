@@ -1,0 +1,85 @@
+#include "ara/com/dds/offers/offer_bounds.h"
+
+#include "ara/com/dds/offers/offer_types.h"
+#include "ara/com/instance.h"
+#include "ara/log/logging.h"
+#include "service_offer.h"
+#include "tarq/com/exception.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace ara::com::dds {
+
+namespace {
+
+constexpr std::size_t k_most_of_one = 64;
+constexpr std::size_t k_most_of_all = 1024;
+
+Guid participant_of(ara_com_ServiceOffer const& offer) {
+    Guid participant{};
+    static_assert(sizeof offer.participant == sizeof participant);
+    std::copy(std::begin(offer.participant), std::end(offer.participant), participant.begin());
+    return participant;
+}
+
+// Others may offer names that can't be ours.
+bool is_understood(ara_com_ServiceOffer const& offer) {
+    try {
+        return offer.version == k_mapping_version && !InstanceIdentifier(offer.instance_name).ToString().empty();
+    } catch (tarq::com::Invalid_argument_exception const&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+bool Offer_bounds::admits(ara_com_ServiceOffer const& offer) {
+    if (!is_understood(offer)) {
+        return false;
+    }
+    Key key(participant_of(offer), offer.interface_name, offer.instance_name);
+    auto const& [participant, interface_name, instance] = key;
+    if (is_own_(participant, interface_name, instance)) {
+        return true;
+    }
+    base::Lock_guard lock(mutex_);
+    if (counted_.count(key) != 0) {
+        return true;
+    }
+    if (!has_room(participant)) {
+        return false;
+    }
+    ++of_participant_[participant];
+    counted_.insert(std::move(key));
+    return true;
+}
+
+bool Offer_bounds::has_room(Guid const& participant) {
+    auto const known = of_participant_.find(participant);
+    if (counted_.size() < k_most_of_all && (known == of_participant_.end() || known->second < k_most_of_one)) {
+        return true;
+    }
+    if (!std::exchange(told_, true)) {
+        ara::log::LogWarn() << "There are more than " << k_most_of_one << " offers of a participant or "
+                            << k_most_of_all
+                            << " in all; the others are left alone. The first of them is of participant "
+                            << to_text(participant);
+    }
+    return false;
+}
+
+void Offer_bounds::ended(ara_com_ServiceOffer const& offer) {
+    auto const participant = participant_of(offer);
+    base::Lock_guard lock(mutex_);
+    if (counted_.erase({participant, offer.interface_name, offer.instance_name}) == 0) {
+        return;
+    }
+    auto const known = of_participant_.find(participant);
+    if (--known->second == 0) {
+        of_participant_.erase(known);
+    }
+}
+
+}  // namespace ara::com::dds

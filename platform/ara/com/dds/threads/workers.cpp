@@ -1,0 +1,77 @@
+#include "ara/com/dds/threads/workers.h"
+
+#include "ara/com/dds/threads/started_thread.h"
+#include "ara/com/dds/threads/strand.h"
+#include "tarq/com/exception.h"
+
+#include <utility>
+
+#include <pthread.h>
+
+namespace ara::com::dds {
+
+Workers::Workers() {
+    base::Lock_guard lock(mutex_);
+    start_thread();
+}
+
+void Workers::start_thread() {
+    threads_.push_back(started_thread([this] { work(); }));
+    ++idle_;
+}
+
+void Workers::run(std::shared_ptr<Strand> strand) {
+    base::Lock_guard lock(mutex_);
+    if (stopped_) {
+        return;
+    }
+    waiting_.push_back(std::move(strand));
+    if (waiting_.size() > idle_) {
+        try {
+            start_thread();
+        } catch (tarq::com::Infrastructure_exception const&) {
+            // A thread that is busy now takes the strand later.
+        }
+    }
+    ready_.notify_one();
+}
+
+void Workers::work() {
+    pthread_setname_np(pthread_self(), "com-worker");
+    while (auto const strand = next()) {
+        strand->run();
+        base::Lock_guard lock(mutex_);
+        ++idle_;
+    }
+}
+
+std::shared_ptr<Strand> Workers::next() {
+    base::Lock_guard lock(mutex_);
+    while (waiting_.empty() && !stopped_) {
+        ready_.wait(mutex_);
+    }
+    --idle_;
+    if (stopped_) {
+        return nullptr;
+    }
+    auto strand = std::move(waiting_.front());
+    waiting_.pop_front();
+    return strand;
+}
+
+void Workers::stop() {
+    std::vector<std::thread> threads;
+    {
+        base::Lock_guard lock(mutex_);
+        stopped_ = true;
+        waiting_.clear();
+        threads = std::move(threads_);
+        threads_.clear();
+    }
+    ready_.notify_all();
+    for (auto& thread : threads) {
+        thread.join();
+    }
+}
+
+}  // namespace ara::com::dds
