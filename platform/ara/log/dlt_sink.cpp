@@ -62,6 +62,7 @@ class Dlt_sink : public Log_sink {
                (has_free_buffer() || (::dlt_user_log_resend_buffer() == DLT_RETURN_OK && has_free_buffer()));
     }
 
+    // libdlt takes a message in a buffer of ours whatever level a daemon has told it since the message was logged.
     void write(Queued_message const& message) override {
         auto* const context = static_cast<DltContext*>(message.header.context->remote);
         auto const level = static_cast<DltLogLevelType>(message.header.level);
