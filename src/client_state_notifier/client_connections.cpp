@@ -1,8 +1,8 @@
-// The part of Notification_server that looks after the connections: clients come, speak and go.
+#include "client_state_notifier/client_connections.h"
 
-#include "client_state_notifier/notification_server.h"
 #include "utilities/logger.h"
 
+#include <algorithm>
 #include <exception>
 #include <stdexcept>
 #include <system_error>
@@ -10,7 +10,28 @@
 
 namespace client_state_notifier {
 
-void Notification_server::process_new_client() {
+Client_connections::Client_connections(std::string const& path, Status_callback status_callback,
+                                       Client_register& clients)
+    : status_callback_(std::move(status_callback)), clients_(clients), listener_(path) {}
+
+std::optional<Client_connections::Clock::time_point> Client_connections::next_deadline(Clock::time_point now) const {
+    auto const pause_end = listener_.pause_end(now);
+    auto const introduction = newcomers_.next_deadline();
+    if (pause_end && introduction) {
+        return std::min(*pause_end, *introduction);
+    }
+    return pause_end ? pause_end : introduction;
+}
+
+void Client_connections::wait(Clock::time_point now, long timeout_ms, Request_slot const& requests) {
+    poll_set_.fill(now, listener_, requests, clients_, newcomers_);
+    if (poll_set_.wait(timeout_ms) && poll_set_.is_listener_ready()) {
+        process_new_client();
+    }
+    process_newcomers();
+}
+
+void Client_connections::process_new_client() {
     auto connection = listener_.accept();
     if (!connection) {
         return;
@@ -22,13 +43,13 @@ void Notification_server::process_new_client() {
     newcomers_.add(std::move(*connection));
 }
 
-void Notification_server::process_newcomers() {
+void Client_connections::process_newcomers() {
     for (auto& client : newcomers_.hear(poll_set_.newcomers(), poll_set_.newcomer_count())) {
         process_introduction(std::move(client));
     }
 }
 
-void Notification_server::process_introduction(Introduced_client client) {
+void Client_connections::process_introduction(Introduced_client client) {
     utilities::get_logger().LogInfo() << "client connected: name = " << client.name
                                       << ", current state = " << client.state;
     if (clients_.has(client.name)) {
@@ -41,10 +62,11 @@ void Notification_server::process_introduction(Introduced_client client) {
     if (client.state != current_state) {
         send_current_state(connection, current_state);
     }
-    process_messages(connection);
+    std::vector<Answer_in_turn> nobody_waits_for_these;
+    process_messages(connection, nobody_waits_for_these);
 }
 
-void Notification_server::send_current_state(int connection, std::string const& state) {
+void Client_connections::send_current_state(int connection, std::string const& state) {
     try {
         clients_.send_request(connection, state);
     } catch (std::system_error const& error) {
@@ -52,11 +74,19 @@ void Notification_server::send_current_state(int connection, std::string const& 
     }
 }
 
+std::vector<Client_connections::Answer_in_turn> Client_connections::hear_clients() {
+    std::vector<Answer_in_turn> answers;
+    for (int const connection : poll_set_.ready_clients()) {
+        process_readable_client(connection, answers);
+    }
+    return answers;
+}
+
 /// A connection that hung up is read first: its last answers may still be there.
-void Notification_server::process_readable_client(int connection) {
+void Client_connections::process_readable_client(int connection, std::vector<Answer_in_turn>& answers) {
     try {
         clients_.receive(connection);
-        process_messages(connection);
+        process_messages(connection, answers);
     } catch (utilities::ExceptionSocketClosed const&) {
         leaving_.emplace(connection, "");
     } catch (std::runtime_error const& error) {  // broken
@@ -64,42 +94,38 @@ void Notification_server::process_readable_client(int connection) {
     }
 }
 
-void Notification_server::process_messages(int connection) {
+void Client_connections::process_messages(int connection, std::vector<Answer_in_turn>& answers) {
     try {
         while (auto const answer = clients_.take_answer(connection)) {
-            process_answer(connection, *answer);
+            if (answer->is_in_turn) {
+                answers.push_back({connection, answer->status});
+            } else {
+                report(clients_.name_of(connection), Client_status::answered_out_of_turn, answer->state);
+            }
         }
     } catch (std::exception const& error) {
         leaving_.emplace(connection, error.what());
     }
 }
 
-void Notification_server::process_answer(int connection, Client_answer const& answer) {
-    if (!answer.is_in_turn) {
-        report(clients_.name_of(connection), Client_status::answered_out_of_turn, answer.state);
-    } else if (cycle_) {
-        cycle_->answer(connection, answer.status);
-    }
-}
-
-void Notification_server::report(std::string const& name, Client_status status, std::string const& state) const {
+void Client_connections::report(std::string const& name, Client_status status, std::string const& state) const {
     if (status_callback_) {
         status_callback_(name, status, state);
     }
 }
 
-void Notification_server::delete_hangup_clients() {
+std::vector<int> Client_connections::close_leaving() {
+    std::vector<int> closed;
     for (auto const& [connection, reason] : std::exchange(leaving_, {})) {
         auto const name = clients_.remove(connection);
         poll_set_.forget_clients();
-        if (cycle_) {
-            cycle_->lose(connection);
-        }
+        closed.push_back(connection);
         if (!reason.empty()) {
             utilities::get_logger().LogWarn() << "client dropped: " << name << ", reason: " << reason;
         }
         utilities::get_logger().LogInfo() << "client disconnected: " << name;
     }
+    return closed;
 }
 
 }  // namespace client_state_notifier

@@ -1,5 +1,3 @@
-// The part of Notification_server that carries requests: its loop, and the request in progress.
-
 #include "client_state_notifier/notification_server.h"
 
 #include "utilities/logger.h"
@@ -9,11 +7,9 @@
 
 namespace client_state_notifier {
 
-using Clock = std::chrono::steady_clock;
-
 namespace {
 
-long milliseconds_between(Clock::time_point now, Clock::time_point time) {
+long milliseconds_between(std::chrono::steady_clock::time_point now, std::chrono::steady_clock::time_point time) {
     auto const left = std::chrono::ceil<std::chrono::milliseconds>(time - now).count();
     return std::max<long>(left, 0);
 }
@@ -22,18 +18,14 @@ long milliseconds_between(Clock::time_point now, Clock::time_point time) {
 
 Notification_server::Notification_server(std::string const& path, Status_callback status_callback,
                                          Request_slot& requests, Client_register& clients)
-    : status_callback_(std::move(status_callback)), requests_(requests), clients_(clients), listener_(path) {}
+    : requests_(requests), clients_(clients), connections_(path, std::move(status_callback), clients) {}
 
 /// Whoever has introduced itself when a request is taken is asked. What is waited for, and how long, is decided by one
 /// reading of the clock: whoever is left out for a time is so until this time is over.
 void Notification_server::run() {
     for (;;) {
         auto const now = Clock::now();
-        poll_set_.fill(now, listener_, requests_, clients_, newcomers_);
-        if (poll_set_.wait(calculate_timeout(now)) && poll_set_.is_listener_ready()) {
-            process_new_client();
-        }
-        process_newcomers();
+        connections_.wait(now, calculate_timeout(now), requests_);
         if (!hear_wake_ups()) {
             return;
         }
@@ -49,8 +41,8 @@ std::optional<Notification_cycle> Notification_server::take_cycle() {
 
 /// False when it is the end.
 bool Notification_server::hear_wake_ups() {
-    bool const is_told = poll_set_.is_wake_up_ready();
-    bool const is_rung = poll_set_.is_bell_ready();
+    bool const is_told = connections_.is_wake_up_ready();
+    bool const is_rung = connections_.is_bell_ready();
     if (is_told && !requests_.receive_wake_up()) {
         return false;
     }
@@ -65,15 +57,9 @@ bool Notification_server::hear_wake_ups() {
 
 /// Milliseconds to the next moment at which there is something to do without an event; -1 when there is none.
 long Notification_server::calculate_timeout(Clock::time_point now) const {
-    auto next = listener_.pause_end(now);
-    auto const consider = [&](std::optional<Clock::time_point> const& time) {
-        if (time && (!next || *time < *next)) {
-            next = time;
-        }
-    };
-    consider(newcomers_.next_deadline());
-    if (cycle_) {
-        consider(cycle_->request().deadline);
+    auto next = connections_.next_deadline(now);
+    if (cycle_ && (!next || cycle_->request().deadline < *next)) {
+        next = cycle_->request().deadline;
     }
     return next ? milliseconds_between(now, *next) : -1;
 }
@@ -91,17 +77,27 @@ void Notification_server::process_state_change_request() {
         connections.push_back(connection);
         cycle_->ask(connection, std::move(name));
     }
-    leaving_.merge(clients_.send_next_request(connections, taken.state));
+    connections_.dismiss(clients_.send_next_request(connections, taken.state));
     if (is_in_progress() && cycle_->is_complete()) {
         take_cycle()->complete();
     }
 }
 
 void Notification_server::process_client_responses() {
-    for (int const connection : poll_set_.ready_clients()) {
-        process_readable_client(connection);
+    for (auto const& answer : connections_.hear_clients()) {
+        if (cycle_) {
+            cycle_->answer(answer.connection, answer.status);
+        }
     }
     call_callback_after_all_clients_responded();
+}
+
+void Notification_server::delete_hangup_clients() {
+    for (int const connection : connections_.close_leaving()) {
+        if (cycle_) {
+            cycle_->lose(connection);
+        }
+    }
 }
 
 /// Drops a request that has been replaced, although the newer one has not been taken yet.

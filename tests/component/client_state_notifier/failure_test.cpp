@@ -1,5 +1,5 @@
 #include "base/system_error.h"
-#include "client_state_notifier/notification_server.h"
+#include "client_state_notifier/client_connections.h"
 #include "server_fixture.h"
 #include "support/open_descriptors.h"
 
@@ -241,18 +241,18 @@ TEST_F(Server_with_a_bad_client, Is_served_on_when_another_goes_at_any_byte) {
 
 TEST_F(Server_with_a_bad_client, Closes_connections_beyond_the_bound) {
     // Both ends of each connection are this process's; the rest is for the log, the listener and what it starts with.
-    constexpr rlim_t needed = 2 * Notification_server::k_most_connections + 100;
+    constexpr rlim_t needed = 2 * Client_connections::k_most_connections + 100;
     if (auto const allowed = test_support::allow_descriptors(needed); allowed < needed) {
         GTEST_SKIP() << "this process may have only " << allowed << " descriptors, and needs " << needed;
     }
     std::vector<Test_client> many;
-    for (std::size_t i = 1; i < Notification_server::k_most_connections; ++i) {
+    for (std::size_t i = 1; i < Client_connections::k_most_connections; ++i) {
         many.emplace_back(path, "client " + std::to_string(i), "kOn");
     }
     Test_client one_more(path);
     EXPECT_TRUE(one_more.is_closed_by_server());
     EXPECT_TRUE(has_logged(logged_in(
-        "SNCC", LogLevel::kWarn, "connection refused, there are too many: ", Notification_server::k_most_connections)));
+        "SNCC", LogLevel::kWarn, "connection refused, there are too many: ", Client_connections::k_most_connections)));
     expect_service();
 }
 
