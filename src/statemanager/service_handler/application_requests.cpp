@@ -1,21 +1,77 @@
-// What applications ask for, and what of it network management is told.
+#include "statemanager/service_handler/application_requests.h"
 
 #include "ara/log/logging.h"
-#include "statemanager/service_handler/service_handler.h"
+#include "statemanager/nm/nm_data_aggregator.h"
+#include "statemanager/service_handler/nm_interface_abstract.h"
+#include "statemanager/service_handler/provided_services.h"
+
+#include <utility>
 
 namespace ximo::ap::statemanager {
 
 namespace {
+
+// Length of what is requested of the network; applications' bits beyond it reach nobody.
+constexpr std::uint32_t k_cab_pattern_bytes = 4;
+
+// Everything that an earlier life of the daemon may have left requested.
+Bit_vector all_cab_bits_set() {
+    return {0xFF, 0xFF, 0xFF, 0x01};
+}
 
 // The bit of the network that stands for an ECU that is kept alive, whoever keeps it so.
 Bit_vector ecu_alive_pattern() {
     return {0x00, 0x00, 0x01, 0x00};
 }
 
+// The CAB area is expected at the end; without it the user data is shorter. One that is larger than all user data has
+// no place in it.
+std::uint32_t length_sent(config::Nm_user_data_config const& layout) {
+    bool const cab_area_sent = layout.cab_bits_enabled || layout.cab_bytes > layout.user_data_bytes;
+    return cab_area_sent ? layout.user_data_bytes : layout.user_data_bytes - layout.cab_bytes;
+}
+
 }  // namespace
 
-void Service_handler::handle_com_alive_request(std::string const& id, Bit_vector const& cab_bits,
-                                               std::uint8_t ac_number) {
+Application_requests::Application_requests(bool nm_usage, Nm_interface_abstract& network_management,
+                                           Provided_services const& provided)
+    : nm_usage_(nm_usage),
+      network_management_(network_management),
+      provided_(provided),
+      requested_cab_pattern_(k_cab_pattern_bytes) {}
+
+Application_requests::~Application_requests() = default;
+
+void Application_requests::init(config::Nm_user_data_config const& layout, Bit_vector default_pattern) {
+    default_nm_pattern_ = std::move(default_pattern);
+    base::Lock_guard const lock(mutex_);
+    user_data_.resize(length_sent(layout));
+    aggregator_ = std::make_unique<nm::Nm_data_aggregator>(layout);
+    aggregator_->init(k_cab_pattern_bytes);
+}
+
+void Application_requests::network_management_found() {
+    base::Lock_guard const lock(mutex_);
+    init_user_data();
+    if (may_send()) {
+        network_management_.release_network(all_cab_bits_set());
+    }
+}
+
+void Application_requests::request_default_pattern() {
+    if (nm_usage_) {
+        network_management_.request_network(default_nm_pattern_);
+    }
+}
+
+void Application_requests::release_default_pattern() {
+    if (nm_usage_) {
+        network_management_.release_network(default_nm_pattern_);
+    }
+}
+
+void Application_requests::handle_com_alive_request(std::string const& id, Bit_vector const& cab_bits,
+                                                    std::uint8_t ac_number) {
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_com_alive_request(" << id << ", " << bitvector2str(cab_bits) << ", "
                         << ac_number << ")";
@@ -28,7 +84,7 @@ void Service_handler::handle_com_alive_request(std::string const& id, Bit_vector
     }
 }
 
-void Service_handler::handle_com_alive_release(std::string const& id, Bit_vector const& cab_bits) {
+void Application_requests::handle_com_alive_release(std::string const& id, Bit_vector const& cab_bits) {
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_com_alive_release(" << id << ", " << bitvector2str(cab_bits) << ")";
     if (aggregator_) {
@@ -39,7 +95,7 @@ void Service_handler::handle_com_alive_release(std::string const& id, Bit_vector
     }
 }
 
-void Service_handler::handle_cwu_request(std::string const& id, std::uint8_t ac_number) {
+void Application_requests::handle_cwu_request(std::string const& id, std::uint8_t ac_number) {
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_cwu_request(" << id << ", " << ac_number << ")";
     if (aggregator_) {
@@ -50,7 +106,7 @@ void Service_handler::handle_cwu_request(std::string const& id, std::uint8_t ac_
     }
 }
 
-void Service_handler::handle_cwu_release(std::string const& id) {
+void Application_requests::handle_cwu_release(std::string const& id) {
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_cwu_release(" << id << ")";
     if (aggregator_) {
@@ -60,31 +116,31 @@ void Service_handler::handle_cwu_release(std::string const& id) {
     }
 }
 
-void Service_handler::ecu_alive_request(std::string const& instance_id) {
+void Application_requests::ecu_alive_request(std::string const& instance_id) {
     ara::log::LogInfo() << "State_manager::ecu_alive_request: " << instance_id;
     base::Lock_guard const lock(mutex_);
     if (may_send()) {
-        network_management_->request_network(ecu_alive_pattern());
+        network_management_.request_network(ecu_alive_pattern());
         ecu_alive_requested_ = true;
     }
 }
 
-void Service_handler::ecu_alive_release(std::string const& instance_id) {
+void Application_requests::ecu_alive_release(std::string const& instance_id) {
     ara::log::LogDebug() << "State_manager::ecu_alive_release: " << instance_id;
     base::Lock_guard const lock(mutex_);
-    if (!apps_keep_ecu_alive() && may_send()) {
+    if (!provided_.app_keeps_ecu_alive() && may_send()) {
         ara::log::LogInfo() << "State_manager::ecu_alive_release network";
-        network_management_->release_network(ecu_alive_pattern());
+        network_management_.release_network(ecu_alive_pattern());
         ecu_alive_requested_ = false;
     }
 }
 
-void Service_handler::init_user_data() {
+void Application_requests::init_user_data() {
     ara::log::LogInfo() << "Initializing user data";
     set_user_data(aggregator_->get_user_data());
 }
 
-void Service_handler::set_user_data(Bit_vector const& data) {
+void Application_requests::set_user_data(Bit_vector const& data) {
     Bit_vector sent(data);
     sent.resize(user_data_.size());
     if (sent == user_data_) {
@@ -94,11 +150,11 @@ void Service_handler::set_user_data(Bit_vector const& data) {
     user_data_ = sent;
     ara::log::LogInfo() << "State_manager::set_user_data(" << bitvector2str(user_data_) << ")";
     if (may_send()) {
-        network_management_->set_user_data(user_data_);
+        network_management_.set_user_data(user_data_);
     }
 }
 
-void Service_handler::request_network(Bit_vector const& bits) {
+void Application_requests::request_network(Bit_vector const& bits) {
     if (!has_bits(bits)) {
         ara::log::LogInfo() << "State_manager::request_network: no changes to CAB pattern";
         return;
@@ -106,11 +162,11 @@ void Service_handler::request_network(Bit_vector const& bits) {
     ara::log::LogInfo() << "State_manager::request_network(" << bitvector2str(bits) << ")";
     requested_cab_pattern_ |= bits;
     if (may_send()) {
-        network_management_->request_network(bits);
+        network_management_.request_network(bits);
     }
 }
 
-void Service_handler::release_network(Bit_vector const& bits) {
+void Application_requests::release_network(Bit_vector const& bits) {
     if (!has_bits(bits)) {
         ara::log::LogInfo() << "State_manager::release_network: no changes to CAB pattern";
         return;
@@ -121,26 +177,26 @@ void Service_handler::release_network(Bit_vector const& bits) {
         // In place: a default pattern that is shorter than the bits says nothing about the rest of them.
         Bit_vector released(bits);
         released &= ~default_nm_pattern_;
-        network_management_->release_network(released);
+        network_management_.release_network(released);
     }
 }
 
 // What applications ask for meanwhile is kept, and not sent.
-void Service_handler::standby() {
+void Application_requests::standby() {
     base::Lock_guard const lock(mutex_);
     if (nm_usage_) {
         ara::log::LogInfo() << "Stop sending NM messages";
         ecu_alive_release("Standby call");
-        network_management_->set_user_data(Bit_vector(user_data_.size()));
-        network_management_->release_network(requested_cab_pattern_);
-        network_management_->release_network(default_nm_pattern_);
+        network_management_.set_user_data(Bit_vector(user_data_.size()));
+        network_management_.release_network(requested_cab_pattern_);
+        network_management_.release_network(default_nm_pattern_);
     } else {
         ara::log::LogInfo() << "UdpNm usage disabled, no preparing actions performed";
     }
     nm_active_ = false;
 }
 
-void Service_handler::end_standby() {
+void Application_requests::end_standby() {
     base::Lock_guard const lock(mutex_);
     nm_active_ = true;
     if (!nm_usage_) {
@@ -148,21 +204,21 @@ void Service_handler::end_standby() {
         return;
     }
     ara::log::LogInfo() << "Start sending NM messages";
-    network_management_->request_network(default_nm_pattern_);
-    network_management_->request_network(requested_cab_pattern_);
-    if (apps_keep_ecu_alive()) {
+    network_management_.request_network(default_nm_pattern_);
+    network_management_.request_network(requested_cab_pattern_);
+    if (provided_.app_keeps_ecu_alive()) {
         ecu_alive_request("End standby call");
     }
     if (aggregator_) {
-        network_management_->set_user_data(aggregator_->get_user_data());
+        network_management_.set_user_data(aggregator_->get_user_data());
     }
     release_owed_ecu_alive();
 }
 
 // An application that gave the ECU up during the suspend can't be asked again: what it held is given back now, less
 // what was just requested for others.
-void Service_handler::release_owed_ecu_alive() {
-    if (!ecu_alive_requested_ || apps_keep_ecu_alive()) {
+void Application_requests::release_owed_ecu_alive() {
+    if (!ecu_alive_requested_ || provided_.app_keeps_ecu_alive()) {
         return;
     }
     ecu_alive_requested_ = false;
@@ -171,7 +227,7 @@ void Service_handler::release_owed_ecu_alive() {
     owed &= ~requested_cab_pattern_;
     if (has_bits(owed)) {
         ara::log::LogInfo() << "State_manager::ecu_alive_release network";
-        network_management_->release_network(owed);
+        network_management_.release_network(owed);
     }
 }
 
