@@ -23,7 +23,7 @@ std::string const& with_free_place(std::string const& path) {
     return path;
 }
 
-void bind(utilities::Socket const& socket, std::string const& path) {
+void bind_to(utilities::Socket const& socket, std::string const& path) {
     auto const address = utilities::create_unix_address(path);
     if (::bind(socket.get_fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
         throw std::system_error(errno, std::generic_category(), "Socket::bind(...)");
@@ -45,7 +45,7 @@ bool is_passing(int error) {
 
 Listening_socket::Listening_socket(std::string const& path)
     : socket_(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0), socket_file_(with_free_place(path), false) {
-    bind(socket_, path);
+    bind_to(socket_, path);
     socket_.listen(k_backlog);
     utilities::get_logger().LogInfo() << "socket created: " << path;
 }

@@ -1,0 +1,87 @@
+#include "ara/log/logging.h"
+
+#include "base/mutex.h"
+#include "told/told.h"
+
+#include <algorithm>
+#include <map>
+
+namespace ara::log {
+
+namespace {
+
+constexpr std::array k_levels{"off ", "fatal ", "error ", "warn ", "info ", "debug ", "verbose "};
+
+// Destructors of static objects log as well, so neither of these goes.
+Logger& default_logger() {
+    static auto& logger = *new Logger("DFLT", LogLevel::kVerbose);
+    return logger;
+}
+
+struct Loggers {
+    base::Mutex mutex;
+    std::map<std::string, Logger> by_id GUARDED_BY(mutex);
+};
+
+}  // namespace
+
+LogStream::LogStream(std::string_view context, LogLevel level, bool is_wanted) noexcept : is_wanted_(is_wanted) {
+    add(k_levels[static_cast<std::size_t>(level)]);
+    add(context);
+}
+
+LogStream::~LogStream() {
+    if (is_wanted_) {
+        told::tell({"log", {text_.data(), length_}});
+    }
+}
+
+LogStream& LogStream::operator<<(std::vector<std::uint8_t> const& bytes) noexcept {
+    constexpr std::string_view k_digits = "0123456789abcdef";
+    add(" ");
+    for (auto const byte : bytes) {
+        add(k_digits.substr(byte >> 4U, 1));
+        add(k_digits.substr(byte & 15U, 1));
+    }
+    return *this;
+}
+
+void LogStream::add(std::string_view text) noexcept {
+    auto const count = std::min(text.size(), text_.size() - length_);
+    std::copy_n(text.begin(), count, text_.begin() + length_);
+    length_ += count;
+}
+
+void InitLogging(std::string const& /*application_id*/, std::string const& /*description*/, LogLevel /*level*/,
+                 LogMode /*mode*/, std::string const& /*directory*/) {}
+
+Logger& CreateLogger(std::string const& context_id, std::string const& /*description*/, LogLevel level) {
+    static auto& loggers = *new Loggers;
+    base::Lock_guard lock(loggers.mutex);
+    auto const [entry, is_new] = loggers.by_id.try_emplace(context_id, std::string_view(), level);
+    if (is_new) {
+        entry->second = Logger(entry->first, level);
+    }
+    return entry->second;
+}
+
+LogStream LogFatal() noexcept {
+    return default_logger().LogFatal();
+}
+LogStream LogError() noexcept {
+    return default_logger().LogError();
+}
+LogStream LogWarn() noexcept {
+    return default_logger().LogWarn();
+}
+LogStream LogInfo() noexcept {
+    return default_logger().LogInfo();
+}
+LogStream LogDebug() noexcept {
+    return default_logger().LogDebug();
+}
+LogStream LogVerbose() noexcept {
+    return default_logger().LogVerbose();
+}
+
+}  // namespace ara::log

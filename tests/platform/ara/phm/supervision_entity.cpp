@@ -1,0 +1,11 @@
+#include "ara/phm/supervision_entity.h"
+
+#include "told/told.h"
+
+namespace ara::phm {
+
+void SupervisionEntity::ReportCheckpoint(std::uint32_t checkpoint, std::uint32_t /*instance*/) {
+    told::tell({"phm", instance_id_ + ' ' + std::to_string(checkpoint)});
+}
+
+}  // namespace ara::phm

@@ -1,0 +1,127 @@
+// The daemon as it is, on a platform that has no log daemon, no service manager and no communication engine.
+
+#include "bench/vehicle/vehicle.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace bench::vehicle {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+constexpr char const* k_told = "/tmp/told";
+
+/// Only a hypervisor and a file for what the daemon tells its platform.
+Options surroundings(bool uses_network) {
+    std::ifstream file(VEHICLE_PROJECT "/deploy/config/ap_statemanager.json");
+    auto configuration = nlohmann::json::parse(file);
+    configuration["ap_statemanager"]["StateManagerNMUsage"] = uses_network;
+    Options options;
+    options.programs = VEHICLE_BUILD;
+    options.configuration = configuration.dump();
+    options.with_log = false;
+    options.with_service_manager = false;
+    options.with_power_off_service = false;
+    options.clients = {};
+    options.daemon_starter = {"sh", "-c", std::string("exec " DAEMON " 2>") + k_told};
+    return options;
+}
+
+/// Of what was told, the lines that the test is about, in order.
+std::vector<std::string> told(std::vector<std::string> const& wanted) {
+    std::vector<std::string> lines;
+    std::ifstream file(k_told);
+    for (std::string line; std::getline(file, line);) {
+        if (std::find(wanted.begin(), wanted.end(), line) != wanted.end() && (lines.empty() || lines.back() != line)) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
+/// Waits until a line was told so often.
+bool is_told(std::string const& line, long times) {
+    constexpr auto k_patience = std::chrono::seconds(10);
+    auto const deadline = std::chrono::steady_clock::now() + k_patience;
+    while (std::chrono::steady_clock::now() < deadline) {
+        std::ifstream file(k_told);
+        std::string const text{std::istreambuf_iterator<char>(file), {}};
+        long seen = 0;
+        for (auto at = text.find(line); at != std::string::npos; at = text.find(line, at + 1)) {
+            ++seen;
+        }
+        if (seen >= times) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;
+}
+
+std::vector<std::string> state_words(Machine const& machine) {
+    std::vector<std::string> words;
+    for (auto const& event : machine.events()) {
+        if (event.kind == Kind::state_word) {
+            words.push_back(event.text);
+        }
+    }
+    return words;
+}
+
+TEST(On_a_second_platform, The_daemon_starts_suspends_resumes_and_ends) {
+    Vehicle machine(surroundings(false));
+    machine.start_daemon();
+    ASSERT_TRUE(machine.await(Kind::state_word, "running"));
+    machine.press("p");
+    ASSERT_TRUE(machine.await(Kind::state_word, "prepared4sd"));
+    machine.press("r");
+    ASSERT_TRUE(machine.await(Kind::state_word, "resuming"));
+    ASSERT_TRUE(is_told("exec MachineState Running", 2));
+    machine.signal_daemon(SIGTERM);
+    EXPECT_EQ(machine.await_end(), 0);
+
+    EXPECT_THAT(state_words(machine),
+                ElementsAre("startingup", "running", "preparing", "prepared4sd", "resuming", "running"));
+    std::vector<std::string> const life{"com offer ximo::ap::statemanager::DSAInterface DSA_Interface",
+                                        "exec running",
+                                        "log info DFLT AP_StateManger daemon started",
+                                        "exec MachineState Running",
+                                        "log info DFLT New command received PrepareSD",
+                                        "log info DFLT SIGTERM received!",
+                                        "com withdraw ximo::ap::statemanager::DSAInterface DSA_Interface",
+                                        "exec terminating",
+                                        "log info DFLT AP_StateManger daemon shutting down"};
+    auto lines = life;
+    lines.insert(lines.begin() + 5, "exec MachineState Running");  // once more, after the resume
+    EXPECT_EQ(told(life), lines);
+    EXPECT_THAT(told({"phm ap_statemanager 1"}), Not(testing::IsEmpty()));
+}
+
+TEST(On_a_second_platform, A_network_manager_that_nobody_offers_is_waited_for) {
+    Vehicle machine(surroundings(true));
+    machine.start_daemon();
+    ASSERT_TRUE(machine.await(Kind::state_word, "startingup"));
+    EXPECT_FALSE(machine.await(Kind::state_word, "running", 0, std::chrono::milliseconds(500)));
+    machine.signal_daemon(SIGTERM);
+    EXPECT_EQ(machine.await_end(), 0);
+
+    EXPECT_THAT(told({"com find tarq::udpnm::interface::NetworkStateInterface",
+                      "log warn DFLT Could not find NetworkState service", "exec MachineState Running"}),
+                ElementsAre("com find tarq::udpnm::interface::NetworkStateInterface",
+                            "log warn DFLT Could not find NetworkState service"));
+}
+
+}  // namespace
+}  // namespace bench::vehicle
