@@ -4,7 +4,6 @@
 #include "bench/json_lines/clock.h"
 
 #include <cerrno>
-#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -21,13 +20,8 @@ constexpr double k_no_caching = 0.0;
 
 }  // namespace
 
-File_server::File_server(Model& model, Control_loop& loop) : model_(model), loop_(loop), tree_(model), held_(loop) {
-    model_.on_change([this](Input_device& device) { device_changed(device); });
-}
-
-File_server::~File_server() {
-    model_.on_change({});
-}
+File_server::File_server(Model& model, Control_loop& loop)
+    : loop_(loop), tree_(model), held_(loop), reads_(model, files_, held_, loop) {}
 
 void File_server::look_up(fuse_req_t request, std::uint64_t directory, std::string const& name) {
     auto const node = tree_.find(directory, name);
@@ -109,6 +103,15 @@ void File_server::release(fuse_req_t request, fuse_file_info const& info) {
     loop_.event("close", details);
 }
 
+void File_server::read(fuse_req_t request, std::size_t space, fuse_file_info const& info) {
+    Open_file& file = files_.at(info.fh);
+    if (file.device) {
+        reads_.read(request, space, file, (info.flags & O_NONBLOCK) == 0);
+    } else {
+        fuse_reply_err(request, EIO);  // control files are for writing
+    }
+}
+
 void File_server::write(fuse_req_t request, std::string_view bytes, off_t offset, fuse_file_info const& info) {
     std::int64_t const arrival = monotonic_ns();
     Open_file const& file = files_.at(info.fh);
@@ -151,12 +154,7 @@ void File_server::poll(fuse_req_t request, fuse_file_info const& info, fuse_poll
 
 void File_server::finish() {
     held_.give_all_now();
-    for (auto& [handle, file] : files_.all()) {
-        for (auto const& waiting : std::exchange(file.waiting_reads, {})) {
-            fuse_reply_err(waiting.request, ENODEV);
-        }
-        file.poll_handle.reset();
-    }
+    reads_.finish();
 }
 
 }  // namespace bench::hypervisor

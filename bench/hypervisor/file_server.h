@@ -1,6 +1,7 @@
 #ifndef BENCH_HYPERVISOR_FILE_SERVER_H
 #define BENCH_HYPERVISOR_FILE_SERVER_H
 
+#include "bench/hypervisor/device_reads.h"
 #include "bench/hypervisor/file_tree.h"
 #include "bench/hypervisor/fuse_api.h"
 #include "bench/hypervisor/held_answers.h"
@@ -17,11 +18,8 @@ namespace bench::hypervisor {
 /// close as an event. Each operation answers its request exactly once, some later. All on the loop's thread.
 class File_server {
  public:
-    /// Becomes the model's listener. Both must outlive the server.
+    /// Both must outlive the server.
     File_server(Model& model, Control_loop& loop);
-    ~File_server();
-    File_server(File_server const&) = delete;
-    File_server& operator=(File_server const&) = delete;
 
     void look_up(fuse_req_t request, std::uint64_t directory, std::string const& name);
     void get_attributes(fuse_req_t request, std::uint64_t inode);
@@ -38,17 +36,11 @@ class File_server {
     void finish();
 
  private:
-    void device_changed(Input_device const& device);
-    void complete_waiting_reads(Open_file& file);
-    void interrupted(fuse_req_t request);
-    void deliver_read(fuse_req_t request, Input_device const& device, Outcome const& outcome);
-    static void on_interrupt(fuse_req_t request, void* server);
-
-    Model& model_;
     Control_loop& loop_;
     File_tree tree_;
     Open_files files_;
     Held_answers held_;
+    Device_reads reads_;
 };
 
 }  // namespace bench::hypervisor

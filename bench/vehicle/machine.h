@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -67,6 +68,9 @@ class Machine {
     static constexpr std::chrono::milliseconds k_poll{10};
 
     void add(Event event) { events_.push_back(std::move(event)); }
+    void add_all(Timeline events) {
+        events_.insert(events_.end(), std::make_move_iterator(events.begin()), std::make_move_iterator(events.end()));
+    }
 
  private:
     Timeline events_;

@@ -168,12 +168,6 @@ void Vehicle::update(std::chrono::milliseconds limit) {
     take_end();
 }
 
-void Vehicle::add_all(Timeline events) {
-    for (auto& event : events) {
-        add(std::move(event));
-    }
-}
-
 std::vector<int> Vehicle::sources() const {
     std::vector<int> descriptors{hypervisor_->process().output()};
     if (service_manager_) {

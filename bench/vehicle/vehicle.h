@@ -74,7 +74,6 @@ class Vehicle : public Machine {
 
  private:
     void install_configuration(std::string const& text) const;
-    void add_all(Timeline events);
     std::vector<int> sources() const;
     void take_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const& message));
     void take_end();

@@ -1,6 +1,9 @@
 #ifndef BENCH_VM_RUNNING_H
 #define BENCH_VM_RUNNING_H
 
+#include "bench/process/child_process.h"
+#include "bench/process/scratch_directory.h"
+#include "bench/vm/port.h"
 #include "bench/vm/virtual_machine.h"
 
 #include <functional>
@@ -28,10 +31,6 @@ struct Virtual_machine::Running {
     Port restart;
     Port journal;
     Shell shell;
-    Dlt_stream log_stream{};
-    Word_splitter state_words{};
-    Word_splitter restart_words{};
-    Journal entries{};
 };
 
 }  // namespace bench::vm

@@ -8,6 +8,7 @@
 #include <array>
 #include <csignal>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -30,6 +31,18 @@ nlohmann::json configuration_in(std::string const& image) {
     return configuration;
 }
 
+/// How the machine ended, by the emulator's events; empty while it is on.
+std::string end_in(std::vector<std::string> const& events) {
+    auto const end = std::find_if(events.begin(), events.end(),
+                                  [](std::string const& event) { return event.rfind("SHUTDOWN", 0) == 0; });
+    if (end == events.end()) {
+        return "";
+    }
+    return *end == "SHUTDOWN guest-shutdown" ? Virtual_machine::k_power_off
+           : *end == "SHUTDOWN guest-reset"  ? "reset"
+                                             : "switched off from outside";
+}
+
 }  // namespace
 
 Virtual_machine::Virtual_machine(Machine_options options)
@@ -47,9 +60,8 @@ void Virtual_machine::start_daemon() {
         shell().start("systemctl reset-failed ap_statemanager.service; systemctl start ap_statemanager.service");
         return;
     }
-    journal_.clear();
+    account_ = {};
     players_.begin();
-    clock_offset_ = std::numeric_limits<std::int64_t>::max();
     running_ = std::make_unique<Running>(options_, [this] { take_news(); });
 }
 
@@ -111,6 +123,47 @@ Shell& Virtual_machine::shell() {
     return running_->shell;
 }
 
+void Virtual_machine::update(std::chrono::milliseconds limit) {
+    if (!running_) {
+        ::poll(nullptr, 0, static_cast<int>(limit.count()));
+        return;
+    }
+    std::array<pollfd, 5> sources{{{running_->log.descriptor(), POLLIN, 0},
+                                   {running_->state.descriptor(), POLLIN, 0},
+                                   {running_->restart.descriptor(), POLLIN, 0},
+                                   {running_->journal.descriptor(), POLLIN, 0},
+                                   {running_->control.descriptor(), POLLIN, 0}}};
+    ::poll(sources.data(), sources.size(), static_cast<int>(limit.count()));
+    take_news();
+    take_end();
+}
+
+void Virtual_machine::take_news() {
+    add_all(account_.take_state(running_->state.take()));
+    add_all(account_.take_restart(running_->restart.take()));
+    add_all(account_.take_log(running_->log.take()));
+    add_all(account_.take_journal(running_->journal.take(), players_));
+}
+
+void Virtual_machine::take_end() {
+    end_ = end_in(running_->control.take_events());
+    if (end_.empty() && running_->control.is_open()) {
+        return;
+    }
+    end_ = end_.empty() ? "the emulator is gone" : end_;
+    running_->emulator.wait(k_emulator_end);
+    running_.reset();
+    players_.begin();
+    add({monotonic_ns(), Kind::ended, end_});
+}
+
+std::string Virtual_machine::console() const {
+    constexpr std::size_t k_shown = 4'000;
+    std::ifstream file(running_ ? running_->directory.file("console") : "");
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    return text.size() > k_shown ? text.substr(text.find('\n', text.size() - k_shown) + 1) : text;
+}
+
 bool Virtual_machine::await_power_off(std::chrono::milliseconds limit) {
     auto const deadline = std::chrono::steady_clock::now() + limit;
     while (is_on() && std::chrono::steady_clock::now() < deadline) {
@@ -124,8 +177,8 @@ Entry const* Virtual_machine::await_entry(std::string const& unit, std::string c
     auto const deadline = std::chrono::steady_clock::now() + limit;
     for (auto next = from;;) {
         update(k_poll);
-        for (; next < journal_.size(); ++next) {
-            auto const& entry = journal_[next];
+        for (; next < journal().size(); ++next) {
+            auto const& entry = journal()[next];
             if ((unit.empty() || entry.unit == unit) && entry.message.find(words) != std::string::npos) {
                 return &entry;
             }

@@ -1,20 +1,14 @@
 #ifndef BENCH_VM_VIRTUAL_MACHINE_H
 #define BENCH_VM_VIRTUAL_MACHINE_H
 
-#include "bench/process/child_process.h"
-#include "bench/process/scratch_directory.h"
 #include "bench/vehicle/machine.h"
-#include "bench/vm/dlt_stream.h"
+#include "bench/vm/account.h"
 #include "bench/vm/emulator.h"
-#include "bench/vm/journal.h"
 #include "bench/vm/players.h"
-#include "bench/vm/port.h"
 #include "bench/vm/qmp.h"
 #include "bench/vm/shell.h"
-#include "bench/vm/word_splitter.h"
 
 #include <chrono>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -65,32 +59,30 @@ class Virtual_machine : public vehicle::Machine {
     Shell& shell();
 
     /// The journal since the machine was switched on, with the machine's own times.
-    std::vector<Entry> const& journal() const { return journal_; }
+    std::vector<Entry> const& journal() const { return account_.journal(); }
+
+    /// The last lines that the kernel has written since the machine was switched on; empty while it is off.
+    std::string console() const;
 
     /// Waits for an entry of the unit (any, when empty) whose message contains the words, from entry `from` on.
     Entry const* await_entry(std::string const& unit, std::string const& words, std::size_t from = 0,
                              std::chrono::milliseconds limit = k_boot_patience);
 
     /// The machine's clock at a time of this machine's, both in nanoseconds.
-    std::int64_t machine_time(std::int64_t time) const { return time - clock_offset_; }
+    std::int64_t machine_time(std::int64_t time) const { return account_.machine_time(time); }
 
  private:
     struct Running;
 
     void take_news();
-    void take_words();
-    void take_log();
-    void take_journal();
     void take_end();
-    std::int64_t to_host_time(std::int64_t machine_time);
 
     Machine_options options_;
     Players players_;
     unsigned commands_{0};
     std::unique_ptr<Running> running_;
     std::string end_;  ///< how it ended, once it has; empty while it is on
-    std::vector<Entry> journal_;
-    std::int64_t clock_offset_{std::numeric_limits<std::int64_t>::max()};
+    Account account_;
 };
 
 }  // namespace bench::vm
