@@ -68,6 +68,11 @@ void Target::TearDown() {
     if (!HasFailure()) {
         return;
     }
+    tell_events();
+    tell_state();
+}
+
+void Target::tell_events() const {
     auto const& events = machine().events();
     for (auto event = events.begin() + static_cast<std::ptrdiff_t>(std::min(begin_, events.size()));
          event != events.end(); ++event) {
@@ -75,10 +80,25 @@ void Target::TearDown() {
                     event->text.c_str());
     }
     auto const& journal = machine().journal();
-    auto const shown = std::min<std::size_t>(journal.size(), 40);
+    auto const shown = std::min<std::size_t>(journal.size(), 60);
     for (auto entry = journal.end() - static_cast<std::ptrdiff_t>(shown); entry != journal.end(); ++entry) {
         std::printf("%10.3f s  %s: %s\n", seconds(entry->time), entry->unit.c_str(), entry->message.c_str());
     }
+}
+
+// What is waited for, what has failed, and what the kernel says: a boot that takes too long is explained by it.
+void Target::tell_state() {
+    try {
+        auto const told = machine().shell().run(
+            "systemctl list-jobs --no-pager; systemctl --failed --no-pager --no-legend; systemctl status --no-pager -n "
+            "3 "
+            "'dev-hypervisor\\x2dkeyboard.device' ap_statemanager.service dlt-daemon.service dbus.service; uptime",
+            std::chrono::seconds(20));
+        std::printf("--- the machine's units:\n%s", told.output.c_str());
+    } catch (std::exception const& error) {
+        std::printf("--- the machine's units are not told: %s\n", error.what());
+    }
+    std::printf("--- the machine's console:\n%s\n", machine().console().c_str());
 }
 
 std::string Target::last_word() {

@@ -38,7 +38,7 @@ class Target : public testing::Test {
     void SetUp() override;
 
     /// No call of the daemon has failed, unless the story says that they may. After a failure, tells what the machine
-    /// told.
+    /// told, and in what state it is.
     void TearDown() override;
 
     /// For stories that take a neighbour away while the daemon needs it.
@@ -82,6 +82,9 @@ class Target : public testing::Test {
     static void needs_new_daemon() { daemon_is_used_up = true; }
 
  private:
+    void tell_events() const;
+    static void tell_state();
+
     static std::unique_ptr<Virtual_machine> shared_machine;
     static bool daemon_is_used_up;
     friend class Shared_machine;
