@@ -1,50 +1,18 @@
 #include "statemanager/virtio/virtio_interface.h"
 
 #include "ara/log/logging.h"
-#include "base/system_error.h"
-
-#include <algorithm>
-#include <cerrno>
-#include <limits>
-#include <string>
+#include "statemanager/virtio/input_record.h"
 
 namespace ximo::ap::statemanager::virtio {
 
-namespace {
-
-int clamp_to_int(unsigned int timeout_ms) {
-    constexpr auto longest = static_cast<unsigned int>(std::numeric_limits<int>::max());
-    return static_cast<int>(std::min(timeout_ms, longest));
-}
-
-// The reason is taken before the message is begun, which may itself make system calls.
-void log_failure(char const* what) {
-    std::string const reason = base::system_error_text(errno);
-    ara::log::LogError() << what << reason;
-}
-
-constexpr char const* k_close_failure = "Failed to close event file descriptor! ";
-
-}  // namespace
-
-Virtio_interface::Virtio_interface(Input_system& system) : system_(system) {
-    devices_.fill(k_closed);
-}
-
-// Closes every slot, the closed ones too, and says so whenever the outcome (1 failed, 0 closed) differs from the
-// descriptor's number, which is nearly always. The error is reset first, so that the line of a descriptor that did
-// close reads "Success" and not the reason of an older failure.
-Virtio_interface::~Virtio_interface() {
-    for (int const device : devices_) {
-        errno = 0;
-        int const failed = system_.close_descriptor(device) == 0 ? 0 : 1;
-        if (failed != device) {
-            log_failure(k_close_failure);
-        }
+bool Virtio_interface::init(std::string device_directory) {
+    if (initialised_) {
+        ara::log::LogVerbose() << "VirtIO interface already initialized";
+        return false;
     }
-    if (epoll_ != k_closed && system_.close_descriptor(epoll_) != 0) {
-        log_failure("Failed to close epoll file descriptor! ");
-    }
+    ara::log::LogVerbose() << "Initialization of VirtIO";
+    initialised_ = devices_.open(device_directory);
+    return initialised_;
 }
 
 Virtio_command Virtio_interface::get_command(unsigned int timeout_ms) {
@@ -60,38 +28,8 @@ void Virtio_interface::command_consumed() {
     ara::log::LogInfo() << "Consumed VirtIO command: " << toString(last_command_);
 }
 
-// The record lives for one wait: it starts empty and is not emptied between the events, so that a failed or short read
-// evaluates what the read before it has left.
 void Virtio_interface::check_for_commands(unsigned int timeout_ms) {
-    if (device_count_ == 0) {
-        return;
-    }
-    ara::log::LogDebug() << "Epoll_wait start";
-    Epoll_events events{};
-    int const count = system_.wait(epoll_, events, clamp_to_int(timeout_ms));
-    ara::log::LogDebug() << "Epoll_wait returned: " << count;
-    Input_record_bytes record{};
-    for (int i = 0; i < count; ++i) {
-        handle_event(events.at(static_cast<std::size_t>(i)), record);
-    }
-}
-
-void Virtio_interface::handle_event(epoll_event const& event, Input_record_bytes& record) {
-    std::uint32_t const flags = event.events;
-    if ((flags & EPOLLIN) != 0) {
-        read_event(event.data.fd, record);
-    } else if ((flags & (EPOLLERR | EPOLLHUP)) != 0) {
-        drop_device(event.data.fd);
-    }
-}
-
-void Virtio_interface::read_event(int descriptor, Input_record_bytes& record) {
-    ssize_t const count = system_.read_record(descriptor, record);
-    ara::log::LogDebug() << "Readed bytes: " << static_cast<std::int64_t>(count);
-    if (count < 0) {
-        ara::log::LogError() << "Reading virtual input event failed";
-    }
-    evaluate(decode_input_record(record));
+    devices_.wait(timeout_ms, [this](Input_record const& record) { evaluate(record); });
 }
 
 void Virtio_interface::evaluate(Input_record const& record) {
@@ -107,18 +45,6 @@ void Virtio_interface::evaluate(Input_record const& record) {
     add_command(*command);
 }
 
-void Virtio_interface::drop_device(int descriptor) {
-    if (system_.close_descriptor(descriptor) != 0) {
-        log_failure(k_close_failure);
-    }
-    auto const slot = std::find(devices_.begin(), devices_.end(), descriptor);
-    if (slot != devices_.end()) {
-        *slot = k_closed;
-    }
-    unslotted_.erase(std::remove(unslotted_.begin(), unslotted_.end(), descriptor), unslotted_.end());
-    --device_count_;
-}
-
 void Virtio_interface::add_command(Virtio_command command) {
     if (command == last_command_) {
         return;
@@ -126,6 +52,10 @@ void Virtio_interface::add_command(Virtio_command command) {
     last_command_ = command;
     ara::log::LogInfo() << "New command received" << toString(command);
     queue_.push_back(command);
+}
+
+long Virtio_interface::supported_event_types(int descriptor) {
+    return Input_devices::event_types(linux_input_system(), descriptor);
 }
 
 }  // namespace ximo::ap::statemanager::virtio
