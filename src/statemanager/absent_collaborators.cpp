@@ -41,9 +41,40 @@ class Absent_state_notifier : public state_notifier::State_notifier_interface {
     unsigned int check_request_status() override { return 0; }
 };
 
+/// A control file that takes every word.
+class Absent_shared_memory : public smw::Shared_memory_update {
+ public:
+    Absent_shared_memory() : Shared_memory_update("/dev/null") {}
+};
+
+class Absent_fast_shutdown : public fast_shutdown::Fast_shutdown_handler {
+ public:
+    Absent_fast_shutdown() : Fast_shutdown_handler("/dev/null") {}
+    void process_lookup() const override {}
+    void start_fast_shutdown(std::chrono::milliseconds /*timeout*/) const override {}
+    bool is_possible() const override { return false; }
+};
+
+class Absent_virtual_input : public virtio::Virtio_interface_abstract {
+ public:
+    bool init(std::string /*device_directory*/) override { return true; }
+    virtio::Virtio_command get_command(unsigned int /*timeout_ms*/) override { return virtio::Virtio_command::none; }
+    void command_consumed() override {}
+};
+
+class Absent_supervision : public phm::Supervision_manager_interface {
+ public:
+    void report_alive_status() override {}
+};
+
 template <class Absent, class Interface>
 std::shared_ptr<Interface> given_or(std::shared_ptr<Interface> given) {
     return given ? std::move(given) : std::make_shared<Absent>();
+}
+
+template <class Absent, class Interface>
+std::unique_ptr<Interface> given_or(std::unique_ptr<Interface> given) {
+    return given ? std::move(given) : std::make_unique<Absent>();
 }
 
 }  // namespace
@@ -59,6 +90,25 @@ std::shared_ptr<Em_interface_abstract> or_absent(std::shared_ptr<Em_interface_ab
 std::shared_ptr<state_notifier::State_notifier_interface> or_absent(
     std::shared_ptr<state_notifier::State_notifier_interface> state_notifier) {
     return given_or<Absent_state_notifier>(std::move(state_notifier));
+}
+
+std::shared_ptr<smw::Shared_memory_update> or_absent(std::shared_ptr<smw::Shared_memory_update> shared_memory) {
+    return given_or<Absent_shared_memory>(std::move(shared_memory));
+}
+
+std::shared_ptr<fast_shutdown::Fast_shutdown_handler> or_absent(
+    std::shared_ptr<fast_shutdown::Fast_shutdown_handler> fast_shutdown) {
+    return given_or<Absent_fast_shutdown>(std::move(fast_shutdown));
+}
+
+std::unique_ptr<virtio::Virtio_interface_abstract> or_absent(
+    std::unique_ptr<virtio::Virtio_interface_abstract> virtual_input) {
+    return given_or<Absent_virtual_input>(std::move(virtual_input));
+}
+
+std::unique_ptr<phm::Supervision_manager_interface> or_absent(
+    std::unique_ptr<phm::Supervision_manager_interface> supervision) {
+    return given_or<Absent_supervision>(std::move(supervision));
 }
 
 }  // namespace ximo::ap::statemanager

@@ -19,11 +19,11 @@ State_manager::State_manager(config::State_manager_config const& configuration,
     : configuration_(configuration),
       service_handler_(or_absent(service_handler)),
       execution_management_(or_absent(execution_management)),
-      virtual_input_(std::move(virtual_input)),
-      supervision_(std::move(supervision)) {}
+      virtual_input_(or_absent(std::move(virtual_input))),
+      supervision_(or_absent(std::move(supervision))) {}
 
 bool State_manager::init() {
-    if (virtual_input_ && !virtual_input_->init("/dev/input")) {
+    if (!virtual_input_->init("/dev/input")) {
         ara::log::LogError() << "AP_StateManger failed to initialize VirtIO";
         return false;
     }
@@ -55,21 +55,15 @@ void State_manager::run_cyclic_task() {
         ara::log::LogError() << "AP_StateManger not initialized";
         return;
     }
-    if (supervision_) {
-        supervision_->report_alive_status();
-    }
-    auto const next = states_[current_]->check_transition(waiting_command());
+    supervision_->report_alive_status();
+    // The only wait of the loop.
+    auto const command = virtual_input_->get_command(configuration_.get_main_function_period());
+    auto const next = states_[current_]->check_transition(command);
     if (next == k_stay) {
         states_[current_]->tick();
     } else {
         change_state(next);
     }
-}
-
-// The only wait of the loop.
-virtio::Virtio_command State_manager::waiting_command() {
-    return virtual_input_ ? virtual_input_->get_command(configuration_.get_main_function_period())
-                          : virtio::Virtio_command::none;
 }
 
 void State_manager::change_state(unsigned next) {
@@ -82,9 +76,7 @@ void State_manager::change_state(unsigned next) {
         running_ = false;
     }
     // Whatever caused the transition, the command that waited is done with.
-    if (virtual_input_) {
-        virtual_input_->command_consumed();
-    }
+    virtual_input_->command_consumed();
 }
 
 void State_manager::shutdown() {

@@ -41,7 +41,6 @@ class State_manager {
     void shutdown();
 
  private:
-    virtio::Virtio_command waiting_command();
     void change_state(unsigned next);
 
     config::State_manager_config const& configuration_;

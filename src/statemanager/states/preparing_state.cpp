@@ -17,7 +17,7 @@ Preparing_state::Preparing_state(std::shared_ptr<Service_handler_interface> cons
     : State_interface(shared_memory, "Preparing"),
       service_handler_(or_absent(service_handler)),
       state_notifier_(or_absent(state_notifier)),
-      fast_shutdown_(fast_shutdown) {}
+      fast_shutdown_(or_absent(fast_shutdown)) {}
 
 bool Preparing_state::entering_state() {
     ara::log::LogInfo() << "Entering preparing state";
@@ -40,9 +40,6 @@ unsigned Preparing_state::check_transition(Virtio_command const& command) {
 }
 
 void Preparing_state::prepare_fast_shutdown() const {
-    if (!fast_shutdown_) {
-        return;
-    }
     try {
         fast_shutdown_->process_lookup();
     } catch (std::out_of_range const& error) {

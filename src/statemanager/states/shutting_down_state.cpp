@@ -19,7 +19,7 @@ Shutting_down_state::Shutting_down_state(std::shared_ptr<Service_handler_interfa
       execution_management_(or_absent(execution_management)),
       nm_usage_allowed_(nm_usage_allowed),
       pm_timeout_(pm_timeout),
-      fast_shutdown_(fast_shutdown) {}
+      fast_shutdown_(or_absent(fast_shutdown)) {}
 
 bool Shutting_down_state::entering_state() {
     ara::log::LogInfo() << "Entering shutdown state";
@@ -28,7 +28,7 @@ bool Shutting_down_state::entering_state() {
 }
 
 bool Shutting_down_state::is_forced_shutdown() {
-    return get_forced_shutdown_flag() && fast_shutdown_ && fast_shutdown_->is_possible();
+    return get_forced_shutdown_flag() && fast_shutdown_->is_possible();
 }
 
 bool Shutting_down_state::normal_shutdown() {
