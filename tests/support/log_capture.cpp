@@ -4,6 +4,7 @@
 #include "ara/log/log_engine.h"
 #include "base/mutex.h"
 #include "base/signals.h"
+#include "support/log_tap.h"
 
 #include <algorithm>
 #include <atomic>
@@ -30,14 +31,11 @@ std::ostream& operator<<(std::ostream& out, Log_message const& message) {
 
 class Log_capture::Impl {
  public:
-    Impl() : drainer_(start_drainer()) {
-        Log_engine::instance().intercept([this](Queued_message const& message) { add(message); });
-    }
+    Impl() : drainer_(start_drainer()), tap_([this](Queued_message const& message) { add(message); }) {}
 
     ~Impl() {
         done_ = true;
         drainer_.join();
-        Log_engine::instance().intercept({});
     }
 
     std::vector<Log_message> messages() {
@@ -78,6 +76,7 @@ class Log_capture::Impl {
     std::vector<Log_message> messages_ GUARDED_BY(mutex_);
     std::atomic<bool> done_{false};
     std::thread drainer_;
+    Log_tap tap_;  // goes first
 };
 
 Log_capture::Log_capture() : impl_(std::make_unique<Impl>()) {}

@@ -32,8 +32,7 @@ struct Log_message {
 bool operator==(Log_message const& left, Log_message const& right);
 std::ostream& operator<<(std::ostream& out, Log_message const& message);
 
-/// Everything logged by any thread since it was made. One at a time; while it lives all levels are logged, nothing
-/// reaches a log daemon, and nothing is dropped.
+/// Everything logged by any thread since it was made. While it lives all levels are logged, and nothing is dropped.
 class Log_capture {
  public:
     Log_capture();

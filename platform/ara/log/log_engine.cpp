@@ -12,8 +12,6 @@ namespace ara::log {
 
 namespace {
 
-constexpr auto k_everything = static_cast<std::int8_t>(LogLevel::kVerbose);
-
 // DLT's time: units of 0.1 ms since boot.
 std::uint32_t uptime() noexcept {
     timespec now{};
@@ -46,9 +44,6 @@ Logger& Log_engine::logger(std::string const& id, std::string const& description
     for (auto const& sink : sinks_) {
         sink->add_context(context);
     }
-    if (interceptor_) {
-        context.threshold = k_everything;
-    }
     return *loggers_.back();
 }
 
@@ -78,6 +73,21 @@ void Log_engine::add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level
         sink->add_context(logger->context());
     }
     sinks_.push_back(std::move(sink));
+    decide_about_waiting();
+}
+
+std::unique_ptr<Log_sink> Log_engine::remove_sink(Log_sink const& sink) {
+    base::Lock_guard const lock(consumer_);
+    auto const place =
+        std::find_if(sinks_.begin(), sinks_.end(), [&sink](auto const& known) { return known.get() == &sink; });
+    auto removed = std::move(*place);
+    sinks_.erase(place);
+    decide_about_waiting();
+    return removed;
+}
+
+void Log_engine::decide_about_waiting() {
+    wait_when_full_ = std::any_of(sinks_.begin(), sinks_.end(), [](auto const& sink) { return sink->is_awaited(); });
 }
 
 bool Log_engine::drain() {
@@ -94,15 +104,11 @@ bool Log_engine::drain() {
 }
 
 bool Log_engine::has_room() {
-    return interceptor_ || sinks_.empty() ||
+    return sinks_.empty() ||
            std::any_of(sinks_.begin(), sinks_.end(), [](auto const& sink) { return sink->has_room(); });
 }
 
 void Log_engine::deliver(Queued_message const& message) {
-    if (interceptor_) {
-        interceptor_(message);
-        return;
-    }
     for (auto const& sink : sinks_) {
         sink->write(message);
     }
@@ -121,17 +127,6 @@ void Log_engine::report_drops() {
                         arguments.count(), LogLevel::kWarn};
     std::copy_n(arguments.data(), arguments.size(), message_->arguments.begin());
     deliver(*message_);
-}
-
-void Log_engine::intercept(Interceptor interceptor) {
-    drain();
-    base::Lock_guard const lock(consumer_);
-    interceptor_ = std::move(interceptor);
-    wait_when_full_ = static_cast<bool>(interceptor_);
-    for (auto const& logger : loggers_) {
-        auto& context = logger->context();
-        context.threshold = interceptor_ ? k_everything : context.own_threshold;
-    }
 }
 
 void Log_engine::start_writer() {

@@ -7,7 +7,6 @@
 #include "base/mutex.h"
 
 #include <atomic>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,6 +29,9 @@ class Log_sink {
 
     /// Called each time before the queue is looked into: what the sink has to do besides.
     virtual void tend() {}
+
+    /// Whether nothing may be lost on the way to it: then who logs waits while the queue is full.
+    virtual bool is_awaited() const { return false; }
 };
 
 /// The process's log: its contexts, the queue into which every log call puts its message, and the consumer that takes
@@ -45,8 +47,9 @@ class Log_engine {
 
     void submit(Log_context const& context, LogLevel level, Argument_encoder const& arguments) noexcept;
 
-    /// Adds a sink that gets everything that is consumed from now on. It lives until the process ends.
+    /// Adds a sink that gets everything that is consumed from now on, until it is removed or the process ends.
     void add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level);
+    std::unique_ptr<Log_sink> remove_sink(Log_sink const& sink);
 
     /// Starts the writer thread. Throws `std::system_error` when there can't be one more.
     void start_writer();
@@ -58,11 +61,6 @@ class Log_engine {
     /// something is left.
     bool drain();
 
-    /// Replaces the sinks by a function, logs all levels, and makes producers wait instead of dropping; an empty
-    /// function ends it. For tests.
-    using Interceptor = std::function<void(Queued_message const&)>;
-    void intercept(Interceptor interceptor);
-
  private:
     Log_engine();
 
@@ -70,6 +68,7 @@ class Log_engine {
     void deliver(Queued_message const& message) REQUIRES(consumer_);
     void report_drops() REQUIRES(consumer_);
     bool has_room() REQUIRES(consumer_);
+    void decide_about_waiting() REQUIRES(consumer_);
     void wake_writer() noexcept;
 
     Message_queue queue_;
@@ -82,7 +81,6 @@ class Log_engine {
     std::uint64_t reported_drops_ GUARDED_BY(consumer_){0};
     std::vector<std::unique_ptr<Logger>> loggers_ GUARDED_BY(consumer_);
     std::vector<std::unique_ptr<Log_sink>> sinks_ GUARDED_BY(consumer_);
-    Interceptor interceptor_ GUARDED_BY(consumer_);
     std::unique_ptr<Queued_message> const message_ PT_GUARDED_BY(consumer_);  ///< the one that is being delivered
     Logger* default_logger_;                                                  ///< set by the constructor alone
 };

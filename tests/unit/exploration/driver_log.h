@@ -3,6 +3,7 @@
 
 #include "ara/log/argument_decoder.h"
 #include "ara/log/log_engine.h"
+#include "support/log_tap.h"
 
 #include <string>
 #include <vector>
@@ -13,13 +14,6 @@ namespace exploration {
 /// other message apart, of which there are millions here.
 class Driver_log {
  public:
-    Driver_log() {
-        ara::log::Log_engine::instance().intercept([this](ara::log::Queued_message const& message) { add(message); });
-    }
-    ~Driver_log() { ara::log::Log_engine::instance().intercept({}); }
-    Driver_log(Driver_log const&) = delete;
-    Driver_log& operator=(Driver_log const&) = delete;
-
     void forget() {
         ara::log::Log_engine::instance().drain();
         messages_.clear();
@@ -38,6 +32,7 @@ class Driver_log {
     }
 
     std::vector<std::vector<ara::log::Argument>> messages_;
+    test_support::Log_tap const tap_{[this](ara::log::Queued_message const& message) { add(message); }};
 };
 
 }  // namespace exploration

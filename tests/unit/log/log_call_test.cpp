@@ -1,5 +1,6 @@
 #include "ara/log/log_engine.h"
 #include "support/log_capture.h"
+#include "support/log_tap.h"
 
 #include <atomic>
 #include <cerrno>
@@ -74,13 +75,12 @@ TEST(Log_call, Carries_the_time_at_which_it_was_made) {
         auto const since_boot = std::chrono::steady_clock::now().time_since_epoch();
         return static_cast<std::uint32_t>(std::chrono::duration_cast<Tenths_of_milliseconds>(since_boot).count());
     };
-    auto& engine = ara::log::Log_engine::instance();
     std::vector<std::uint32_t> times;
-    engine.intercept([&times](auto const& message) { times.push_back(message.header.timestamp); });
+    test_support::Log_tap const tap([&times](auto const& message) { times.push_back(message.header.timestamp); });
     auto const before = now();
     ara::log::LogInfo() << "now";
     auto const after = now();
-    engine.intercept({});
+    ara::log::Log_engine::instance().drain();
     EXPECT_THAT(times, ElementsAre(testing::AllOf(testing::Ge(before), testing::Le(after))));
 }
 
