@@ -34,6 +34,9 @@ bool is_of_offers(dds_entity_t writer) {
 extern "C" dds_entity_t dds_create_writer(dds_entity_t publisher, dds_entity_t topic, dds_qos_t const* quality,
                                           dds_listener_t const* listener) {
     static auto const real = com_test::real<decltype(&dds_create_writer)>("dds_create_writer");
+    if (auto const* const before_writer = com_test::engine_hooks().before_writer.exchange(nullptr)) {
+        (*before_writer)();
+    }
     auto& until_failure = com_test::engine_hooks().writers_until_failure;
     if (until_failure >= 0 && until_failure-- == 0) {
         return DDS_RETCODE_OUT_OF_RESOURCES;

@@ -9,8 +9,10 @@
 #include "bench/process/child_process.h"
 #include "client_fixture.h"
 #include "service_offer.h"
+#include "tarq/udpnm/interface/network_state_interface_type.h"
 
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +21,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -96,6 +99,28 @@ class Counting_observer : public Offer_observer {
 
     Seen<std::size_t> numbers;
 };
+
+class Clock_set_back : public Client {};
+
+// The process of a server that died may be out of sight, so that its offer stays until its lease is over.
+TEST_F(Clock_set_back, Between_two_servers_calls_the_later_one) {
+    Participant others;
+    Writer const offers(others, {offer_topic(), {}}, offer_quality());
+    Watching<Network_proxy> lookup("*");
+    ara_com_ServiceOffer dead{};
+    std::strncpy(dead.interface_name, tarq::udpnm::interface::k_network_state_interface.name,
+                 sizeof dead.interface_name - 1);
+    std::strncpy(dead.instance_name, "app", sizeof dead.instance_name - 1);
+    dead.participant[0] = 1;
+    dead.version = k_mapping_version;
+    offers.write(&dead, std::chrono::system_clock::now() + std::chrono::hours(1));
+    lookup.expect({"app"});
+    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+    auto const peer = server({"app"});
+    lookup.expect({"app", "app"});
+    Network_proxy sut(found<Network_proxy>("app"));
+    EXPECT_TRUE(succeeds(sut.RequestNetwork({1})));
+}
 
 struct Strangers_offers {
     char const* who;

@@ -1,4 +1,5 @@
 #include "client_fixture.h"
+#include "engine_hooks.h"
 #include "own_client.h"
 #include "peer_numbers.h"
 #include "peer_services.h"
@@ -9,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <future>
 #include <iterator>
 #include <memory>
@@ -138,6 +140,23 @@ TEST_F(Shutdown, Ends_all_whoever_holds_the_binding) {
     EXPECT_EQ(ending.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     open_.set_value();
     ending.get();
+}
+
+TEST_F(Shutdown, Waits_for_those_who_are_just_beginning_to_use_it) {
+    Network service("app", tell_);
+    service.OfferService();
+    auto const handle = found<Network_proxy>("app");
+    std::future<void> ending;
+    std::function<void()> const end_meanwhile = [&] {
+        ending = std::async(std::launch::async, [this] { end(); });
+        EXPECT_EQ(ending.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    };
+    engine_hooks().before_writer = &end_meanwhile;
+    Network_proxy proxy(handle);
+    ending.get();
+    auto const begin = std::chrono::steady_clock::now();
+    EXPECT_THROW(proxy.RequestNetwork({1}).get(), tarq::com::Infrastructure_exception);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1000)) << "it has waited";
 }
 
 TEST_F(Shutdown, A_binding_that_is_held_can_do_nothing_more) {

@@ -1,5 +1,3 @@
-// The part of Caller that carries the calls, from the request to the reply or the end of their time.
-
 #include "ara/com/dds/calls/caller.h"
 
 #include "ara/com/dds/engine/closing.h"
@@ -19,11 +17,11 @@ Caller::Caller(std::shared_ptr<Engine> engine, Service_type const& type, Instanc
     : engine_(std::move(engine)), type_(type), instance_(instance) {}
 
 void Caller::open() {
-    engine_->adopt(weak_from_this());
+    auto const opening = engine_->adopt(weak_from_this());
     auto path = make_path();
     {
         base::Lock_guard lock(mutex_);
-        path_ = std::move(path);
+        server_.open(std::move(path));
     }
     engine_->offers().add(weak_from_this(), type_.name, InstanceSpecifier(instance_.ToString()));
 }
@@ -37,6 +35,76 @@ std::shared_ptr<Call_path> Caller::make_path() {
             }
         },
         [this] { connection_changed(); });
+}
+
+// Null where the path is right as it is, or where there can't be another.
+std::shared_ptr<Call_path> Caller::new_path_for(Known_offer_list const& offers) {
+    {
+        base::Lock_guard lock(mutex_);
+        if (!server_.needs_new_path(offers)) {
+            return nullptr;
+        }
+    }
+    try {
+        return make_path();
+    } catch (Infrastructure_exception const&) {
+        return nullptr;
+    }
+}
+
+void Caller::offers_changed(Known_offer_list const& offers) {
+    auto path = new_path_for(offers);
+    Pending_calls::Replies gone;
+    {
+        base::Lock_guard lock(mutex_);
+        auto const loss = server_.follow(offers, path);
+        if (loss.is_final) {
+            gone = calls_.take_all();
+        } else if (loss.awaited_until) {
+            calls_.lose(*loss.awaited_until);
+            look_at(*loss.awaited_until);
+        }
+        changed_.notify_all();
+    }
+    fail_all(gone, std::make_exception_ptr(Service_not_available_exception()));
+}
+
+void Caller::connection_changed() {
+    base::Lock_guard lock(mutex_);
+    server_.connection_changed();
+    changed_.notify_all();
+}
+
+// Throws when there is none.
+void Caller::await_server(Clock::time_point deadline) {
+    unsigned seen = 0;
+    while (auto const candidate = next_candidate(seen, deadline)) {
+        seen = candidate->version;
+        if (candidate->path->reaches(candidate->offer.participant)) {
+            base::Lock_guard lock(mutex_);
+            server_.set_reached(*candidate);
+        }
+    }
+}
+
+// Waits for one that was not seen yet; nothing when the server is reached already.
+std::optional<Server_in_reach::Candidate> Caller::next_candidate(unsigned seen, Clock::time_point deadline) {
+    base::Lock_guard lock(mutex_);
+    while (!server_.is_reached()) {
+        if (!server_.is_open()) {
+            throw Infrastructure_exception("The communication runtime does not run");
+        }
+        if (server_.is_absent()) {
+            throw Service_not_available_exception();
+        }
+        if (auto candidate = server_.candidate(seen)) {
+            return candidate;
+        }
+        if (changed_.wait_until(mutex_, deadline) == std::cv_status::timeout) {
+            throw Timeout_exception("The service could not be reached in time");
+        }
+    }
+    return std::nullopt;
 }
 
 // An instance that was just found is connected within a few milliseconds; a server that stands still is given the whole
@@ -64,12 +132,12 @@ void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
 // Nothing when the server has gone since it was reached.
 std::optional<Caller::Begun_call> Caller::begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline) {
     base::Lock_guard lock(mutex_);
-    if (!reached_ || !path_) {
+    if (!server_.is_reached()) {
         return std::nullopt;
     }
     auto const number = calls_.add(std::move(pending), deadline);
     look_at(deadline);
-    return Begun_call{path_, number};
+    return Begun_call{server_.path(), number};
 }
 
 // The timer need not know of each call: the first look tells of the next.
@@ -96,7 +164,7 @@ void Caller::received(void const* reply) {
 
 std::unique_ptr<Pending_reply> Caller::take(dds_rpc_ReplyHeader const& header) {
     base::Lock_guard lock(mutex_);
-    return path_ ? calls_.take(path_->number_of(header)) : nullptr;
+    return server_.is_open() ? calls_.take(server_.path()->number_of(header)) : nullptr;
 }
 
 // A look that an earlier one has overtaken finds that another is to come.
@@ -127,8 +195,7 @@ void Caller::release() {
     Pending_calls::Replies lost;
     {
         base::Lock_guard lock(mutex_);
-        path = std::move(path_);
-        reached_ = false;
+        path = server_.close();
         lost = calls_.take_all();
         changed_.notify_all();
     }

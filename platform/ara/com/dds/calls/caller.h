@@ -4,6 +4,7 @@
 #include "ara/com/binding.h"
 #include "ara/com/dds/calls/call_path.h"
 #include "ara/com/dds/calls/pending_calls.h"
+#include "ara/com/dds/calls/server_in_reach.h"
 #include "ara/com/dds/engine/engine.h"
 #include "ara/com/dds/offers/known_offers.h"
 #include "ara/com/dds/threads/call_timer.h"
@@ -13,13 +14,13 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace ara::com::dds {
 
-/// A client's way to one instance, whoever offers it: it follows the offers and forgets a server whose offer goes, with
-/// the calls that wait for it. A server that is not heard for the lease may come back in a while: calls wait for it,
-/// and those that were under way fail after that time, since nobody knows whether they have arrived.
+/// A client's calls to one instance, whoever offers it. A call waits until a server is reached, is sent, and waits for
+/// its reply, all within its time. Calls to a server whose offer goes fail with it. A server that is not heard for the
+/// lease may come back in a while: calls wait for it, and those that were under way fail after that time, since nobody
+/// knows whether they have arrived.
 class Caller : public Connection,
                public Offer_observer,
                public Expiring,
@@ -41,25 +42,15 @@ class Caller : public Connection,
     void close() override;
 
  private:
-    // An offer whose connection is to be looked at, and the state in which that was told.
-    struct Candidate {
-        std::shared_ptr<Call_path> path;
-        Known_offer offer;
-        unsigned version;
-    };
     struct Begun_call {
         std::shared_ptr<Call_path> path;
         std::int64_t number;
     };
 
     std::shared_ptr<Call_path> make_path();
-    Known_offer_list offers_of_instance(Known_offer_list const& offers) const;
-    std::optional<Known_offer> choose(Known_offer_list const& offers);
-    std::shared_ptr<Call_path> path_for(std::optional<Known_offer> const& offer);
-    Pending_calls::Replies follow(Known_offer_list const& offers) REQUIRES(mutex_);
+    std::shared_ptr<Call_path> new_path_for(Known_offer_list const& offers);
     void await_server(Clock::time_point deadline);
-    std::optional<Candidate> next_candidate(unsigned seen, Clock::time_point deadline);
-    void set_reached(Candidate const& candidate);
+    std::optional<Server_in_reach::Candidate> next_candidate(unsigned seen, Clock::time_point deadline);
     std::optional<Begun_call> begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline);
     void look_at(Clock::time_point when) REQUIRES(mutex_);
     void received(void const* reply);
@@ -71,12 +62,7 @@ class Caller : public Connection,
     InstanceIdentifier const instance_;
     base::Mutex mutex_;
     std::condition_variable_any changed_;
-    std::shared_ptr<Call_path> path_ GUARDED_BY(mutex_);    // null before it is open and when it is closed
-    bool informed_ GUARDED_BY(mutex_) = false;              // of the offers
-    std::optional<Known_offer> server_ GUARDED_BY(mutex_);  // the offer that calls go to
-    bool path_is_used_ GUARDED_BY(mutex_) = false;          // there was an offer since it was made
-    bool reached_ GUARDED_BY(mutex_) = false;               // requests get to the server, and replies back
-    unsigned version_ GUARDED_BY(mutex_) = 1;               // of the server and of what is connected
+    Server_in_reach server_ GUARDED_BY(mutex_);
     Pending_calls calls_ GUARDED_BY(mutex_);
     std::optional<Clock::time_point> next_look_ GUARDED_BY(mutex_);  // of the timer at the calls
 };

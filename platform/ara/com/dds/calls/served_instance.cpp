@@ -41,7 +41,7 @@ Served_instance::Served_instance(std::shared_ptr<Engine> engine, Service_type co
 // A client may be matched before the reader is known here, so the clients are looked at once more. What was requested
 // before others could know of the offer waits for that, so that no handler runs if it fails.
 void Served_instance::open() {
-    engine_->adopt(weak_from_this());
+    auto const opening = engine_->adopt(weak_from_this());
     engine_->announcer().claim(type_.name, instance_.ToString());
     claimed_ = true;
     auto reader = std::make_shared<Reader>(

@@ -15,7 +15,7 @@ Engine::Engine()
     timer_.start();
 }
 
-void Engine::adopt(std::weak_ptr<Part> part) {
+Engine::Opening Engine::adopt(std::weak_ptr<Part> part) {
     base::Lock_guard lock(mutex_);
     if (down_) {
         throw tarq::com::Infrastructure_exception("The communication runtime does not run");
@@ -23,12 +23,23 @@ void Engine::adopt(std::weak_ptr<Part> part) {
     auto const gone = [](auto const& known) { return known.expired(); };
     parts_.erase(std::remove_if(parts_.begin(), parts_.end(), gone), parts_.end());
     parts_.push_back(std::move(part));
+    ++opening_;
+    return Opening(this);
+}
+
+void Engine::opened() {
+    base::Lock_guard lock(mutex_);
+    --opening_;
+    opened_.notify_all();
 }
 
 std::vector<std::shared_ptr<Part>> Engine::refuse_new_parts() {
     std::vector<std::shared_ptr<Part>> present;
     base::Lock_guard lock(mutex_);
     down_ = true;
+    while (opening_ != 0) {
+        opened_.wait(mutex_);
+    }
     for (auto const& known : parts_) {
         if (auto part = known.lock()) {
             present.push_back(std::move(part));

@@ -9,6 +9,7 @@
 #include "ara/com/dds/threads/workers.h"
 #include "base/mutex.h"
 
+#include <condition_variable>
 #include <memory>
 #include <vector>
 
@@ -34,11 +35,18 @@ class Engine {
     Engine(Engine const&) = delete;
     Engine& operator=(Engine const&) = delete;
 
+    /// Somebody who opens a part, until it goes.
+    struct End_of_opening {
+        void operator()(Engine* engine) const { engine->opened(); }
+    };
+    using Opening = std::unique_ptr<Engine, End_of_opening>;
+
     /// Ends all parts, then the engine itself. From no thread of the binding.
     void shut_down();
 
-    /// Closes the part at shut-down, if it still exists. Throws `tarq::com::Infrastructure_exception` after that.
-    void adopt(std::weak_ptr<Part> part);
+    /// Closes the part at shut-down, if it still exists; while that is being opened, the shut-down waits for it. Throws
+    /// `tarq::com::Infrastructure_exception` after that.
+    [[nodiscard]] Opening adopt(std::weak_ptr<Part> part);
 
     /// These may be used by parts that are not closed.
     Participant& participant() { return *participant_; }
@@ -50,6 +58,7 @@ class Engine {
     Call_timer& timer() { return timer_; }
 
  private:
+    void opened();
     std::vector<std::shared_ptr<Part>> refuse_new_parts();
 
     Workers workers_;
@@ -60,6 +69,8 @@ class Engine {
     std::shared_ptr<Known_offers> offers_;
     base::Mutex mutex_;
     std::vector<std::weak_ptr<Part>> parts_ GUARDED_BY(mutex_);
+    int opening_ GUARDED_BY(mutex_) = 0;
+    std::condition_variable_any opened_;
     bool down_ GUARDED_BY(mutex_) = false;
 };
 

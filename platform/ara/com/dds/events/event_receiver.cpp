@@ -20,7 +20,7 @@ Event_receiver::Event_receiver(std::shared_ptr<Engine> engine, Event_type const&
       strand_(std::make_shared<Strand>(engine_->workers())) {}
 
 void Event_receiver::open(InstanceIdentifier const& instance) {
-    engine_->adopt(weak_from_this());
+    auto const opening = engine_->adopt(weak_from_this());
     auto reader = std::make_unique<Reader>(engine_->participant(), Channel{event_.sample, instance.ToString()},
                                            event_reader_quality(event_.is_field),
                                            [this](Sample sample, dds_sample_info_t const& info) {

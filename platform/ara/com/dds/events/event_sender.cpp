@@ -7,7 +7,7 @@
 namespace ara::com::dds {
 
 void Event_sender::open(Event_type const& event, InstanceIdentifier const& instance) {
-    engine_->adopt(weak_from_this());
+    auto const opening = engine_->adopt(weak_from_this());
     auto writer = std::make_shared<Writer>(engine_->participant(), Channel{event.sample, instance.ToString()},
                                            event_writer_quality(event.is_field));
     base::Lock_guard lock(mutex_);

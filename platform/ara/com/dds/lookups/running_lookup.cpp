@@ -36,7 +36,7 @@ Running_lookup::Running_lookup(std::shared_ptr<Engine> engine, std::string inter
       strand_(std::make_shared<Strand>(engine_->workers())) {}
 
 void Running_lookup::start() {
-    engine_->adopt(weak_from_this());
+    auto const opening = engine_->adopt(weak_from_this());
     {
         base::Lock_guard lock(mutex_);
         self_ = shared_from_this();

@@ -19,6 +19,9 @@ namespace {
 constexpr std::chrono::milliseconds k_longest_absence{1500};
 constexpr std::chrono::milliseconds k_pause_before_next_try{500};
 
+// By then who was there before has announced himself.
+constexpr std::chrono::milliseconds k_time_to_find_all{1000};
+
 bool comes_before(Known_offer const& left, Known_offer const& right) {
     return key_of(left) < key_of(right);
 }
@@ -73,6 +76,7 @@ void Known_offers::begin() {
 }
 
 void Known_offers::open_reader() {
+    all_are_new_ = Clock::now() + k_time_to_find_all;
     if (!watch_) {
         watch_ = std::make_unique<Process_watch>([this](pid_t process) {
             strand_->post(
@@ -149,7 +153,13 @@ void Known_offers::keep(Known_offer offer) {
         return;
     }
     auto place = std::lower_bound(offers_.begin(), offers_.end(), offer, comes_before);
-    if (place == offers_.end() || comes_before(offer, *place)) {
+    bool const is_known = place != offers_.end() && !comes_before(offer, *place);
+    if (is_known && place->since == offer.since) {
+        offer.found = place->found;
+    } else if (Clock::now() >= all_are_new_) {
+        offer.found = ++found_;
+    }
+    if (!is_known) {
         place = offers_.insert(place, std::move(offer));
     } else if (place->since == offer.since && !place->awaited_until) {
         return;

@@ -82,9 +82,11 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     std::vector<Observer> observers_;
     Offer_bounds bounds_;
     std::unique_ptr<Process_watch> watch_;
-    std::unique_ptr<Reader> reader_;  // once there was an observer
-    bool failed_ = false;             // to make the reader
-    bool looks_later_ = false;        // by the timer
+    std::uint64_t found_ = 0;          // of the offer that was found last
+    Clock::time_point all_are_new_{};  // from then on who is found was not there before
+    std::unique_ptr<Reader> reader_;   // once there was an observer
+    bool failed_ = false;              // to make the reader
+    bool looks_later_ = false;         // by the timer
 };
 
 }  // namespace ara::com::dds
