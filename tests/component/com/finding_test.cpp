@@ -1,4 +1,5 @@
 #include "client_fixture.h"
+#include "support/log_capture.h"
 
 #include <algorithm>
 #include <atomic>
@@ -12,6 +13,7 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
+using test_support::logged;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -182,6 +184,7 @@ TEST_F(Finding, A_handler_that_throws_gets_further_reports) {
 }
 
 TEST_F(Finding, A_handler_that_fails_for_want_of_something_gets_the_report_again) {
+    test_support::Log_capture log;
     auto peer = server({"app"});
     Seen<Names> reports;
     auto const sut = Com_alive_proxy::StartFindService(
@@ -196,6 +199,11 @@ TEST_F(Finding, A_handler_that_fails_for_want_of_something_gets_the_report_again
     std::this_thread::sleep_for(milliseconds(700));
     EXPECT_EQ(reports.now().size(), 4U);
     Com_alive_proxy::StopFindService(sut);
+    EXPECT_THAT(log.at_least(ara::log::LogLevel::kInfo),
+                ElementsAre(logged(ara::log::LogLevel::kError, "A handler of the communication threw ",
+                                   "for want of something"),
+                            logged(ara::log::LogLevel::kInfo,
+                                   "A handler of the communication no longer throws; failures before: ", 2U)));
 }
 
 TEST_F(Finding, A_handler_may_make_proxies_and_calls) {

@@ -90,8 +90,7 @@ void Served_instance::follow_clients() {
     });
 }
 
-// A client whose way can't be made just then waits for it and does not call, so that nothing else would try again. The
-// strand logs why.
+// A client whose way can't be made just then waits for it and does not call, so that nothing else would try again.
 void Served_instance::follow_clients_now() {
     auto const reader = requests();
     if (!reader) {
@@ -99,9 +98,10 @@ void Served_instance::follow_clients_now() {
     }
     try {
         replies_.follow(reader->entity());
-    } catch (tarq::com::Infrastructure_exception const&) {
+        failure_.succeeded();
+    } catch (tarq::com::Infrastructure_exception const& error) {
+        failure_.failed(error);
         engine_->timer().watch(weak_from_this(), Clock::now() + k_pause_before_next_try);
-        throw;
     }
 }
 

@@ -6,6 +6,7 @@
 #include "ara/com/dds/calls/reply_writers.h"
 #include "ara/com/dds/engine/engine.h"
 #include "ara/com/dds/entities/endpoints.h"
+#include "ara/com/dds/threads/lasting_failure.h"
 #include "ara/com/dds/threads/strand.h"
 #include "base/mutex.h"
 #include "rpc_headers.h"
@@ -51,6 +52,8 @@ class Served_instance : public Part, public Expiring, public std::enable_shared_
     std::shared_ptr<Strand> const strand_;
     Reply_writers replies_;
     Recent_requests recent_;  // the strand's
+    Lasting_failure failure_{"A client can't be answered yet: ",
+                             "All clients can be answered now; failures before: "};  // the engine's strand's
     std::atomic<bool> claimed_{false};
     std::atomic<bool> following_{false};  // a look at the clients is posted
     std::atomic<int> waiting_{0};

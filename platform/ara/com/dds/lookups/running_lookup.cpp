@@ -82,13 +82,14 @@ Known_offer_list Running_lookup::newest() {
     return *newest_;
 }
 
-// The strand logs what the handler throws.
+// The strand logs what else the handler throws.
 void Running_lookup::report() {
     try {
         handler_(handles_of(newest()));
-    } catch (tarq::com::Infrastructure_exception const&) {
+        failure_.succeeded();
+    } catch (tarq::com::Infrastructure_exception const& error) {
+        failure_.failed(error);
         engine_->timer().watch(weak_from_this(), Clock::now() + k_pause_after_failure);
-        throw;
     }
 }
 

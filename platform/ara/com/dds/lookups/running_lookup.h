@@ -4,6 +4,7 @@
 #include "ara/com/binding.h"
 #include "ara/com/dds/engine/engine.h"
 #include "ara/com/dds/offers/known_offers.h"
+#include "ara/com/dds/threads/lasting_failure.h"
 #include "ara/com/dds/threads/strand.h"
 #include "base/mutex.h"
 
@@ -45,6 +46,8 @@ class Running_lookup : public Lookup,
     InstanceSpecifier const wanted_;
     FindServiceHandler const handler_;
     std::shared_ptr<Strand> const strand_;
+    Lasting_failure failure_{"A handler of the communication threw ",
+                             "A handler of the communication no longer throws; failures before: "};
     std::atomic<bool> waiting_{false};  // a report that has not begun
     base::Mutex mutex_;
     std::optional<Known_offer_list> newest_ GUARDED_BY(mutex_);

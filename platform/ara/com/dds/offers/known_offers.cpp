@@ -1,7 +1,6 @@
 #include "ara/com/dds/offers/known_offers.h"
 
 #include "ara/com/dds/offers/process_space.h"
-#include "ara/log/logging.h"
 #include "service_offer.h"
 #include "tarq/com/exception.h"
 
@@ -67,10 +66,9 @@ void Known_offers::begin() {
     }
     try {
         open_reader();
+        failure_.succeeded();
     } catch (tarq::com::Infrastructure_exception const& error) {
-        if (!std::exchange(failed_, true)) {
-            ara::log::LogError() << "Offers of services can't be heard of yet: " << error.what();
-        }
+        failure_.failed(error);
         look_at(Clock::now() + k_pause_before_next_try);
     }
 }

@@ -7,6 +7,7 @@
 #include "ara/com/dds/offers/offer_types.h"
 #include "ara/com/dds/offers/process_watch.h"
 #include "ara/com/dds/threads/call_timer.h"
+#include "ara/com/dds/threads/lasting_failure.h"
 #include "ara/com/dds/threads/strand.h"
 #include "ara/com/instance.h"
 
@@ -85,8 +86,9 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     std::uint64_t found_ = 0;          // of the offer that was found last
     Clock::time_point all_are_new_{};  // from then on who is found was not there before
     std::unique_ptr<Reader> reader_;   // once there was an observer
-    bool failed_ = false;              // to make the reader
-    bool looks_later_ = false;         // by the timer
+    Lasting_failure failure_{"Offers of services can't be heard of yet: ",
+                             "Offers of services are heard of now; failures before: "};
+    bool looks_later_ = false;  // by the timer
 };
 
 }  // namespace ara::com::dds
