@@ -3,57 +3,6 @@
 namespace ximo::ap::statemanager {
 namespace {
 
-class Ecu_alive : public Service_handler_test {};
-
-TEST_F(Ecu_alive, A_request_holds_the_network) {
-    build_and_find();
-
-    ecu_alive("door").RequestAlive().get();
-
-    EXPECT_THAT(actions, ElementsAre("request 00 00 01 00 "));
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "State_manager::ecu_alive_request: ", "door")));
-    EXPECT_TRUE(sut->apps_keep_ecu_alive());
-    EXPECT_TRUE(sut->is_network_in_use());
-    EXPECT_FALSE(sut->apps_keep_com_alive());
-}
-
-TEST_F(Ecu_alive, The_last_release_gives_the_network_back) {
-    build_and_find();
-    ecu_alive("door").RequestAlive().get();
-    ecu_alive("roof").RequestAlive().get();
-    forget();
-
-    ecu_alive("door").ReleaseAlive().get();
-    EXPECT_THAT(actions, IsEmpty());
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kDebug, "State_manager::ecu_alive_release: ", "door")));
-    EXPECT_TRUE(sut->apps_keep_ecu_alive());
-
-    forget();
-    ecu_alive("roof").ReleaseAlive().get();
-    EXPECT_THAT(actions, ElementsAre("release 00 00 01 00 "));
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kDebug, "State_manager::ecu_alive_release: ", "roof"),
-                                            logged(LogLevel::kInfo, "State_manager::ecu_alive_release network")));
-    EXPECT_FALSE(sut->apps_keep_ecu_alive());
-    EXPECT_FALSE(sut->is_network_in_use());
-}
-
-TEST_F(Ecu_alive, A_repeated_request_is_repeated_to_the_network) {
-    build_and_find();
-
-    ecu_alive("door").RequestAlive().get();
-    ecu_alive("door").RequestAlive().get();
-
-    EXPECT_THAT(actions, ElementsAre("request 00 00 01 00 ", "request 00 00 01 00 "));
-}
-
-TEST_F(Ecu_alive, A_release_without_a_request_gives_the_network_back) {
-    build_and_find();
-
-    ecu_alive("door").ReleaseAlive().get();
-
-    EXPECT_THAT(actions, ElementsAre("release 00 00 01 00 "));
-}
-
 class Network_of_the_states : public Service_handler_test {};
 
 TEST_F(Network_of_the_states, Is_requested_and_released_with_the_default_pattern) {
