@@ -1,3 +1,5 @@
+#include "base/hex.h"
+#include "services/user_data_names.h"
 #include "tools/commands.h"
 #include "tools/service_call.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
@@ -22,8 +24,8 @@ struct Keep_awake_options : Call_options {
 };
 
 /// The bits of both options together.
-Octets cab_bits(Keep_awake_options const& options) {
-    auto bits = octets_in(options.bits);
+services::Octets cab_bits(Keep_awake_options const& options) {
+    auto bits = base::from_hex(options.bits).value_or(services::Octets());
     for (auto const cab : options.cabs) {
         bits.resize(std::max<std::size_t>(bits.size(), cab / 8 + 1));
         bits[cab / 8] = static_cast<std::uint8_t>(bits[cab / 8] | 1U << cab % 8);
@@ -45,7 +47,7 @@ CLI::App* add_call(CLI::App& service, char const* name, char const* description,
 void add_cab_options(CLI::App& command, Keep_awake_options& options) {
     constexpr unsigned k_highest_cab = 8 * 1024 - 1;
     command.add_option("--bits", options.bits, "CAB bits as hexadecimal bytes, e.g. \"00 00 01\"")
-        ->check([](std::string const& text) { return is_octets(text) ? "" : "not hexadecimal bytes: " + text; });
+        ->check([](std::string const& text) { return base::from_hex(text) ? "" : "not hexadecimal bytes: " + text; });
     command.add_option("--cab", options.cabs, "Number of a CAB bit, from 0; may be repeated")
         ->check(CLI::Range(0U, k_highest_cab));
 }

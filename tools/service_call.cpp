@@ -8,15 +8,6 @@
 
 namespace statectl {
 
-namespace {
-
-std::string without_blanks(std::string text) {
-    text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
-    return text;
-}
-
-}  // namespace
-
 void add_call_options(CLI::App& command, Call_options& options) {
     constexpr std::int64_t k_longest_ms = 86'400'000;
     command.add_option("--wait", options.wait_ms, "Milliseconds to wait for the instance to be offered")
@@ -45,20 +36,6 @@ int report_failure(Call_options const& options, std::string const& error) {
         std::fprintf(stderr, "ap_statectl: %s\n", error.c_str());
     }
     return k_failure;
-}
-
-bool is_octets(std::string const& text) {
-    auto const digits = without_blanks(text);
-    return digits.size() % 2 == 0 && digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-}
-
-Octets octets_in(std::string const& text) {
-    auto const digits = without_blanks(text);
-    Octets octets;
-    for (std::size_t position = 0; position + 1 < digits.size(); position += 2) {
-        octets.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(position, 2), nullptr, 16)));
-    }
-    return octets;
 }
 
 }  // namespace statectl

@@ -1,10 +1,9 @@
 #ifndef TOOLS_SERVICE_CALL_H
 #define TOOLS_SERVICE_CALL_H
 
+#include "services/found_instance.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "tools/command.h"
-#include "tools/services/found_instance.h"
-#include "tools/services/user_data_names.h"
 
 #include <chrono>
 #include <cstdint>
@@ -34,7 +33,7 @@ int call(Call_options const& options, std::string const& done, Operation const& 
     using Clock = std::chrono::steady_clock;
     try {
         tarq::com::runtime::Component_singleton const communication(false, "");
-        Found_instance<Proxy> instance(options.instance);
+        services::Found_instance<Proxy> instance(options.instance);
         auto const proxy = instance.await(std::chrono::milliseconds(options.wait_ms));
         if (!proxy) {
             return report_failure(options, "\"" + options.instance + "\" is not offered");
@@ -46,12 +45,6 @@ int call(Call_options const& options, std::string const& done, Operation const& 
         return report_failure(options, error.what());
     }
 }
-
-/// Whether a text is bytes as two hexadecimal digits each, with or without blanks between.
-bool is_octets(std::string const& text);
-
-/// The bytes of such a text.
-Octets octets_in(std::string const& text);
 
 }  // namespace statectl
 

@@ -1,8 +1,8 @@
+#include "services/found_instance.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "tarq/udpnm/interface/network_state_interface_proxy.h"
 #include "tarq/udpnm/interface/user_data_interface_proxy.h"
 #include "tools/commands.h"
-#include "tools/services/found_instance.h"
 #include "tools/signals.h"
 #include "tools/watch_report.h"
 
@@ -66,12 +66,12 @@ auto follower(char const* service, Watch_report& report) {
     };
 }
 
-User_data_layout layout_of(std::string const& configuration) {
+services::User_data_layout layout_of(std::string const& configuration) {
     if (configuration.empty()) {
         return {};
     }
     std::ifstream file(configuration);
-    return layout_in(nlohmann::json::parse(file));
+    return services::layout_in(nlohmann::json::parse(file));
 }
 
 void await_end(End_signals const& end) {
@@ -87,10 +87,10 @@ int watch(Watch_options const& options) {
     End_signals const end;  // before the binding's threads begin, which are not to take the signals
     Watch_report report(options.as_json, layout_of(options.configuration));
     tarq::com::runtime::Component_singleton const communication(false, "");
-    Found_instance<NetworkStateInterfaceProxy> const network_state(
+    services::Found_instance<NetworkStateInterfaceProxy> const network_state(
         options.instance, follower<NetworkStateInterfaceProxy>("network state", report));
-    Found_instance<UserDataInterfaceProxy> const user_data(options.instance,
-                                                           follower<UserDataInterfaceProxy>("user data", report));
+    services::Found_instance<UserDataInterfaceProxy> const user_data(
+        options.instance, follower<UserDataInterfaceProxy>("user data", report));
     await_end(end);
     return k_success;
 }

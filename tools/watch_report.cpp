@@ -1,5 +1,6 @@
 #include "tools/watch_report.h"
 
+#include "base/hex.h"
 #include "tools/json_text.h"
 #include "tools/time_text.h"
 
@@ -11,21 +12,21 @@ void Watch_report::offered(std::string const& service, bool is_offered) {
     print(is_offered ? "offered" : "withdrawn", service, {{"service", service}});
 }
 
-void Watch_report::network_state(Octets const& state) {
-    values("network_state", state, network_state_names(state));
+void Watch_report::network_state(services::Octets const& state) {
+    values("network_state", state, services::network_state_names(state));
 }
 
-void Watch_report::user_data(Octets const& data) {
-    values("user_data", data, user_data_names(data, layout_));
+void Watch_report::user_data(services::Octets const& data) {
+    values("user_data", data, services::user_data_names(data, layout_));
 }
 
 void Watch_report::trouble(std::string const& text) {
     print("trouble", text, {{"text", text}});
 }
 
-void Watch_report::values(char const* what, Octets const& bytes, std::vector<std::string> const& names) {
-    auto const hex = hexadecimal(bytes);
-    print(what, hex + "  " + enumerate(names), {{"bytes", hex}, {"set", names}});
+void Watch_report::values(char const* what, services::Octets const& bytes, std::vector<std::string> const& names) {
+    auto const hex = base::to_hex(bytes);
+    print(what, hex + "  " + services::enumerate(names), {{"bytes", hex}, {"set", names}});
 }
 
 void Watch_report::print(std::string const& what, std::string const& text, nlohmann::json details) {

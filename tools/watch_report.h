@@ -2,7 +2,7 @@
 #define TOOLS_WATCH_REPORT_H
 
 #include "base/mutex.h"
-#include "tools/services/user_data_names.h"
+#include "services/user_data_names.h"
 
 #include <string>
 
@@ -12,19 +12,19 @@ namespace statectl {
 /// any thread.
 class Watch_report {
  public:
-    Watch_report(bool as_json, User_data_layout const& layout) : as_json_(as_json), layout_(layout) {}
+    Watch_report(bool as_json, services::User_data_layout const& layout) : as_json_(as_json), layout_(layout) {}
 
     void offered(std::string const& service, bool is_offered);
-    void network_state(Octets const& state);
-    void user_data(Octets const& data);
+    void network_state(services::Octets const& state);
+    void user_data(services::Octets const& data);
     void trouble(std::string const& text);
 
  private:
-    void values(char const* what, Octets const& bytes, std::vector<std::string> const& names);
+    void values(char const* what, services::Octets const& bytes, std::vector<std::string> const& names);
     void print(std::string const& what, std::string const& text, nlohmann::json details);
 
     bool const as_json_;
-    User_data_layout const layout_;
+    services::User_data_layout const layout_;
     base::Mutex mutex_;  ///< one line at a time
 };
 

@@ -8,7 +8,7 @@ namespace {
 
 /// The way to an instance that is offered. An offer that is on its way is awaited.
 template <class Proxy>
-std::shared_ptr<Proxy> way_to(statectl::Found_instance<Proxy>& instance, std::chrono::milliseconds patience) {
+std::shared_ptr<Proxy> way_to(services::Found_instance<Proxy>& instance, std::chrono::milliseconds patience) {
     auto proxy = instance.await(patience);
     if (!proxy) {
         throw tarq::com::Service_not_available_exception();

@@ -1,7 +1,7 @@
 #ifndef BENCH_APPLICATION_APPLICATION_H
 #define BENCH_APPLICATION_APPLICATION_H
 
-#include "tools/services/found_instance.h"
+#include "services/found_instance.h"
 #include "ximo/ap/statemanager/dsa_interface_proxy.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
 #include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
@@ -46,7 +46,7 @@ class Application {
 
  private:
     template <class Proxy>
-    using Found = statectl::Found_instance<Proxy>;
+    using Found = services::Found_instance<Proxy>;
 
     Found<ximo::ap::statemanager::proxy::StateManagementAliveInterfaceProxy> ecu_alive_;
     Found<ximo::ap::statemanager::proxy::StateManagementComAliveInterfaceProxy> com_alive_;

@@ -1,7 +1,7 @@
 #include "bench/application/commands.h"
 
+#include "base/hex.h"
 #include "bench/json_lines/clock.h"
-#include "bench/network/bits.h"
 
 namespace bench::application {
 
@@ -22,7 +22,7 @@ Means means_of(Arguments& arguments) {
 Request request_of(Arguments& arguments, Means means, bool with_number) {
     Request request;
     if (means == Means::com_alive) {
-        auto const bits = network::from_text(arguments.text("bits"));
+        auto const bits = base::from_hex(arguments.text("bits"));
         if (!bits) {
             throw Command_error("\"bits\" must be bytes such as \"00 00 01\"");
         }

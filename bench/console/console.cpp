@@ -105,7 +105,7 @@ class Terminal {
 
 class Session {
  public:
-    Session(vehicle::Machine& machine, statectl::User_data_layout const& layout) : machine_(machine) {
+    Session(vehicle::Machine& machine, services::User_data_layout const& layout) : machine_(machine) {
         hand_.applications = machine.applications();
         hand_.layout = layout;
     }
@@ -189,7 +189,7 @@ class Session {
 
 }  // namespace
 
-int run(vehicle::Machine& machine, std::string const& messages, statectl::User_data_layout const& layout) {
+int run(vehicle::Machine& machine, std::string const& messages, services::User_data_layout const& layout) {
     note_end_signals();  // the terminal is to be given back
     Terminal const terminal(messages);
     return Session(machine, layout).run();

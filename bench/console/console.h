@@ -2,7 +2,7 @@
 #define BENCH_CONSOLE_CONSOLE_H
 
 #include "bench/vehicle/machine.h"
-#include "tools/services/user_data_names.h"
+#include "services/user_data_names.h"
 
 #include <string>
 
@@ -10,7 +10,7 @@ namespace bench::console {
 
 /// Shows the machine in the terminal and turns the user's keys into the hypervisor's until the user quits. What its
 /// processes say on standard error meanwhile goes to the file `messages`. `layout` is that of the NM user data.
-int run(vehicle::Machine& machine, std::string const& messages, statectl::User_data_layout const& layout = {});
+int run(vehicle::Machine& machine, std::string const& messages, services::User_data_layout const& layout = {});
 
 }  // namespace bench::console
 

@@ -51,13 +51,13 @@ void Machine_view::take(vehicle::Event const& event) {
             bus_ = event.text;
             break;
         case Kind::network_state:
-            network_state_ = event.text;
+            network_state_ = event;
             break;
         case Kind::user_data:
-            user_data_ = event.text;
+            user_data_ = event;
             break;
         case Kind::application:
-            take_application(event.text);
+            take_application(event.act);
             break;
         case Kind::notification:
         case Kind::client:
@@ -86,25 +86,16 @@ void Machine_view::take_log(vehicle::Event const& event) {
     }
 }
 
-// "1 requests ecu_alive"; the application's name may have blanks in it.
-void Machine_view::take_application(std::string const& text) {
-    for (bool const is_request : {true, false}) {
-        std::string const verb = is_request ? " requests " : " releases ";
-        auto const position = text.rfind(verb);
-        if (position == std::string::npos) {
-            continue;
-        }
-        auto const entry = text.substr(0, position) + ' ' + text.substr(position + verb.size());
-        if (is_request) {
-            held_.insert(entry);
-        } else {
-            held_.erase(entry);
-        }
+void Machine_view::take_application(vehicle::Act const& act) {
+    if (act.what == "requests") {
+        held_.emplace(act.who, act.of);
+    } else {
+        held_.erase({act.who, act.of});
     }
 }
 
 bool Machine_view::holds(std::string const& application, std::string const& what) const {
-    return held_.count(application + ' ' + what) != 0;
+    return held_.count({application, what}) != 0;
 }
 
 void Machine_view::begin_life() {

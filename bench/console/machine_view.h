@@ -42,9 +42,12 @@ class Machine_view {
     std::size_t beats() const { return beats_; }
     std::optional<std::string> const& exit_status() const { return exit_status_; }  ///< once the daemon has ended
 
-    std::string const& bus() const { return bus_; }                      ///< state of the machine's node
-    std::string const& network_state() const { return network_state_; }  ///< bytes; empty before the first
-    std::string const& user_data() const { return user_data_; }
+    std::string const& bus() const { return bus_; }  ///< state of the machine's node
+
+    /// The last events; without text before the first.
+    vehicle::Event const& network_state() const { return network_state_; }
+    vehicle::Event const& user_data() const { return user_data_; }
+
     std::string const& ecu_state() const { return ecu_state_; }  ///< as the daemon tells it
 
     /// Whether an application has asked for "ecu_alive", "com_alive" or "cwu" and not given it back.
@@ -59,7 +62,7 @@ class Machine_view {
 
  private:
     void take_log(vehicle::Event const& event);
-    void take_application(std::string const& text);
+    void take_application(vehicle::Act const& act);
 
     std::string trouble_;
     std::string state_word_;
@@ -73,10 +76,10 @@ class Machine_view {
     std::size_t beats_{0};
     std::optional<std::string> exit_status_;
     std::string bus_;
-    std::string network_state_;
-    std::string user_data_;
+    vehicle::Event network_state_{0, vehicle::Kind::network_state, ""};
+    vehicle::Event user_data_{0, vehicle::Kind::user_data, ""};
     std::string ecu_state_;
-    std::set<std::string> held_;  ///< application and what, with a blank between
+    std::set<std::pair<std::string, std::string>> held_;  ///< application and what
 };
 
 }  // namespace bench::console

@@ -1,5 +1,7 @@
 #include "bench/console/network_keys.h"
 
+#include "base/hex.h"
+
 #include <map>
 #include <string>
 
@@ -16,7 +18,7 @@ void toggle(char const* what, vehicle::Machine& machine, Machine_view const& vie
     bool const is_held = view.holds(name, what);
     json command{{"do", is_held ? "release" : "request"}, {"what", what}, {"wait_ms", 0}};
     if (std::string(what) == "com_alive") {
-        command["bits"] = statectl::hexadecimal({0, static_cast<std::uint8_t>(1U << hand.chosen % 8)});
+        command["bits"] = base::to_hex(services::Octets{0, static_cast<std::uint8_t>(1U << hand.chosen % 8)});
     }
     if (!is_held && std::string(what) != "ecu_alive") {
         command["ac"] = hand.chosen + 1;

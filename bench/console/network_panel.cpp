@@ -10,14 +10,6 @@ namespace {
 constexpr std::size_t k_values = 11;
 constexpr std::size_t k_names = 32;
 
-statectl::Octets octets_in(std::string const& hexadecimal) {
-    statectl::Octets octets;
-    for (std::size_t position = 0; position + 1 < hexadecimal.size(); position += 3) {
-        octets.push_back(static_cast<std::uint8_t>(std::stoul(hexadecimal.substr(position, 2), nullptr, 16)));
-    }
-    return octets;
-}
-
 void draw_line(Canvas& canvas, std::size_t row, char const* title, std::string const& value, std::string const& names) {
     canvas.put(row, 0, std::string(title), Style::title);
     canvas.put(row, k_values, value.empty() ? "-" : value);
@@ -47,10 +39,10 @@ std::size_t draw_application(Canvas& canvas, std::size_t row, std::size_t column
 
 void draw_network(Canvas& canvas, std::size_t row, Machine_view const& machine, Network_hand const& hand) {
     draw_line(canvas, row, "Network", machine.bus().empty() ? "bus sleep" : machine.bus(), others(hand));
-    draw_line(canvas, row + 1, "State", machine.network_state(),
-              statectl::enumerate(statectl::network_state_names(octets_in(machine.network_state()))));
-    draw_line(canvas, row + 2, "User data", machine.user_data(),
-              statectl::enumerate(statectl::user_data_names(octets_in(machine.user_data()), hand.layout)));
+    draw_line(canvas, row + 1, "State", machine.network_state().text,
+              services::enumerate(services::network_state_names(machine.network_state().octets)));
+    draw_line(canvas, row + 2, "User data", machine.user_data().text,
+              services::enumerate(services::user_data_names(machine.user_data().octets, hand.layout)));
     draw_line(canvas, row + 3, "ECU", machine.ecu_state(), "");
     canvas.put(row + 4, 0, std::string("Holding"), Style::title);
     std::size_t column = k_values;

@@ -3,7 +3,7 @@
 
 #include "bench/console/canvas.h"
 #include "bench/console/machine_view.h"
-#include "tools/services/user_data_names.h"
+#include "services/user_data_names.h"
 
 #include <cstddef>
 #include <string>
@@ -18,7 +18,7 @@ struct Network_hand {
     bool others_need_network{false};
     bool others_silent{false};
     bool instead_of_clients{false};  ///< where the terminal is too small for both
-    statectl::User_data_layout layout;
+    services::User_data_layout layout;
 };
 
 inline constexpr std::size_t k_network_rows = 6;

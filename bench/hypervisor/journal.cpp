@@ -1,9 +1,9 @@
 #include "bench/hypervisor/journal.h"
 
+#include "base/hex.h"
 #include "bench/json_lines/arguments.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace bench::hypervisor {
 
@@ -13,17 +13,6 @@ using nlohmann::json;
 
 bool readable_text(std::string const& bytes) {
     return std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte >= ' ' && byte <= '~'; });
-}
-
-std::string hexadecimal(std::string const& bytes) {
-    constexpr std::string_view k_digits = "0123456789abcdef";
-    std::string text;
-    for (char const byte : bytes) {
-        auto const value = static_cast<unsigned char>(byte);
-        text.push_back(k_digits[value >> 4U]);
-        text.push_back(k_digits[value & 15U]);
-    }
-    return text;
 }
 
 }  // namespace
@@ -42,7 +31,7 @@ json describe(std::string const& file, Request const& request) {
                 {"offset", request.offset},
                 {"text", request.bytes}};
     if (!readable_text(request.bytes)) {
-        result["hex"] = hexadecimal(request.bytes);
+        result["hex"] = base::to_hex(request.bytes, "");
     }
     if (request.error != 0) {
         result["errno"] = errno_name(request.error);

@@ -1,7 +1,6 @@
 #include "bench/network/bits.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace bench::network {
 
@@ -31,35 +30,6 @@ void clear_bits(Bits& target, Bits const& bits) {
     for (std::size_t byte = 0; byte < std::min(target.size(), bits.size()); ++byte) {
         target[byte] = static_cast<std::uint8_t>(target[byte] & ~bits[byte]);
     }
-}
-
-std::string to_text(Bits const& bits) {
-    constexpr char const* digits = "0123456789abcdef";
-    std::string text;
-    for (auto const byte : bits) {
-        text += text.empty() ? "" : " ";
-        text += digits[byte >> 4U];
-        text += digits[byte & 0xfU];
-    }
-    return text;
-}
-
-std::optional<Bits> from_text(std::string const& text) {
-    Bits bits;
-    for (std::size_t position = 0; position < text.size();) {
-        if (text[position] == ' ') {
-            ++position;
-            continue;
-        }
-        auto const pair = text.substr(position, 2);
-        if (pair.size() != 2 ||
-            !std::all_of(pair.begin(), pair.end(), [](unsigned char digit) { return std::isxdigit(digit) != 0; })) {
-            return std::nullopt;
-        }
-        bits.push_back(static_cast<std::uint8_t>(std::stoul(pair, nullptr, 16)));
-        position += 2;
-    }
-    return bits;
 }
 
 }  // namespace bench::network

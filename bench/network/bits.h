@@ -1,9 +1,8 @@
 #ifndef BENCH_NETWORK_BITS_H
 #define BENCH_NETWORK_BITS_H
 
+#include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
 #include <vector>
 
 namespace bench::network {
@@ -20,12 +19,6 @@ bool any_behind(Bits const& bits, std::size_t length);
 /// Sets or clears in `target` what is set in `bits`; `target` keeps its length.
 void set_bits(Bits& target, Bits const& bits);
 void clear_bits(Bits& target, Bits const& bits);
-
-/// Two lower-case hexadecimal digits a byte, with blanks between: "00 00 01 00".
-std::string to_text(Bits const& bits);
-
-/// The bytes of such a text, with or without the blanks and in either case; nothing when it is none.
-std::optional<Bits> from_text(std::string const& text);
 
 }  // namespace bench::network
 

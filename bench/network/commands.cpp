@@ -1,5 +1,7 @@
 #include "bench/network/commands.h"
 
+#include "base/hex.h"
+
 namespace bench::network {
 
 namespace {
@@ -15,20 +17,20 @@ Bits requests_of(Network_player const& player, Arguments& arguments) {
 json request(Network_player& player, Arguments& arguments) {
     auto const bits = requests_of(player, arguments);
     player.act([&](Nm_node& node, Time now) { node.request(bits, now); });
-    return {{"requests", to_text(player.node().requests())}};
+    return {{"requests", base::to_hex(player.node().requests())}};
 }
 
 json release(Network_player& player, Arguments& arguments) {
     auto const bits = requests_of(player, arguments);
     player.act([&](Nm_node& node, Time now) { node.release(bits, now); });
-    return {{"requests", to_text(player.node().requests())}};
+    return {{"requests", base::to_hex(player.node().requests())}};
 }
 
 json set_user_data(Network_player& player, Arguments& arguments) {
     auto const data = bytes_of(arguments, "bytes", k_most_user_data);
     arguments.end();
     player.act([&](Nm_node& node, Time /*now*/) { node.set_user_data(data); });
-    return {{"user_data", to_text(data)}};
+    return {{"user_data", base::to_hex(data)}};
 }
 
 json repeat_message(Network_player& player, Arguments& arguments) {
@@ -75,14 +77,14 @@ json list(Network_player& player, Arguments& arguments) {
     for (auto const& [id, peer] : node.peers()) {
         nodes.push_back({{"node", id},
                          {"control", peer.control},
-                         {"requests", to_text(peer.requests)},
-                         {"user_data", to_text(peer.user_data)}});
+                         {"requests", base::to_hex(peer.requests)},
+                         {"user_data", base::to_hex(peer.user_data)}});
     }
     return {{"node", node.id()},
             {"state", name(node.state())},
-            {"network_state", to_text(node.network_state())},
-            {"requests", to_text(node.requests())},
-            {"user_data", to_text(node.user_data())},
+            {"network_state", base::to_hex(node.network_state())},
+            {"requests", base::to_hex(node.requests())},
+            {"user_data", base::to_hex(node.user_data())},
             {"silent", node.silent()},
             {"nodes", nodes}};
 }
@@ -90,7 +92,7 @@ json list(Network_player& player, Arguments& arguments) {
 }  // namespace
 
 Bits bytes_of(Arguments& arguments, std::string const& name, std::size_t most) {
-    auto const bytes = from_text(arguments.text(name));
+    auto const bytes = base::from_hex(arguments.text(name));
     if (!bytes) {
         throw Command_error("\"" + name + "\" must be bytes such as \"00 00 01 00\"");
     }

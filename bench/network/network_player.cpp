@@ -1,5 +1,7 @@
 #include "bench/network/network_player.h"
 
+#include "base/hex.h"
+
 namespace bench::network {
 
 namespace {
@@ -47,7 +49,7 @@ void Network_player::receive_all() {
             act([&](Nm_node& node, Time time) { node.receive(*message, time); });
         } else {
             loop_.event("malformed",
-                        {{"from", address_text(datagram->from.address)}, {"bytes", to_text(datagram->bytes)}});
+                        {{"from", address_text(datagram->from.address)}, {"bytes", base::to_hex(datagram->bytes)}});
         }
     }
 }
@@ -69,7 +71,7 @@ void Network_player::state_changed(Nm_state from, Nm_state to) {
 }
 
 void Network_player::network_state(Bits const& requests) {
-    loop_.event("network_state", {{"bits", to_text(requests)}});
+    loop_.event("network_state", {{"bits", base::to_hex(requests)}});
     if (listener_) {
         listener_(requests);
     }
@@ -85,8 +87,8 @@ void Network_player::tell_news(char const* direction, Nm_message const& message)
     loop_.event("message", {{"direction", direction},
                             {"node", message.node},
                             {"control", message.control},
-                            {"requests", to_text(message.requests)},
-                            {"user_data", to_text(message.user_data)}});
+                            {"requests", base::to_hex(message.requests)},
+                            {"user_data", base::to_hex(message.user_data)}});
 }
 
 void Network_player::start_capture(std::string const& path) {

@@ -1,9 +1,11 @@
 #include "bench/network/pending_calls.h"
 
+#include "base/hex.h"
+
 namespace bench::network {
 
 void Pending_calls::tell(std::string const& method, Bits const& bytes) {
-    loop_.event("call", {{"method", method}, {"bytes", to_text(bytes)}});
+    loop_.event("call", {{"method", method}, {"bytes", base::to_hex(bytes)}});
 }
 
 void Pending_calls::answer(Call_reaction const& reaction, Answering answering) {

@@ -107,7 +107,7 @@ int console(fs::path const& build) {
     vehicle.change_configuration(
         {{"ap_statemanager", {{"ApplicationSuspendRequestTimeout", 10}, {"DMSuspendRequestTimeout", 10}}}});
     return bench::console::run(vehicle, "/tmp/stderr",
-                               statectl::layout_in(nlohmann::json::parse(options.configuration)));
+                               services::layout_in(nlohmann::json::parse(options.configuration)));
 }
 
 bool has_terminal() {

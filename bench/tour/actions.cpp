@@ -54,8 +54,12 @@ Action change(nlohmann::json const& settings) {
     return [settings](Machine& machine) { machine.change_configuration({{"ap_statemanager", settings}}); };
 }
 
+Expectation seen(vehicle::Act const& act) {
+    return {Kind::client, text_of(act), false, act.who};
+}
+
 Expectation asked(std::string const& client, std::string const& state) {
-    return {Kind::client, client + " asked " + state};
+    return seen({client, "asked", state});
 }
 
 Expectation outcome(std::string const& client, std::string const& how) {

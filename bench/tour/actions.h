@@ -37,7 +37,8 @@ Action hold_answers(bool held);
 Expectation transition(std::string const& from, std::string const& to);
 Expectation word(std::string const& text);
 
-/// A client is asked for a state; what the log says of its answer.
+/// A client does something; is asked for a state; what the log says of its answer.
+Expectation seen(vehicle::Act const& act);
 Expectation asked(std::string const& client, std::string const& state);
 Expectation outcome(std::string const& client, std::string const& how);
 

@@ -1,7 +1,6 @@
 #include "bench/tour/client_bars.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace bench::tour {
 
@@ -12,22 +11,8 @@ using Outcome = Client_bar::Outcome;
 
 namespace {
 
-struct Words {
-    std::string client;
-    std::string what;
-    std::string state;
-    int status{0};
-};
-
-Words words_of(Event const& event) {
-    Words words;
-    std::istringstream text(event.text);
-    text >> words.client >> words.what >> words.state >> words.status;
-    return words;
-}
-
 bool is_of(Event const& event, std::string const& client) {
-    return event.kind == Kind::client && words_of(event).client == client;
+    return event.kind == Kind::client && event.act.who == client;
 }
 
 bool times_out(Event const& event, std::string const& client) {
@@ -36,16 +21,14 @@ bool times_out(Event const& event, std::string const& client) {
 
 // Up to the client's next event, whatever it is; one that is given up stays in its debt until then.
 Client_bar bar_from(Timeline const& events, Timeline::const_iterator asked) {
-    auto const words = words_of(*asked);
-    auto const next =
-        std::find_if(asked + 1, events.end(), [&](auto const& event) { return is_of(event, words.client); });
-    bool const is_given_up =
-        std::any_of(asked, next, [&](auto const& event) { return times_out(event, words.client); });
+    auto const& act = asked->act;
+    auto const next = std::find_if(asked + 1, events.end(), [&](auto const& event) { return is_of(event, act.who); });
+    bool const is_given_up = std::any_of(asked, next, [&](auto const& event) { return times_out(event, act.who); });
     auto outcome = Outcome::missing;
-    if (next != events.end() && !is_given_up && words_of(*next).what == "answered") {
-        outcome = words_of(*next).status == 0 ? Outcome::done : Outcome::failed;
+    if (next != events.end() && !is_given_up && next->act.what == "answered") {
+        outcome = next->act.status == 0 ? Outcome::done : Outcome::failed;
     }
-    return {words.client, words.state, asked->time, next != events.end() ? next->time : events.back().time, outcome};
+    return {act.who, act.of, asked->time, next != events.end() ? next->time : events.back().time, outcome};
 }
 
 }  // namespace
@@ -53,7 +36,7 @@ Client_bar bar_from(Timeline const& events, Timeline::const_iterator asked) {
 std::vector<Client_bar> client_bars(Timeline const& events) {
     std::vector<Client_bar> bars;
     for (auto event = events.begin(); event != events.end(); ++event) {
-        if (event->kind == Kind::client && words_of(*event).what == "asked") {
+        if (event->kind == Kind::client && event->act.what == "asked") {
             bars.push_back(bar_from(events, event));
         }
     }
@@ -63,7 +46,7 @@ std::vector<Client_bar> client_bars(Timeline const& events) {
 std::vector<std::string> clients_in(Timeline const& events) {
     std::vector<std::string> clients;
     for (auto const& event : events) {
-        auto const client = event.kind == Kind::client ? words_of(event).client : "";
+        auto const client = event.kind == Kind::client ? event.act.who : "";
         if (!client.empty() && std::find(clients.begin(), clients.end(), client) == clients.end()) {
             clients.push_back(client);
         }

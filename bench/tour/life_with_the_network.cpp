@@ -87,7 +87,7 @@ std::vector<Step> suspend_and_resume() {
           word("preparing"),
           {Kind::user_data, "00 00 00 00 00 00"},
           {Kind::power_off, "lookup vyn_per_daemon"},
-          {Kind::client, "diag::dcm asked kPrepSD"}},
+          asked("diag::dcm", "kPrepSD")},
          {"Post Run 5"}},
         {"It waits for a client", nothing(), stays(), {"Preparing 2"}},
         {"The client has stood by",

@@ -24,8 +24,7 @@ std::string describe(Expectation const& expectation) {
 using Thread = std::pair<vehicle::Kind, std::string>;
 
 Thread thread_of(Expectation const& expectation) {
-    bool const is_of_client = expectation.kind == vehicle::Kind::client;
-    return {expectation.kind, is_of_client ? expectation.text.substr(0, expectation.text.find(' ')) : ""};
+    return {expectation.kind, expectation.who};
 }
 
 double seconds_since(std::int64_t start, std::int64_t time) {

@@ -19,6 +19,7 @@ struct Expectation {
     vehicle::Kind kind;
     std::string text;
     bool is_absence{false};  ///< no event of the kind, whatever its text, from the step's begin to its end
+    std::string who{};       ///< of a client: which
 };
 
 /// One step of the tour: something is done, and each expectation must be seen after it.

@@ -21,20 +21,20 @@ void take_limit(json const& configuration, char const* place, std::int64_t& limi
     }
 }
 
-/// "radio answered kOn 0" and the like; empty for what is the player's own business.
-std::string text_of(std::string const& name, json const& message) {
+/// Nothing for what is the player's own business.
+std::optional<Act> act_of(std::string const& name, json const& message) {
     auto const event = message.value("event", "");
     auto const state = message.value("state", "");
     if (event == "request") {
-        return name + " asked " + state;
+        return Act{name, "asked", state};
     }
     if (event == "answer") {
-        return name + " answered " + state + ' ' + std::to_string(message.value("status", 0));
+        return Act{name, "answered", state, message.value("status", 0)};
     }
     if (event == "connected") {
-        return name + " connected " + state;
+        return Act{name, event, state};
     }
-    return event == "disconnected" ? name + " disconnected" : "";
+    return event == "disconnected" ? std::optional<Act>({name, event}) : std::nullopt;
 }
 
 }  // namespace
@@ -47,8 +47,8 @@ Answer_limits limits_in(json const& configuration) {
 }
 
 std::optional<Event> Client_record::take(json const& message, Answer_limits const& limits) {
-    auto text = text_of(status_.name, message);
-    if (text.empty()) {
+    auto act = act_of(status_.name, message);
+    if (!act) {
         return std::nullopt;
     }
     auto const event = message.at("event").get<std::string>();
@@ -57,7 +57,7 @@ std::optional<Event> Client_record::take(json const& message, Answer_limits cons
     status_.state = is_request ? status_.state : message.at("state").get<std::string>();
     status_.owed = is_request ? message.at("state").get<std::string>() : "";
     status_.deadline = is_request ? deadline_of(message, limits) : 0;
-    return Event{message.at("t").get<std::int64_t>(), Kind::client, std::move(text)};
+    return event_of(message.at("t").get<std::int64_t>(), Kind::client, *std::move(act));
 }
 
 // Nobody waits for the answer to the request that comes when a client connects; its number is 0.
@@ -70,7 +70,7 @@ Event Client_record::take_end(std::int64_t time) {
     status_.is_running = status_.is_connected = false;
     status_.owed.clear();
     status_.deadline = 0;
-    return {time, Kind::client, status_.name + " crashed"};
+    return event_of(time, Kind::client, {status_.name, "crashed"});
 }
 
 void Client_record::begin() {

@@ -1,5 +1,6 @@
 #include "bench/vehicle/player_events.h"
 
+#include "base/hex.h"
 #include "bench/process/player.h"
 
 namespace bench::vehicle {
@@ -19,6 +20,10 @@ std::string machine_state_of(std::string const& unit) {
 
 std::int64_t time_of(json const& message) {
     return message.at("t").get<std::int64_t>();
+}
+
+std::vector<std::uint8_t> octets_of(json const& message, char const* member) {
+    return base::from_hex(message.at(member).get<std::string>()).value_or(std::vector<std::uint8_t>());
 }
 
 }  // namespace
@@ -50,10 +55,10 @@ Timeline events_of_node(json const& message) {
         return {{time_of(message), Kind::bus, message.at("to").get<std::string>()}};
     }
     if (has_members(message, {{"event", "network_state"}})) {
-        return {{time_of(message), Kind::network_state, message.at("bits").get<std::string>()}};
+        return {event_of_octets(time_of(message), Kind::network_state, octets_of(message, "bits"))};
     }
     if (has_members(message, {{"event", "call"}, {"method", "SetUserData"}})) {
-        return {{time_of(message), Kind::user_data, message.at("bytes").get<std::string>()}};
+        return {event_of_octets(time_of(message), Kind::user_data, octets_of(message, "bytes"))};
     }
     return {};
 }
@@ -64,8 +69,8 @@ std::optional<Event> event_of_application(std::string const& neighbour, json con
     if (neighbour.rfind(prefix, 0) != 0 || (does != "request" && does != "release")) {
         return std::nullopt;
     }
-    auto const text = neighbour.substr(prefix.size()) + ' ' + does + "s " + command.value("what", "");
-    return Event{answer.value("t", std::int64_t{0}), Kind::application, text};
+    return event_of(answer.value("t", std::int64_t{0}), Kind::application,
+                    {neighbour.substr(prefix.size()), does + 's', command.value("what", "")});
 }
 
 }  // namespace bench::vehicle

@@ -14,7 +14,7 @@ Timeline events_of_hypervisor(nlohmann::json const& message);
 Timeline events_of_service_manager(nlohmann::json const& message);
 Timeline events_of_node(nlohmann::json const& message);
 
-/// "1 requests com_alive" for what "application 1" was told and did; nothing for other neighbours and commands.
+/// The act of an application for what "application 1" was told and did; nothing for other neighbours and commands.
 std::optional<Event> event_of_application(std::string const& neighbour, nlohmann::json const& command,
                                           nlohmann::json const& answer);
 

@@ -1,6 +1,30 @@
 #include "bench/vehicle/timeline.h"
 
+#include "base/hex.h"
+
+#include <utility>
+
 namespace bench::vehicle {
+
+std::string text_of(Act const& act) {
+    auto text = act.who + ' ' + act.what;
+    if (!act.of.empty()) {
+        text += ' ' + act.of;
+    }
+    return act.what == "answered" ? text + ' ' + std::to_string(act.status) : text;
+}
+
+Event event_of(std::int64_t time, Kind kind, Act act) {
+    Event event{time, kind, text_of(act)};
+    event.act = std::move(act);
+    return event;
+}
+
+Event event_of_octets(std::int64_t time, Kind kind, std::vector<std::uint8_t> octets) {
+    Event event{time, kind, base::to_hex(octets)};
+    event.octets = std::move(octets);
+    return event;
+}
 
 char const* name(Kind kind) {
     switch (kind) {

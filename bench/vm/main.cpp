@@ -82,7 +82,7 @@ int tour(Virtual_machine& machine, std::ofstream& picture) {
 }
 
 int console(Virtual_machine& machine) {
-    return bench::console::run(machine, "/dev/null", statectl::layout_in(machine.configuration()));
+    return bench::console::run(machine, "/dev/null", services::layout_in(machine.configuration()));
 }
 
 int visit(Arguments const& arguments) {

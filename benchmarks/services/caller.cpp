@@ -5,8 +5,8 @@
 // Writes "ready" when it has found the service, waits for a line, calls for the given time and writes how many calls
 // were answered. "changing" requests and releases a bit of its own in turn, "repeated" requests the same one each time.
 
+#include "services/found_instance.h"
 #include "tarq/com/runtime/component_singleton.h"
-#include "tools/services/found_instance.h"
 #include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
 
 #include <chrono>
@@ -44,7 +44,7 @@ int answered_calls(Proxy& proxy, std::vector<std::uint8_t> const& bits, bool cha
 
 int run(std::string const& instance, bool changing, std::chrono::milliseconds time) {
     tarq::com::runtime::Component_singleton const communication(false, "");
-    statectl::Found_instance<Proxy> service(instance);
+    services::Found_instance<Proxy> service(instance);
     auto const proxy = service.await(std::chrono::seconds(10));
     if (!proxy) {
         throw std::runtime_error("no service " + instance);

@@ -1,6 +1,7 @@
 #include "ara/log/argument_decoder.h"
 
 #include "ara/log/argument_encoder.h"
+#include "base/hex.h"
 
 #include <cstring>
 #include <optional>
@@ -105,16 +106,7 @@ struct To_text {
     std::string operator()(bool value) const { return value ? "true" : "false"; }
     std::string operator()(std::int64_t value) const { return std::to_string(value); }
     std::string operator()(std::uint64_t value) const { return std::to_string(value); }
-    std::string operator()(std::vector<std::uint8_t> const& bytes) const {
-        constexpr char const* digits = "0123456789abcdef";
-        std::string text;
-        for (auto const byte : bytes) {
-            text += text.empty() ? "" : "'";
-            text += digits[byte >> 4U];
-            text += digits[byte & 0xfU];
-        }
-        return text;
-    }
+    std::string operator()(std::vector<std::uint8_t> const& bytes) const { return base::to_hex(bytes, "'"); }
 };
 
 }  // namespace

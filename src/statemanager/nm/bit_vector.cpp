@@ -1,5 +1,7 @@
 #include "statemanager/nm/bit_vector.h"
 
+#include "base/hex.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -52,13 +54,7 @@ bool has_bits(Bit_vector const& bits) {
 }
 
 std::string bitvector2str(Bit_vector const& bytes) {
-    constexpr char const* digits = "0123456789abcdef";
-    std::string text;
-    text.reserve(bytes.size() * 3);
-    for (unsigned const byte : bytes) {
-        text += {digits[byte >> 4U], digits[byte & 0x0FU], ' '};
-    }
-    return text;
+    return bytes.empty() ? "" : base::to_hex(bytes) + ' ';
 }
 
 }  // namespace ximo::ap::statemanager

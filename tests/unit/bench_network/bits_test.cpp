@@ -36,22 +36,5 @@ TEST(Bits_test, Clearing_takes_away_and_keeps_the_length) {
     EXPECT_THAT(sut, testing::ElementsAre(0x02, 0xf0));
 }
 
-TEST(Bits_test, The_text_has_two_digits_a_byte_and_blanks_between) {
-    EXPECT_EQ(to_text({0x00, 0x0a, 0xf1}), "00 0a f1");
-    EXPECT_EQ(to_text({}), "");
-}
-
-TEST(Bits_test, A_text_is_read_with_and_without_blanks_and_in_either_case) {
-    EXPECT_THAT(*from_text("00 0A f1"), testing::ElementsAre(0x00, 0x0a, 0xf1));
-    EXPECT_THAT(*from_text(" 000af1 "), testing::ElementsAre(0x00, 0x0a, 0xf1));
-    EXPECT_THAT(*from_text(""), testing::IsEmpty());
-}
-
-TEST(Bits_test, What_is_no_text_of_bytes_is_refused) {
-    for (auto const* text : {"0", "0 1", "012", "0g", "0x1", "-1", "+1", "\t1"}) {
-        EXPECT_FALSE(from_text(text)) << text;
-    }
-}
-
 }  // namespace
 }  // namespace bench::network

@@ -1,6 +1,7 @@
 #ifndef TESTS_UNIT_BENCH_NETWORK_NM_FIXTURE_H
 #define TESTS_UNIT_BENCH_NETWORK_NM_FIXTURE_H
 
+#include "base/hex.h"
 #include "bench/network/nm_node.h"
 
 #include <string>
@@ -16,7 +17,7 @@ class Recorded_environment : public Nm_environment {
  public:
     void send(Nm_message const& message) override { sent.push_back(message); }
     void state_changed(Nm_state /*from*/, Nm_state to) override { doings.emplace_back(name(to)); }
-    void network_state(Bits const& requests) override { doings.push_back("[" + to_text(requests) + "]"); }
+    void network_state(Bits const& requests) override { doings.push_back("[" + base::to_hex(requests) + "]"); }
 
     std::vector<Nm_message> sent;
     std::vector<std::string> doings;  ///< states entered and, in brackets, network states told

@@ -11,6 +11,10 @@ using vehicle::Kind;
 using vehicle::Timeline;
 using Outcome = Client_bar::Outcome;
 
+vehicle::Event of_client(std::int64_t time, vehicle::Act act) {
+    return event_of(time, Kind::client, std::move(act));
+}
+
 Client_bar the_only_bar(Timeline const& events) {
     auto const bars = client_bars(events);
     EXPECT_EQ(bars.size(), 1U);
@@ -19,14 +23,14 @@ Client_bar the_only_bar(Timeline const& events) {
 
 TEST(Client_bars, Are_none_where_nobody_is_asked) {
     EXPECT_THAT(client_bars({}), IsEmpty());
-    EXPECT_THAT(client_bars({{1, Kind::client, "radio connected kOn"}, {2, Kind::log, "radio asked kOn"}}), IsEmpty());
+    EXPECT_THAT(client_bars({of_client(1, {"radio", "connected", "kOn"}), {2, Kind::log, "radio asked kOn"}}),
+                IsEmpty());
 }
 
 TEST(Client_bars, Last_from_the_request_to_the_answer_of_that_client) {
-    auto const bar = the_only_bar({{10, Kind::client, "radio asked kPrepSD"},
-                                   {20, Kind::client, "tv answered kPrepSD 0"},
-                                   {30, Kind::client, "radio answered kPrepSD 0"},
-                                   {40, Kind::client, "radio disconnected"}});
+    auto const bar =
+        the_only_bar({of_client(10, {"radio", "asked", "kPrepSD"}), of_client(20, {"tv", "answered", "kPrepSD"}),
+                      of_client(30, {"radio", "answered", "kPrepSD"}), of_client(40, {"radio", "disconnected"})});
     EXPECT_EQ(bar.client, "radio");
     EXPECT_EQ(bar.state, "kPrepSD");
     EXPECT_EQ(bar.begin, 10);
@@ -34,26 +38,35 @@ TEST(Client_bars, Last_from_the_request_to_the_answer_of_that_client) {
     EXPECT_EQ(bar.outcome, Outcome::done);
 }
 
+TEST(Client_bars, Are_those_of_a_name_with_blanks_too) {
+    auto const bar =
+        the_only_bar({of_client(1, {"my radio", "asked", "kOn"}), of_client(2, {"my radio", "answered", "kOn"})});
+    EXPECT_EQ(bar.client, "my radio");
+    EXPECT_EQ(bar.state, "kOn");
+    EXPECT_EQ(bar.outcome, Outcome::done);
+}
+
 TEST(Client_bars, Tell_a_failure) {
-    EXPECT_EQ(the_only_bar({{1, Kind::client, "radio asked kOn"}, {2, Kind::client, "radio answered kOn 1"}}).outcome,
-              Outcome::failed);
+    EXPECT_EQ(
+        the_only_bar({of_client(1, {"radio", "asked", "kOn"}), of_client(2, {"radio", "answered", "kOn", 1})}).outcome,
+        Outcome::failed);
 }
 
 TEST(Client_bars, Tell_a_missing_answer) {
-    auto const bar = the_only_bar({{1, Kind::client, "radio asked kOn"}, {9, Kind::key, "p"}});
+    auto const bar = the_only_bar({of_client(1, {"radio", "asked", "kOn"}), {9, Kind::key, "p"}});
     EXPECT_EQ(bar.outcome, Outcome::missing);
     EXPECT_EQ(bar.end, 9) << "up to the end of what was seen";
-    for (char const* const end : {"radio disconnected", "radio crashed"}) {
-        EXPECT_EQ(the_only_bar({{1, Kind::client, "radio asked kOn"}, {2, Kind::client, end}}).outcome,
+    for (char const* const end : {"disconnected", "crashed"}) {
+        EXPECT_EQ(the_only_bar({of_client(1, {"radio", "asked", "kOn"}), of_client(2, {"radio", end})}).outcome,
                   Outcome::missing);
     }
 }
 
 TEST(Client_bars, Count_an_answer_as_missing_that_came_too_late) {
     auto const late = [](char const* log) {
-        return the_only_bar({{1, Kind::client, "radio asked kOn"},
+        return the_only_bar({of_client(1, {"radio", "asked", "kOn"}),
                              {2, Kind::log, log},
-                             {3, Kind::client, "radio answered kOn 0"}})
+                             of_client(3, {"radio", "answered", "kOn"})})
             .outcome;
     };
     EXPECT_EQ(late("State notification client [ radio ] timed out"), Outcome::missing);
@@ -61,10 +74,10 @@ TEST(Client_bars, Count_an_answer_as_missing_that_came_too_late) {
 }
 
 TEST(Client_bars, Name_each_client_once) {
-    EXPECT_THAT(clients_in({{1, Kind::client, "radio connected kOn"},
+    EXPECT_THAT(clients_in({of_client(1, {"radio", "connected", "kOn"}),
                             {2, Kind::log, "tv asked kOn"},
-                            {3, Kind::client, "diag::dem connected kOn"},
-                            {4, Kind::client, "radio asked kOn"}}),
+                            of_client(3, {"diag::dem", "connected", "kOn"}),
+                            of_client(4, {"radio", "asked", "kOn"})}),
                 ElementsAre("radio", "diag::dem"));
 }
 

@@ -88,10 +88,10 @@ TEST(Picture, Puts_events_in_the_order_of_their_times) {
 
 TEST(Picture, Has_a_lane_for_each_client_with_what_it_owed) {
     auto const picture = draw({{0, Kind::key, "p"},
-                               {k_second, Kind::client, "radio asked kPrepSD"},
-                               {3 * k_second, Kind::client, "radio answered kPrepSD 0"},
+                               event_of(k_second, Kind::client, {"my radio", "asked", "kPrepSD"}),
+                               event_of(3 * k_second, Kind::client, {"my radio", "answered", "kPrepSD"}),
                                {4 * k_second, Kind::key, "r"}});
-    EXPECT_THAT(picture, HasSubstr(">radio<"));
+    EXPECT_THAT(picture, HasSubstr(">my radio<"));
     auto const begins = numbers(picture, k_bar);
     auto const widths = numbers(picture, k_bar_width);
     ASSERT_EQ(begins.size(), 1U);

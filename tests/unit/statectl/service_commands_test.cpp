@@ -65,16 +65,6 @@ TEST_F(Service_commands, List_and_watch) {
     EXPECT_FALSE(accepts("watch --config /nowhere/at/all.json"));
 }
 
-TEST(Octets_in_text, Are_two_hexadecimal_digits_each) {
-    EXPECT_TRUE(is_octets(""));
-    EXPECT_TRUE(is_octets("0aFf"));
-    EXPECT_TRUE(is_octets("0a ff 01"));
-    EXPECT_FALSE(is_octets("0"));
-    EXPECT_FALSE(is_octets("0x01"));
-    EXPECT_THAT(octets_in("0a FF01"), ElementsAre(0x0a, 0xff, 0x01));
-    EXPECT_THAT(octets_in(""), IsEmpty());
-}
-
 TEST(Time_text, Has_milliseconds_and_the_offset_of_the_time_zone) {
     ::setenv("TZ", "UTC-2", 1);
     ::tzset();

@@ -1,6 +1,7 @@
 #include "ara/com/dds/entities/guid.h"
 
 #include "ara/com/dds/entities/entity.h"
+#include "base/hex.h"
 
 #include <algorithm>
 #include <iterator>
@@ -23,13 +24,7 @@ Guid guid_of(dds_entity_t entity) {
 }
 
 std::string to_text(Guid const& guid) {
-    constexpr char const* k_digits = "0123456789abcdef";
-    std::string text;
-    for (auto const byte : guid) {
-        text += k_digits[byte >> 4];
-        text += k_digits[byte & 15];
-    }
-    return text;
+    return base::to_hex(guid, "");
 }
 
 }  // namespace ara::com::dds

@@ -1,5 +1,5 @@
-#ifndef TOOLS_SERVICES_USER_DATA_NAMES_H
-#define TOOLS_SERVICES_USER_DATA_NAMES_H
+#ifndef SERVICES_USER_DATA_NAMES_H
+#define SERVICES_USER_DATA_NAMES_H
 
 #include <cstddef>
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace statectl {
+namespace services {
 
 /// What the bits of the network mean to people. Bit k is bit k mod 8 of byte k / 8, counted from the least significant.
 using Octets = std::vector<std::uint8_t>;
@@ -35,9 +35,6 @@ std::vector<std::string> network_state_names(Octets const& state);
 /// "a, b, c"; "none" for an empty list.
 std::string enumerate(std::vector<std::string> const& names);
 
-/// Two hexadecimal digits a byte, with blanks between.
-std::string hexadecimal(Octets const& bytes);
-
-}  // namespace statectl
+}  // namespace services
 
 #endif

@@ -1,6 +1,6 @@
-#include "tools/services/user_data_names.h"
+#include "services/user_data_names.h"
 
-namespace statectl {
+namespace services {
 
 namespace {
 
@@ -78,15 +78,4 @@ std::string enumerate(std::vector<std::string> const& names) {
     return text.empty() ? "none" : text;
 }
 
-std::string hexadecimal(Octets const& bytes) {
-    constexpr char const* k_digits = "0123456789abcdef";
-    std::string text;
-    for (auto const byte : bytes) {
-        text += text.empty() ? "" : " ";
-        text += k_digits[byte >> 4U];
-        text += k_digits[byte & 0xfU];
-    }
-    return text;
-}
-
-}  // namespace statectl
+}  // namespace services

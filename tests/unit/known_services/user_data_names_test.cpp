@@ -1,9 +1,9 @@
-#include "tools/services/user_data_names.h"
+#include "services/user_data_names.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace statectl {
+namespace services {
 namespace {
 
 using nlohmann::json;
@@ -73,10 +73,5 @@ TEST(Enumerate_test, Puts_commas_between_and_names_nothing) {
     EXPECT_EQ(enumerate({}), "none");
 }
 
-TEST(Hexadecimal_test, Has_two_digits_a_byte) {
-    EXPECT_EQ(hexadecimal({0x80, 0x0a}), "80 0a");
-    EXPECT_EQ(hexadecimal({}), "");
-}
-
 }  // namespace
-}  // namespace statectl
+}  // namespace services

@@ -1,4 +1,4 @@
-#include "tools/services/found_instance.h"
+#include "services/found_instance.h"
 
 #include "support/fake_binding.h"
 #include "ximo/ap/statemanager/dsa_interface_proxy.h"
@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-namespace statectl {
+namespace services {
 namespace {
 
 using std::chrono::milliseconds;
@@ -93,4 +93,4 @@ TEST_F(Found_instance_test, Ends_its_lookup) {
 }
 
 }  // namespace
-}  // namespace statectl
+}  // namespace services

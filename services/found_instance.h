@@ -1,5 +1,5 @@
-#ifndef TOOLS_SERVICES_FOUND_INSTANCE_H
-#define TOOLS_SERVICES_FOUND_INSTANCE_H
+#ifndef SERVICES_FOUND_INSTANCE_H
+#define SERVICES_FOUND_INSTANCE_H
 
 #include "ara/com/find_service.h"
 #include "base/mutex.h"
@@ -13,7 +13,7 @@
 #include <string>
 #include <utility>
 
-namespace statectl {
+namespace services {
 
 /// One instance of a service, looked up for as long as this lives:
 ///
@@ -90,6 +90,6 @@ class Found_instance {
     ara::com::FindServiceHandle lookup_;
 };
 
-}  // namespace statectl
+}  // namespace services
 
 #endif
