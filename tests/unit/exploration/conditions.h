@@ -12,8 +12,8 @@ namespace exploration {
 enum Condition : unsigned { nm_found, com_alive, ecu_alive, network_in_use, sleeping, k_conditions };
 
 /// Network and applications. In a cycle each condition gets its value when it is first asked for: the values that were
-/// given, in this order, then "no". Afterwards `values` tells how many were asked for, so that whoever tries all ways
-/// through a cycle tries no more than there are.
+/// given, in this order, then "no". Afterwards `values` tells how many were asked for, by the machine in the cycle and
+/// then by the rules, so that whoever tries all ways through a cycle tries no more than there are.
 class Conditions : public ximo::ap::statemanager::Service_handler_interface {
  public:
     void begin_cycle(std::vector<bool> values) {
@@ -22,9 +22,6 @@ class Conditions : public ximo::ap::statemanager::Service_handler_interface {
         asked_for_ = 0;
     }
     std::vector<bool> const& values() const { return values_; }
-
-    /// What a condition was in this cycle; nothing when it was not asked for.
-    std::optional<bool> value(Condition condition) const { return known_.at(condition); }
 
     bool init() override { return true; }
     void deinit() override {}

@@ -1,6 +1,7 @@
 // Goes through everything that the machine can do: the real driver, states, notifier and command queue, among a
-// network, applications and clients that may do anything at any time. In each step the machine is held against the
-// rules (walk.h); here follow the rules about the whole.
+// network, applications and clients that may do anything at any time. In each cycle the rules (rules.h)
+// tell which state is entered, if any, and what becomes of the flags, and the machine is held against that (walk.h);
+// here follow the rules about the whole.
 
 #include "explorer.h"
 #include "statemanager/states/state_interface.h"

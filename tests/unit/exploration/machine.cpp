@@ -67,11 +67,10 @@ void Machine::press(Virtio_command key) {
 }
 
 Cycle Machine::cycle(std::vector<bool> const& conditions) {
-    Cycle cycle{head(), {}, {}, false};
+    Cycle cycle{head(), {}, false};
     log_.forget();
     conditions_->begin_cycle(conditions);
     driver_.run_cyclic_task();
-    cycle.conditions = conditions_->values();
     read_log(cycle);
     return cycle;
 }

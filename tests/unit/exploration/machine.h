@@ -19,7 +19,6 @@ namespace exploration {
 /// What a machine shows of one cycle.
 struct Cycle {
     Virtio_command head;              ///< the command that it was offered
-    std::vector<bool> conditions;     ///< all that were asked for
     std::optional<unsigned> entered;  ///< the state, by the log
     bool was_refused;                 ///< the run loop is over
 };

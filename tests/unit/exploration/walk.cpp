@@ -52,104 +52,50 @@ Action Walk::go(Action const& action) {
     return done;
 }
 
+/// The machine does what the first rule that applies wants, and nothing else.
 void Walk::go_through_cycle(Action& action) {
     Cycle const cycle = machine_.cycle(action.conditions);
-    action.conditions = cycle.conditions;
     EXPECT_EQ(cycle.head, point_.head());
     EXPECT_EQ(cycle.was_refused, point_.has_ended);
-    check_power_key(cycle);
-    follow_notifier(cycle);
-    if (cycle.entered) {
-        enter(*cycle.entered, cycle.head);
+    bool const time_is_over = point_.ticks == Machine::k_knockout;
+    auto const* const rule = rule_of({point_, surroundings_.nm_usage, time_is_over, machine_.conditions()});
+    action.conditions = machine_.conditions().values();
+    EXPECT_EQ(cycle.entered, rule ? std::optional(rule->to) : std::nullopt);
+    if (rule) {
+        follow(*rule);
     } else if (point_.state == states::k_post_run) {
         point_.ticks = std::min(point_.ticks + 1, Machine::k_knockout);
     }
-    point_.prepare_sd = State_interface::get_prepare_SD_flag();
-    point_.forced_shutdown = State_interface::get_forced_shutdown_flag();
+    EXPECT_EQ(State_interface::get_prepare_SD_flag(), point_.prepare_sd);
+    EXPECT_EQ(State_interface::get_forced_shutdown_flag(), point_.forced_shutdown);
 }
 
-/// The driver has entered a state; the point is still the one before.
-void Walk::enter(unsigned state, Virtio_command head) {
-    check_word(state);
-    if (state == states::k_preparing) {
+/// The machine has entered a state; the point is still the one before.
+void Walk::follow(Rule const& rule) {
+    check_word(rule.to);
+    if (rule.to == states::k_preparing) {
         point_.notifier.request_standby();
-    } else if (state == states::k_resuming) {
+    } else if (rule.to == states::k_resuming) {
         point_.notifier.request_resume();
-    } else if (state == states::k_running) {
+    } else if (rule.to == states::k_running) {
         check_clients_of_running_machine();
-    } else if (state == states::k_shutting_down) {
-        check_reason_of_shutdown(head);
+    } else if (rule.to == states::k_shutting_down) {
         check_way_of_shutdown();
+        point_.forced_shutdown = rule.from == states::k_prepared_sd;
         point_.has_ended = !is_fast_shutdown();
     }
-    point_.state = state;
+    if (rule.intention != Intention::stays) {
+        point_.prepare_sd = rule.intention == Intention::begins;
+    }
+    point_.state = rule.to;
     point_.ticks = 0;
     if (!point_.queue.empty()) {
         point_.queue.pop_front();
     }
 }
 
-/// Preparing and resuming ask the notifier, and end in the very cycle in which its sequence does.
-void Walk::follow_notifier(Cycle const& cycle) {
-    bool const preparing = point_.state == states::k_preparing && cycle.head != Virtio_command::run;
-    bool const resuming = point_.state == states::k_resuming && cycle.head != Virtio_command::shutdown;
-    if (!preparing && !resuming) {
-        return;
-    }
-    point_.notifier.check();
-    if (point_.notifier.is_running()) {
-        EXPECT_EQ(cycle.entered, std::nullopt);
-    } else {
-        EXPECT_EQ(cycle.entered, preparing ? states::k_prepared_sd : states::k_running);
-    }
-}
-
 void Walk::check_word(unsigned state) {
     EXPECT_EQ(machine_.read_words(), k_words.at(state)) << "the word of " << name_of(state);
-}
-
-/// A power key that waits is taken as soon as a state accepts it.
-void Walk::check_power_key(Cycle const& cycle) const {
-    if (cycle.head != Virtio_command::shutdown) {
-        return;
-    }
-    auto const& entered = cycle.entered;
-    switch (point_.state) {
-        case states::k_running:
-        case states::k_resuming:
-        case states::k_prepared_sd:
-            EXPECT_EQ(entered, states::k_shutting_down);
-            break;
-        case states::k_nm_controlled:
-            EXPECT_EQ(entered, network_sleeps() && ecu_is_kept() ? states::k_post_run : states::k_shutting_down);
-            break;
-        case states::k_post_run:
-            EXPECT_EQ(entered, com_is_kept() ? states::k_nm_controlled : states::k_shutting_down);
-            break;
-        default:
-            EXPECT_NE(entered, states::k_shutting_down);
-    }
-}
-
-void Walk::check_reason_of_shutdown(Virtio_command head) const {
-    bool const power = head == Virtio_command::shutdown;
-    bool const powers_off_at_rest = !point_.prepare_sd;
-    switch (point_.state) {
-        case states::k_running:
-        case states::k_resuming:
-        case states::k_prepared_sd:
-            EXPECT_TRUE(power);
-            break;
-        case states::k_nm_controlled:
-            EXPECT_TRUE(power || (network_sleeps() && !ecu_is_kept() && powers_off_at_rest));
-            break;
-        case states::k_post_run:
-            EXPECT_FALSE(com_is_kept());
-            EXPECT_TRUE(power || ((!ecu_is_kept() || point_.ticks == Machine::k_knockout) && powers_off_at_rest));
-            break;
-        default:
-            ADD_FAILURE() << "no way leads from " << name_of(point_.state) << " to a shutdown";
-    }
 }
 
 void Walk::check_way_of_shutdown() const {

@@ -4,6 +4,7 @@
 #include "machine.h"
 #include "point.h"
 #include "power_off_channel.h"
+#include "rules.h"
 
 #include <optional>
 
@@ -29,18 +30,12 @@ class Walk {
 
  private:
     void go_through_cycle(Action& action);
-    void enter(unsigned state, Virtio_command head);
-    void follow_notifier(Cycle const& cycle);
+    void follow(Rule const& rule);
     void check_word(unsigned state);
-    void check_power_key(Cycle const& cycle) const;
-    void check_reason_of_shutdown(Virtio_command head) const;
     void check_way_of_shutdown() const;
     void check_clients_of_running_machine();
     void check_requests();
     bool is_fast_shutdown() const;
-    bool network_sleeps() const { return machine_.conditions().value(sleeping).value_or(false); }
-    bool ecu_is_kept() const { return machine_.conditions().value(ecu_alive).value_or(false); }
-    bool com_is_kept() const { return machine_.conditions().value(com_alive).value_or(false); }
 
     Surroundings surroundings_;
     Power_off_channel const* power_off_service_;
