@@ -155,6 +155,18 @@ std::string error_of(ximo::com::Future<Value> future) {
     return outcome ? "none" : outcome.message();
 }
 
+/// The error that ends a call, once the instance is not told to be unavailable any more; what was just offered is known
+/// here a moment later.
+template <class Call>
+std::string error_once_available(Call const& call) {
+    auto const deadline = std::chrono::steady_clock::now() + k_patience;
+    auto error = error_of(call());
+    while (error == "Service not available exception" && std::chrono::steady_clock::now() < deadline) {
+        error = error_of(call());
+    }
+    return error;
+}
+
 /// How the server refused a call; `kOk` for a call that did not fail.
 template <class Value>
 tarq::com::Remote_exception_code remote_code(ximo::com::Future<Value> future) {

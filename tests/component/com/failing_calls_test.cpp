@@ -60,7 +60,7 @@ TEST_F(Failing_calls, A_handler_that_breaks_its_promise_fails_its_call) {
 /// How calls ended that were sent while the service was busy with one that waits.
 struct Endings {
     int refused = 0;
-    int failed = 0;  // their time was over, or the peer out of sight: the machine was too busy for so many
+    int failed = 0;
 
     void add(ximo::com::Future<void> future) {
         try {
@@ -103,12 +103,8 @@ Endings endings_of(int calls, bench::Player& peer) {
 }
 
 TEST_F(Failing_calls, More_than_a_thousand_calls_that_wait_are_refused) {
-    auto const deadline = steady_clock::now() + 2 * k_patience;
-    Endings endings;
-    do {
-        auto peer = server({"app", "other"});
-        endings = endings_of(1500, peer);
-    } while (endings.failed > 0 && steady_clock::now() < deadline);
+    auto peer = server({"app", "other"});
+    auto const endings = endings_of(1500, peer);
     EXPECT_EQ(endings.failed, 0);
     EXPECT_EQ(endings.refused, 500);
 }
@@ -116,9 +112,9 @@ TEST_F(Failing_calls, More_than_a_thousand_calls_that_wait_are_refused) {
 TEST_F(Failing_calls, An_instance_that_nobody_offers_is_not_available_at_once) {
     Com_alive_proxy sut(
         {"ximo::ap::statemanager::StateManagementComAliveInterface", ara::com::InstanceIdentifier("nobody"), "0"});
-    auto const begin = std::chrono::steady_clock::now();
+    auto const begin = steady_clock::now();
     EXPECT_EQ(error_of(sut.RequestComAlive({}, 0)), "Service not available exception");
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(400));
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(1000));
 }
 
 TEST_F(Failing_calls, A_proxy_that_goes_ends_its_pending_calls) {

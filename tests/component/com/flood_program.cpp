@@ -60,5 +60,6 @@ int main(int argc, char** argv) {
     std::fflush(stdout);
     while (std::getchar() != EOF) {
     }
+    dds_delete(DDS_CYCLONEDDS_HANDLE);
     return EXIT_SUCCESS;
 }

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <iostream>
+#include <vector>
 
 #include <malloc.h>
 
@@ -16,6 +18,9 @@ using std::chrono::duration;
 using std::chrono::steady_clock;
 
 std::string const k_our_interface = "tarq::udpnm::interface::NetworkStateInterface";
+
+// In which the engine receives, and which come and go.
+constexpr std::size_t k_engine_buffers = 2 * 1024 * 1024;
 
 class Flood : public Client {
  protected:
@@ -84,20 +89,22 @@ TEST_F(Flood, Of_twenty_thousand_offers_takes_no_memory_and_no_call) {
     User_data_proxy proxy(found<User_data_proxy>("app"));
     EXPECT_TRUE(succeeds(proxy.SetUserData({1})));
     auto const before = ::mallinfo2().uordblks;
-    bench::Child_process flood({FLOOD_PROGRAM, "1", "20000", "an::interface::Of_a_stranger"}, environment());
-    auto const deadline = steady_clock::now() + std::chrono::seconds(5);
-    duration<double, std::milli> longest{0};
-    int calls = 0;
-    for (; steady_clock::now() < deadline; ++calls) {
+    bench::Child_process const flood({FLOOD_PROGRAM, "1", "20000", "an::interface::Of_a_stranger"}, environment());
+    bench::Message_log ready(flood.output());
+    std::vector<duration<double, std::milli>> times;
+    while (ready.messages().empty() || times.size() < 2000) {
         auto const begin = steady_clock::now();
         ASSERT_TRUE(succeeds(proxy.SetUserData({1})));
-        longest = std::max<duration<double, std::milli>>(longest, steady_clock::now() - begin);
+        times.push_back(steady_clock::now() - begin);
     }
     auto const after = ::mallinfo2().uordblks;
-    std::cout << calls << " calls, the longest took " << longest.count() << " ms; " << (after - before) / 1024
-              << " KiB more in use\n";
-    // Two of them are buffers of a mebibyte in which the engine receives, and which come and go.
-    EXPECT_LT(after, before + 4 * 1024 * 1024);
+    auto const more = after > before ? after - before : 0;
+    std::sort(times.begin(), times.end());
+    auto const most = times[times.size() * 99 / 100];
+    std::cout << times.size() << " calls, of a hundred 99 took less than " << most.count() << " ms, and the longest "
+              << times.back().count() << " ms; " << more / 1024 << " KiB more in use\n";
+    EXPECT_LT(most.count(), 100) << "on a busy machine a few may take longer for another reason";
+    EXPECT_LT(more, k_engine_buffers + 2 * 1024 * 1024);
 }
 
 }  // namespace

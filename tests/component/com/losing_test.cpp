@@ -16,8 +16,8 @@ using std::chrono::steady_clock;
 
 constexpr char const* k_not_available = "Service not available exception";
 
-// Faster than a participant that is not heard is given up.
-constexpr milliseconds k_sooner_than_lease{300};
+// Faster than a server that is not heard is given up, also one that was lost from sight a moment ago.
+constexpr milliseconds k_sooner_than_lease{700};
 
 // Faster than a call that nobody ends.
 constexpr milliseconds k_faster_than_timeout{1500};
@@ -31,20 +31,15 @@ class Losing : public Client {
         return future;
     }
 
-    // A call has two seconds, which may be short on a busy machine: one that succeeds is enough.
+    // A server that was started again is found within a moment; until then nobody offers the instance.
     void expect_working() {
-        auto const deadline = steady_clock::now() + k_patience;
-        auto outcome = succeeds(proxy_.ReleaseComAlive({}));
-        while (!outcome && steady_clock::now() < deadline) {
-            outcome = succeeds(proxy_.ReleaseComAlive({}));
-        }
-        EXPECT_TRUE(outcome);
+        EXPECT_EQ(error_once_available([this] { return proxy_.ReleaseComAlive({}); }), "none");
     }
 
-    // Of a thousand calls; nothing when one of them fails.
+    // Of some hundred calls; nothing when one of them fails.
     std::optional<steady_clock::duration> time_of_calls() {
         auto const begin = steady_clock::now();
-        for (int call = 0; call < 1000; ++call) {
+        for (int call = 0; call < 500; ++call) {
             if (!succeeds(proxy_.ReleaseComAlive({}))) {
                 return std::nullopt;
             }
@@ -151,7 +146,7 @@ TEST_F(Losing, A_server_that_stands_still_fails_pending_calls_within_two_seconds
     auto future = waiting_short_call();
     peer_->process().signal(SIGSTOP);
     EXPECT_NE(error_of(std::move(future)), "none");
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(2500));
+    EXPECT_LT(steady_clock::now() - begin, milliseconds(3000));
     peer_->process().signal(SIGCONT);
 }
 
@@ -167,21 +162,18 @@ TEST_F(Losing, A_server_that_was_given_up_serves_the_proxy_again) {
     expect_working();
 }
 
-TEST_F(Losing, A_handler_that_does_not_end_fails_its_call_after_two_seconds) {
+// The calls of the daemon's services wait for the network manager, whom the others' calls wait for as well.
+TEST_F(Losing, A_handler_that_does_not_end_fails_its_call_after_two_seconds_and_later_with_the_daemons_services) {
+    auto longer = waiting_call();
     auto const begin = steady_clock::now();
     auto future = waiting_short_call();
     EXPECT_THROW(future.get(), tarq::com::Timeout_exception);
     auto const time = steady_clock::now() - begin;
     EXPECT_GE(time, milliseconds(2000));
-    EXPECT_LT(time, milliseconds(2500));
-}
-
-// Their calls wait for the network manager, whom the others' calls wait for as well.
-TEST_F(Losing, A_handler_of_the_daemons_services_may_take_longer) {
-    auto future = waiting_call();
-    EXPECT_EQ(future.wait_for(milliseconds(2500)), std::future_status::timeout);
+    EXPECT_LT(time, milliseconds(3000));
+    EXPECT_EQ(longer.wait_for(milliseconds(200)), std::future_status::timeout);
     peer_->command({{"do", "continue"}});
-    EXPECT_TRUE(succeeds(std::move(future)));
+    EXPECT_TRUE(succeeds(std::move(longer)));
 }
 
 TEST_F(Losing, A_server_that_was_lost_from_sight_for_a_moment_serves_the_next_call) {
@@ -241,31 +233,26 @@ TEST_F(Losing, A_service_that_is_withdrawn_and_offered_again_serves_each_call_th
         ASSERT_TRUE(succeeds(network_.RequestNetwork({1}))) << round;
         peer_->send_line(R"({"do":"withdraw","instance":"app"})");
         peer_->command({{"do", "offer"}, {"instance", "app"}});
-        auto outcome = error_of(network_.RequestNetwork({1}));
-        auto const begin = steady_clock::now();
-        while (outcome == k_not_available && steady_clock::now() < begin + k_faster_than_timeout) {
-            outcome = error_of(network_.RequestNetwork({1}));
-        }
+        auto const outcome = error_once_available([this] { return network_.RequestNetwork({1}); });
         EXPECT_EQ(outcome, "none") << round;
         peer_->log().messages();
     }
 }
 
 TEST_F(Losing, A_client_that_is_killed_in_its_call_harms_nobody) {
-    // On a busy machine one of the times may be long for another reason, but not in each round.
-    auto const deadline = steady_clock::now() + 2 * k_patience;
-    bool is_harmless = false;
+    // On a busy machine one of the times may be long for another reason.
+    int harmless = 0;
     std::string times;
-    do {
+    for (int round = 0; round < 5; ++round) {
         auto const usual = time_of_calls_beside_client();
         auto const after = time_of_calls();
         auto const text = [](auto const& time) {
             return time ? std::to_string(time->count() / 1'000'000) + " ms" : std::string("a call that failed");
         };
         times += "\n" + text(usual) + " beside it, " + text(after) + " after its end";
-        is_harmless = usual && after && *after < 3 * *usual + milliseconds(300);
-    } while (!is_harmless && steady_clock::now() < deadline);
-    EXPECT_TRUE(is_harmless) << times;
+        harmless += usual && after && *after < 3 * *usual + milliseconds(300) ? 1 : 0;
+    }
+    EXPECT_GE(harmless, 4) << times;
 }
 
 }  // namespace
