@@ -18,6 +18,19 @@ inline sigset_t end_signals() {
     return signals;
 }
 
+/// Those of them that are not ignored: under nohup a program stays what it is.
+inline sigset_t heeded_end_signals() {
+    auto signals = end_signals();
+    for (int const number : k_end_signals) {
+        struct sigaction action {};
+        ::sigaction(number, nullptr, &action);
+        if (action.sa_handler == SIG_IGN) {
+            sigdelset(&signals, number);
+        }
+    }
+    return signals;
+}
+
 /// Has those of them handled that are not ignored: under nohup a program stays what it is. SIG_DFL gives them back.
 inline void handle_end_signals(void (*handler)(int number)) {
     for (int const number : k_end_signals) {

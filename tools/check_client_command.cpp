@@ -1,3 +1,4 @@
+#include "base/temporary_directory.h"
 #include "tools/check/left_behind.h"
 #include "tools/check/private_place.h"
 #include "tools/check/rules.h"
@@ -37,24 +38,13 @@ struct Check_options {
 /// A directory for the socket, which every user may enter: the program may run as another one.
 class Socket_directory {
  public:
-    Socket_directory() {
-        if (::mkdtemp(path_.data()) == nullptr) {
-            throw std::system_error(errno, std::generic_category(), path_);
-        }
-        ::chmod(path_.c_str(), 0755);
-    }
-    ~Socket_directory() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    Socket_directory(Socket_directory const&) = delete;
-    Socket_directory& operator=(Socket_directory const&) = delete;
+    Socket_directory() { ::chmod(directory_.path().c_str(), 0755); }
 
-    std::string const& path() const { return path_; }
-    std::string socket() const { return path_ + "/ara_SM.socket"; }
+    std::string path() const { return directory_.path(); }
+    std::string socket() const { return directory_.file("ara_SM.socket"); }
 
  private:
-    std::string path_ = "/tmp/ap_statectl.XXXXXX";
+    base::Temporary_directory const directory_{"/tmp"};
 };
 
 char const* mark(Outcome outcome) {

@@ -130,7 +130,9 @@ void add_client_command(CLI::App& program, Action& chosen) {
                      "Status of the answers: 0 succeeded, 1 general error, 2 invalid, 3 timed out")
         ->check(CLI::Range(0, 255));
     command->add_flag("--silent", options->is_silent, "Never answer");
-    command->add_option("--requests", options->requests, "End after so many requests; without it, by SIGINT or SIGTERM")
+    command
+        ->add_option("--requests", options->requests,
+                     "End after so many requests; without it, by SIGINT, SIGTERM and the like")
         ->check(CLI::PositiveNumber);
     command->add_flag("--json", options->as_json, "One JSON object a line");
     command->add_option("--socket", options->connection.socket_path,

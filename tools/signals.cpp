@@ -1,5 +1,7 @@
 #include "tools/signals.h"
 
+#include "base/end_signals.h"
+
 #include <csignal>
 
 #include <sys/signalfd.h>
@@ -9,10 +11,7 @@ namespace statectl {
 namespace {
 
 int open_signals() {
-    sigset_t ends;
-    ::sigemptyset(&ends);
-    ::sigaddset(&ends, SIGINT);
-    ::sigaddset(&ends, SIGTERM);
+    auto const ends = base::heeded_end_signals();
     ::sigprocmask(SIG_BLOCK, &ends, nullptr);
     return ::signalfd(-1, &ends, SFD_CLOEXEC | SFD_NONBLOCK);
 }

@@ -5,7 +5,7 @@
 
 namespace statectl {
 
-/// The wish of the user to end, SIGINT or SIGTERM, as something to poll. The signals stay blocked afterwards.
+/// The wish of the user to end (base/end_signals.h) as something to poll. The signals stay blocked afterwards.
 class End_signals {
  public:
     /// Throws std::system_error.

@@ -1,11 +1,11 @@
 #ifndef BENCH_HYPERVISOR_FAULT_PLAN_H
 #define BENCH_HYPERVISOR_FAULT_PLAN_H
 
+#include "bench/json_lines/plan.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <map>
 #include <optional>
 
 namespace bench::hypervisor {
@@ -20,25 +20,8 @@ struct Fault {
     std::chrono::milliseconds delay{0};         ///< the answer is held back so long
 };
 
-/// The faults that one file still has to show. Those of one operation are used in the order in which they were told.
-class Fault_plan {
- public:
-    /// The fault happens `count` times, one operation each.
-    void add(Operation operation, Fault const& fault, std::uint64_t count);
-
-    /// Uses up one fault; a default `Fault` when none is planned.
-    Fault take(Operation operation);
-
-    bool has(Operation operation) const;
-    void clear() { planned_.clear(); }
-
- private:
-    struct Planned {
-        Fault fault;
-        std::uint64_t left;
-    };
-    std::map<Operation, std::deque<Planned>> planned_;
-};
+/// The faults that one file still has to show.
+using Fault_plan = Plan<Fault, Operation>;
 
 }  // namespace bench::hypervisor
 

@@ -1,9 +1,9 @@
 #ifndef BENCH_NETWORK_CALL_PLAN_H
 #define BENCH_NETWORK_CALL_PLAN_H
 
+#include "bench/json_lines/plan.h"
+
 #include <chrono>
-#include <cstdint>
-#include <deque>
 #include <string>
 
 namespace bench::network {
@@ -15,22 +15,8 @@ struct Call_reaction {
     std::chrono::milliseconds delay{0};  ///< until the answer
 };
 
-/// The reactions that were told beforehand. Of those that fit a call the oldest is used up.
-class Call_plan {
- public:
-    /// `method` such as "RequestNetwork"; "*" fits any.
-    void add(std::string const& method, Call_reaction const& reaction, std::uint64_t count);
-    Call_reaction take(std::string const& method);
-    void clear() { planned_.clear(); }
-
- private:
-    struct Planned {
-        std::string method;
-        Call_reaction reaction;
-        std::uint64_t left;
-    };
-    std::deque<Planned> planned_;
-};
+/// By the method, such as "RequestNetwork".
+using Call_plan = Plan<Call_reaction, std::string>;
 
 }  // namespace bench::network
 

@@ -1,9 +1,9 @@
 #ifndef BENCH_SERVICE_MANAGER_REACTION_PLAN_H
 #define BENCH_SERVICE_MANAGER_REACTION_PLAN_H
 
+#include "bench/json_lines/plan.h"
+
 #include <chrono>
-#include <cstdint>
-#include <deque>
 #include <string>
 
 namespace bench::service_manager {
@@ -17,24 +17,8 @@ struct Reaction {
     std::string job_result = "done";         ///< of a started job: "done", "failed", "timeout", "canceled", ...
 };
 
-/// The reactions that were told beforehand. Of those that fit a call the oldest is used up.
-class Reaction_plan {
- public:
-    /// `method` is a D-Bus member such as "StartUnit", `unit` a unit's name; "*" fits any.
-    void add(std::string const& method, std::string const& unit, Reaction const& reaction, std::uint64_t count);
-
-    Reaction take(std::string const& method, std::string const& unit);
-    void clear() { planned_.clear(); }
-
- private:
-    struct Planned {
-        std::string method;
-        std::string unit;
-        Reaction reaction;
-        std::uint64_t left;
-    };
-    std::deque<Planned> planned_;
-};
+/// By the method, a D-Bus member such as "StartUnit", and the unit's name.
+using Reaction_plan = Plan<Reaction, std::string, std::string>;
 
 }  // namespace bench::service_manager
 

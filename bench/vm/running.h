@@ -1,8 +1,8 @@
 #ifndef BENCH_VM_RUNNING_H
 #define BENCH_VM_RUNNING_H
 
+#include "base/temporary_directory.h"
 #include "bench/process/child_process.h"
-#include "bench/process/scratch_directory.h"
 #include "bench/vm/port.h"
 #include "bench/vm/virtual_machine.h"
 
@@ -23,7 +23,7 @@ struct Virtual_machine::Running {
           journal(directory.file("journal")),
           shell(directory.file("shell"), std::move(take_news)) {}
 
-    Scratch_directory directory;
+    base::Temporary_directory directory;
     Child_process emulator;
     Qmp control;
     Port log;

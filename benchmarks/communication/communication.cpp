@@ -2,8 +2,8 @@
 // own ping-pong, the same call over a D-Bus, and a bare ping-pong over a Unix socket. Then the service again among idle
 // clients and after a client was killed: neither may cost anything.
 
+#include "base/temporary_directory.h"
 #include "bench/process/private_bus.h"
-#include "bench/process/scratch_directory.h"
 #include "benchmarks/communication/found.h"
 #include "benchmarks/communication/peer.h"
 #include "benchmarks/communication/yardsticks.h"
@@ -63,14 +63,14 @@ Samples run(char const* name, std::function<void()> const& call) {
     return samples;
 }
 
-Samples socket_call(bench::Scratch_directory const& files) {
+Samples socket_call(base::Temporary_directory const& files) {
     auto const path = files.file("ping");
     Peer const server("socket", path);
     benchmarks::Socket_call const call(path);
     return run("Unix socket", [&] { call(); });
 }
 
-Samples bus_call(bench::Scratch_directory const& files) {
+Samples bus_call(base::Temporary_directory const& files) {
     bench::Private_bus const bus(files.path());
     Peer const server("bus", bus.address());
     benchmarks::Bus_call const call(bus.address());
@@ -107,7 +107,7 @@ bool is_flat(Call const& call, double alone) {
 }
 
 int run_all() {
-    bench::Scratch_directory const files;
+    base::Temporary_directory const files;
     auto const socket = socket_call(files);
     auto const bus = bus_call(files);
 

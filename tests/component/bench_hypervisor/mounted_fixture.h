@@ -1,9 +1,9 @@
 #ifndef TESTS_COMPONENT_BENCH_HYPERVISOR_MOUNTED_FIXTURE_H
 #define TESTS_COMPONENT_BENCH_HYPERVISOR_MOUNTED_FIXTURE_H
 
+#include "base/temporary_directory.h"
 #include "bench/hypervisor/fuse_requirements.h"
 #include "bench/process/player.h"
-#include "bench/process/scratch_directory.h"
 
 #include <array>
 #include <cerrno>
@@ -75,7 +75,7 @@ class Mounted_fixture : public testing::Test {
 
     std::string path(std::string const& below) const { return directory.path() / below; }
 
-    Scratch_directory directory;
+    base::Temporary_directory directory;
     std::unique_ptr<Player> sut;
 };
 

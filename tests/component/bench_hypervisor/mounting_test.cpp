@@ -44,7 +44,7 @@ TEST_F(Mounting_test, A_termination_signal_unmounts_and_ends_with_status_0) {
 }
 
 TEST_F(Mounting_test, The_death_of_whoever_started_it_unmounts_too) {
-    Scratch_directory const other;
+    base::Temporary_directory const other;
     pid_t const starter = ::fork();
     if (starter == 0) {
         Player const player({BENCH_HYPERVISOR, other.path()});
@@ -88,14 +88,14 @@ TEST_F(Mounting_test, Wrong_arguments_are_an_error_with_status_2) {
 }
 
 TEST_F(Mounting_test, As_many_devices_as_asked_for_are_there_at_the_start) {
-    Scratch_directory const other;
+    base::Temporary_directory const other;
     Player const player({BENCH_HYPERVISOR, "--devices", "7", other.path()});
     EXPECT_TRUE(std::filesystem::exists(other.path() / "input/event6"));
     EXPECT_FALSE(std::filesystem::exists(other.path() / "input/event7"));
 }
 
 TEST_F(Mounting_test, A_user_namespace_can_mount_its_own) {
-    Scratch_directory const other;
+    base::Temporary_directory const other;
     Child_process probe({"unshare", "--user", "--map-root-user", "--mount", "true"}, {});
     if (probe.wait(10s) != 0) {
         GTEST_SKIP() << "this machine allows no user namespaces (sysctl kernel.unprivileged_userns_clone or "
@@ -146,7 +146,7 @@ class Ordinary_user_test : public testing::Test {
         return result;
     }
 
-    Scratch_directory directory;
+    base::Temporary_directory directory;
 };
 
 TEST_F(Ordinary_user_test, The_mount_helper_mounts_where_the_user_may_open_the_device) {

@@ -1,6 +1,6 @@
 #include "bench/process/child_process.h"
 
-#include "bench/process/scratch_directory.h"
+#include "base/temporary_directory.h"
 #include "bench/process/unasked_end.h"
 #include "world/fail_by_unasked_ends.h"
 
@@ -147,10 +147,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Kept_child{"Not_at_all", "exec sleep 1000", leave_alone, "did not end when it was told to"}),
     [](auto const& example) { return example.param.name; });
 
-TEST(Scratch_directory_test, It_is_empty_at_first_and_goes_with_all_that_is_in_it) {
+TEST(Temporary_directory_test, It_is_empty_at_first_and_goes_with_all_that_is_in_it) {
     std::filesystem::path path;
     {
-        Scratch_directory const sut;
+        base::Temporary_directory const sut;
         path = sut.path();
         EXPECT_TRUE(std::filesystem::is_empty(path));
         std::filesystem::create_directories(sut.file("a/b"));

@@ -150,7 +150,7 @@ TEST_F(Bus_test, A_second_manager_on_the_same_bus_ends_with_status_1) {
 }
 
 TEST(Bus_address_test, Without_a_bus_of_the_vehicle_it_refuses_to_start) {
-    Scratch_directory const directory;
+    base::Temporary_directory const directory;
     Child_process process({"env", "-u", "DBUS_SYSTEM_BUS_ADDRESS", BENCH_SERVICE_MANAGER, directory.file("notify")},
                           {});
     EXPECT_EQ(process.wait(10s), 1);

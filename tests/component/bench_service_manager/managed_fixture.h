@@ -1,9 +1,9 @@
 #ifndef TESTS_COMPONENT_BENCH_SERVICE_MANAGER_MANAGED_FIXTURE_H
 #define TESTS_COMPONENT_BENCH_SERVICE_MANAGER_MANAGED_FIXTURE_H
 
+#include "base/temporary_directory.h"
 #include "bench/process/player.h"
 #include "bench/process/private_bus.h"
-#include "bench/process/scratch_directory.h"
 
 #include <string>
 #include <vector>
@@ -17,7 +17,7 @@ class Managed_fixture : public testing::Test {
  protected:
     std::string notify_path() const { return directory.file("notify"); }
 
-    Scratch_directory directory;
+    base::Temporary_directory directory;
     Private_bus bus{directory.path()};
     Player sut{{BENCH_SERVICE_MANAGER, notify_path()}, {"DBUS_SYSTEM_BUS_ADDRESS=" + bus.address()}};
 };

@@ -2,6 +2,7 @@
 #define TESTS_COMPONENT_CLIENT_STATE_NOTIFIER_SERVER_FIXTURE_H
 
 #include "client_state_notifier/client_states_impl.h"
+#include "support/eventually.h"
 #include "support/log_capture.h"
 #include "support/temporary_directory.h"
 #include "support/test_client.h"
@@ -26,18 +27,7 @@ struct Outcome {
     Client_results results;
 };
 
-/// Waits until the condition holds, at most for a few seconds.
-template <class Condition>
-bool eventually(Condition condition) {
-    auto const deadline = std::chrono::steady_clock::now() + 5s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(1ms);
-    }
-    return true;
-}
+using test_support::eventually;
 
 /// Holds the server's thread in a predicate as long as it lives. What the thread uses belongs to it as well.
 class Busy_server {

@@ -1,9 +1,9 @@
 #ifndef TESTS_COMPONENT_DEVICES_HYPERVISOR_FIXTURE_H
 #define TESTS_COMPONENT_DEVICES_HYPERVISOR_FIXTURE_H
 
+#include "base/temporary_directory.h"
 #include "bench/hypervisor/fuse_requirements.h"
 #include "bench/process/player.h"
-#include "bench/process/scratch_directory.h"
 #include "support/log_capture.h"
 
 #include <memory>
@@ -58,7 +58,7 @@ class Hypervisor_fixture : public testing::Test {
         return texts;
     }
 
-    bench::Scratch_directory directory;
+    base::Temporary_directory directory;
     std::unique_ptr<bench::Player> hypervisor;
     test_support::Log_capture log;
 };

@@ -1,9 +1,9 @@
 #ifndef TESTS_COMPONENT_EXEC_PRIVATE_EXECUTION_MANAGEMENT_H
 #define TESTS_COMPONENT_EXEC_PRIVATE_EXECUTION_MANAGEMENT_H
 
+#include "base/temporary_directory.h"
 #include "bench/process/player.h"
 #include "bench/process/private_bus.h"
-#include "bench/process/scratch_directory.h"
 
 #include <memory>
 #include <string>
@@ -50,7 +50,7 @@ class Private_execution_management : public testing::Test {
         manager->command({{"do", "set_unit"}, {"unit", unit}, {"active", active}});
     }
 
-    bench::Scratch_directory directory;
+    base::Temporary_directory directory;
     std::unique_ptr<bench::Private_bus> bus;
     std::unique_ptr<bench::Player> manager;
 };

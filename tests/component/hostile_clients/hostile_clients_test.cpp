@@ -5,6 +5,7 @@
 #include "crowd.h"
 #include "obedient_clients.h"
 #include "state_notifier/state_notifier.h"
+#include "support/eventually.h"
 #include "support/temporary_directory.h"
 
 #include <algorithm>
@@ -35,18 +36,6 @@ std::vector<std::string> const k_good{"diag::dcm", "diag::dem", "radio", "seat",
 
 bool is_good(std::string const& name) {
     return std::find(k_good.begin(), k_good.end(), name) != k_good.end();
-}
-
-template <class Condition>
-bool eventually(Condition condition) {
-    auto const deadline = Clock::now() + k_patience;
-    while (!condition()) {
-        if (Clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(milliseconds(1));
-    }
-    return true;
 }
 
 std::size_t open_descriptors() {
@@ -132,16 +121,17 @@ class Server_with_hostile_clients : public Hostile_clients {
 
 TEST_F(Server_with_hostile_clients, Serves_those_that_behave_as_if_they_were_alone) {
     ASSERT_GE(all_misbehaviours().size(), 20U);
-    ASSERT_TRUE(eventually([&] { return sut.get_connected_clients().size() == k_good.size(); }));
+    ASSERT_TRUE(test_support::eventually([&] { return sut.get_connected_clients().size() == k_good.size(); }));
     auto const descriptors = open_descriptors();
     auto const alone = times_of_cycles();
     {
         Crowd crowd(path, k_of_each_kind);
-        ASSERT_TRUE(eventually([&] { return crowd.rounds() > 100; }));
+        ASSERT_TRUE(test_support::eventually([&] { return crowd.rounds() > 100; }));
         EXPECT_GE(crowd.connected(), 100U);
         auto const rounds = crowd.rounds();
         auto const among_hostile = times_of_cycles();
-        ASSERT_TRUE(eventually([&] { return crowd.rounds() > rounds + 100; })) << "the crowd is still at work";
+        ASSERT_TRUE(test_support::eventually([&] { return crowd.rounds() > rounds + 100; }))
+            << "the crowd is still at work";
         ASSERT_FALSE(HasFailure());
         std::printf("%zu kinds, %zu clients, %u of them connected\n", all_misbehaviours().size(),
                     all_misbehaviours().size() * k_of_each_kind, crowd.connected());
@@ -149,8 +139,8 @@ TEST_F(Server_with_hostile_clients, Serves_those_that_behave_as_if_they_were_alo
         print("one request, among hostile ones", among_hostile);
         EXPECT_LT(among_hostile[among_hostile.size() / 2], k_most_among_hostile_ms);
     }
-    EXPECT_TRUE(eventually([&] { return sut.get_connected_clients().size() == k_good.size(); }));
-    EXPECT_TRUE(eventually([&] { return open_descriptors() == descriptors; })) << open_descriptors();
+    EXPECT_TRUE(test_support::eventually([&] { return sut.get_connected_clients().size() == k_good.size(); }));
+    EXPECT_TRUE(test_support::eventually([&] { return open_descriptors() == descriptors; })) << open_descriptors();
     EXPECT_FALSE(good.was_disturbed());
     time_of_cycle();
 }
@@ -161,7 +151,7 @@ class Sequences_with_hostile_clients : public Hostile_clients {
 
     Clock::duration time_until_done() {
         auto const begin = Clock::now();
-        EXPECT_TRUE(eventually([&] { return sut.check_request_status() == 0; }));
+        EXPECT_TRUE(test_support::eventually([&] { return sut.check_request_status() == 0; }));
         return Clock::now() - begin;
     }
 
@@ -187,7 +177,7 @@ class Sequences_with_hostile_clients : public Hostile_clients {
 // Those that never answer are waited for, and for no longer than applications may take.
 TEST_F(Sequences_with_hostile_clients, End_in_their_time_with_the_success_of_those_that_behave) {
     Crowd crowd(path, k_of_each_kind);
-    ASSERT_TRUE(eventually([&] { return crowd.rounds() > 100; }));
+    ASSERT_TRUE(test_support::eventually([&] { return crowd.rounds() > 100; }));
     for (bool const standby : {true, false}) {
         standby ? sut.request_standby() : sut.request_resume();
         auto const time = time_until_done();

@@ -1,7 +1,7 @@
 // Which levels of a program arrive, with log daemons of whatever default that are there first, come late, or are
 // started again; and what becomes of a program whose libdlt can't be initialised at first.
 
-#include "bench/process/scratch_directory.h"
+#include "base/temporary_directory.h"
 #include "dlt_fixture.h"
 
 #include <algorithm>
@@ -121,7 +121,7 @@ class Dlt_that_can_not_be_initialised : public Dlt, public testing::WithParamInt
     static constexpr char const* k_later = "/tmp/later";  // a directory of the log daemon's pipe that comes late
     ~Dlt_that_can_not_be_initialised() override { ::unlink(k_later); }
 
-    bench::Scratch_directory directory;
+    base::Temporary_directory directory;
 };
 
 TEST_P(Dlt_that_can_not_be_initialised, Is_told_once_and_tried_again_and_loses_nothing) {

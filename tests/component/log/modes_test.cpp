@@ -1,7 +1,7 @@
 // The places that a program can log to, by the lines that arrive there.
 
+#include "base/temporary_directory.h"
 #include "bench/process/child_process.h"
-#include "bench/process/scratch_directory.h"
 
 #include <chrono>
 #include <fstream>
@@ -35,7 +35,7 @@ class Log_modes : public testing::Test {
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
-    bench::Scratch_directory directory;
+    base::Temporary_directory directory;
 };
 
 constexpr int k_file = 2;

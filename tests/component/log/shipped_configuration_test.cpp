@@ -1,7 +1,7 @@
 // A log daemon with the configuration that is shipped, as the system's tables of sockets show it.
 
+#include "base/temporary_directory.h"
 #include "bench/process/child_process.h"
-#include "bench/process/scratch_directory.h"
 
 #include <chrono>
 #include <csignal>
@@ -43,7 +43,7 @@ std::vector<std::string> sockets_of(std::string const& port) {
 TEST(Shipped_log_daemon, Listens_on_the_loopback_and_nowhere_else) {
     constexpr char const* k_port = "0DA2";                                  // 3490
     constexpr char const* k_loopback = "0000000000000000FFFF00000100007F";  // ::ffff:127.0.0.1
-    bench::Scratch_directory const pipes;
+    base::Temporary_directory const pipes;
     bench::Child_process daemon({"dlt-daemon", "-c", PROJECT "/deploy/dlt/dlt.conf", "-t", pipes.path().string()}, {});
     auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (sockets_of(k_port).empty() && std::chrono::steady_clock::now() < deadline) {

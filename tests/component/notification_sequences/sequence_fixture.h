@@ -4,6 +4,7 @@
 #include "client_state_notifier/client_states_impl.h"
 #include "played_clients.h"
 #include "state_notifier/state_notifier.h"
+#include "support/eventually.h"
 #include "support/log_capture.h"
 #include "support/temporary_directory.h"
 
@@ -17,6 +18,8 @@
 #include <gmock/gmock.h>
 
 namespace sequences {
+
+using test_support::eventually;
 
 using client_state_notifier::Client_results;
 using client_state_notifier::Component_client_return_type;
@@ -84,18 +87,6 @@ class Sequence_test : public testing::Test {
         all.merge(sut.get_dem_clients_status());
         all.merge(sut.get_dcm_clients_status());
         return all;
-    }
-
-    template <class Condition>
-    static bool eventually(Condition condition) {
-        auto const deadline = Clock::now() + std::chrono::seconds(20);
-        while (!condition()) {
-            if (Clock::now() > deadline) {
-                return false;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return true;
     }
 
     test_support::Log_capture log;

@@ -88,7 +88,7 @@ TEST(Check_client, Leaves_nothing_behind) {
     ASSERT_EQ(result.status, 0) << result.output << result.errors;
     auto const at = result.errors.find("dir ") + 4;
     auto const directory = result.errors.substr(at, result.errors.find('\n', at) - at);
-    EXPECT_THAT(directory, testing::StartsWith("/tmp/ap_statectl."));
+    EXPECT_THAT(directory, testing::StartsWith("/tmp/statemanager-"));
     EXPECT_FALSE(std::filesystem::exists(directory));
 }
 

@@ -1,7 +1,7 @@
 #ifndef TESTS_SYSTEM_VEHICLE_FREEZER_H
 #define TESTS_SYSTEM_VEHICLE_FREEZER_H
 
-#include "bench/process/scratch_directory.h"
+#include "base/temporary_directory.h"
 
 #include <cerrno>
 #include <chrono>
@@ -91,7 +91,7 @@ class Freezer {
         ::umount2(mount_.path().c_str(), MNT_DETACH);
     }
 
-    Scratch_directory const mount_;
+    base::Temporary_directory const mount_;
     std::filesystem::path const group_ =
         std::filesystem::path(mount_.path()) / ("statemanager-freezer-" + std::to_string(unique()));
 

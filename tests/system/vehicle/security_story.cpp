@@ -1,4 +1,4 @@
-#include "bench/process/scratch_directory.h"
+#include "base/temporary_directory.h"
 #include "story.h"
 #include "tool.h"
 
@@ -31,7 +31,7 @@ class Closed_machine : public Story {
         return statectl({"services", "--json", "--wait", "2000"}, environment).output;
     }
 
-    Scratch_directory const keys;
+    base::Temporary_directory const keys;
 };
 
 TEST_F(Closed_machine, Restarts_for_diagnostics_that_have_a_grant) {

@@ -123,7 +123,7 @@ TEST_F(Statectl, Watches_the_network_until_it_is_ended) {
     EXPECT_TRUE(sees_line({{"event", "user_data"}, {"set", {"awake", "AC 2", "CAB 0"}}}));
     machine->tell("node", {{"do", "withdraw"}});
     EXPECT_TRUE(sees_line({{"event", "withdrawn"}}));
-    watch.signal(SIGTERM);
+    watch.signal(SIGHUP);  // its terminal goes away
     EXPECT_EQ(watch.wait(Player::k_patience), 0);
 }
 

@@ -1,4 +1,4 @@
-#include "bench/process/scratch_directory.h"
+#include "base/temporary_directory.h"
 #include "story.h"
 #include "tool.h"
 
@@ -54,7 +54,7 @@ class Two_machines : public Story {
         return "CYCLONEDDS_URI=file://" + path;
     }
 
-    Scratch_directory const scratch;
+    base::Temporary_directory const scratch;
     Other_machine const other;
 };
 
