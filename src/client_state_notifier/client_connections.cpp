@@ -82,7 +82,7 @@ std::vector<Client_connections::Answer_in_turn> Client_connections::hear_clients
     return answers;
 }
 
-/// A connection that hung up is read first: its last answers may still be there.
+// A connection that hung up is read first: its last answers may still be there.
 void Client_connections::process_readable_client(int connection, std::vector<Answer_in_turn>& answers) {
     try {
         clients_.receive(connection);

@@ -14,7 +14,7 @@ using Lock = base::Lock_guard<base::Mutex>;
 
 namespace {
 
-/// The message that asks for a state. Its number differs from client to client and stands in the first element.
+// The message that asks for a state. Its number differs from client to client and stands in the first element.
 utilities::Type_length_values make_request(std::string const& state) {
     return {utilities::Type_length_value(0U), utilities::Type_length_value(state)};
 }

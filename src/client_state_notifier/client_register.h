@@ -22,9 +22,12 @@ struct Client_answer {
     Component_client_return_type status;
 };
 
-/// The connected clients that have introduced themselves. Any thread may ask; only the server's thread adds, removes,
-/// sends and receives, and so what it knows of a client stays true until it changes it. A connection is named by its
-/// descriptor. Nothing here waits for a client.
+/// The connected clients that have introduced themselves, each with its name, the state that it reported last, the
+/// number of the last request that it was sent, and what it has sent so far. A connection is named by its descriptor.
+///
+/// The server's thread adds a client when it has introduced itself, sends it the current state or the next request,
+/// receives from it and takes its answers, and removes it when its connection ends; so what it knows of a client stays
+/// true until it changes it. Any thread may ask. Nothing here waits for a client.
 class Client_register {
  public:
     explicit Client_register(std::string current_state) : current_state_(std::move(current_state)) {}

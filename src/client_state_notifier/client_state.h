@@ -13,10 +13,10 @@ namespace client_state_notifier {
 /// A client that has introduced itself.
 struct Client_state {
     std::string name;
-    std::string state;                 ///< "unknown" until it answers a request
-    std::uint32_t request_number = 0;  ///< of the last request sent to it; counts from 1, 0 is sent at connect time
-    std::string requested_state;       ///< of the last request sent to it
-    bool is_asked = false;             ///< a request has been sent to it
+    std::string state;                ///< "unknown" until it answers a request
+    std::uint32_t request_number{0};  ///< of the last request sent to it; counts from 1, 0 is sent at connect time
+    std::string requested_state;      ///< of the last request sent to it
+    bool is_asked{false};             ///< a request has been sent to it
     Inbox inbox;
 };
 

@@ -33,8 +33,8 @@ class Inbox {
 
     utilities::Frame_assembler frames_;
     Clock::time_point second_started_;
-    unsigned expected_ = 0;  ///< asked for and not received
-    unsigned unasked_ = 0;   ///< received in this second
+    unsigned expected_{0};  ///< asked for and not received
+    unsigned unasked_{0};   ///< received in this second
 };
 
 }  // namespace client_state_notifier

@@ -30,12 +30,12 @@ void bind_to(utilities::Socket const& socket, std::string const& path) {
     }
 }
 
-/// Nothing has failed: there is no connection (any more), or the call was interrupted.
+// Nothing has failed: there is no connection (any more), or the call was interrupted.
 bool is_nothing(int error) {
     return error == EINTR || error == EINVAL || error == EAGAIN;
 }
 
-/// Failures of one connection, and a lack of descriptors or memory, which passes when somebody gives some back.
+// Failures of one connection, and a lack of descriptors or memory, which passes when somebody gives some back.
 bool is_passing(int error) {
     return error == ECONNABORTED || error == EPERM || error == EPROTO || error == EMFILE || error == ENFILE ||
            error == ENOBUFS || error == ENOMEM;

@@ -6,7 +6,7 @@ namespace client_state_notifier {
 
 namespace {
 
-/// The worse, the higher.
+// The worse, the higher.
 unsigned badness(Component_client_return_type status) {
     return status == Component_client_return_type::timed_out ? 256U : static_cast<unsigned>(status);
 }

@@ -41,8 +41,8 @@ class Notification_cycle {
     struct Asked_client {
         int connection;
         std::string name;
-        bool has_answered = false;
-        bool has_gone = false;
+        bool has_answered{false};
+        bool has_gone{false};
     };
 
     Asked_client* find_open(int connection);
@@ -50,7 +50,7 @@ class Notification_cycle {
 
     State_change_request request_;
     std::vector<Asked_client> asked_;  ///< in the order of the connections
-    std::size_t unanswered_ = 0;       ///< how many of them have not answered, whether they are there or gone
+    std::size_t unanswered_{0};        ///< how many of them have not answered, whether they are there or gone
     Client_results results_;
 };
 

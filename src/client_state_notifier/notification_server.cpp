@@ -20,8 +20,8 @@ Notification_server::Notification_server(std::string const& path, Status_callbac
                                          Request_slot& requests, Client_register& clients)
     : requests_(requests), clients_(clients), connections_(path, std::move(status_callback), clients) {}
 
-/// Whoever has introduced itself when a request is taken is asked. What is waited for, and how long, is decided by one
-/// reading of the clock: whoever is left out for a time is so until this time is over.
+// Whoever has introduced itself when a request is taken is asked. What is waited for, and how long, is decided by one
+// reading of the clock: whoever is left out for a time is so until this time is over.
 void Notification_server::run() {
     for (;;) {
         auto const now = Clock::now();
@@ -39,7 +39,7 @@ std::optional<Notification_cycle> Notification_server::take_cycle() {
     return std::exchange(cycle_, std::nullopt);
 }
 
-/// False when it is the end.
+// False when it is the end.
 bool Notification_server::hear_wake_ups() {
     bool const is_told = connections_.is_wake_up_ready();
     bool const is_rung = connections_.is_bell_ready();
@@ -55,7 +55,7 @@ bool Notification_server::hear_wake_ups() {
     return !requests_.is_stopped();
 }
 
-/// Milliseconds to the next moment at which there is something to do without an event; -1 when there is none.
+// Milliseconds to the next moment at which there is something to do without an event; -1 when there is none.
 long Notification_server::calculate_timeout(Clock::time_point now) const {
     auto next = connections_.next_deadline(now);
     if (cycle_ && (!next || cycle_->request().deadline < *next)) {
@@ -100,7 +100,7 @@ void Notification_server::delete_hangup_clients() {
     }
 }
 
-/// Drops a request that has been replaced, although the newer one has not been taken yet.
+// Drops a request that has been replaced, although the newer one has not been taken yet.
 bool Notification_server::is_in_progress() {
     if (cycle_ && !requests_.is_newest(cycle_->request().request_number)) {
         cycle_.reset();

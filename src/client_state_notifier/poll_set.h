@@ -45,8 +45,8 @@ class Poll_set {
     static constexpr std::size_t k_clients = 2;
 
     std::vector<pollfd> entries_;
-    std::size_t clients_ = 0;  ///< how many of the entries are theirs
-    bool has_clients_ = false;
+    std::size_t clients_{0};  ///< how many of the entries are theirs
+    bool has_clients_{false};
 };
 
 }  // namespace client_state_notifier

@@ -83,7 +83,7 @@ std::optional<State_change_request> Request_slot::take_locked() {
     return std::exchange(request_, std::nullopt);
 }
 
-/// False when the channel has no room or the system no memory for it.
+// False when the channel has no room or the system no memory for it.
 bool Request_slot::send(utilities::Type_length_values const& message) const {
     auto const bytes = utilities::serialize(message);
     try {
@@ -94,7 +94,7 @@ bool Request_slot::send(utilities::Type_length_values const& message) const {
     }
 }
 
-/// False when it is not there any more: the thread was awake and has taken it, or a newer one is in its place.
+// False when it is not there any more: the thread was awake and has taken it, or a newer one is in its place.
 bool Request_slot::withdraw(std::uint32_t request_number) {
     base::Lock_guard const lock(mutex_);
     if (!request_ || request_->request_number != request_number) {

@@ -68,8 +68,8 @@ class Request_slot {
     mutable base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::optional<State_change_request> request_ GUARDED_BY(mutex_);
-    std::uint32_t request_number_ GUARDED_BY(mutex_) = 0;  ///< of the request put last
-    bool stopped_ GUARDED_BY(mutex_) = false;
+    std::uint32_t request_number_ GUARDED_BY(mutex_){0};  ///< of the request put last
+    bool stopped_ GUARDED_BY(mutex_){false};
 };
 
 }  // namespace client_state_notifier

@@ -15,7 +15,7 @@ struct State_change_request {
     Client_predicate predicate;
     Completion_callback completed;
     std::chrono::steady_clock::time_point deadline;
-    std::uint32_t request_number = 0;  ///< counts the requests of all callers; given when it is put into the slot
+    std::uint32_t request_number{0};  ///< counts the requests of all callers; given when it is put into the slot
 };
 
 }  // namespace client_state_notifier

@@ -30,7 +30,7 @@ using Request_handler = std::function<void(std::string const& state, Answer answ
 
 struct Options {
     /// The state that is announced when the client connects first. Afterwards it is the one answered last.
-    std::string state = "kOn";
+    std::string state{"kOn"};
 
     /// Where the state manager listens. When empty, what the environment variable AP_STATEMANAGER_SOCKET says (not in
     /// programs that run with more rights than their user); without it /var/run/adaptive/ara_SM/ara_SM.socket.
@@ -38,7 +38,7 @@ struct Options {
 
     /// Whether the client runs on a thread of its own, which it starts with all signals blocked. Otherwise `run`, or
     /// `descriptor` and `dispatch`, run it on a thread of the caller's.
-    bool own_thread = true;
+    bool own_thread{true};
 
     /// Called with true when the client has connected and said who it is, and with false when the connection is lost.
     /// It comes back by itself: while there is no state manager it is tried every 100 ms.

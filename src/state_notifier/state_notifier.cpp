@@ -95,8 +95,8 @@ void State_notifier::notify_dem() {
     request(dem_, is_dem, diagnostic_timeout_, &State_notifier::dem_completed);
 }
 
-/// The server replaces any request before this one, so a step that one of those has left to be taken is void as well. A
-/// request that it can't be told of is over at once.
+// The server replaces any request before this one, so a step that one of those has left to be taken is void as well. A
+// request that it can't be told of is over at once.
 template <class Completed>
 void State_notifier::request(Group& group, Client_predicate const& predicate, std::chrono::seconds timeout,
                              Completed completed) {
@@ -117,7 +117,7 @@ void State_notifier::request(Group& group, Client_predicate const& predicate, st
 
 void State_notifier::dcm_completed(std::uint64_t request_number, Callback_status status,
                                    Client_results const& results) {
-    if (take_results(dcm_, request_number, "Received DCM client completion notification for ", status, results) &&
+    if (keep_results(dcm_, request_number, "Received DCM client completion notification for ", status, results) &&
         dcm_.requested_state == k_normal_mode && requested_state_ == k_normal_mode) {
         sequence_status_ = 0;  // the resume ends here
     }
@@ -125,19 +125,19 @@ void State_notifier::dcm_completed(std::uint64_t request_number, Callback_status
 
 void State_notifier::apps_completed(std::uint64_t request_number, Callback_status status,
                                     Client_results const& results) {
-    take_results(apps_, request_number, "Received application client completion notification for ", status, results);
+    keep_results(apps_, request_number, "Received application client completion notification for ", status, results);
 }
 
 void State_notifier::dem_completed(std::uint64_t request_number, Callback_status status,
                                    Client_results const& results) {
-    if (take_results(dem_, request_number, "Received DEM client completion notification for ", status, results) &&
+    if (keep_results(dem_, request_number, "Received DEM client completion notification for ", status, results) &&
         dem_.requested_state == k_standby_mode && requested_state_ == k_standby_mode) {
         sequence_status_ = 0;  // the standby ends here; a resume asked for in between makes it turn back instead
     }
 }
 
-/// False, and nothing else, for the completion of a request that a newer one has replaced.
-bool State_notifier::take_results(Group& group, std::uint64_t request_number, char const* text, Callback_status status,
+// False, and nothing else, for the completion of a request that a newer one has replaced.
+bool State_notifier::keep_results(Group& group, std::uint64_t request_number, char const* text, Callback_status status,
                                   Client_results const& results) const {
     if (request_number != request_number_) {
         return false;

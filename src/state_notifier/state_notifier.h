@@ -27,8 +27,8 @@ using Create_client_states = std::function<std::unique_ptr<client_state_notifier
 /// A resume in the middle of a standby turns the running sequence back at its next step; a standby in the middle of
 /// anything starts from the first step.
 ///
-/// The state machine's thread asks; `check_request_status` takes each next step. The server's thread reports what
-/// clients answered.
+/// A state asks for a sequence when it is entered, and then for its status in each cycle, which is what takes each next
+/// step: all of that on the driver's thread. The server's thread reports what clients answered.
 class State_notifier : public State_notifier_interface {
  public:
     /// How long the applications may take for an answer, and how long DCM and DEM may.
@@ -47,7 +47,7 @@ class State_notifier : public State_notifier_interface {
  private:
     struct Group {
         std::string requested_state;  ///< last requested from this group
-        bool is_done = false;         ///< completed, and the next step not taken yet
+        bool is_done{false};          ///< completed, and the next step not taken yet
         Client_results results;
     };
 
@@ -64,7 +64,7 @@ class State_notifier : public State_notifier_interface {
         REQUIRES(mutex_);
     void dem_completed(std::uint64_t request_number, Callback_status status, Client_results const& results)
         REQUIRES(mutex_);
-    bool take_results(Group& group, std::uint64_t request_number, char const* text, Callback_status status,
+    bool keep_results(Group& group, std::uint64_t request_number, char const* text, Callback_status status,
                       Client_results const& results) const REQUIRES(mutex_);
 
     void check_application_request_status() REQUIRES(mutex_);

@@ -19,7 +19,7 @@ namespace {
     throw std::system_error(errno, std::generic_category(), text);
 }
 
-/// No failure when somebody else was faster.
+// No failure when somebody else was faster.
 void make_missing_dir(std::string const& path, mode_t mode) {
     try {
         make_dir(path, mode);

@@ -11,7 +11,7 @@ constexpr std::size_t k_idle_capacity = 256;  // bytes; room for what most clien
 
 }  // namespace
 
-/// Grows by doubling, as far as an unfinished message can go.
+// Grows by doubling, as far as an unfinished message can go.
 void Frame_assembler::append(std::uint8_t const* bytes, std::size_t count) {
     auto const needed = pending_.size() + count;
     if (needed > pending_.capacity()) {
@@ -42,7 +42,7 @@ std::optional<Type_length_values> Frame_assembler::take() {
     return message;
 }
 
-/// Keeps what is left of an unfinished message; an idle connection keeps hardly any memory.
+// Keeps what is left of an unfinished message; an idle connection keeps hardly any memory.
 void Frame_assembler::forget_taken() {
     if (taken_ == 0) {
         return;

@@ -37,7 +37,7 @@ class Frame_assembler {
     void forget_taken();
 
     Bytes pending_;
-    std::size_t taken_ = 0;  ///< bytes at the front of `pending_` that have been handed out
+    std::size_t taken_{0};  ///< bytes at the front of `pending_` that have been handed out
 };
 
 }  // namespace utilities

@@ -78,7 +78,7 @@ class Socket {
     bool try_connect(sockaddr_un const& address, Socket const& abort) const;
 
  private:
-    std::int32_t m_socket = k_none;
+    std::int32_t m_socket{k_none};
 };
 
 /// The address of a path of at most 108 bytes; a longer one throws std::runtime_error.

@@ -92,7 +92,7 @@ std::error_code send_at_once(std::string_view line) {
     return send(line, std::chrono::milliseconds(0));
 }
 
-/// The number in an environment variable; nothing when there is none, or none alone.
+// The number in an environment variable; nothing when there is none, or none alone.
 std::optional<std::int64_t> number_in(char const* variable) {
     auto const* const text = std::getenv(variable);
     if (text == nullptr) {

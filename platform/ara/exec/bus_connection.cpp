@@ -1,5 +1,7 @@
 #include "bus_connection.h"
 
+#include "base/system_error.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -34,7 +36,7 @@ std::string text_of(sd_bus_error const& error) {
     return std::string(error.message != nullptr ? error.message : or_empty(error.name));
 }
 
-/// The manager itself declined: an error of its own, or one about rights or arguments.
+// The manager itself declined: an error of its own, or one about rights or arguments.
 bool is_refusal(std::string_view name) {
     return name.substr(0, std::strlen(k_service)) == k_service || name == SD_BUS_ERROR_ACCESS_DENIED ||
            name == SD_BUS_ERROR_INVALID_ARGS || name == SD_BUS_ERROR_INTERACTIVE_AUTHORIZATION_REQUIRED ||
@@ -45,7 +47,7 @@ bool is_refusal(std::string_view name) {
 
 void StateClient::Connection::check(int result, char const* what) {
     if (result < 0) {
-        throw Broken(std::string(what) + ": " + std::strerror(-result));
+        throw Broken(std::string(what) + ": " + base::system_error_text(-result));
     }
 }
 
@@ -143,7 +145,7 @@ bool StateClient::Connection::is_answered(Call const& call, std::chrono::microse
 // A call that was not answered stays where it is; the others are settled.
 Answer StateClient::Connection::answer_to(std::unique_ptr<Call>& call, Deadline deadline) {
     if (!is_greeted(deadline)) {
-        throw std::runtime_error(std::string(k_no_connection) + ": " + std::strerror(ETIMEDOUT));
+        throw std::runtime_error(std::string(k_no_connection) + ": " + base::system_error_text(ETIMEDOUT));
     }
     if (!is_answered(*call, deadline)) {
         throw std::runtime_error("no answer from execution management in time");

@@ -34,8 +34,13 @@ class Log_sink {
     virtual bool is_awaited() const { return false; }
 };
 
-/// The process's log: its contexts, the queue into which every log call puts its message, and the consumer that takes
-/// them out and hands them to the sinks. Made with the first log call and never destroyed.
+/// The process's log, made with the first log call and never destroyed. The way of a message:
+///
+///     LogInfo() << ...  --submit-->  queue  --drain-->  each sink: DLT, console, file
+///
+/// A context is a named source of messages with a level; a message is in the context of its logger and stays in the
+/// queue while no sink has room. `InitLogging` adds the sinks and starts the writer, a thread that drains; at the exit
+/// of the process it is stopped and what is left is drained. Until then messages are kept.
 ///
 /// Threads: `submit` any, signal handlers included; everything else takes a mutex and is for ordinary threads.
 class Log_engine {

@@ -39,8 +39,8 @@ class Fast_shutdown_handler {
     void write_info(long& written, std::string const& command) const;
 
  private:
-    int descriptor_ = -1;
-    bool open_ = false;
+    int descriptor_{-1};
+    bool open_{false};
 };
 
 }  // namespace ximo::ap::statemanager::fast_shutdown

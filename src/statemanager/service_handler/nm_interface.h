@@ -18,7 +18,12 @@ namespace ximo::ap::statemanager {
 /// Client of the two services of UDP network management: network state and user data.
 ///
 /// Each is looked up on its own, and the first instance found is kept for good: when it goes, calls fail and are
-/// logged, and when it comes back they succeed again. The functions given run on threads of the communication binding.
+/// logged, and when it comes back they succeed again.
+///
+/// The service handler sets its function for the network's state, starts the search, and calls once both services are
+/// found. Its functions run on threads of the communication binding: the one for both services on the thread of the
+/// lookup that ends last, which is stopped after it; the one for the network's state with each new sample. The
+/// destructor waits for both.
 class Nm_interface : public Nm_interface_abstract {
  public:
     Nm_interface() = default;

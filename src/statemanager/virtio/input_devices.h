@@ -49,8 +49,8 @@ class Input_devices {
     void drop(int descriptor);
 
     Input_system& system_;
-    int count_ = 0;  ///< of those that are watched; may exceed the number of slots
-    int epoll_ = k_closed;
+    int count_{0};  ///< of those that are watched; may exceed the number of slots
+    int epoll_{k_closed};
     std::array<int, k_slots> slots_;  ///< the n-th watched device is in slot n, so slot 0 stays closed
     std::vector<int> unslotted_;      ///< open as well: those that can't send keys, and those beyond the slots
 };

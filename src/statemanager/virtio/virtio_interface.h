@@ -44,8 +44,8 @@ class Virtio_interface final : public Virtio_interface_abstract {
 
     Input_devices devices_;
     std::deque<Virtio_command> queue_;
-    Virtio_command last_command_ = Virtio_command::none;  ///< accepted last; consuming doesn't reset it
-    bool initialised_ = false;
+    Virtio_command last_command_{Virtio_command::none};  ///< accepted last; consuming doesn't reset it
+    bool initialised_{false};
 };
 
 }  // namespace ximo::ap::statemanager::virtio
