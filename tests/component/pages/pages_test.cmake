@@ -1,6 +1,7 @@
 # cmake -D ROOT=the repository -P pages_test.cmake: what the pages point to is there. Looked at are links without a scheme,
 # and what stands in backquotes and begins with one of our folders; it may be a pattern.
-set(folders base bench benchmarks cmake deploy docs fuzz interfaces platform src tests tools)
+file(GLOB folders RELATIVE ${ROOT} ${ROOT}/*/)
+list(REMOVE_ITEM folders build)
 list(JOIN folders "|" folders)
 file(GLOB pages ${ROOT}/*.md ${ROOT}/docs/*.md ${ROOT}/docs/decisions/*.md)
 set(looked_at 0)
