@@ -106,16 +106,6 @@ TEST_F(Finding, A_killed_process_is_reported_at_once) {
     EXPECT_LT(steady_clock::now() - begin, k_faster_than_lease);
 }
 
-TEST_F(Finding, A_process_that_stands_still_for_longer_than_its_lease_is_given_up_and_found_again) {
-    auto peer = server({"app"}, given_up_soon());
-    Watch sut("*");
-    sut.expect({"app"});
-    peer.process().signal(SIGSTOP);
-    sut.expect({});
-    peer.process().signal(SIGCONT);
-    sut.expect({"app"});
-}
-
 TEST_F(Finding, A_process_that_stands_still_for_less_stays_found) {
     auto peer = server({"app"});
     Watch sut("*");

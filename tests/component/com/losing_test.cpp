@@ -150,18 +150,6 @@ TEST_F(Losing, A_server_that_stands_still_fails_pending_calls_within_two_seconds
     peer_->process().signal(SIGCONT);
 }
 
-TEST_F(Losing, A_server_that_was_given_up_serves_the_proxy_again) {
-    restart_given_up_soon();
-    expect_working();
-    Watching<Com_alive_proxy> lookup("*");
-    lookup.expect({"app"});
-    peer_->process().signal(SIGSTOP);
-    lookup.expect({});
-    peer_->process().signal(SIGCONT);
-    lookup.expect({"app"});
-    expect_working();
-}
-
 // The calls of the daemon's services wait for the network manager, whom the others' calls wait for as well.
 TEST_F(Losing, A_handler_that_does_not_end_fails_its_call_after_two_seconds_and_later_with_the_daemons_services) {
     auto longer = waiting_call();
@@ -176,19 +164,11 @@ TEST_F(Losing, A_handler_that_does_not_end_fails_its_call_after_two_seconds_and_
     EXPECT_TRUE(succeeds(std::move(longer)));
 }
 
-TEST_F(Losing, A_server_that_was_lost_from_sight_for_a_moment_serves_the_next_call) {
+TEST_F(Losing, A_server_that_was_lost_from_sight_is_awaited_for_a_second_and_a_half_and_serves_again_when_it_is_heard) {
     restart_given_up_soon();
     expect_working();
-    peer_->process().signal(SIGSTOP);
-    std::this_thread::sleep_for(milliseconds(1400));
-    peer_->process().signal(SIGCONT);
-    EXPECT_TRUE(succeeds(proxy_.RequestComAlive({2}, 0)));
-    peer_->await_event("request", {{"bytes", {2}}});
-}
-
-TEST_F(Losing, A_server_that_was_lost_from_sight_is_awaited_for_a_second_and_a_half) {
-    restart_given_up_soon();
-    expect_working();
+    Watching<Com_alive_proxy> lookup("*");
+    lookup.expect({"app"});
     auto pending = waiting_call();
     auto const begin = steady_clock::now();
     peer_->process().signal(SIGSTOP);
@@ -198,7 +178,11 @@ TEST_F(Losing, A_server_that_was_lost_from_sight_is_awaited_for_a_second_and_a_h
     EXPECT_LT(time, milliseconds(5000));
     EXPECT_EQ(error_of(proxy_.ReleaseComAlive({})), k_not_available);
     EXPECT_LT(steady_clock::now() - begin, time + milliseconds(500)) << "once";
+    lookup.expect({});
     peer_->process().signal(SIGCONT);
+    lookup.expect({"app"});
+    peer_->command({{"do", "continue"}});
+    expect_working();
 }
 
 TEST_F(Losing, A_server_that_is_killed_while_it_is_awaited_fails_calls_at_once) {
@@ -213,7 +197,7 @@ TEST_F(Losing, A_server_that_is_killed_while_it_is_awaited_fails_calls_at_once) 
     EXPECT_LT(steady_clock::now() - begin, k_sooner_than_lease);
 }
 
-TEST_F(Losing, A_call_that_was_under_way_when_its_server_was_lost_is_not_sent_again) {
+TEST_F(Losing, A_server_that_was_lost_from_sight_for_a_moment_serves_the_next_call_and_is_not_sent_the_last_one_again) {
     restart_given_up_soon();
     expect_working();
     auto pending = waiting_call();
@@ -221,9 +205,10 @@ TEST_F(Losing, A_call_that_was_under_way_when_its_server_was_lost_is_not_sent_ag
     peer_->process().signal(SIGSTOP);
     std::this_thread::sleep_for(milliseconds(1400));
     peer_->process().signal(SIGCONT);
+    auto next = proxy_.RequestComAlive({3}, 0);
     EXPECT_EQ(error_of(std::move(pending)), k_not_available);
     peer_->command({{"do", "continue"}});
-    EXPECT_TRUE(succeeds(proxy_.RequestComAlive({3}, 0)));
+    EXPECT_TRUE(succeeds(std::move(next)));
     EXPECT_EQ(peer_->await_event("request", {}, seen)["bytes"], Bytes{3});
 }
 
