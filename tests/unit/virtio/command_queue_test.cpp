@@ -1,104 +1,87 @@
+// What the queue holds, and what is told of it, in any order of keys, commands and consumption, against a model.
+
 #include "virtio_fixture.h"
+
+#include <array>
+#include <deque>
+#include <random>
+#include <utility>
 
 namespace ximo::ap::statemanager::virtio {
 namespace {
 
-class Command_queue : public Virtio_fixture {};
+class Command_queue : public Keyboard_fixture {
+ protected:
+    using Key = std::pair<std::uint16_t, Virtio_command>;
 
-Log_message received(char const* name) {
-    return logged(LogLevel::kInfo, "New command received", name);
-}
-Log_message consumed(char const* name) {
-    return logged(LogLevel::kInfo, "Consumed VirtIO command: ", name);
-}
+    unsigned below(unsigned end) { return static_cast<unsigned>(random()) % end; }
 
-TEST_F(Command_queue, An_empty_queue_gives_none) {
-    EXPECT_EQ(sut->get_command(0), Virtio_command::none);
-}
+    // A command like the one accepted last is dropped, also when that has been consumed; no command is one, too.
+    void accept(Virtio_command command) {
+        if (std::exchange(last, command) != command) {
+            queue.push_back(command);
+            told.push_back(logged(LogLevel::kInfo, "New command received", toString(command)));
+        }
+    }
 
-TEST_F(Command_queue, The_oldest_command_stays_until_it_is_consumed) {
-    sut->add_command(Virtio_command::run);
-    sut->add_command(Virtio_command::prepare_sd);
+    void press_a_key() {
+        auto const [key, command] = keys.at(below(5));
+        press(key, key == KEY_POWER && below(2) == 0 ? EV_PWR : EV_KEY);
+        if (command == Virtio_command::shutdown) {
+            queue.clear();
+        }
+        accept(command);
+    }
 
-    EXPECT_EQ(sut->get_command(0), Virtio_command::run);
-    EXPECT_EQ(sut->get_command(0), Virtio_command::run);
-    sut->command_consumed();
-    EXPECT_EQ(sut->get_command(0), Virtio_command::prepare_sd);
-    sut->command_consumed();
-    EXPECT_EQ(sut->get_command(0), Virtio_command::none);
-}
+    void add_a_command() {
+        auto const command = static_cast<Virtio_command>(below(6));
+        sut->add_command(command);
+        accept(command);
+    }
 
-TEST_F(Command_queue, A_new_command_is_told_by_its_name) {
-    sut->add_command(Virtio_command::run);
-    sut->add_command(Virtio_command::shutdown);
+    // The command that is named is the one accepted last, whichever goes.
+    void consume() {
+        sut->command_consumed();
+        if (!queue.empty()) {
+            queue.pop_front();
+            told.push_back(logged(LogLevel::kInfo, "Consumed VirtIO command: ", toString(last)));
+        }
+    }
 
-    EXPECT_THAT(log.messages(), ElementsAre(received("Run"), received("Shutdown")));
-}
+    std::array<Key, 5> const keys{{{KEY_R, Virtio_command::run},
+                                   {KEY_N, Virtio_command::nm_controlled},
+                                   {KEY_S, Virtio_command::nm_controlled_prepare_sd},
+                                   {KEY_P, Virtio_command::prepare_sd},
+                                   {KEY_POWER, Virtio_command::shutdown}}};
+    std::deque<Virtio_command> queue;
+    Virtio_command last{Virtio_command::none};
+    std::vector<Log_message> told;
+    std::mt19937 random{1};
+};
 
-TEST_F(Command_queue, A_command_like_the_one_before_is_dropped_silently) {
-    sut->add_command(Virtio_command::nm_controlled);
-    sut->add_command(Virtio_command::nm_controlled);
-
-    EXPECT_THAT(log.messages(), ElementsAre(received("NmControlled")));
-    EXPECT_THAT(take_all(), ElementsAre(Virtio_command::nm_controlled));
-}
-
-TEST_F(Command_queue, The_first_none_is_like_the_one_before) {
-    sut->add_command(Virtio_command::none);
-    EXPECT_THAT(log.messages(), IsEmpty());
-
-    sut->command_consumed();
-    EXPECT_THAT(log.messages(), IsEmpty());
-}
-
-TEST_F(Command_queue, A_later_none_is_queued_like_any_command) {
-    sut->add_command(Virtio_command::run);
-    sut->add_command(Virtio_command::none);
-    sut->add_command(Virtio_command::run);
-
-    EXPECT_THAT(log.messages(), ElementsAre(received("Run"), received("Non"), received("Run")));
-}
-
-TEST_F(Command_queue, The_same_command_is_queued_again_after_another_one) {
-    sut->add_command(Virtio_command::nm_controlled);
-    sut->add_command(Virtio_command::prepare_sd);
-    sut->add_command(Virtio_command::nm_controlled);
-
-    EXPECT_THAT(take_all(),
-                ElementsAre(Virtio_command::nm_controlled, Virtio_command::prepare_sd, Virtio_command::nm_controlled));
-}
-
-TEST_F(Command_queue, Consuming_does_not_make_room_for_the_same_command) {
-    sut->add_command(Virtio_command::run);
-    sut->command_consumed();
-    sut->add_command(Virtio_command::run);
-    EXPECT_EQ(sut->get_command(0), Virtio_command::none);
-
-    sut->add_command(Virtio_command::prepare_sd);
-    sut->add_command(Virtio_command::run);
-    EXPECT_THAT(take_all(), ElementsAre(Virtio_command::prepare_sd, Virtio_command::run));
+TEST_F(Command_queue, Holds_what_was_accepted_and_not_consumed_in_any_order) {
+    for (int step = 0; step < 2000; ++step) {
+        log.clear();
+        told.clear();
+        switch (below(5)) {
+            case 0:
+            case 1:
+                press_a_key();
+                break;
+            case 2:
+                add_a_command();
+                break;
+            default:
+                consume();
+        }
+        auto const head = queue.empty() ? Virtio_command::none : queue.front();
+        ASSERT_EQ(log.messages(LogLevel::kInfo), told) << "step " << step;
+        ASSERT_EQ(sut->get_command(0), head) << "step " << step;
+        ASSERT_EQ(sut->get_command(0), head) << "it stays until it is consumed";
+    }
 }
 
-TEST_F(Command_queue, Consuming_names_the_command_queued_last_and_not_the_one_removed) {
-    sut->add_command(Virtio_command::run);
-    sut->add_command(Virtio_command::prepare_sd);
-    log.clear();
-
-    sut->command_consumed();
-    sut->command_consumed();
-
-    EXPECT_THAT(log.messages(), ElementsAre(consumed("PrepareSD"), consumed("PrepareSD")));
-}
-
-TEST_F(Command_queue, Consuming_from_an_empty_queue_does_and_logs_nothing) {
-    sut->command_consumed();
-    EXPECT_THAT(log.messages(), IsEmpty());
-
-    sut->add_command(Virtio_command::run);
-    EXPECT_EQ(sut->get_command(0), Virtio_command::run);
-}
-
-TEST_F(Command_queue, Many_commands_keep_their_order) {
+TEST_F(Command_queue, Keeps_many_in_their_order) {
     std::vector<Virtio_command> expected;
     for (int i = 0; i < 10'000; ++i) {
         expected.push_back(i % 2 == 0 ? Virtio_command::run : Virtio_command::nm_controlled);
@@ -106,34 +89,6 @@ TEST_F(Command_queue, Many_commands_keep_their_order) {
     }
 
     EXPECT_EQ(take_all(), expected);
-}
-
-class Pressed_keys : public Keyboard_fixture {};
-
-TEST_F(Pressed_keys, Two_identical_presses_queue_one_command) {
-    press(KEY_N);
-    press(KEY_N);
-
-    EXPECT_THAT(take_all(), ElementsAre(Virtio_command::nm_controlled));
-}
-
-TEST_F(Pressed_keys, Presses_of_different_keys_queue_them_all) {
-    press(KEY_N);
-    press(KEY_P);
-    press(KEY_N);
-
-    EXPECT_THAT(take_all(),
-                ElementsAre(Virtio_command::nm_controlled, Virtio_command::prepare_sd, Virtio_command::nm_controlled));
-}
-
-TEST_F(Pressed_keys, Consuming_after_a_second_power_press_finds_nothing_to_remove) {
-    press(KEY_POWER);
-    press(KEY_POWER);
-    log.clear();
-
-    sut->command_consumed();
-
-    EXPECT_THAT(log.messages(), IsEmpty());
 }
 
 }  // namespace

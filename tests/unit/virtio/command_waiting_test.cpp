@@ -68,15 +68,6 @@ TEST_F(Command_waiting, A_press_is_told_step_by_step) {
                                             logged(LogLevel::kInfo, "New command received", "NMControlledPrepareSD")));
 }
 
-TEST_F(Command_waiting, Each_key_queues_its_command) {
-    for (std::uint16_t const code : std::initializer_list<std::uint16_t>{KEY_R, KEY_N, KEY_S, KEY_P}) {
-        press(code);
-    }
-
-    EXPECT_THAT(take_all(), ElementsAre(Virtio_command::run, Virtio_command::nm_controlled,
-                                        Virtio_command::nm_controlled_prepare_sd, Virtio_command::prepare_sd));
-}
-
 TEST_F(Command_waiting, The_release_and_the_group_ends_around_a_press_are_unsupported_and_told_so) {
     system.press("event0", KEY_R);
     read_all(1);
@@ -103,29 +94,6 @@ TEST_F(Command_waiting, An_unknown_event_is_told_with_its_numbers) {
     sut->check_for_commands(0);
 
     EXPECT_THAT(log.messages().back(), unsupported(65535, 65534, -7));
-}
-
-TEST_F(Command_waiting, The_power_key_is_taken_from_both_kinds_of_event) {
-    press(KEY_POWER, EV_PWR);
-    EXPECT_THAT(take_all(), ElementsAre(Virtio_command::shutdown));
-    press(KEY_R);
-    press(KEY_POWER, EV_KEY);
-    EXPECT_THAT(take_all(), ElementsAre(Virtio_command::shutdown));
-}
-
-TEST_F(Command_waiting, The_power_key_overtakes_everything_that_waits) {
-    press(KEY_R);
-    press(KEY_N);
-    press(KEY_POWER);
-
-    EXPECT_THAT(take_all(), ElementsAre(Virtio_command::shutdown));
-}
-
-TEST_F(Command_waiting, A_second_power_press_leaves_the_queue_empty) {
-    press(KEY_POWER);
-    press(KEY_POWER);
-
-    EXPECT_THAT(take_all(), IsEmpty());
 }
 
 TEST_F(Command_waiting, One_wait_reads_one_record_of_a_device) {
