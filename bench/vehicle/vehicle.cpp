@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::chrono::milliseconds k_quiet{100};  // as long as a busy machine may keep a player waiting
+constexpr std::chrono::seconds k_stop{20};         // the daemon's end waits for a late service manager, and for its log
 constexpr char const* k_notify_socket = "/run/notify";
 
 }  // namespace
@@ -57,7 +58,7 @@ Vehicle::~Vehicle() {
     take_end();
     if (daemon_ && !exit_status_) {
         daemon_->signal(SIGTERM);
-        auto const status = daemon_->wait(k_patience);
+        auto const status = daemon_->wait(k_stop);
         if (status != EXIT_SUCCESS) {
             unasked_end("The daemon ended " + (status ? "with status " + std::to_string(*status) : "not at all") +
                         " after SIGTERM");

@@ -70,6 +70,7 @@ TEST_F(Faults, Of_execution_management_that_never_answers_end_in_bounded_time) {
     EXPECT_TRUE(logs("StateClient::SetState(MachineState, Running) exception: "));
     machine->press("p");
     EXPECT_TRUE(sees(Kind::state_word, "prepared4sd"));
+    machine->service_manager().process().signal(SIGKILL);  // the end would wait for its answer
 }
 
 TEST_F(Faults, Of_a_bus_that_dies_are_logged_and_survived) {
