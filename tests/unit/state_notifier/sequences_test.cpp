@@ -1,5 +1,10 @@
 #include "notifier_fixture.h"
 
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <vector>
+
 namespace ximo::ap::statemanager::state_notifier {
 namespace {
 
@@ -11,28 +16,66 @@ using testing::SizeIs;
 
 using Sequence = Notifier_test;
 
-TEST_F(Sequence, Is_finished_before_any_request) {
-    EXPECT_EQ(sut.check_request_status(), 0U);
-    EXPECT_THAT(server->requests, IsEmpty());
+/// What happens, in order: S a standby is requested, R a resume, c the group that was asked last answers, and a digit:
+/// the state machine takes the next step, if one is due, and is told this status.
+struct Course {
+    char const* name;
+    std::string events;
+    std::vector<Step> steps;
+
+    friend std::ostream& operator<<(std::ostream& out, Course const& course) { return out << course.name; }
+};
+
+class Course_of_a_sequence : public Notifier_test, public testing::WithParamInterface<Course> {
+ protected:
+    void happens(char event) {
+        switch (event) {
+            case 'S':
+                sut.request_standby();
+                break;
+            case 'R':
+                sut.request_resume();
+                break;
+            case 'c':
+                complete();
+                break;
+            default:
+                EXPECT_EQ(sut.check_request_status(), static_cast<unsigned>(event - '0'));
+        }
+    }
+};
+
+TEST_P(Course_of_a_sequence, Asks_the_groups_in_this_order) {
+    auto const& events = GetParam().events;
+    for (std::size_t at = 0; at < events.size(); ++at) {
+        SCOPED_TRACE(events.substr(0, at + 1));
+        happens(events[at]);
+    }
+    EXPECT_EQ(steps(), GetParam().steps);
 }
 
-TEST_F(Sequence, Of_a_standby_goes_from_DCM_over_the_applications_to_DEM) {
-    sut.request_standby();
-    EXPECT_EQ(sut.check_request_status(), 1U) << "DCM owes its answer";
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_dem_standby));
-}
-
-TEST_F(Sequence, Of_a_resume_goes_from_DEM_over_the_applications_to_DCM) {
-    sut.request_resume();
-    EXPECT_EQ(sut.check_request_status(), 1U) << "DEM owes its answer";
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dem_on, k_apps_on, k_dcm_on));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Table, Course_of_a_sequence,
+    testing::Values(
+        Course{"Nothing", "0", {}}, Course{"Standby", "S11c11c11c00", {k_dcm_standby, k_apps_standby, k_dem_standby}},
+        Course{"Resume", "R11c11c11c00", {k_dem_on, k_apps_on, k_dcm_on}},
+        Course{"Resume_after_a_whole_standby",
+               "S1c1c1c0R1c1c1c0",
+               {k_dcm_standby, k_apps_standby, k_dem_standby, k_dem_on, k_apps_on, k_dcm_on}},
+        Course{"Standby_starts_again",
+               "Sc1Sc1c1c0",
+               {k_dcm_standby, k_apps_standby, k_dcm_standby, k_apps_standby, k_dem_standby}},
+        Course{"Standby_voids_a_step_that_was_due", "Sc1cS1", {k_dcm_standby, k_apps_standby, k_dcm_standby}},
+        Course{"Standby_replaces_a_resume", "RSc1c1c0", {k_dem_on, k_dcm_standby, k_apps_standby, k_dem_standby}},
+        Course{"Resume_is_not_started_twice", "RR", {k_dem_on}},
+        Course{"Turned_back_while_DCM_is_asked", "SR1c1c0", {k_dcm_standby, k_dcm_on}},
+        Course{"Turned_back_after_DCM", "ScR1c0", {k_dcm_standby, k_dcm_on}},
+        Course{"Turned_back_at_the_applications", "Sc1Rc1c1c0", {k_dcm_standby, k_apps_standby, k_apps_on, k_dcm_on}},
+        // Nobody may stay prepared for shutdown on a running machine.
+        Course{"Turned_back_at_DEM",
+               "Sc1c1Rc1c1c1c0",
+               {k_dcm_standby, k_apps_standby, k_dem_standby, k_dem_on, k_apps_on, k_dcm_on}}),
+    [](auto const& instance) { return std::string(instance.param.name); });
 
 TEST_F(Sequence, Takes_every_other_name_for_an_application) {
     sut.request_standby();
@@ -40,21 +83,6 @@ TEST_F(Sequence, Takes_every_other_name_for_an_application) {
     for (auto const* name : {"", "radio", "diag::", "diag::dcm2", "Diag::dcm", "dem", " diag::dem"}) {
         EXPECT_TRUE(last().predicate(name)) << name;
     }
-}
-
-TEST_F(Sequence, Takes_no_step_before_the_group_has_answered) {
-    sut.request_standby();
-    sut.check_request_status();
-    sut.check_request_status();
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby));
-}
-
-TEST_F(Sequence, Takes_each_step_once) {
-    sut.request_standby();
-    complete();
-    sut.check_request_status();
-    sut.check_request_status();
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby));
 }
 
 TEST_F(Sequence, Gives_applications_and_diagnostics_their_own_time) {
@@ -77,104 +105,6 @@ TEST_F(Sequence, Goes_on_after_clients_that_failed_or_timed_out) {
     complete(Callback_status::timed_out);
     EXPECT_EQ(sut.check_request_status(), 0U);
     EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_dem_standby));
-}
-
-TEST_F(Sequence, Ends_with_the_last_completion_itself) {
-    sut.request_standby();
-    complete_and_check();
-    complete_and_check();
-    EXPECT_EQ(sut.check_request_status(), 1U);
-    complete();
-    EXPECT_EQ(sut.check_request_status(), 0U);
-}
-
-TEST_F(Sequence, Of_a_resume_follows_a_whole_standby) {
-    sut.request_standby();
-    complete_and_check();
-    complete_and_check();
-    complete_and_check();
-    server->requests.clear();
-    sut.request_resume();
-    complete_and_check();
-    complete_and_check();
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dem_on, k_apps_on, k_dcm_on));
-}
-
-TEST_F(Sequence, Starts_at_DCM_again_with_a_second_standby) {
-    sut.request_standby();
-    complete_and_check();
-    sut.request_standby();
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_dcm_standby, k_apps_standby, k_dem_standby));
-}
-
-TEST_F(Sequence, Forgets_a_step_that_was_due_when_a_second_standby_starts) {
-    sut.request_standby();
-    complete_and_check();
-    complete();  // the applications are done, and DEM would be next
-    sut.request_standby();
-    sut.check_request_status();
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_dcm_standby));
-}
-
-TEST_F(Sequence, Of_a_standby_replaces_a_running_resume) {
-    sut.request_resume();
-    sut.request_standby();
-    complete_and_check();
-    complete_and_check();
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dem_on, k_dcm_standby, k_apps_standby, k_dem_standby));
-}
-
-TEST_F(Sequence, Of_a_resume_is_not_started_twice) {
-    sut.request_resume();
-    sut.request_resume();
-    EXPECT_THAT(steps(), ElementsAre(k_dem_on));
-}
-
-// A resume in the middle of a standby turns it back at the step that it has come to.
-
-TEST_F(Sequence, Turned_back_at_DCM_asks_DCM_again_and_ends) {
-    sut.request_standby();
-    sut.request_resume();
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby)) << "the running request goes on";
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_dcm_on));
-}
-
-TEST_F(Sequence, Turned_back_at_the_applications_asks_them_again_and_then_DCM) {
-    sut.request_standby();
-    complete_and_check();
-    sut.request_resume();
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_apps_on, k_dcm_on));
-}
-
-TEST_F(Sequence, Turned_back_between_DCM_and_the_applications_asks_DCM_again) {
-    sut.request_standby();
-    complete();
-    sut.request_resume();
-    EXPECT_EQ(sut.check_request_status(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_dcm_on));
-}
-
-TEST_F(Sequence, Turned_back_at_DEM_goes_all_the_way_back) {
-    sut.request_standby();
-    complete_and_check();
-    complete_and_check();
-    sut.request_resume();
-    EXPECT_EQ(complete_and_check(), 1U) << "nobody may stay prepared for shutdown on a running machine";
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
-    EXPECT_THAT(steps(), ElementsAre(k_dcm_standby, k_apps_standby, k_dem_standby, k_dem_on, k_apps_on, k_dcm_on));
 }
 
 TEST_F(Sequence, Is_not_moved_by_the_completion_of_a_request_that_was_replaced) {
