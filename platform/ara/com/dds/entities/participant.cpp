@@ -12,7 +12,7 @@ namespace {
 constexpr dds_domainid_t k_local_domain = 0;
 
 // Multicast is off: on the loopback interface each participant announces itself to every index instead. With the
-// engine's default of 9 the eleventh process of a machine would find no index. A lease of 20 seconds: a machine or a
+// engine's default of 9 the tenth process of a machine would find no index. A lease of 20 seconds: a machine or a
 // process that stands still for less is not given up, and whose process ends on this machine is told of by the process
 // watch. Announcements every 800 ms, which the engine would draw out with the lease: whoever was given up is soon found
 // again; with 50 processes a shorter time would take more than 1 % of a core from each when idle.
