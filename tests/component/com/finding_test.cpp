@@ -233,8 +233,8 @@ class Taken_place {
     int const socket_;
 };
 
-// By its own settings the engine has places for nine processes of a machine. Of the 61 that it is told to have it leaves
-// the last one unused.
+// By its own settings the engine has places for nine processes of a machine. Of the 61 that it is told to have it
+// leaves the last one unused.
 TEST_F(Finding, The_sixtieth_process_of_a_machine_is_found) {
     Watch sut("*");
     sut.expect({});

@@ -181,7 +181,7 @@ class Reports_of_processes : public Reports, public testing::WithParamInterface<
 
     static constexpr int k_own_ends = 2;
     std::unique_ptr<bench::Player> client_ = started({PEER_PROGRAM});
-    Sight const sight_;
+    Sight sight_;
 };
 
 TEST_P(Reports_of_processes, Are_not_repeated_when_they_were_lost_from_sight) {
