@@ -47,36 +47,6 @@ TEST_F(Bench_client, Says_who_it_is) {
         << list;
 }
 
-TEST_F(Bench_client, Answers_at_once_unless_told_otherwise) {
-    EXPECT_TRUE(is_asked(7, "kPrepSD"));
-    EXPECT_EQ(peer.reply(), (Reply{7, "kPrepSD", 0}));
-    sut.await_event("answer", {{"number", 7}, {"state", "kPrepSD"}, {"status", 0}});
-}
-
-TEST_F(Bench_client, Fails_when_told_and_stays_in_its_state) {
-    behave({{"as", "failing"}, {"status", 2}});
-    EXPECT_TRUE(is_asked(1, "kPrepSD"));
-    EXPECT_EQ(peer.reply(), (Reply{1, "kOn", 2}));
-    EXPECT_EQ(sut.command({{"do", "list"}})["state"], "kOn");
-}
-
-TEST_F(Bench_client, Answers_after_its_delay_when_it_is_late) {
-    behave({{"as", "late"}, {"delay_ms", 200}});
-    auto const asked = std::chrono::steady_clock::now();
-    EXPECT_TRUE(is_asked(1, "kPrepSD"));
-    EXPECT_EQ(peer.reply(), (Reply{1, "kPrepSD", 0}));
-    EXPECT_GE(std::chrono::steady_clock::now() - asked, std::chrono::milliseconds(200));
-}
-
-TEST_F(Bench_client, Keeps_its_answer_when_it_is_silent_and_gives_it_once_it_behaves) {
-    behave({{"as", "silent"}});
-    EXPECT_TRUE(is_asked(1, "kPrepSD"));
-    EXPECT_EQ(sut.command({{"do", "list"}})["owes"], "kPrepSD");
-    behave({{"as", "well"}});
-    EXPECT_EQ(peer.reply(), (Reply{1, "kPrepSD", 0}));
-    EXPECT_EQ(sut.command({{"do", "list"}})["owes"], json());
-}
-
 TEST_F(Bench_client, Owes_only_the_newest_request) {
     behave({{"as", "silent"}});
     EXPECT_TRUE(is_asked(1, "kPrepSD"));
@@ -92,14 +62,6 @@ TEST_F(Bench_client, Owes_nothing_on_a_lost_connection) {
     sut.await_event("disconnected");
     EXPECT_EQ(sut.command({{"do", "list"}})["owes"], json());
     EXPECT_EQ(server.accept().hello().state, "kOn");
-}
-
-TEST_F(Bench_client, Is_killed_by_the_next_request_when_it_is_to_crash) {
-    behave({{"as", "crashing"}});
-    EXPECT_TRUE(is_asked(1, "kPrepSD"));
-    EXPECT_TRUE(peer.is_closed()) << "without an answer";
-    sut.await_event("crash");
-    EXPECT_EQ(sut.process().wait(Player::k_patience), 128 + SIGKILL);
 }
 
 TEST_F(Bench_client, Refuses_commands_that_are_none) {
