@@ -21,12 +21,6 @@ TEST(Control_file_test, Every_write_is_one_request_with_its_bytes_offset_time_an
     EXPECT_EQ(sut.journal().front().bytes, "startingup");
 }
 
-TEST(Control_file_test, An_empty_write_is_a_request_too) {
-    Control_file sut("set_status");
-    EXPECT_EQ(sut.write("", 0, 0).accepted, 0U);
-    EXPECT_EQ(sut.journal().size(), 1U);
-}
-
 TEST(Control_file_test, A_write_that_fails_is_recorded_with_all_its_bytes_and_the_next_one_succeeds) {
     Control_file sut("command_request");
     Fault fault;
@@ -37,25 +31,6 @@ TEST(Control_file_test, A_write_that_fails_is_recorded_with_all_its_bytes_and_th
     EXPECT_EQ(failed.accepted, 0U);
     EXPECT_EQ(failed.bytes, "restartao");
     EXPECT_EQ(sut.write("cancel", 0, 0).error, 0);
-}
-
-TEST(Control_file_test, A_short_write_takes_at_most_what_was_told) {
-    Control_file sut("set_status");
-    Fault fault;
-    fault.accepted_bytes = 3;
-    sut.faults().add(Operation::write, fault, 2);
-    EXPECT_EQ(sut.write("running", 0, 0).accepted, 3U);
-    EXPECT_EQ(sut.write("ab", 0, 0).accepted, 2U);
-}
-
-TEST(Control_file_test, A_short_write_can_take_nothing) {
-    Control_file sut("set_status");
-    Fault fault;
-    fault.accepted_bytes = 0;
-    sut.faults().add(Operation::write, fault, 1);
-    Request const& request = sut.write("running", 0, 0);
-    EXPECT_EQ(request.accepted, 0U);
-    EXPECT_EQ(request.error, 0);
 }
 
 TEST(Control_file_test, The_journal_keeps_the_newest_requests) {

@@ -46,23 +46,6 @@ class Input_device_test : public testing::Test {
     Input_device sut{"event0", 1U << EV_SYN | 1U << EV_KEY};
 };
 
-TEST_F(Input_device_test, Without_a_press_there_is_nothing_to_read) {
-    EXPECT_EQ(sut.read(k_reader, k_record).error, EAGAIN);
-    EXPECT_EQ(sut.poll(k_reader), unsigned{POLLOUT | POLLWRNORM});
-}
-
-TEST_F(Input_device_test, A_press_is_press_sync_release_sync) {
-    sut.press(EV_KEY, KEY_N);
-    EXPECT_EQ(sut.poll(k_reader) & POLLIN, unsigned{POLLIN});
-    EXPECT_EQ(records(), (std::vector<Record>{{1, 49, 1}, {0, 0, 0}, {1, 49, 0}, {0, 0, 0}}));
-    EXPECT_EQ(sut.poll(k_reader) & POLLIN, 0U);
-}
-
-TEST_F(Input_device_test, A_raw_record_has_the_type_code_and_value_that_were_given) {
-    sut.send(0xFFFF, 0x1234, -5);
-    EXPECT_EQ(records(), (std::vector<Record>{{0xFFFF, 0x1234, -5}}));
-}
-
 TEST_F(Input_device_test, A_record_carries_the_time_of_day) {
     sut.send(EV_KEY, KEY_N, 1);
     std::int64_t seconds = 0;
@@ -112,23 +95,9 @@ TEST_F(Input_device_test, One_record_too_many_leaves_the_dropped_mark_and_the_ne
     EXPECT_EQ(records(), (std::vector<Record>{{EV_SYN, SYN_DROPPED, 0}, {1, 49, 64}}));
 }
 
-TEST_F(Input_device_test, The_event_types_are_told_as_a_little_endian_mask) {
-    Outcome const outcome = sut.control(k_get_event_types, 8);
-    EXPECT_EQ(outcome.error, 0);
-    EXPECT_EQ(outcome.bytes, std::string("\x03\0\0\0\0\0\0\0", 8));
-}
-
 TEST_F(Input_device_test, The_mask_is_cut_to_the_asked_length) {
     EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x20, 4), 4).bytes.size(), 4U);
     EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x20, 64), 64).bytes.size(), 8U);
-}
-
-TEST_F(Input_device_test, Any_other_request_is_not_for_this_device) {
-    constexpr unsigned k_terminal_settings = 0x5401;
-    EXPECT_EQ(sut.control(k_terminal_settings, 0).error, ENOTTY);
-    EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x21, 8), 8).error, ENOTTY);
-    EXPECT_EQ(sut.control(_IOC(_IOC_WRITE, 'E', 0x20, 8), 8).error, ENOTTY);
-    EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'F', 0x20, 8), 8).error, ENOTTY);
 }
 
 TEST_F(Input_device_test, After_a_hang_up_reads_fail_and_poll_tells_of_it) {
@@ -150,34 +119,6 @@ TEST_F(Input_device_test, A_device_that_hung_up_sends_nothing_more) {
     sut.hang_up(true);
     sut.press(EV_KEY, KEY_N);
     EXPECT_EQ(sut.poll(k_reader), unsigned{POLLHUP | POLLERR});
-}
-
-TEST_F(Input_device_test, A_planned_read_error_makes_the_device_readable_fails_once_and_takes_nothing) {
-    sut.send(EV_KEY, KEY_N, 1);
-    Fault fault;
-    fault.error = EIO;
-    sut.faults().add(Operation::read, fault, 1);
-    EXPECT_EQ(sut.poll(k_reader) & POLLIN, unsigned{POLLIN});
-    EXPECT_EQ(sut.read(k_reader, k_record).error, EIO);
-    EXPECT_EQ(records(), (std::vector<Record>{{1, 49, 1}}));
-    EXPECT_EQ(sut.poll(k_reader) & POLLIN, 0U);
-}
-
-TEST_F(Input_device_test, A_planned_read_error_is_announced_although_no_record_waits) {
-    Fault fault;
-    fault.error = EIO;
-    sut.faults().add(Operation::read, fault, 1);
-    EXPECT_EQ(sut.poll(k_reader) & POLLIN, unsigned{POLLIN});
-    EXPECT_EQ(sut.read(k_reader, k_record).error, EIO);
-    EXPECT_EQ(sut.read(k_reader, k_record).error, EAGAIN);
-}
-
-TEST_F(Input_device_test, A_planned_error_of_the_ioctl_fails_once) {
-    Fault fault;
-    fault.error = EPERM;
-    sut.faults().add(Operation::ioctl, fault, 1);
-    EXPECT_EQ(sut.control(k_get_event_types, 8).error, EPERM);
-    EXPECT_EQ(sut.control(k_get_event_types, 8).error, 0);
 }
 
 }  // namespace
