@@ -115,8 +115,7 @@ void add_client_commands(bench::Command_table& commands, std::unique_ptr<com_tes
         auto const future = proxy.RequestNetwork({2});
         ::raise(SIGSTOP);
         future.wait();
-        com_test::print({{"event", "went on"}, {"outcome", com_test::error_of(proxy.RequestNetwork({3}))}});
-        return json();
+        return json{{"event", "went on"}, {"outcome", com_test::error_of(proxy.RequestNetwork({3}))}};
     });
     commands.add("call", [](bench::Arguments& arguments) {
         auto const instance = arguments.text("instance");
