@@ -16,7 +16,7 @@ Peer::Peer(std::string const& mode, std::string const& argument) : process_({BEN
     }
 }
 
-void Peer::kill() const {
+void Peer::kill() {
     process_.signal(SIGKILL);
 }
 

@@ -13,7 +13,7 @@ class Peer {
  public:
     Peer(std::string const& mode, std::string const& argument);
 
-    void kill() const;
+    void kill();
 
  private:
     bench::Child_process process_;
