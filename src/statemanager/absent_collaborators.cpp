@@ -69,12 +69,18 @@ class Absent_supervision : public phm::Supervision_manager_interface {
 
 template <class Absent, class Interface>
 std::shared_ptr<Interface> given_or(std::shared_ptr<Interface> given) {
-    return given ? std::move(given) : std::make_shared<Absent>();
+    if (!given) {
+        given = std::make_shared<Absent>();
+    }
+    return given;
 }
 
 template <class Absent, class Interface>
 std::unique_ptr<Interface> given_or(std::unique_ptr<Interface> given) {
-    return given ? std::move(given) : std::make_unique<Absent>();
+    if (!given) {
+        given = std::make_unique<Absent>();
+    }
+    return given;
 }
 
 }  // namespace

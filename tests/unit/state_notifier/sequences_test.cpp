@@ -12,7 +12,6 @@ using client_state_notifier::Callback_status;
 using client_state_notifier::Component_client_return_type;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 using Sequence = Notifier_test;
 
