@@ -44,6 +44,16 @@ extern "C" dds_entity_t dds_create_writer(dds_entity_t publisher, dds_entity_t t
     return real(publisher, topic, quality, listener);
 }
 
+extern "C" dds_entity_t dds_create_reader(dds_entity_t subscriber, dds_entity_t topic, dds_qos_t const* quality,
+                                          dds_listener_t const* listener) {
+    static auto const real = com_test::real<decltype(&dds_create_reader)>("dds_create_reader");
+    auto& failures = com_test::engine_hooks().readers_that_fail;
+    if (failures > 0 && failures-- > 0) {
+        return DDS_RETCODE_OUT_OF_RESOURCES;
+    }
+    return real(subscriber, topic, quality, listener);
+}
+
 extern "C" dds_return_t dds_get_matched_publications(dds_entity_t reader, dds_instance_handle_t* writers,
                                                      std::size_t size) {
     static auto const real = com_test::real<decltype(&dds_get_matched_publications)>("dds_get_matched_publications");

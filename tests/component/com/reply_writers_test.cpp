@@ -4,6 +4,8 @@
 #include "client_fixture.h"
 #include "engine_hooks.h"
 #include "peer_services.h"
+#include "support/eventually.h"
+#include "support/log_capture.h"
 
 #include <chrono>
 #include <functional>
@@ -96,9 +98,16 @@ TEST_F(Reply_writers_of_a_service, Are_tried_again_when_one_could_not_be_made) {
     auto const handle = found<Network_proxy>("app");
     // The first is the client's own.
     engine_hooks().writers_until_failure = 1;
+    test_support::Log_capture log;
     Network_proxy sut(handle);
     EXPECT_TRUE(succeeds(sut.RequestNetwork({1})));
     EXPECT_EQ(engine_hooks().writers_until_failure, -1);
+    using ara::log::LogLevel;
+    std::vector<test_support::Log_message> const told{
+        test_support::logged(LogLevel::kError,
+                             "A client can't be answered yet: ", "There can be no writer: Out Of Resources"),
+        test_support::logged(LogLevel::kInfo, "All clients can be answered now; failures before: ", 1U)};
+    EXPECT_TRUE(test_support::eventually([&] { return log.at_least(LogLevel::kInfo) == told; }));
 }
 
 // A reply to a client that has gone makes a thread look that is not the one which follows the clients.

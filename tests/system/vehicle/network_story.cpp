@@ -285,7 +285,7 @@ TEST_F(Lengths, Stay_unused_without_network_management) {
     Story::start_and_run();
 }
 
-/// What the daemon can't have once: the engine's readers and, of the threads, those that are no one's own.
+/// What the daemon can't have at first: the engine's readers, and the binding's threads.
 struct Refused {
     std::string library;
     std::string variable;
@@ -303,15 +303,21 @@ TEST_P(Network_refused, Is_reached_at_the_next_try) {
     EXPECT_TRUE(sees(Kind::user_data, "80 00 00"));
     EXPECT_TRUE(logs("We received the notification that network was updated:  01 00 00 00 00 00"));
     EXPECT_FALSE(logs_a_failed_call());
+    EXPECT_EQ(statectl({"restart", "vm"}).status, 0);
 }
 
 // In the order in which they are made: what hears of offers, the way of the calls' replies for each of the two services
-// and the field between them; of the threads the timer, and the worker for the reports of what was found.
+// and the field between them; the first worker, after which the engine starts its own threads, the timer, and the
+// worker for the reports of what was found.
 INSTANTIATE_TEST_SUITE_P(Once, Network_refused,
                          testing::Values(Refused{NO_READER, "NO_READER=2", "Reader_of_offers"},
                                          Refused{NO_READER, "NO_READER=3", "First_reader_of_a_proxy"},
                                          Refused{NO_READER, "NO_READER=4", "Second_reader_of_a_proxy"},
                                          Refused{NO_READER, "NO_READER=5", "Third_reader_of_a_proxy"},
+                                         Refused{NO_THREAD, "NO_THREAD=4", "First_worker"},
+                                         Refused{NO_THREAD, "NO_THREAD=4x2", "First_worker_twice"},
+                                         Refused{NO_THREAD, "NO_THREAD=11", "Timer"},
+                                         Refused{NO_THREAD, "NO_THREAD=11x2", "Timer_twice"},
                                          Refused{NO_THREAD, "NO_THREAD=12", "Worker_for_reports"}),
                          [](auto const& instance) { return std::string(instance.param.what); });
 

@@ -1,7 +1,12 @@
 #include "ara/com/dds/threads/started_thread.h"
 
-#include <cstddef>
+#include "support/log_capture.h"
 
+#include <cstddef>
+#include <optional>
+#include <thread>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 
@@ -40,6 +45,30 @@ TEST(Started_thread, Runs_what_it_was_given_and_is_the_callers_to_join) {
 TEST(Started_thread, That_can_t_be_had_is_an_exception_of_the_binding) {
     No_room_for_threads const full;
     EXPECT_THROW(started_thread([] {}), tarq::com::Infrastructure_exception);
+}
+
+TEST(Start_with_patience, Waits_until_there_is_a_thread_and_tells_of_it_once_and_once_that_it_came) {
+    test_support::Log_capture log;
+    std::thread thread;
+    auto full = std::make_optional<No_room_for_threads>();
+    int tries = 0;
+    start_with_patience([&] {
+        if (++tries == 3) {
+            full.reset();
+        }
+        thread = started_thread([] {});
+    });
+    ASSERT_TRUE(thread.joinable());
+    thread.join();
+    EXPECT_EQ(tries, 3);
+    using ara::log::LogLevel;
+    using test_support::logged;
+    EXPECT_THAT(
+        log.at_least(LogLevel::kInfo),
+        testing::ElementsAre(
+            logged(LogLevel::kError,
+                   "The communication waits: ", "There can be no thread: Resource temporarily unavailable"),
+            logged(LogLevel::kInfo, "The communication has the thread that it waited for; failures before: ", 2U)));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "ara/com/dds/engine/engine.h"
 
+#include "ara/com/dds/threads/started_thread.h"
 #include "tarq/com/exception.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ Engine::Engine()
       participant_(std::make_unique<Participant>()),
       announcer_(std::make_unique<Announcer>(*participant_)),
       offers_(std::make_shared<Known_offers>(*participant_, *announcer_, strand_, timer_)) {
-    timer_.start();
+    start_with_patience([this] { timer_.start(); });
 }
 
 Engine::Opening Engine::adopt(std::weak_ptr<Part> part) {

@@ -29,7 +29,7 @@ class Part {
 /// What all offers, lookups and connections of a process share. They hold it, so that it may be shut down before them.
 class Engine {
  public:
-    /// Throws `tarq::com::Infrastructure_exception`.
+    /// Waits for its threads for as long as there are none to be had. Throws `tarq::com::Infrastructure_exception`.
     Engine();
     ~Engine() { shut_down(); }
     Engine(Engine const&) = delete;

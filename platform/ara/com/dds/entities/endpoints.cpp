@@ -86,8 +86,8 @@ Entity Reader::make_own_topic(Participant& participant) {
     }
     auto topic = participant.make_topic(type_);
     dds_topic_filter filter{};
-    filter.mode = DDS_TOPIC_FILTER_SAMPLE_ARG;
-    filter.f.sample_arg = is_admitted;
+    filter.mode = DDS_TOPIC_FILTER_SAMPLE_SAMPLEINFO_ARG;
+    filter.f.sample_sampleinfo_arg = is_admitted;
     filter.arg = this;
     if (auto const code = dds_set_topic_filter_extended(topic.get(), &filter); code < 0) {
         throw_engine_error("There can be no filter", code);
@@ -95,8 +95,8 @@ Entity Reader::make_own_topic(Participant& participant) {
     return topic;
 }
 
-bool Reader::is_admitted(void const* sample, void* self) {
-    return static_cast<Reader const*>(self)->admits_(sample);
+bool Reader::is_admitted(void const* sample, dds_sample_info_t const* info, void* self) {
+    return static_cast<Reader const*>(self)->admits_(sample, info->publication_handle);
 }
 
 void Reader::on_data(dds_entity_t reader, void* self) {

@@ -23,7 +23,7 @@ struct Channel {
 /// code, nor may its caller hold a lock that it takes while using a reader or writer.
 using Matched_handler = std::function<void()>;
 /// Decides on each sample before it is kept, under locks of the engine. Without data nobody is asked.
-using Admission = std::function<bool(void const* sample)>;
+using Admission = std::function<bool(void const* sample, dds_instance_handle_t writer)>;
 using Received_handler = std::function<void(Sample sample, dds_sample_info_t const& info)>;
 
 /// Thread-safe. Constructors throw `tarq::com::Infrastructure_exception`.
@@ -54,7 +54,7 @@ class Reader {
 
  private:
     static void on_data(dds_entity_t reader, void* self);
-    static bool is_admitted(void const* sample, void* self);
+    static bool is_admitted(void const* sample, dds_sample_info_t const* info, void* self);
     Entity make_own_topic(Participant& participant);
     void take(dds_entity_t reader) const;
 

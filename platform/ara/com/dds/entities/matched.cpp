@@ -29,11 +29,19 @@ std::vector<dds_instance_handle_t> handles(dds_entity_t entity, List list) {
     }
 }
 
+std::optional<Peer> peer(dds_entity_t entity, dds_instance_handle_t handle, Describe describe) {
+    Endpoint const endpoint{describe(entity, handle)};
+    if (!endpoint) {
+        return std::nullopt;
+    }
+    return Peer{handle, guid_of(endpoint->key), guid_of(endpoint->participant_key)};
+}
+
 std::vector<Peer> peers(dds_entity_t entity, List list, Describe describe) {
     std::vector<Peer> peers;
     for (auto const handle : handles(entity, list)) {
-        if (Endpoint const endpoint{describe(entity, handle)}) {
-            peers.push_back({handle, guid_of(endpoint->key), guid_of(endpoint->participant_key)});
+        if (auto const found = peer(entity, handle, describe)) {
+            peers.push_back(*found);
         }
     }
     return peers;
@@ -43,6 +51,10 @@ std::vector<Peer> peers(dds_entity_t entity, List list, Describe describe) {
 
 std::vector<Peer> writers_matched_by(dds_entity_t reader) {
     return peers(reader, dds_get_matched_publications, dds_get_matched_publication_data);
+}
+
+std::optional<Peer> writer_matched_by(dds_entity_t reader, dds_instance_handle_t writer) {
+    return peer(reader, writer, dds_get_matched_publication_data);
 }
 
 std::vector<Peer> readers_matched_by(dds_entity_t writer) {

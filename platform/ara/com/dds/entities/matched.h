@@ -3,6 +3,7 @@
 
 #include "ara/com/dds/entities/guid.h"
 
+#include <optional>
 #include <vector>
 
 #include <dds/dds.h>
@@ -17,6 +18,8 @@ struct Peer {
 };
 
 std::vector<Peer> writers_matched_by(dds_entity_t reader);
+/// One of them; nothing when it has gone.
+std::optional<Peer> writer_matched_by(dds_entity_t reader, dds_instance_handle_t writer);
 std::vector<Peer> readers_matched_by(dds_entity_t writer);
 
 }  // namespace ara::com::dds

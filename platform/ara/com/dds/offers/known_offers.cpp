@@ -1,6 +1,8 @@
 #include "ara/com/dds/offers/known_offers.h"
 
+#include "ara/com/dds/entities/matched.h"
 #include "ara/com/dds/offers/process_space.h"
+#include "ara/log/logging.h"
 #include "service_offer.h"
 #include "tarq/com/exception.h"
 
@@ -90,10 +92,13 @@ void Known_offers::open_reader() {
                 bounds_.ended(*static_cast<ara_com_ServiceOffer const*>(kept.get()));
             }
             auto const written = info.source_timestamp;
-            strand_->post([this, kept, state, written] { received(kept.get(), state, written); });
+            auto const writer = info.publication_handle;
+            strand_->post([this, kept, state, written, writer] { received(kept.get(), state, written, writer); });
         },
         Matched_handler(),
-        [this](void const* sample) { return bounds_.admits(*static_cast<ara_com_ServiceOffer const*>(sample)); });
+        [this](void const* sample, dds_instance_handle_t writer) {
+            return bounds_.admits(*static_cast<ara_com_ServiceOffer const*>(sample), writer);
+        });
 }
 
 // One look at a time: each begins with the earliest time that is left.
@@ -128,17 +133,33 @@ void Known_offers::close() {
     watch_.reset();
 }
 
-// Without data, for an offer that ended, the key is set.
-void Known_offers::received(void const* sample, dds_instance_state_t state, dds_time_t written) {
-    auto const& offer = *static_cast<ara_com_ServiceOffer const*>(sample);
+// Without data, for an offer that ended, the key is set. A participant speaks for itself only; one that is lost is told
+// by the engine.
+void Known_offers::received(void const* sample, dds_instance_state_t state, dds_time_t written,
+                            dds_instance_handle_t writer) {
+    auto offer = read(*static_cast<ara_com_ServiceOffer const*>(sample), process_space_);
     if (state == DDS_IST_NOT_ALIVE_NO_WRITERS) {
-        lose(read(offer, process_space_));
+        lose(offer);
+        return;
+    }
+    auto const peer = writer_matched_by(reader_->entity(), writer);
+    if (peer && peer->participant != offer.participant) {
+        tell_once_of_forgery(offer.participant, peer->participant);
     } else if (state == DDS_IST_NOT_ALIVE_DISPOSED) {
-        drop_if([key = read(offer, process_space_)](auto const& known) { return key_of(known) == key_of(key); });
-    } else if (offer.version == k_mapping_version) {
-        auto known = read(offer, process_space_);
-        known.since = std::chrono::system_clock::time_point(std::chrono::nanoseconds(written));
-        keep(std::move(known));
+        drop_if([&offer](auto const& known) { return key_of(known) == key_of(offer); });
+    } else {
+        // Whose writer has gone, or can't be asked yet, is not watched.
+        offer.process = peer ? offer.process : 0;
+        offer.since = std::chrono::system_clock::time_point(std::chrono::nanoseconds(written));
+        keep(std::move(offer));
+    }
+}
+
+void Known_offers::tell_once_of_forgery(Guid const& named, Guid const& writer) {
+    if (!std::exchange(told_of_forgery_, true)) {
+        ara::log::LogWarn() << "An offer that names another participant than its writer's is left alone, as are all "
+                               "such: of participant "
+                            << to_text(named) << ", written by " << to_text(writer);
     }
 }
 

@@ -63,7 +63,8 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     void open_reader();
     void look_at(Clock::time_point when);
     void look();
-    void received(void const* sample, dds_instance_state_t state, dds_time_t written);
+    void received(void const* sample, dds_instance_state_t state, dds_time_t written, dds_instance_handle_t writer);
+    void tell_once_of_forgery(Guid const& named, Guid const& writer);
     void keep(Known_offer offer);
     bool is_believed(Known_offer const& offer) const;
     bool has_ended(Known_offer const& offer);
@@ -89,6 +90,7 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     Lasting_failure failure_{"Offers of services can't be heard of yet: ",
                              "Offers of services are heard of now; failures before: "};
     bool looks_later_ = false;  // by the timer
+    bool told_of_forgery_ = false;
 };
 
 }  // namespace ara::com::dds

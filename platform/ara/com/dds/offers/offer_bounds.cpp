@@ -35,7 +35,7 @@ bool is_understood(ara_com_ServiceOffer const& offer) {
 
 }  // namespace
 
-bool Offer_bounds::admits(ara_com_ServiceOffer const& offer) {
+bool Offer_bounds::admits(ara_com_ServiceOffer const& offer, dds_instance_handle_t writer) {
     if (!is_understood(offer)) {
         return false;
     }
@@ -48,17 +48,17 @@ bool Offer_bounds::admits(ara_com_ServiceOffer const& offer) {
     if (counted_.count(key) != 0) {
         return true;
     }
-    if (!has_room(participant)) {
+    if (!has_room(writer, participant)) {
         return false;
     }
-    ++of_participant_[participant];
-    counted_.insert(std::move(key));
+    ++of_writer_[writer];
+    counted_.emplace(std::move(key), writer);
     return true;
 }
 
-bool Offer_bounds::has_room(Guid const& participant) {
-    auto const known = of_participant_.find(participant);
-    if (counted_.size() < k_most_of_all && (known == of_participant_.end() || known->second < k_most_of_one)) {
+bool Offer_bounds::has_room(dds_instance_handle_t writer, Guid const& participant) {
+    auto const known = of_writer_.find(writer);
+    if (counted_.size() < k_most_of_all && (known == of_writer_.end() || known->second < k_most_of_one)) {
         return true;
     }
     if (!std::exchange(told_, true)) {
@@ -71,14 +71,15 @@ bool Offer_bounds::has_room(Guid const& participant) {
 }
 
 void Offer_bounds::ended(ara_com_ServiceOffer const& offer) {
-    auto const participant = participant_of(offer);
     base::Lock_guard lock(mutex_);
-    if (counted_.erase({participant, offer.interface_name, offer.instance_name}) == 0) {
+    auto const ended = counted_.find({participant_of(offer), offer.interface_name, offer.instance_name});
+    if (ended == counted_.end()) {
         return;
     }
-    auto const known = of_participant_.find(participant);
+    auto const known = of_writer_.find(ended->second);
+    counted_.erase(ended);
     if (--known->second == 0) {
-        of_participant_.erase(known);
+        of_writer_.erase(known);
     }
 }
 

@@ -7,17 +7,18 @@
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <set>
 #include <string>
 #include <tuple>
+
+#include <dds/dds.h>
 
 struct ara_com_ServiceOffer;
 
 namespace ara::com::dds {
 
 /// Decides which offers are known here, so that nobody can fill this process with his: those that can be understood, at
-/// most 64 of one participant, and 1,024 in all beside this process's own. What is refused for its number is told once.
-/// Thread-safe, and quick, since threads of the engine ask.
+/// most 64 of one writer, whatever participants they name, and 1,024 in all beside this process's own. What is refused
+/// for its number is told once. Thread-safe, and quick, since threads of the engine ask.
 class Offer_bounds {
  public:
     using Is_own =
@@ -26,7 +27,7 @@ class Offer_bounds {
     explicit Offer_bounds(Is_own is_own) : is_own_(std::move(is_own)) {}
 
     /// Whether an offer is let in. It is counted until it ends.
-    bool admits(ara_com_ServiceOffer const& offer);
+    bool admits(ara_com_ServiceOffer const& offer, dds_instance_handle_t writer);
 
     /// An offer ended; the key is enough, and one that was never let in does no harm.
     void ended(ara_com_ServiceOffer const& offer);
@@ -34,12 +35,12 @@ class Offer_bounds {
  private:
     using Key = std::tuple<Guid, std::string, std::string>;
 
-    bool has_room(Guid const& participant) REQUIRES(mutex_);
+    bool has_room(dds_instance_handle_t writer, Guid const& participant) REQUIRES(mutex_);
 
     Is_own const is_own_;
     base::Mutex mutex_;
-    std::set<Key> counted_ GUARDED_BY(mutex_);
-    std::map<Guid, std::size_t> of_participant_ GUARDED_BY(mutex_);
+    std::map<Key, dds_instance_handle_t> counted_ GUARDED_BY(mutex_);  // for whom
+    std::map<dds_instance_handle_t, std::size_t> of_writer_ GUARDED_BY(mutex_);
     bool told_ GUARDED_BY(mutex_) = false;
 };
 

@@ -11,8 +11,10 @@
 namespace ara::com::dds {
 
 Workers::Workers() {
-    base::Lock_guard lock(mutex_);
-    start_thread();
+    start_with_patience([this] {
+        base::Lock_guard lock(mutex_);
+        start_thread();
+    });
 }
 
 void Workers::start_thread() {

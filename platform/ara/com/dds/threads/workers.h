@@ -18,7 +18,7 @@ class Strand;
 /// an idle one is kept for the next.
 class Workers {
  public:
-    /// Throws `tarq::com::Infrastructure_exception` when there is no thread to be had.
+    /// Waits until there is a first thread.
     Workers();
     ~Workers() { stop(); }
     Workers(Workers const&) = delete;
