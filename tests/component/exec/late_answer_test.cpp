@@ -127,7 +127,9 @@ TEST_F(Late_execution_management, Is_waited_for_after_both_stood_still_for_longe
     auto const self = std::to_string(::getpid());
     auto const its = std::to_string(bus->process().pid());
     bench::Child_process const freezer(
-        {"sh", "-c", "kill -STOP " + self + "; sleep 2.5; kill -CONT " + self + "; sleep 0.3; kill -CONT " + its}, {});
+        {"sh", "-c",
+         "sleep 0.3; kill -STOP " + self + "; sleep 2.5; kill -CONT " + self + "; sleep 0.3; kill -CONT " + its},
+        {});
     EXPECT_THAT(end(), Ge(milliseconds(2700)));
     manager->await_event("unit", {{"unit", "MachineState-Shutdown.target"}, {"active", "active"}});
 }
