@@ -260,7 +260,7 @@ TEST_F(Forged_offers, Don_t_take_the_watch_of_the_server_that_they_name) {
                     to_text(server_.identity()), ", written by ", to_text(forger_.identity()))));
 }
 
-TEST_F(Forged_offers, Change_and_end_nothing_that_is_offered) {
+TEST_F(Forged_offers, Change_and_end_nothing_that_is_offered_and_keep_no_end_of_a_process_from_being_heard) {
     auto const offer = server_.of("an::Interface", "app", servers_process_.id());
     server_.write(offer);
     sut_->await_count(1);
@@ -268,6 +268,8 @@ TEST_F(Forged_offers, Change_and_end_nothing_that_is_offered) {
     EXPECT_EQ(known_before("first witness").front().process, servers_process_.id());
     forger_.withdraw(offer);
     EXPECT_EQ(known_before("second witness").front().instance, "app");
+    servers_process_.kill();
+    EXPECT_EQ(sut_->await_count(2).front().instance, "first witness");
 }
 
 /// Who is found after the first second was not there before.
