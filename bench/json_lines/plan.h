@@ -26,7 +26,7 @@ class Plan {
         if (found == planned_.end()) {
             return {};
         }
-        What const what = found->what;
+        What what = found->what;
         if (--found->left == 0) {
             planned_.erase(found);
         }
