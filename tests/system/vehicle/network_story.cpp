@@ -310,8 +310,8 @@ TEST_P(Network_refused, Is_reached_at_the_next_try) {
 }
 
 // In the order in which they are made: what hears of offers, the way of the calls' replies for each of the two services
-// and the field between them; the first worker, after which the engine starts its own threads, the timer, and the
-// worker for the reports of what was found.
+// and the field between them; the first worker, after which the engine starts its own threads, and the timer. What is
+// started later has no number of its own.
 INSTANTIATE_TEST_SUITE_P(Once, Network_refused,
                          testing::Values(Refused{NO_READER, "NO_READER=2", "Reader_of_offers"},
                                          Refused{NO_READER, "NO_READER=3", "First_reader_of_a_proxy"},
@@ -320,8 +320,7 @@ INSTANTIATE_TEST_SUITE_P(Once, Network_refused,
                                          Refused{NO_THREAD, "NO_THREAD=4", "First_worker"},
                                          Refused{NO_THREAD, "NO_THREAD=4x2", "First_worker_twice"},
                                          Refused{NO_THREAD, "NO_THREAD=11", "Timer"},
-                                         Refused{NO_THREAD, "NO_THREAD=11x2", "Timer_twice"},
-                                         Refused{NO_THREAD, "NO_THREAD=12", "Worker_for_reports"}),
+                                         Refused{NO_THREAD, "NO_THREAD=11x2", "Timer_twice"}),
                          [](auto const& instance) { return std::string(instance.param.what); });
 
 }  // namespace
