@@ -20,10 +20,8 @@ char const* __lsan_default_options() {
     return "exitcode=66";
 }
 
-// Libraries that are not built with the sanitizer: what they do to their own memory looks like races. What is ours on
-// their threads is looked at, and their mutexes count.
 char const* __tsan_default_options() {
-    return "halt_on_error=1:exitcode=66:ignore_noninstrumented_modules=1";
+    return "halt_on_error=1:exitcode=66";
 }
 
 char const* __ubsan_default_options() {
