@@ -51,8 +51,8 @@ TEST_F(Nodes_test, The_other_node_keeps_the_bus_awake_until_it_falls_silent) {
     second.command({{"do", "silence"}});
     first.await_event("network_state", {{"bits", "00 00 00 00 00 00"}});
     await_state(first, "bus sleep");
-    second.command({{"do", "speak"}});
     auto const position = first.position();
+    second.command({{"do", "speak"}});
     first.await_event("network_state", {{"bits", "80 00 00 00 00 00"}}, position);
 }
 
