@@ -38,15 +38,6 @@ class Bench_client : public testing::Test {
     Hello hello;
 };
 
-TEST_F(Bench_client, Says_who_it_is) {
-    EXPECT_EQ(hello, (Hello{"component_client_v1", "radio", "kOn"}));
-    EXPECT_EQ(sut.await_event("connected")["state"], "kOn");
-    auto const list = sut.command({{"do", "list"}});
-    EXPECT_TRUE(
-        has_members(list, {{"name", "radio"}, {"state", "kOn"}, {"as", "well"}, {"connected", true}, {"owes", {}}}))
-        << list;
-}
-
 TEST_F(Bench_client, Owes_only_the_newest_request) {
     behave({{"as", "silent"}});
     EXPECT_TRUE(is_asked(1, "kPrepSD"));
@@ -70,11 +61,6 @@ TEST_F(Bench_client, Refuses_commands_that_are_none) {
     EXPECT_EQ(behave({{"as", "late"}, {"delay_ms", -1}})["ok"], false);
     EXPECT_EQ(behave({{"as", "late"}, {"delay", 1}})["ok"], false);
     EXPECT_EQ(sut.command({{"do", "list"}})["as"], "well");
-}
-
-TEST(Bench_clients, Need_a_name) {
-    Child_process nameless({BENCH_CLIENT}, {});
-    EXPECT_EQ(nameless.wait(Player::k_patience), 2);
 }
 
 }  // namespace

@@ -32,14 +32,6 @@ TEST_F(Control_files_test, Each_word_of_a_stream_is_one_request_with_its_exact_b
     EXPECT_LT(journal[1]["t"].get<std::int64_t>(), monotonic_ns());
 }
 
-TEST_F(Control_files_test, A_request_is_told_as_an_event) {
-    Opened const file(path("vmctl/command_request"), O_WRONLY);
-    EXPECT_EQ(::write(file, "restartao", 9), 9);
-    json const event = sut->await_event("write", {{"file", "command_request"}, {"text", "restartao"}});
-    EXPECT_EQ(event["number"], 1);
-    EXPECT_EQ(event["written"], 9);
-}
-
 TEST_F(Control_files_test, Opening_for_writing_may_truncate) {
     Opened const file(path("vmctl/set_status"), O_WRONLY | O_TRUNC | O_CREAT);
     EXPECT_EQ(file.error(), 0);
@@ -49,28 +41,6 @@ TEST_F(Control_files_test, Opening_for_writing_may_truncate) {
 TEST_F(Control_files_test, No_other_file_can_be_made) {
     Opened const file(path("vmctl/other"), O_WRONLY | O_CREAT);
     EXPECT_EQ(file.error(), EACCES);
-}
-
-TEST_F(Control_files_test, Writes_fail_as_often_as_told_and_each_is_recorded) {
-    sut->command(
-        {{"do", "fault"}, {"file", "command_request"}, {"operation", "write"}, {"errno", "EBUSY"}, {"count", 2}});
-    Opened const file(path("vmctl/command_request"), O_WRONLY);
-    for (int number = 0; number < 2; ++number) {
-        EXPECT_EQ(::write(file, "restartao", 9), -1);
-        EXPECT_EQ(errno, EBUSY);
-    }
-    EXPECT_EQ(::write(file, "restartao", 9), 9);
-    json const journal = requests("command_request");
-    ASSERT_EQ(journal.size(), 3U);
-    EXPECT_EQ(journal[1]["errno"], "EBUSY");
-    EXPECT_FALSE(journal[2].contains("errno"));
-}
-
-TEST_F(Control_files_test, A_write_is_short_as_told) {
-    sut->command({{"do", "fault"}, {"file", "set_status"}, {"operation", "write"}, {"bytes", 4}});
-    Opened const file(path("vmctl/set_status"), O_WRONLY);
-    EXPECT_EQ(::write(file, "running", 7), 4);
-    EXPECT_EQ(requests("set_status")[0]["text"], "running");
 }
 
 TEST_F(Control_files_test, A_slow_write_holds_its_writer_and_nobody_else) {
@@ -95,12 +65,6 @@ TEST_F(Control_files_test, A_control_file_can_not_be_read) {
     char byte = 0;
     EXPECT_EQ(::read(file, &byte, 1), -1);
     EXPECT_EQ(errno, EIO);
-}
-
-TEST_F(Control_files_test, A_control_file_refuses_to_open_as_told) {
-    sut->command({{"do", "fault"}, {"file", "set_status"}, {"operation", "open"}, {"errno", "ENXIO"}});
-    Opened const file(path("vmctl/set_status"), O_WRONLY | O_TRUNC);
-    EXPECT_EQ(file.error(), ENXIO);
 }
 
 }  // namespace

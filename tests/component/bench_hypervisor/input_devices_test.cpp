@@ -97,18 +97,6 @@ TEST_F(Input_devices_test, The_event_types_can_be_made_to_fail) {
     EXPECT_EQ(mask, 0U);
 }
 
-TEST_F(Input_devices_test, Several_readers_see_every_press) {
-    Opened const first(path("input/event0"), O_RDONLY | O_NONBLOCK);
-    Opened const second(path("input/event0"), O_RDONLY | O_NONBLOCK);
-    Watched const first_watched(first);
-    Watched const second_watched(second);
-    press("p");
-    EXPECT_EQ(first_watched.wait(k_patience_ms), unsigned{EPOLLIN});
-    EXPECT_EQ(second_watched.wait(k_patience_ms), unsigned{EPOLLIN});
-    EXPECT_EQ(read_record(first).code, KEY_P);
-    EXPECT_EQ(read_record(second).code, KEY_P);
-}
-
 TEST_F(Input_devices_test, A_thousand_presses_are_all_read_in_order) {
     Opened const device(path("input/event0"), O_RDONLY | O_NONBLOCK);
     Watched const watched(device);
@@ -138,14 +126,6 @@ TEST_F(Input_devices_test, Devices_appear_and_go_while_the_machine_runs) {
     Opened const gone(path("input/event3"), O_RDONLY | O_NONBLOCK);
     EXPECT_EQ(gone.error(), ENOENT);
     EXPECT_EQ(listed_devices().size(), 10U);
-}
-
-TEST_F(Input_devices_test, A_device_refuses_to_open_as_often_as_told) {
-    sut->command({{"do", "fault"}, {"file", "event0"}, {"operation", "open"}, {"errno", "EACCES"}});
-    Opened const refused(path("input/event0"), O_RDONLY | O_NONBLOCK);
-    EXPECT_EQ(refused.error(), EACCES);
-    Opened const opened(path("input/event0"), O_RDONLY | O_NONBLOCK);
-    EXPECT_EQ(opened.error(), 0);
 }
 
 TEST_F(Input_devices_test, A_hang_up_wakes_epoll_and_ends_reads) {
@@ -181,15 +161,6 @@ TEST_F(Input_devices_test, A_read_error_is_announced_by_epoll_and_comes_once) {
     press("n");
     EXPECT_EQ(watched.wait(k_patience_ms), unsigned{EPOLLIN});
     EXPECT_EQ(read_record(device).code, KEY_N);
-}
-
-TEST_F(Input_devices_test, A_raw_record_arrives_as_given) {
-    Opened const device(path("input/event0"), O_RDONLY | O_NONBLOCK);
-    sut->command({{"do", "record"}, {"type", 22}, {"code", 116}, {"value", 2}});
-    input_event const record = read_record(device);
-    EXPECT_EQ(record.type, EV_PWR);
-    EXPECT_EQ(record.code, KEY_POWER);
-    EXPECT_EQ(record.value, 2);
 }
 
 TEST_F(Input_devices_test, A_blocking_read_waits_for_the_press) {

@@ -69,31 +69,6 @@ TEST_F(Mounting_test, Programs_that_wait_are_let_go_when_the_hypervisor_ends) {
     EXPECT_NE(watched.wait(k_patience_ms) & EPOLLERR, 0U);
 }
 
-TEST_F(Mounting_test, A_malformed_command_gets_an_error_and_the_hypervisor_goes_on) {
-    sut->send_line("{\"do\":");
-    auto const answer = sut->log().await([](auto const& line) { return line.contains("answer"); }, 10s);
-    ASSERT_TRUE(answer);
-    EXPECT_EQ((*answer)["ok"], false);
-    EXPECT_EQ(sut->command({{"do", "list"}})["ok"], true);
-}
-
-TEST_F(Mounting_test, A_directory_that_is_not_there_is_an_error_with_status_1) {
-    Child_process process({BENCH_HYPERVISOR, path("input/nowhere")}, {});
-    EXPECT_EQ(process.wait(10s), 1);
-}
-
-TEST_F(Mounting_test, Wrong_arguments_are_an_error_with_status_2) {
-    Child_process process({BENCH_HYPERVISOR}, {});
-    EXPECT_EQ(process.wait(10s), 2);
-}
-
-TEST_F(Mounting_test, As_many_devices_as_asked_for_are_there_at_the_start) {
-    base::Temporary_directory const other;
-    Player const player({BENCH_HYPERVISOR, "--devices", "7", other.path()});
-    EXPECT_TRUE(std::filesystem::exists(other.path() / "input/event6"));
-    EXPECT_FALSE(std::filesystem::exists(other.path() / "input/event7"));
-}
-
 TEST_F(Mounting_test, A_user_namespace_can_mount_its_own) {
     base::Temporary_directory const other;
     Child_process probe({"unshare", "--user", "--map-root-user", "--mount", "true"}, {});

@@ -55,14 +55,5 @@ TEST_F(Node_commands_test, Wrong_commands_are_refused_and_change_nothing) {
     EXPECT_EQ(list["silent"], false);
 }
 
-TEST_F(Node_commands_test, A_capture_can_begin_with_the_program) {
-    EXPECT_THROW(Player(words(13, {}, {"--capture", "/nowhere/x.pcap"})), std::runtime_error);
-}
-
-TEST_F(Node_commands_test, Wrong_words_end_the_program_with_status_2) {
-    Child_process wrong(words(13, {}, {"--nonsense"}), {});
-    EXPECT_EQ(wrong.wait(Player::k_patience), 2);
-}
-
 }  // namespace
 }  // namespace bench::network

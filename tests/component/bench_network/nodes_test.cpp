@@ -19,18 +19,6 @@ class Nodes_test : public Network_fixture {
     Player second{words(12, {11})};
 };
 
-TEST_F(Nodes_test, A_request_wakes_both_and_its_end_lets_both_sleep) {
-    first.command({{"do", "request"}, {"bits", "00 00 01"}});
-    await_state(first, "normal operation");
-    second.await_event("network_state", {{"bits", "00 00 01 00 00 00"}});
-    await_state(second, "ready sleep");
-    first.command({{"do", "release"}, {"bits", "ff ff ff"}});
-    auto const slept = await_state(first, "bus sleep");
-    await_state(second, "bus sleep");
-    auto const rest = first.await_event("network_state", {{"bits", "00 00 00 00 00 00"}});
-    EXPECT_LT(rest["t"], slept["t"]);
-}
-
 TEST_F(Nodes_test, Rest_is_told_twice) {
     first.command({{"do", "request"}, {"bits", "01"}});
     await_state(first, "normal operation");
@@ -56,14 +44,6 @@ TEST_F(Nodes_test, The_other_node_keeps_the_bus_awake_until_it_falls_silent) {
     first.await_event("network_state", {{"bits", "80 00 00 00 00 00"}}, position);
 }
 
-TEST_F(Nodes_test, User_data_reaches_the_other_node) {
-    first.command({{"do", "user_data"}, {"bytes", "80 40"}});
-    first.command({{"do", "repeat_message"}});
-    auto const message = second.await_event("message", {{"direction", "received"}, {"node", 11}});
-    EXPECT_EQ(message["user_data"], "80 40");
-    EXPECT_EQ(message["control"], 0x41);
-}
-
 TEST_F(Nodes_test, A_message_that_says_nothing_new_is_told_once) {
     first.command({{"do", "request"}, {"bits", "01"}});
     await_state(first, "normal operation");
@@ -80,11 +60,6 @@ TEST_F(Nodes_test, What_is_no_message_is_told_and_changes_nothing) {
     EXPECT_EQ(event["from"], text(12));
     EXPECT_EQ(event["bytes"], "0c 40 01");
     EXPECT_EQ(first.command({{"do", "list"}})["state"], "bus sleep");
-}
-
-TEST_F(Nodes_test, An_address_that_is_taken_ends_the_program_with_its_reason) {
-    Child_process third(words(11, {}), {});
-    EXPECT_EQ(third.wait(Player::k_patience), 1);
 }
 
 std::string output_of(std::string const& command) {

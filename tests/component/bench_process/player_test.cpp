@@ -16,11 +16,6 @@ std::vector<std::string> script(std::string const& rest) {
     return {"sh", "-c", R"(echo '{"event":"ready"}'; )" + rest};
 }
 
-TEST(Player_test, It_is_ready_once_it_says_so) {
-    Player sut(script("cat"));
-    EXPECT_EQ(sut.log().messages().size(), 1U);
-}
-
 TEST(Player_test, A_program_that_ends_before_it_is_ready_is_an_error) {
     try {
         Player const sut({"sh", "-c", "exit 3"});
@@ -30,24 +25,10 @@ TEST(Player_test, A_program_that_ends_before_it_is_ready_is_an_error) {
     }
 }
 
-TEST(Player_test, The_answer_with_the_commands_identity_is_returned) {
-    Player sut(script(R"(read line; echo '{"answer":"x","id":99}'; echo '{"event":"noise","id":1}';
-                         echo '{"answer":"x","id":1,"ok":true}'; cat >/dev/null)"));
-    EXPECT_EQ(sut.command({{"do", "x"}})["ok"], true);
-}
-
 TEST(Player_test, A_command_to_a_player_that_ended_is_an_error) {
     Player sut(script("exit 0"));
     sut.process().wait(10s);
     EXPECT_THROW(sut.command({{"do", "x"}}), std::runtime_error);
-}
-
-TEST(Player_test, An_event_is_found_by_its_members_from_a_position_on) {
-    Player sut(script(R"(echo '{"event":"write","text":"a","t":1}'; echo '{"event":"write","text":"b","t":2}';
-                         echo '{"event":"write","text":"a","t":3}'; cat >/dev/null)"));
-    EXPECT_EQ(sut.await_event("write", {{"text", "b"}})["t"], 2);
-    EXPECT_EQ(sut.await_event("write", {{"text", "a"}})["t"], 1);
-    EXPECT_EQ(sut.await_event("write", {{"text", "a"}}, 2)["t"], 3);
 }
 
 TEST(Player_test, Lines_that_are_no_objects_are_left_out) {

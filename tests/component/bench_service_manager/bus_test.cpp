@@ -30,28 +30,10 @@ TEST_F(Bus_test, A_unit_is_started_and_its_job_ends_with_a_signal) {
                 ElementsAre("JobNew", "PropertiesChanged", "PropertiesChanged", "PropertiesChanged", "JobRemoved"));
 }
 
-TEST_F(Bus_test, A_started_target_is_the_only_active_one_of_its_group) {
-    EXPECT_THAT(client.list("active", "MachineState-*.target"), ElementsAre("MachineState-Startup.target"));
-    client.start(k_running);
-    client.await_job();
-    EXPECT_THAT(client.list("active", "MachineState-*.target"), ElementsAre(k_running));
-    std::string const path = client.call("GetUnit", {"MachineState-Startup.target"});
-    EXPECT_EQ(path, "/org/freedesktop/systemd1/unit/MachineState_2dStartup_2etarget");
-    EXPECT_EQ(client.active_state(path), "inactive");
-}
-
 TEST_F(Bus_test, A_unit_can_be_stopped) {
     client.call("StopUnit", {"MachineState-Startup.target", "replace"});
     EXPECT_EQ(client.await_job(), "MachineState-Startup.target done");
     EXPECT_THAT(client.list("active", "*"), IsEmpty());
-}
-
-TEST_F(Bus_test, What_it_was_asked_is_told) {
-    client.start(k_running);
-    json const call = sut.await_event("call", {{"method", "StartUnit"}, {"unit", k_running}});
-    json const job = sut.await_event("job", {{"unit", k_running}, {"result", "done"}});
-    EXPECT_LT(call["t"], job["t"]);
-    EXPECT_EQ(sut.await_event("unit", {{"unit", k_running}, {"active", "active"}})["active"], "active");
 }
 
 TEST_F(Bus_test, A_caller_that_has_gone_is_refused) {
@@ -61,28 +43,9 @@ TEST_F(Bus_test, A_caller_that_has_gone_is_refused) {
     EXPECT_THAT(client.list("active", "MachineState-*.target"), ElementsAre("MachineState-Startup.target"));
 }
 
-TEST_F(Bus_test, A_unit_that_is_unknown_is_refused) {
-    EXPECT_EQ(client.start("Nothing-Running.target"), k_no_such_unit);
-    EXPECT_EQ(client.call("GetUnit", {"Nothing-Running.target"}), k_no_such_unit);
-    EXPECT_EQ(client.call("LoadUnit", {"Nothing-Running.target"}), k_no_such_unit);
-}
-
 TEST_F(Bus_test, A_method_that_is_not_played_is_unknown) {
     EXPECT_EQ(client.call("Reload", {}), "org.freedesktop.DBus.Error.UnknownMethod");
     EXPECT_EQ(client.call("Subscribe", {}), "");
-}
-
-TEST_F(Bus_test, A_start_is_refused_once_when_told_so) {
-    sut.command({{"do", "reaction"}, {"unit", k_running}, {"error", "org.freedesktop.DBus.Error.AccessDenied"}});
-    EXPECT_EQ(client.start("MachineState-Shutdown.target"), "/org/freedesktop/systemd1/job/1");
-    EXPECT_EQ(client.start(k_running), "org.freedesktop.DBus.Error.AccessDenied");
-    EXPECT_EQ(client.start(k_running), "/org/freedesktop/systemd1/job/2");
-}
-
-TEST_F(Bus_test, An_answer_is_withheld_when_told_so_and_others_are_given) {
-    sut.command({{"do", "reaction"}, {"unit", k_running}, {"silent", true}});
-    EXPECT_EQ(client.call("StartUnit", {k_running, "replace"}, 50), "org.freedesktop.DBus.Error.Timeout");
-    EXPECT_EQ(client.start(k_running), "/org/freedesktop/systemd1/job/1");
 }
 
 TEST_F(Bus_test, An_answer_is_held_back_as_long_as_told) {
@@ -113,11 +76,6 @@ TEST_F(Bus_test, A_job_fails_when_told_so) {
     EXPECT_EQ(client.active_state(client.call("GetUnit", {k_running})), "failed");
 }
 
-TEST_F(Bus_test, A_unit_changes_its_state_by_itself_when_told_so) {
-    sut.command({{"do", "set_unit"}, {"unit", k_running}, {"active", "active"}});
-    EXPECT_THAT(client.list("active", k_running), ElementsAre(k_running));
-}
-
 TEST_F(Bus_test, An_inactive_unit_of_no_loaded_group_is_not_told_until_it_is_loaded) {
     sut.command({{"do", "set_unit"}, {"unit", "Other-Running.target"}, {"active", "inactive"}});
     EXPECT_EQ(client.call("GetUnit", {"Other-Running.target"}), k_no_such_unit);
@@ -125,11 +83,6 @@ TEST_F(Bus_test, An_inactive_unit_of_no_loaded_group_is_not_told_until_it_is_loa
     std::string const path = "/org/freedesktop/systemd1/unit/Other_2dRunning_2etarget";
     EXPECT_EQ(client.call("LoadUnit", {"Other-Running.target"}), path);
     EXPECT_THAT(client.list("", "Other-*"), ElementsAre("Other-Running.target"));
-}
-
-TEST_F(Bus_test, The_end_of_the_bus_ends_the_manager_with_status_1) {
-    bus.process().signal(SIGTERM);
-    EXPECT_EQ(sut.process().wait(10s), 1);
 }
 
 TEST_F(Bus_test, The_end_of_the_commands_ends_it_with_status_0_and_frees_the_name) {
@@ -141,12 +94,6 @@ TEST_F(Bus_test, The_end_of_the_commands_ends_it_with_status_0_and_frees_the_nam
         answer = client.start(k_running);  // the bus had not noticed yet
     }
     EXPECT_EQ(answer, "org.freedesktop.DBus.Error.ServiceUnknown");
-}
-
-TEST_F(Bus_test, A_second_manager_on_the_same_bus_ends_with_status_1) {
-    Child_process second({BENCH_SERVICE_MANAGER, directory.file("other")},
-                         {"DBUS_SYSTEM_BUS_ADDRESS=" + bus.address()});
-    EXPECT_EQ(second.wait(10s), 1);
 }
 
 TEST(Bus_address_test, Without_a_bus_of_the_vehicle_it_refuses_to_start) {

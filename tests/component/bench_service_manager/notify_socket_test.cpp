@@ -46,17 +46,5 @@ TEST_F(Notify_socket_test, Ready_stopping_and_watchdog_beats_are_counted) {
     EXPECT_LT(list["last_watchdog"], stopping["t"]);
 }
 
-TEST_F(Notify_socket_test, The_socket_is_gone_with_the_manager) {
-    EXPECT_TRUE(std::filesystem::exists(notify_path()));
-    sut.process().close_input();
-    EXPECT_EQ(sut.process().wait(10s), 0);
-    EXPECT_FALSE(std::filesystem::exists(notify_path()));
-}
-
-TEST_F(Notify_socket_test, A_path_that_is_too_long_is_an_error_with_status_1) {
-    Child_process process({BENCH_SERVICE_MANAGER, directory.file(std::string(200, 'x'))}, {});
-    EXPECT_EQ(process.wait(10s), 1);
-}
-
 }  // namespace
 }  // namespace bench::service_manager

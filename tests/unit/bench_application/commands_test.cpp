@@ -67,11 +67,6 @@ class Application_commands : public testing::Test {
     Command_table table;
 };
 
-TEST_F(Application_commands, Have_no_number_unless_told) {
-    command({{"do", "request"}, {"what", "cwu"}});
-    EXPECT_THAT(calls, ElementsAre("request cwu 0"));
-}
-
 TEST_F(Application_commands, Tell_why_a_call_failed) {
     car_wake_up.StopOfferService();
     auto const answer = command({{"do", "request"}, {"what", "cwu"}, {"wait_ms", 0}});
@@ -79,12 +74,6 @@ TEST_F(Application_commands, Tell_why_a_call_failed) {
     EXPECT_EQ(answer["error"], "Service not available exception");
     car_wake_up.OfferService();
     EXPECT_EQ(command({{"do", "request"}, {"what", "cwu"}})["ok"], true);
-}
-
-TEST_F(Application_commands, Tell_which_services_come_and_go) {
-    car_wake_up.StopOfferService();
-    car_wake_up.OfferService();
-    EXPECT_THAT(changes, ElementsAre("+cwu", "-cwu", "+cwu"));
 }
 
 TEST_F(Application_commands, That_are_wrong_call_nobody) {

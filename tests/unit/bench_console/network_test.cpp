@@ -67,12 +67,6 @@ TEST_F(Network, Is_shown_with_each_bit_named) {
     EXPECT_EQ(row(15), L"ECU        ready sleep");
 }
 
-TEST_F(Network, Is_blank_before_anything_is_known_of_it) {
-    EXPECT_EQ(row(13), L"State      -");
-    EXPECT_EQ(row(14), L"User data  -");
-    EXPECT_EQ(row(15), L"ECU        -");
-}
-
 TEST_F(Network, Shows_what_each_application_holds) {
     view.take(event_of(1, Kind::application, {"two words", "requests", "com_alive"}));
     EXPECT_THAT(row(16), HasSubstr(L"1 ECU COM CWU"));
@@ -87,12 +81,6 @@ TEST_F(Network, Shows_what_each_application_holds) {
     EXPECT_EQ(style_of(L"COM"), Style::good);
     view.take(event_of(3, Kind::application, {"1", "releases", "com_alive"}));
     EXPECT_EQ(style_of(L"COM"), Style::dim);
-}
-
-TEST_F(Network, Forgets_with_the_daemon_what_applications_hold) {
-    view.take(event_of(1, Kind::application, {"1", "requests", "cwu"}));
-    view.take({2, Kind::ended, "0"});
-    EXPECT_FALSE(view.holds("1", "cwu"));
 }
 
 TEST_F(Network, Is_shown_instead_of_the_clients_on_demand_where_the_terminal_is_small) {
@@ -136,12 +124,6 @@ TEST_F(Network, Keys_let_the_chosen_application_release_what_it_holds) {
                 ElementsAre(Pair("application 1",
                                  json{{"do", "release"}, {"what", "com_alive"}, {"wait_ms", 0}, {"bits", "00 01"}}),
                             Pair("application 1", json{{"do", "release"}, {"what", "cwu"}, {"wait_ms", 0}})));
-}
-
-TEST_F(Network, Choosing_an_application_begins_again_after_the_last) {
-    press('a');
-    press('a');
-    EXPECT_EQ(hand.chosen, 0U);
 }
 
 TEST_F(Network, Keys_let_the_others_need_it_and_silence_them) {

@@ -64,26 +64,6 @@ TEST(Screen, Shows_why_a_key_did_nothing_in_place_of_the_keys) {
     EXPECT_THAT(drawn(view), HasSubstr(L"q quit"));
 }
 
-TEST(Screen, Tells_how_a_machine_ended_that_has_no_status) {
-    Machine_view view;
-    view.take({1, Kind::ended, "power off"});
-    EXPECT_THAT(drawn(view), HasSubstr(L"ended, power off"));
-}
-
-TEST(Screen, Tells_that_there_is_no_state_before_the_first_word) {
-    Machine_view view;
-    EXPECT_THAT(drawn(view), HasSubstr(L"no state yet"));
-    view.take({1, Kind::state_word, "startingup"});
-    EXPECT_THAT(drawn(view), Not(HasSubstr(L"no state yet")));
-}
-
-TEST(Screen, Has_no_heart_of_a_machine_that_tells_of_no_beats) {
-    Machine_view view;
-    EXPECT_THAT(drawn(view), Not(HasSubstr(L"\u2661")));
-    view.take({1, Kind::watchdog, "WATCHDOG"});
-    EXPECT_THAT(drawn(view), HasSubstr(L"\u2661 1"));
-}
-
 TEST(Screen, Lights_no_state_of_a_daemon_that_has_ended) {
     Machine_view view;
     view.take({1, Kind::state_word, "running"});
@@ -92,19 +72,6 @@ TEST(Screen, Lights_no_state_of_a_daemon_that_has_ended) {
     draw(canvas, view, 4);
     EXPECT_EQ(lit_text(canvas), L"");
     EXPECT_THAT(all_text(canvas), HasSubstr(L"ended, status 0"));
-}
-
-TEST(Screen, Shows_what_the_machine_told_its_neighbours) {
-    Machine_view view;
-    view.take({1, Kind::key, "power"});
-    view.take({2, Kind::machine_state, "Shutdown"});
-    view.take({3, Kind::power_off, "terminate"});
-    view.take({4, Kind::watchdog, "WATCHDOG"});
-    auto const text = drawn(view);
-    EXPECT_THAT(text, HasSubstr(L"power\n"));
-    EXPECT_THAT(text, HasSubstr(L"Shutdown"));
-    EXPECT_THAT(text, HasSubstr(L"> terminate"));
-    EXPECT_THAT(text, HasSubstr(L"♡ 1"));
 }
 
 TEST(Screen, Shows_the_log_up_to_its_level) {

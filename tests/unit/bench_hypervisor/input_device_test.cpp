@@ -46,13 +46,6 @@ class Input_device_test : public testing::Test {
     Input_device sut{"event0", 1U << EV_SYN | 1U << EV_KEY};
 };
 
-TEST_F(Input_device_test, A_record_carries_the_time_of_day) {
-    sut.send(EV_KEY, KEY_N, 1);
-    std::int64_t seconds = 0;
-    std::memcpy(&seconds, sut.read(k_reader, k_record).bytes.data(), sizeof seconds);
-    EXPECT_NEAR(static_cast<double>(seconds), static_cast<double>(std::time(nullptr)), 5.0);
-}
-
 TEST_F(Input_device_test, A_read_gives_as_many_whole_records_as_fit) {
     sut.press(EV_KEY, KEY_N);
     EXPECT_EQ(sut.read(k_reader, 2 * k_record + 23).bytes.size(), 2 * k_record);
@@ -65,27 +58,12 @@ TEST_F(Input_device_test, A_read_without_room_for_one_record_is_invalid_and_take
     EXPECT_EQ(records().size(), 1U);
 }
 
-TEST_F(Input_device_test, Each_reader_sees_every_record_and_none_from_before_it_opened) {
-    sut.send(EV_KEY, KEY_N, 1);
-    sut.add_reader(2);
-    sut.send(EV_KEY, KEY_P, 1);
-    EXPECT_EQ(records(1), (std::vector<Record>{{1, 49, 1}, {1, 25, 1}}));
-    EXPECT_EQ(records(2), (std::vector<Record>{{1, 25, 1}}));
-}
-
 TEST_F(Input_device_test, A_reader_that_closed_is_no_longer_served) {
     sut.remove_reader(k_reader);
     EXPECT_EQ(sut.readers(), 0U);
     sut.send(EV_KEY, KEY_N, 1);
     sut.add_reader(k_reader);
     EXPECT_TRUE(records().empty());
-}
-
-TEST_F(Input_device_test, A_full_queue_holds_its_length) {
-    for (std::size_t number = 0; number < Input_device::k_queue_length; ++number) {
-        sut.send(EV_KEY, KEY_N, static_cast<std::int32_t>(number));
-    }
-    EXPECT_EQ(records().size(), Input_device::k_queue_length);
 }
 
 TEST_F(Input_device_test, One_record_too_many_leaves_the_dropped_mark_and_the_newest_record) {
@@ -98,14 +76,6 @@ TEST_F(Input_device_test, One_record_too_many_leaves_the_dropped_mark_and_the_ne
 TEST_F(Input_device_test, The_mask_is_cut_to_the_asked_length) {
     EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x20, 4), 4).bytes.size(), 4U);
     EXPECT_EQ(sut.control(_IOC(_IOC_READ, 'E', 0x20, 64), 64).bytes.size(), 8U);
-}
-
-TEST_F(Input_device_test, After_a_hang_up_reads_fail_and_poll_tells_of_it) {
-    sut.press(EV_KEY, KEY_N);
-    sut.hang_up(false);
-    EXPECT_EQ(sut.poll(k_reader), unsigned{POLLHUP | POLLERR});
-    EXPECT_EQ(sut.read(k_reader, k_record).error, ENODEV);
-    EXPECT_EQ(sut.control(k_get_event_types, 8).error, ENODEV);
 }
 
 TEST_F(Input_device_test, After_a_hang_up_that_keeps_announcing_poll_still_promises_what_can_not_be_read) {

@@ -10,33 +10,6 @@ namespace {
 
 using nlohmann::json;
 
-TEST(Arguments_test, Members_are_given_by_name_and_type) {
-    json const command{{"a", "text"}, {"b", 7}, {"c", true}, {"d", {"x", "y"}}};
-    Arguments sut(command);
-    EXPECT_EQ(sut.text("a"), "text");
-    EXPECT_EQ(sut.number("b", 0, 10), 7);
-    EXPECT_TRUE(sut.flag_or("c", false));
-    EXPECT_EQ(sut.optional_texts("d"), (std::vector<std::string>{"x", "y"}));
-    EXPECT_NO_THROW(sut.end());
-}
-
-TEST(Arguments_test, Members_that_are_missing_take_the_other_value) {
-    json const command = json::object();
-    Arguments sut(command);
-    EXPECT_EQ(sut.text_or("a", "other"), "other");
-    EXPECT_EQ(sut.number_or("b", 5, 0, 10), 5);
-    EXPECT_TRUE(sut.flag_or("c", true));
-    EXPECT_EQ(sut.optional_texts("d"), std::nullopt);
-    EXPECT_EQ(sut.optional_errno("e"), std::nullopt);
-}
-
-TEST(Arguments_test, A_member_that_must_be_there_and_is_not_is_an_error) {
-    json const command = json::object();
-    Arguments sut(command);
-    EXPECT_THROW(sut.text("a"), Command_error);
-    EXPECT_THROW(sut.number("b", 0, 10), Command_error);
-}
-
 TEST(Arguments_test, A_member_of_the_wrong_type_is_an_error) {
     json const command{{"a", 1}, {"b", "1"}, {"c", 1}, {"d", "x"}, {"e", json::array({1})}, {"f", 1.0}, {"g", true}};
     Arguments sut(command);
@@ -76,13 +49,6 @@ TEST(Arguments_test, A_member_that_nobody_took_is_an_error) {
     EXPECT_THROW(sut.end(), Command_error);
     sut.text("devise");
     EXPECT_NO_THROW(sut.end());
-}
-
-TEST(Arguments_test, Errno_values_have_names_and_back) {
-    EXPECT_EQ(errno_name(EIO), "EIO");
-    EXPECT_EQ(errno_of("ENOTTY"), ENOTTY);
-    EXPECT_EQ(errno_of("nothing"), 0);
-    EXPECT_EQ(errno_name(9999), "9999");
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "bench/json_lines/command_table.h"
 
-#include "bench/json_lines/clock.h"
-
 #include <gtest/gtest.h>
 
 namespace bench {
@@ -18,36 +16,11 @@ class Command_table_test : public testing::Test {
             sum += amount;
             return json{{"sum", sum}};
         });
-        sut.add("nothing", [](Arguments&) { return json(); });
     }
 
     std::int64_t sum = 0;
     Command_table sut;
 };
-
-TEST_F(Command_table_test, A_command_is_carried_out_and_its_details_are_in_the_answer) {
-    std::int64_t const before = monotonic_ns();
-    json const answer = sut.answer(R"({"do":"add","amount":3})");
-    EXPECT_EQ(sum, 3);
-    EXPECT_EQ(answer["answer"], "add");
-    EXPECT_EQ(answer["ok"], true);
-    EXPECT_EQ(answer["sum"], 3);
-    EXPECT_GE(answer["t"].get<std::int64_t>(), before);
-    EXPECT_LE(answer["t"].get<std::int64_t>(), monotonic_ns());
-}
-
-TEST_F(Command_table_test, A_handler_without_details_gets_a_plain_answer) {
-    json const answer = sut.answer(R"({"do":"nothing"})");
-    EXPECT_EQ(answer["ok"], true);
-    EXPECT_EQ(answer.size(), 3U);
-}
-
-TEST_F(Command_table_test, An_identity_of_any_type_is_given_back) {
-    EXPECT_EQ(sut.answer(R"({"do":"nothing","id":7})")["id"], 7);
-    EXPECT_EQ(sut.answer(R"({"do":"nothing","id":["a"]})")["id"], json::array({"a"}));
-    EXPECT_EQ(sut.answer(R"({"do":"unknown","id":8})")["id"], 8);
-    EXPECT_FALSE(sut.answer(R"({"do":"nothing"})").contains("id"));
-}
 
 class Malformed_command_test : public Command_table_test, public testing::WithParamInterface<char const*> {};
 

@@ -31,15 +31,6 @@ std::uint32_t ones_sum(Bits const& bytes) {
     return sum;
 }
 
-TEST(Ip_packet_test, Has_the_headers_of_the_datagram) {
-    auto const packet = ip_packet(k_from, k_to, {0x0b, 0x40, 0x01});
-    Bits const ip_without_checksum{packet.begin(), packet.begin() + 10};
-    EXPECT_THAT(ip_without_checksum, ElementsAre(0x45, 0, 0, 31, 0, 0, 0x40, 0, 64, 17));
-    EXPECT_THAT(Bits(packet.begin() + 12, packet.begin() + 20), ElementsAre(127, 0, 0, 11, 127, 0, 0, 12));
-    EXPECT_THAT(Bits(packet.begin() + 20, packet.begin() + 26), ElementsAre(0x77, 0x24, 0x77, 0x25, 0, 11));
-    EXPECT_THAT(Bits(packet.begin() + 28, packet.end()), ElementsAre(0x0b, 0x40, 0x01));
-}
-
 TEST(Ip_packet_test, Its_checksums_are_right_for_even_and_odd_lengths) {
     for (Bits const& payload : {Bits{}, Bits{0x0b}, Bits{0x0b, 0x40}, Bits(65, 0xff)}) {
         auto const packet = ip_packet(k_from, k_to, payload);
@@ -75,10 +66,6 @@ TEST(Capture_file_test, Each_datagram_is_there_at_once_with_time_and_length) {
     EXPECT_THAT(Bits(content.begin() + 24, content.begin() + 40),
                 ElementsAre(4, 3, 2, 1, 5, 0, 0, 0, 29, 0, 0, 0, 29, 0, 0, 0));
     EXPECT_EQ(Bits(content.begin() + 40, content.end()), ip_packet(k_from, k_to, {9}));
-}
-
-TEST(Capture_file_test, A_file_that_can_not_be_written_is_told) {
-    EXPECT_THROW(Capture_file("/nowhere/nm.pcap"), std::runtime_error);
 }
 
 }  // namespace

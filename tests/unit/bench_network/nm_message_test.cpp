@@ -8,11 +8,6 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(Nm_message_test, Stands_on_the_wire_as_node_control_bits_requests_and_user_data) {
-    Nm_message const message{0x12, Control_bit::partial_network | Control_bit::repeat_message, {1, 2}, {0x80, 0x40}};
-    EXPECT_THAT(encode(message), ElementsAre(0x12, 0x41, 1, 2, 0x80, 0x40));
-}
-
 TEST(Nm_message_test, Is_taken_apart_by_the_length_of_the_requests) {
     auto const message = decode({0x12, 0x50, 1, 2, 0x80, 0x40, 3}, 2);
     ASSERT_TRUE(message);
@@ -28,11 +23,6 @@ TEST(Nm_message_test, Without_the_partial_network_bit_has_user_data_only) {
     ASSERT_TRUE(message);
     EXPECT_THAT(message->requests, testing::IsEmpty());
     EXPECT_THAT(message->user_data, ElementsAre(1, 2, 3));
-}
-
-TEST(Nm_message_test, May_have_no_user_data) {
-    EXPECT_TRUE(decode({0x12, 0x00}, 2));
-    EXPECT_TRUE(decode({0x12, 0x40, 1, 2}, 2));
 }
 
 TEST(Nm_message_test, Too_short_for_what_it_announces_is_refused) {

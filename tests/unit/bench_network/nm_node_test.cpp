@@ -8,15 +8,6 @@ using testing::IsEmpty;
 
 class Nm_node_test : public Nm_fixture {};
 
-TEST_F(Nm_node_test, Begins_asleep_without_requests) {
-    pass(10'000);
-    EXPECT_EQ(sut.state(), Nm_state::bus_sleep);
-    EXPECT_FALSE(sut.next_deadline());
-    EXPECT_THAT(sut.network_state(), ElementsAre(0, 0));
-    EXPECT_THAT(environment.sent, IsEmpty());
-    EXPECT_THAT(environment.doings, IsEmpty());
-}
-
 TEST_F(Nm_node_test, Sends_at_once_when_it_is_requested_and_then_every_cycle) {
     sut.request({0, 1}, now);
     EXPECT_EQ(environment.sent.size(), 1U);
@@ -108,29 +99,12 @@ TEST_F(Nm_node_test, Rest_is_told_twice_when_it_begins_and_when_the_bus_sleeps) 
     EXPECT_THAT(take_doings(), ElementsAre("bus sleep", "[00 00]"));
 }
 
-TEST_F(Nm_node_test, A_node_in_ready_sleep_sends_nothing) {
-    sut.request({1}, now);
-    pass(300);
-    sut.release({1}, now);
-    environment.sent.clear();
-    pass(5'000);
-    EXPECT_THAT(environment.sent, IsEmpty());
-    EXPECT_EQ(sut.state(), Nm_state::bus_sleep);
-}
-
 TEST_F(Nm_node_test, A_wish_to_repeat_is_sent_while_the_node_shows_itself) {
     sut.want_repeat(now);
     EXPECT_TRUE(environment.sent.back().has(Control_bit::repeat_message));
     sut.request({1}, now);
     pass(300);
     ASSERT_EQ(sut.state(), Nm_state::normal_operation);
-    pass(100);
-    EXPECT_FALSE(environment.sent.back().has(Control_bit::repeat_message));
-}
-
-TEST_F(Nm_node_test, A_wish_to_repeat_while_it_shows_itself_anyway_is_not_sent) {
-    sut.request({1}, now);
-    sut.want_repeat(now);
     pass(100);
     EXPECT_FALSE(environment.sent.back().has(Control_bit::repeat_message));
 }

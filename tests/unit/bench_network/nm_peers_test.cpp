@@ -17,12 +17,6 @@ TEST_F(Nm_peers_test, A_request_of_another_node_is_part_of_the_network_state) {
     EXPECT_THAT(sut.requests(), ElementsAre(0x01, 0x00));
 }
 
-TEST_F(Nm_peers_test, A_message_wakes_the_node) {
-    hear({0, 1});
-    EXPECT_THAT(take_doings(), ElementsAre("repeat message", "[00 01]"));
-    EXPECT_EQ(environment.sent.size(), 1U);
-}
-
 TEST_F(Nm_peers_test, Another_nodes_requests_keep_the_bus_awake_while_it_repeats_them) {
     hear_during(2'000, {0, 1});
     EXPECT_EQ(sut.state(), Nm_state::ready_sleep);
@@ -90,24 +84,6 @@ TEST_F(Nm_peers_test, Others_are_remembered_with_their_user_data_and_control_bit
     EXPECT_THAT(peer.requests, ElementsAre(0, 1));
     EXPECT_EQ(peer.control, 0x50);
     EXPECT_EQ(peer.heard, now);
-}
-
-TEST_F(Nm_peers_test, The_repeat_bit_of_another_node_makes_this_one_show_itself) {
-    sut.request({1}, now);
-    pass(300);
-    ASSERT_EQ(sut.state(), Nm_state::normal_operation);
-    hear({0, 0}, Control_bit::partial_network | Control_bit::repeat_message);
-    EXPECT_EQ(sut.state(), Nm_state::repeat_message);
-}
-
-TEST_F(Nm_peers_test, Two_nodes_fall_asleep_together) {
-    sut.request({1}, now);
-    hear_during(300, {0, 0});
-    sut.release({1}, now);
-    pass(399);
-    EXPECT_EQ(sut.state(), Nm_state::ready_sleep);
-    pass(1);
-    EXPECT_EQ(sut.state(), Nm_state::prepare_bus_sleep);
 }
 
 }  // namespace

@@ -10,22 +10,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-TEST(Options_test, The_address_gives_the_node_its_number) {
-    auto const options = parse_options({"127.0.0.11"});
-    EXPECT_EQ(options.network.id, 11);
-    EXPECT_EQ(options.network.own, (Endpoint{0x7f00000b, 30500}));
-    EXPECT_THAT(options.network.others, testing::IsEmpty());
-    EXPECT_EQ(options.network.request_bytes, 6U);
-    EXPECT_FALSE(options.offered);
-    EXPECT_EQ(options.capture, "");
-}
-
-TEST(Options_test, The_other_addresses_are_those_of_the_other_nodes_with_the_same_port) {
-    auto const options = parse_options({"127.0.0.11", "127.0.0.12", "--port", "4000", "127.0.0.13"});
-    EXPECT_THAT(options.network.others, testing::ElementsAre(Endpoint{0x7f00000c, 4000}, Endpoint{0x7f00000d, 4000}));
-    EXPECT_EQ(options.network.own.port, 4000);
-}
-
 TEST(Options_test, Everything_can_be_told) {
     auto const options =
         parse_options({"127.0.0.11", "--id", "200", "--request-bytes", "4", "--capture", "/tmp/x", "--offer", "udpnm"});
@@ -46,12 +30,6 @@ TEST(Options_test, Every_timer_can_be_told) {
     EXPECT_EQ(timing.reset, milliseconds(5));
 }
 
-TEST(Options_test, Requests_count_longer_than_a_cycle_and_shorter_than_the_time_out_unless_told_otherwise) {
-    auto const timing = parse_options({"127.0.0.11"}).network.timing;
-    EXPECT_GT(timing.reset, timing.cycle);
-    EXPECT_LT(timing.reset, timing.timeout);
-}
-
 class Wrong_options_test : public testing::TestWithParam<std::vector<std::string>> {};
 
 TEST_P(Wrong_options_test, Are_refused) {
@@ -68,10 +46,6 @@ INSTANTIATE_TEST_SUITE_P(
                     Words{"127.0.0.1", "--port", "65536"}, Words{"127.0.0.1", "--request-bytes", "0"},
                     Words{"127.0.0.1", "--request-bytes", "33"}, Words{"127.0.0.1", "--cycle", "0"},
                     Words{"127.0.0.1", "--cycle", "99999999999999999999"}));
-
-TEST(Endpoint_test, An_address_is_written_as_it_is_read) {
-    EXPECT_EQ(address_text(*loopback_address("127.1.2.3")), "127.1.2.3");
-}
 
 }  // namespace
 }  // namespace bench::network

@@ -19,13 +19,6 @@ class Reactions_test : public Services_fixture {
     }
 };
 
-TEST_F(Reactions_test, A_refused_call_fails_and_changes_nothing) {
-    command({{"do", "reaction"}, {"method", "SetUserData"}, {"refuse", true}});
-    EXPECT_THROW(user_data.SetUserData({1}).get(), tarq::com::Remote_exception);
-    EXPECT_THAT(data(), IsEmpty());
-    EXPECT_NO_THROW(user_data.SetUserData({1}).get());
-}
-
 TEST_F(Reactions_test, A_slow_call_acts_at_once_and_is_answered_later) {
     using Clock = std::chrono::steady_clock;
     command({{"do", "reaction"}, {"method", "SetUserData"}, {"delay_ms", 50}});
@@ -56,12 +49,6 @@ TEST_F(Reactions_test, A_slow_call_that_was_given_up_with_the_offer_is_answered_
     command({{"do", "offer"}});
     command({{"do", "reaction"}, {"delay_ms", 300}});  // ends when the given-up one has come to its time
     EXPECT_NO_THROW(user_data.SetUserData({2}).get());
-}
-
-TEST_F(Reactions_test, Can_be_forgotten) {
-    command({{"do", "reaction"}, {"refuse", true}, {"count", 5}});
-    EXPECT_EQ(command({{"do", "clear_reactions"}})["ok"], true);
-    EXPECT_NO_THROW(user_data.SetUserData({1}).get());
 }
 
 TEST_F(Reactions_test, Wrong_commands_are_refused_and_change_nothing) {

@@ -13,18 +13,6 @@ class Services_test : public Services_fixture {
     std::string sent_user_data() { return command({{"do", "list"}}).value("user_data", ""); }
 };
 
-TEST_F(Services_test, Both_are_offered_under_the_name) {
-    EXPECT_TRUE(binding.is_offered(k_network_state, "NM"));
-    EXPECT_TRUE(binding.is_offered(k_user_data, "NM"));
-}
-
-TEST_F(Services_test, Requests_and_releases_are_the_nodes) {
-    network_state.RequestNetwork({0, 0, 3}).get();
-    EXPECT_EQ(requests(), "00 00 03 00");
-    network_state.ReleaseNetwork({0xff, 0xff, 1}).get();
-    EXPECT_EQ(requests(), "00 00 02 00");
-}
-
 TEST_F(Services_test, A_bit_that_the_network_does_not_have_is_refused_as_a_request) {
     EXPECT_THROW(network_state.RequestNetwork({1, 0, 0, 0, 1}).get(), tarq::com::Remote_exception);
     EXPECT_EQ(requests(), "00 00 00 00");
@@ -46,14 +34,6 @@ TEST_F(Services_test, The_field_is_rest_at_first) {
     EXPECT_THAT(*network_state.NetworkState.GetCachedSamples().front(), ElementsAre(0, 0, 0, 0));
 }
 
-TEST_F(Services_test, The_field_follows_the_network_state) {
-    network_state.NetworkState.Subscribe(1);
-    network_state.RequestNetwork({0, 0, 1}).get();
-    ASSERT_TRUE(network_state.NetworkState.Update());
-    EXPECT_THAT(*network_state.NetworkState.GetCachedSamples().front(), ElementsAre(0, 0, 1, 0));
-    EXPECT_THAT(network_state.NetworkState.Get().get(), ElementsAre(0, 0, 1, 0));
-}
-
 TEST_F(Services_test, The_field_tells_rest_twice) {
     network_state.RequestNetwork({1}).get();
     network_state.NetworkState.Subscribe(8);
@@ -66,12 +46,6 @@ TEST_F(Services_test, The_field_tells_rest_twice) {
     ASSERT_THAT(samples, SizeIs(2));
     EXPECT_THAT(*samples[0], ElementsAre(0, 0, 0, 0));
     EXPECT_THAT(*samples[1], ElementsAre(0, 0, 0, 0));
-}
-
-TEST_F(Services_test, User_data_is_that_of_the_nodes_messages) {
-    user_data.SetUserData({0x80, 1}).get();
-    EXPECT_EQ(sent_user_data(), "80 01");
-    EXPECT_THAT(user_data.GetUserData().get().data, ElementsAre(0x80, 1));
 }
 
 TEST_F(Services_test, User_data_that_does_not_fit_into_a_message_is_refused) {
@@ -90,26 +64,6 @@ TEST_F(Services_test, New_user_data_is_told_and_repeated_one_is_not) {
     ASSERT_THAT(samples, SizeIs(2));
     EXPECT_THAT(*samples[0], ElementsAre(0x80));
     EXPECT_THAT(*samples[1], ElementsAre(0x81));
-}
-
-TEST_F(Services_test, Every_call_is_told) {
-    network_state.RequestNetwork({1, 2}).get();
-    network_state.ReleaseNetwork({3}).get();
-    user_data.SetUserData({}).get();
-    user_data.GetUserData().get();
-    EXPECT_TRUE(await_event("call", {{"method", "RequestNetwork"}, {"bytes", "01 02"}}));
-    EXPECT_TRUE(await_event("call", {{"method", "ReleaseNetwork"}, {"bytes", "03"}}));
-    EXPECT_TRUE(await_event("call", {{"method", "SetUserData"}, {"bytes", ""}}));
-    EXPECT_TRUE(await_event("call", {{"method", "GetUserData"}, {"bytes", ""}}));
-}
-
-TEST_F(Services_test, They_can_be_withdrawn_and_offered_again) {
-    EXPECT_EQ(command({{"do", "withdraw"}})["ok"], true);
-    EXPECT_FALSE(binding.is_offered(k_network_state, "NM"));
-    EXPECT_FALSE(binding.is_offered(k_user_data, "NM"));
-    EXPECT_EQ(command({{"do", "offer"}})["ok"], true);
-    network_state.RequestNetwork({1}).get();
-    EXPECT_EQ(requests(), "01 00 00 00");
 }
 
 }  // namespace

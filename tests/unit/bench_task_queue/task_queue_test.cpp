@@ -27,22 +27,6 @@ class Task_queue_test : public testing::Test {
     std::vector<int> done;
 };
 
-TEST_F(Task_queue_test, Work_is_done_in_the_order_in_which_it_was_posted) {
-    post(1);
-    post(2);
-    EXPECT_THAT(done, IsEmpty());
-    sut.run_all();
-    EXPECT_THAT(done, ElementsAre(1, 2));
-}
-
-TEST_F(Task_queue_test, Its_descriptor_can_be_read_while_work_waits) {
-    EXPECT_FALSE(can_be_read());
-    std::thread([this] { post(1); }).join();
-    EXPECT_TRUE(can_be_read());
-    sut.run_all();
-    EXPECT_FALSE(can_be_read());
-}
-
 TEST_F(Task_queue_test, Work_that_posts_work_is_followed_by_it) {
     sut.post([this] { post(1); });
     sut.run_all();

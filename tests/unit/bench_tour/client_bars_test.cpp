@@ -21,12 +21,6 @@ Client_bar the_only_bar(Timeline const& events) {
     return bars.at(0);
 }
 
-TEST(Client_bars, Are_none_where_nobody_is_asked) {
-    EXPECT_THAT(client_bars({}), IsEmpty());
-    EXPECT_THAT(client_bars({of_client(1, {"radio", "connected", "kOn"}), {2, Kind::log, "radio asked kOn"}}),
-                IsEmpty());
-}
-
 TEST(Client_bars, Last_from_the_request_to_the_answer_of_that_client) {
     auto const bar =
         the_only_bar({of_client(10, {"radio", "asked", "kPrepSD"}), of_client(20, {"tv", "answered", "kPrepSD"}),
@@ -44,12 +38,6 @@ TEST(Client_bars, Are_those_of_a_name_with_blanks_too) {
     EXPECT_EQ(bar.client, "my radio");
     EXPECT_EQ(bar.state, "kOn");
     EXPECT_EQ(bar.outcome, Outcome::done);
-}
-
-TEST(Client_bars, Tell_a_failure) {
-    EXPECT_EQ(
-        the_only_bar({of_client(1, {"radio", "asked", "kOn"}), of_client(2, {"radio", "answered", "kOn", 1})}).outcome,
-        Outcome::failed);
 }
 
 TEST(Client_bars, Tell_a_missing_answer) {
@@ -71,14 +59,6 @@ TEST(Client_bars, Count_an_answer_as_missing_that_came_too_late) {
     };
     EXPECT_EQ(late("State notification client [ radio ] timed out"), Outcome::missing);
     EXPECT_EQ(late("State notification client [ tv ] timed out"), Outcome::done);
-}
-
-TEST(Client_bars, Name_each_client_once) {
-    EXPECT_THAT(clients_in({of_client(1, {"radio", "connected", "kOn"}),
-                            {2, Kind::log, "tv asked kOn"},
-                            of_client(3, {"diag::dem", "connected", "kOn"}),
-                            of_client(4, {"radio", "asked", "kOn"})}),
-                ElementsAre("radio", "diag::dem"));
 }
 
 }  // namespace

@@ -29,13 +29,6 @@ TEST(Summary, Is_not_content_when_one_expectation_was_not_seen) {
     EXPECT_THAT(text, HasSubstr("NO\n"));
 }
 
-TEST(Summary, Names_a_step_once) {
-    testing::internal::CaptureStdout();
-    print_summary({{"the only step", "a", true, 1}, {"the only step", "b", true, 2}});
-    auto const text = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(text.find("the only step"), text.rfind("the only step"));
-}
-
 TEST(Steps, Have_a_name_of_their_own_and_something_to_see) {
     std::set<std::string> names;
     for (auto const& step : steps()) {
@@ -54,19 +47,6 @@ TEST(Steps, Reach_every_row_of_the_states_tables_and_no_other) {
         reached.insert(step.rows.begin(), step.rows.end());
     }
     EXPECT_EQ(reached, known);
-}
-
-TEST(Steps, Reach_every_state) {
-    std::set<std::string> words;
-    for (auto const& step : steps()) {
-        for (auto const& expectation : step.expectations) {
-            if (expectation.kind == Kind::state_word && !expectation.is_absence) {
-                words.insert(expectation.text);
-            }
-        }
-    }
-    EXPECT_THAT(words, testing::UnorderedElementsAre("startingup", "running", "runnmcontrolled", "postrun", "preparing",
-                                                     "prepared4sd", "resuming", "shuttingdown"));
 }
 
 class Rows_summary : public testing::Test {

@@ -37,17 +37,6 @@ std::string message(std::string const& text, std::uint8_t time = 0) {
     return bytes + payload;
 }
 
-TEST(Dlt_stream_of_a_serial_line, Gives_log_messages_with_the_senders_time) {
-    Dlt_stream sut;
-    auto const events = sut.add(message("Hello", 5));
-    ASSERT_THAT(events, SizeIs(1));
-    EXPECT_EQ(events[0].text, "Hello");
-    EXPECT_EQ(events[0].time, 500'000);
-    EXPECT_EQ(events[0].level, 4);
-    EXPECT_EQ(events[0].context, "MAIN");
-    EXPECT_EQ(events[0].application, "STMG");
-}
-
 TEST(Dlt_stream_of_a_serial_line, Gives_them_however_they_arrive) {
     Dlt_stream sut;
     auto const bytes = message("One") + message("Two");

@@ -11,10 +11,6 @@ namespace bench::vm {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAreArray;
-using testing::HasSubstr;
-using testing::IsSupersetOf;
-using testing::Not;
 using testing::StartsWith;
 
 Machine_options machine() {
@@ -26,18 +22,6 @@ Machine_options machine() {
 std::string word_after(std::vector<std::string> const& words, std::string const& option) {
     auto const found = std::find(words.begin(), words.end(), option);
     return found == words.end() || std::next(found) == words.end() ? "" : *std::next(found);
-}
-
-TEST(Emulator, Is_told_what_the_machine_is_like) {
-    Machine_options options;
-    options.image = "/image";
-    options.processors = 3;
-    options.memory_mb = 300;
-    options.kernel_options = "quiet-please";
-    auto const words = command_line(options, "/run/x", {});
-    EXPECT_EQ(words.front(), "qemu-system-aarch64");
-    EXPECT_THAT(words, IsSupersetOf({"/image/kernel", "/image/initrd", "3", "300"}));
-    EXPECT_THAT(words, Contains(HasSubstr("quiet-please")));
 }
 
 struct Host_row {
@@ -60,13 +44,6 @@ INSTANTIATE_TEST_SUITE_P(Emulator, On_a_host,
                                          Host_row{{false, true}, "tcg", "cortex-a72"},
                                          Host_row{{false, false}, "tcg", "cortex-a72"}));
 
-TEST(Emulator, Boots_the_vehicle_around_the_machine_only_for_those_who_want_it) {
-    auto options = machine();
-    EXPECT_THAT(word_after(command_line(options, "/run/x", {}), "-append"), Not(HasSubstr("vehicle")));
-    options.with_vehicle = true;
-    EXPECT_THAT(word_after(command_line(options, "/run/x", {}), "-append"), HasSubstr(" systemd.wants=vehicle.target"));
-}
-
 TEST(Emulator, Gives_the_machine_no_network) {
     auto const words = command_line(machine(), "/run/x", {});
     EXPECT_EQ(word_after(words, "-nic"), "none");
@@ -74,14 +51,6 @@ TEST(Emulator, Gives_the_machine_no_network) {
 
 TEST(Emulator, Takes_what_the_machine_writes_without_waking_another_thread) {
     EXPECT_THAT(command_line(machine(), "/run/x", {}), Contains("virtio-serial-pci,ioeventfd=off"));
-}
-
-TEST(Emulator, Has_a_socket_for_each_line_of_the_machine) {
-    auto const words = command_line(machine(), "/run/x", {});
-    for (std::string const line : {"log", "state", "restart", "shell", "journal"}) {
-        EXPECT_THAT(words, Contains(HasSubstr("path=/run/x/" + line + ","))) << line;
-    }
-    EXPECT_THAT(words, Contains("unix:/run/x/control,server=on,wait=off"));
 }
 
 }  // namespace

@@ -9,25 +9,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using vehicle::Kind;
 
-TEST(Journal_of_the_machine, Is_read_one_object_a_line_however_it_arrives) {
-    Journal sut;
-    EXPECT_THAT(sut.add(R"({"__MONOTONIC_TIMESTAMP":"1500000","UNIT":"a.service",)"), IsEmpty());
-    auto const entries = sut.add("\"MESSAGE\":\"Started\",\"JOB_TYPE\":\"start\",\"JOB_RESULT\":\"done\"}\n");
-    ASSERT_THAT(entries, SizeIs(1));
-    EXPECT_EQ(entries[0].time, 1'500'000'000);
-    EXPECT_EQ(entries[0].unit, "a.service");
-    EXPECT_EQ(entries[0].message, "Started");
-    EXPECT_EQ(entries[0].job, "start done");
-}
-
-TEST(Journal_of_the_machine, Names_the_unit_that_speaks_when_nobody_speaks_of_one) {
-    Journal sut;
-    auto const entries = sut.add("{\"_SYSTEMD_UNIT\":\"b.service\",\"MESSAGE\":\"words\"}\n");
-    ASSERT_THAT(entries, SizeIs(1));
-    EXPECT_EQ(entries[0].unit, "b.service");
-    EXPECT_EQ(entries[0].job, "");
-}
-
 TEST(Journal_of_the_machine, Leaves_out_lines_and_members_that_are_something_else) {
     Journal sut;
     EXPECT_THAT(sut.add("no JSON\n[1]\n"), IsEmpty());

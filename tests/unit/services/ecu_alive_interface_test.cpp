@@ -52,19 +52,6 @@ TEST_F(Ecu_alive_interface_test, Tells_of_a_request_and_of_a_release_with_its_in
     EXPECT_THAT(callback.calls, ElementsAre("request door kept", "release door not kept"));
 }
 
-TEST_F(Ecu_alive_interface_test, Tells_of_repeated_calls_again) {
-    Ecu_alive_interface sut("door", &callback);
-
-    sut.RequestAlive();
-    sut.RequestAlive();
-    EXPECT_TRUE(sut.app_keeps_ecu_alive());
-    sut.ReleaseAlive();
-    sut.ReleaseAlive();
-    EXPECT_FALSE(sut.app_keeps_ecu_alive());
-
-    EXPECT_THAT(callback.calls, ElementsAre("request door", "request door", "release door", "release door"));
-}
-
 TEST_F(Ecu_alive_interface_test, Answers_without_anybody_to_tell) {
     Ecu_alive_interface sut("door", nullptr);
 
