@@ -1,4 +1,4 @@
-#include "bench/tour/rows.h"
+#include "bench/rules/rules.h"
 #include "bench/tour/tour.h"
 
 #include <algorithm>
@@ -47,15 +47,15 @@ bool print_rows(std::vector<Step> const& steps, std::vector<Finding> const& find
     auto const steps_by_row = reached(steps, findings);
     std::printf("\n%-16s %-52s %-38s %s\n", "row of a state", "condition", "expected", "seen in step");
     std::size_t seen = 0;
-    for (auto const& row : rows()) {
-        auto const step = steps_by_row.find(name(row));
+    for (auto const& row : rules::rows()) {
+        auto const step = steps_by_row.find(rules::name(row));
         bool const is_reached = step != steps_by_row.end();
-        std::printf("%-16s %-52s %-38s %s\n", name(row).c_str(), row.condition.c_str(), row.result.c_str(),
+        std::printf("%-16s %-52s %-38s %s\n", rules::name(row).c_str(), row.condition, row.result,
                     is_reached ? step->second.c_str() : "NOT SEEN");
         seen += is_reached ? 1U : 0U;
     }
-    std::printf("\n%zu of %zu rows of the states' tables seen\n", seen, rows().size());
-    return seen == rows().size();
+    std::printf("\n%zu of %zu rows of the states' tables seen\n", seen, rules::rows().size());
+    return seen == rules::rows().size();
 }
 
 }  // namespace bench::tour

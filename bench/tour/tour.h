@@ -27,7 +27,7 @@ struct Step {
     std::string name;
     std::function<void(vehicle::Machine&)> action;
     std::vector<Expectation> expectations;
-    std::vector<std::string> rows{};  ///< of the states' tables (rows.h) that the expectations show
+    std::vector<std::string> rows{};  ///< of the states' tables (bench/rules/rules.h) that the expectations show
     bool begins_life{false};          ///< of the daemon: what was before does not count
 };
 

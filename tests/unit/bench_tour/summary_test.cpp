@@ -1,4 +1,4 @@
-#include "bench/tour/rows.h"
+#include "bench/rules/rules.h"
 #include "bench/tour/tour.h"
 
 #include <set>
@@ -39,8 +39,8 @@ TEST(Steps, Have_a_name_of_their_own_and_something_to_see) {
 
 TEST(Steps, Reach_every_row_of_the_states_tables_and_no_other) {
     std::set<std::string> known;
-    for (auto const& row : rows()) {
-        EXPECT_TRUE(known.insert(name(row)).second) << name(row);
+    for (auto const& row : rules::rows()) {
+        EXPECT_TRUE(known.insert(rules::name(row)).second) << rules::name(row);
     }
     std::set<std::string> reached;
     for (auto const& step : steps()) {
@@ -53,8 +53,8 @@ class Rows_summary : public testing::Test {
  protected:
     Rows_summary() {
         Step step{"all", {}, {{Kind::state_word, "running"}}};
-        for (auto const& row : rows()) {
-            step.rows.push_back(name(row));
+        for (auto const& row : rules::rows()) {
+            step.rows.push_back(rules::name(row));
         }
         all = {step};
     }

@@ -16,6 +16,34 @@ namespace {
 constexpr std::array<char const*, 8> k_words{"startingup",   "running",   "runnmcontrolled", "postrun",
                                              "shuttingdown", "preparing", "prepared4sd",     "resuming"};
 
+namespace rules = bench::rules;
+
+/// What the machine's cycle has found. Conditions are asked for in the order of the rows and only as far as one
+/// decides: one that the machine should have asked for and has not is tried both ways all the same (see Conditions).
+class Cycle_situation : public rules::Situation {
+ public:
+    Cycle_situation(Point& point, bool nm_usage, Conditions const& conditions)
+        : point_(point), nm_usage_(nm_usage), conditions_(conditions) {}
+
+    rules::Command command() const override { return static_cast<rules::Command>(point_.head()); }
+    bool nm_is_used() const override { return nm_usage_; }
+    bool nm_is_found() const override { return conditions_.nm_interface_available(); }
+    bool network_sleeps() const override { return conditions_.ecu_in_sleep_mode(); }
+    bool ecu_is_kept() const override { return conditions_.apps_keep_ecu_alive(); }
+    bool com_is_kept() const override { return conditions_.apps_keep_com_alive(); }
+    bool is_to_prepare() const override { return point_.prepare_sd; }
+    bool time_is_over() const override { return point_.ticks == Machine::k_knockout; }
+    bool clients_are_asked() const override {
+        point_.notifier.check();
+        return point_.notifier.is_running();
+    }
+
+ private:
+    Point& point_;
+    bool nm_usage_;
+    Conditions const& conditions_;
+};
+
 std::string word_of(Mode mode) {
     return mode == Mode::none ? "" : mode == Mode::on ? "kOn" : "kPrepSD";
 }
@@ -52,17 +80,18 @@ Action Walk::go(Action const& action) {
     return done;
 }
 
-/// The machine does what the first rule that applies wants, and nothing else.
+/// The machine does what the first row that holds wants, and nothing else.
 void Walk::go_through_cycle(Action& action) {
     Cycle const cycle = machine_.cycle(action.conditions);
     EXPECT_EQ(cycle.head, point_.head());
     EXPECT_EQ(cycle.was_refused, point_.has_ended);
-    bool const time_is_over = point_.ticks == Machine::k_knockout;
-    auto const* const rule = rule_of({point_, surroundings_.nm_usage, time_is_over, machine_.conditions()});
+    auto const& row = rules::deciding_row(static_cast<rules::State>(point_.state),
+                                          Cycle_situation(point_, surroundings_.nm_usage, machine_.conditions()));
+    bool const stays = row.to == rules::State::stay;
     action.conditions = machine_.conditions().values();
-    EXPECT_EQ(cycle.entered, rule ? std::optional(rule->to) : std::nullopt);
-    if (rule) {
-        follow(*rule);
+    EXPECT_EQ(cycle.entered, stays ? std::nullopt : std::optional(static_cast<unsigned>(row.to)));
+    if (!stays) {
+        follow(row);
     } else if (point_.state == states::k_post_run) {
         point_.ticks = std::min(point_.ticks + 1, Machine::k_knockout);
     }
@@ -71,23 +100,24 @@ void Walk::go_through_cycle(Action& action) {
 }
 
 /// The machine has entered a state; the point is still the one before.
-void Walk::follow(Rule const& rule) {
-    check_word(rule.to);
-    if (rule.to == states::k_preparing) {
+void Walk::follow(rules::Row const& row) {
+    auto const state = static_cast<unsigned>(row.to);
+    check_word(state);
+    if (state == states::k_preparing) {
         point_.notifier.request_standby();
-    } else if (rule.to == states::k_resuming) {
+    } else if (state == states::k_resuming) {
         point_.notifier.request_resume();
-    } else if (rule.to == states::k_running) {
+    } else if (state == states::k_running) {
         check_clients_of_running_machine();
-    } else if (rule.to == states::k_shutting_down) {
+    } else if (state == states::k_shutting_down) {
         check_way_of_shutdown();
-        point_.forced_shutdown = rule.from == states::k_prepared_sd;
+        point_.forced_shutdown = row.from == rules::State::prepared_sd;
         point_.has_ended = !is_fast_shutdown();
     }
-    if (rule.intention != Intention::stays) {
-        point_.prepare_sd = rule.intention == Intention::begins;
+    if (row.intention != rules::Intention::stays) {
+        point_.prepare_sd = row.intention == rules::Intention::begins;
     }
-    point_.state = rule.to;
+    point_.state = state;
     point_.ticks = 0;
     if (!point_.queue.empty()) {
         point_.queue.pop_front();

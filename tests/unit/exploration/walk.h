@@ -1,10 +1,10 @@
 #ifndef TESTS_UNIT_EXPLORATION_WALK_H
 #define TESTS_UNIT_EXPLORATION_WALK_H
 
+#include "bench/rules/rules.h"
 #include "machine.h"
 #include "point.h"
 #include "power_off_channel.h"
-#include "rules.h"
 
 #include <optional>
 
@@ -30,7 +30,7 @@ class Walk {
 
  private:
     void go_through_cycle(Action& action);
-    void follow(Rule const& rule);
+    void follow(bench::rules::Row const& row);
     void check_word(unsigned state);
     void check_way_of_shutdown() const;
     void check_clients_of_running_machine();
