@@ -2,14 +2,15 @@
 #include "tarq/com/runtime/component_singleton.h"
 #include "tarq/udpnm/interface/network_state_interface_proxy.h"
 #include "tarq/udpnm/interface/user_data_interface_proxy.h"
+#include "tools/check_config/verdict.h"
 #include "tools/commands.h"
 #include "tools/signals.h"
 #include "tools/watch_report.h"
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
-#include <fstream>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
@@ -70,8 +71,12 @@ services::User_data_layout layout_of(std::string const& configuration) {
     if (configuration.empty()) {
         return {};
     }
-    std::ifstream file(configuration);
-    return services::layout_in(nlohmann::json::parse(file));
+    auto const verdict = check_config::ask_daemon(configuration);
+    if (!verdict.is_taken) {
+        throw std::runtime_error(configuration + " is refused by the state manager: " + verdict.reason);
+    }
+    auto const layout = verdict.config->get_nm_user_data_config();
+    return {layout.cwu_bit_position, layout.ac_offset, layout.ac_bytes, layout.cab_offset, layout.cab_bytes};
 }
 
 void await_end(End_signals const& end) {

@@ -1,33 +1,13 @@
 #include "statemanager/service_handler/service_handler.h"
 
 #include "ara/log/logging.h"
+#include "statemanager/config/require_sendable.h"
 #include "statemanager/service_handler/absent_nm_interface.h"
 #include "statemanager/service_handler/infrastructure_failure.h"
 
-#include <stdexcept>
 #include <utility>
 
 namespace ximo::ap::statemanager {
-
-namespace {
-
-// Octets that one argument of a call of network management may have.
-constexpr std::size_t k_longest_argument = 1024;
-
-void require_sendable(char const* setting, std::size_t bytes) {
-    if (bytes > k_longest_argument) {
-        throw std::length_error(std::string(setting) + " says " + std::to_string(bytes) +
-                                " bytes, and network management takes " + std::to_string(k_longest_argument) +
-                                " at most");
-    }
-}
-
-void require_sendable(config::State_manager_config const& configuration) {
-    require_sendable("UserDataBytes", configuration.get_nm_user_data_config().user_data_bytes);
-    require_sendable("DefautNMRequestPattern", configuration.get_nm_request_pattern().size());
-}
-
-}  // namespace
 
 Service_handler::Service_handler(config::State_manager_config const& configuration,
                                  std::unique_ptr<Nm_interface_abstract> network_management,
@@ -40,7 +20,7 @@ Service_handler::Service_handler(config::State_manager_config const& configurati
                 std::move(com_alive), std::move(cwu)),
       requests_(nm_usage_, network_management_, provided_) {
     if (nm_usage_) {
-        require_sendable(configuration_);
+        config::require_sendable(configuration_);
     }
 }
 
