@@ -29,11 +29,11 @@ using testing::HasSubstr;
 using testing::Lt;
 using testing::ThrowsMessage;
 
-constexpr auto k_busy = milliseconds(250);  // what a busy machine may add
+constexpr auto k_busy = milliseconds(1000);  // what a busy machine may add
 
 class Late_execution_management : public Private_execution_management {
  protected:
-    Late_execution_management() { ::setenv("WATCHDOG_USEC", "2000000", 1); }
+    Late_execution_management() { ::setenv("WATCHDOG_USEC", "4000000", 1); }
     ~Late_execution_management() override {
         sut.reset();
         ::unsetenv("WATCHDOG_USEC");
@@ -102,10 +102,10 @@ TEST_F(Late_execution_management, That_refuses_is_told_of_once) {
 }
 
 TEST_F(Late_execution_management, Is_waited_for_half_of_the_watchdogs_time_at_most) {
-    ::setenv("WATCHDOG_USEC", "1000000", 1);
+    ::setenv("WATCHDOG_USEC", "2400000", 1);
     manager->command({{"do", "reaction"}, {"silent", true}});
     request();
-    EXPECT_THAT(end(), AllOf(Ge(milliseconds(450)), Lt(milliseconds(500) + k_busy)));
+    EXPECT_THAT(end(), AllOf(Ge(milliseconds(1150)), Lt(milliseconds(1200) + k_busy)));
 }
 
 TEST_F(Late_execution_management, Is_waited_for_all_the_time_once_the_process_has_said_that_it_stops) {
@@ -121,7 +121,6 @@ TEST_F(Late_execution_management, Is_waited_for_all_the_time_once_the_process_ha
 
 // A freeze of this process and of the bus, which goes on a moment later.
 TEST_F(Late_execution_management, Is_waited_for_after_both_stood_still_for_longer_than_the_wait) {
-    ::setenv("WATCHDOG_USEC", "4000000", 1);
     bus->process().signal(SIGSTOP);
     request();
     auto const self = std::to_string(::getpid());
@@ -156,7 +155,7 @@ TEST_F(Late_execution_management, Costs_nothing_where_there_is_no_bus) {
     failure = "no connection to the system bus: No such file or directory";
     request();
     end();
-    EXPECT_LT(steady_clock::now() - begin, k_busy);
+    EXPECT_LT(steady_clock::now() - begin, StateClient::k_time_limit);
 }
 
 TEST_F(Late_execution_management, Has_its_bus_connected_before_the_first_request) {
@@ -173,6 +172,7 @@ TEST_F(Late_execution_management, Is_asked_once_by_a_caller_that_signals_interru
     auto const begin = steady_clock::now();
     request();
     EXPECT_GE(steady_clock::now() - begin, StateClient::k_time_limit - milliseconds(5));
+    ::setenv("WATCHDOG_USEC", "200000", 1);  // the end waits as briefly
     itimerval const never{};
     ::setitimer(ITIMER_REAL, &never, nullptr);
     std::signal(SIGALRM, before);

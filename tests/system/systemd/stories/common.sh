@@ -3,8 +3,8 @@
 # shellcheck shell=bash
 exec >/opt/result/story 2>&1
 
-within() { # within SECONDS CONDITION...: tries until the condition holds
-    local end=$((SECONDS + $1))
+within() { # within SECONDS CONDITION...: tries until the condition holds; a busy machine has much longer than that
+    local end=$((SECONDS + 10 + 3 * $1))
     shift
     until "$@" >/dev/null 2>&1; do
         [ $SECONDS -lt "$end" ] || return 1
@@ -32,6 +32,11 @@ has_written() { grep -q "\"text\":\"$1\"" /opt/result/events; }
 times_written() { grep -c "\"text\":\"$1\"" /opt/result/events; }
 has_written_times() { [ "$(times_written "$1")" -ge "$2" ]; }
 beats_after() { [ "$(property WatchdogTimestampMonotonic)" -gt "$1" ]; }
+# A key that comes while the daemon is still starting up would go with the transition to running, in the first cycle.
+cycles() {
+    sees "it is in its first cycle" 2 beats_after "$(property WatchdogTimestampMonotonic)"
+    sees "and in another one" 2 beats_after "$(property WatchdogTimestampMonotonic)"
+}
 is_another_process() { [ "$(property MainPID)" != "$1" ] && is ActiveState active; }
 first_process_stands_still() { grep -q '^State:.T' /proc/1/status; }
 first_process_goes_on() { ! first_process_stands_still; }
