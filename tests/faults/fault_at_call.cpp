@@ -1,0 +1,97 @@
+// fault_at_call PLAN REPORT PROGRAM...: becomes the program, and lets those of its system calls fail that the file PLAN
+// names (plan.h); without any, the file REPORT gets a line for each place that calls.
+//
+// A process beside it watches the program until its end: a filter of system calls (seccomp) stops a thread at the calls
+// in question and at no others, and the watcher looks at the thread's stack to tell whether it is the one. Exit status
+// 77, and the reason on standard error, where a process may not be watched.
+
+#include "tracer.h"
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+
+#include <linux/audit.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int k_not_allowed = 77;
+
+void watch(pid_t program, char const* plan, char const* report, int ready) {
+    try {
+        faults::Tracer tracer(program, faults::read_plan(plan), report);
+        if (::write(ready, "", 1) != 1) {
+            return;
+        }
+        ::close(ready);
+        tracer.run();
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "fault_at_call: %s\n", error.what());
+    }
+}
+
+// The watcher is nobody's child, so that the program does not meet it.
+bool start_watcher(char const* plan, char const* report) {
+    std::array<int, 2> ready{};
+    if (::pipe(ready.data()) != 0) {
+        return false;
+    }
+    pid_t const program = ::getpid();
+    pid_t const helper = ::fork();
+    if (helper == 0) {
+        if (::fork() == 0) {
+            ::close(ready[0]);
+            watch(program, plan, report, ready[1]);
+        }
+        ::_exit(0);
+    }
+    ::close(ready[1]);
+    char began = 0;
+    bool const watched = ::read(ready[0], &began, 1) == 1;
+    ::close(ready[0]);
+    ::waitpid(helper, nullptr, 0);
+    return watched;
+}
+
+// From now on each of these calls stops its thread; all others go on as ever.
+bool install_filter(std::vector<long> const& numbers) {
+    constexpr unsigned k_load = BPF_LD | BPF_W | BPF_ABS;
+    constexpr unsigned k_equal = BPF_JMP | BPF_JEQ | BPF_K;
+    constexpr unsigned k_return = BPF_RET | BPF_K;
+    std::vector<sock_filter> program{{k_load, 0, 0, offsetof(seccomp_data, nr)}};
+    for (auto const number : numbers) {
+        program.push_back({k_equal, 0, 1, static_cast<unsigned>(number)});
+        program.push_back({k_return, 0, 0, SECCOMP_RET_TRACE});
+    }
+    program.push_back({k_return, 0, 0, SECCOMP_RET_ALLOW});
+    sock_fprog const all{static_cast<unsigned short>(program.size()), program.data()};
+    return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           ::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, 0, &all) == 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 4) {
+        std::fprintf(stderr, "usage: fault_at_call PLAN REPORT PROGRAM...\n");
+        return EXIT_FAILURE;
+    }
+    auto const numbers = faults::watched_calls(faults::read_plan(argv[1]));
+    if (!start_watcher(argv[1], argv[2]) || !install_filter(numbers)) {
+        std::fprintf(stderr, "A process may not be watched here: %s\n", std::strerror(errno));
+        return k_not_allowed;
+    }
+    ::execv(argv[3], argv + 3);
+    std::fprintf(stderr, "%s can't be started: %s\n", argv[3], std::strerror(errno));
+    return EXIT_FAILURE;
+}
