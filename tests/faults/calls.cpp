@@ -18,8 +18,10 @@ constexpr Error k_eintr{EINTR, "EINTR"}, k_eagain{EAGAIN, "EAGAIN"}, k_enomem{EN
 
 std::vector<Error> errors_of_reading(Subject subject) {
     switch (subject) {
-        case Subject::socket:
+        case Subject::stream:
             return {k_eintr, k_enomem, k_econnreset};
+        case Subject::datagrams:
+            return {k_eintr, k_enomem, k_econnrefused};
         case Subject::file:
             return {k_eintr, k_enomem, k_eio};
         default:
@@ -29,8 +31,10 @@ std::vector<Error> errors_of_reading(Subject subject) {
 
 std::vector<Error> errors_of_writing(Subject subject) {
     switch (subject) {
-        case Subject::socket:
+        case Subject::stream:
             return {k_eintr, k_enomem, k_enobufs, k_epipe, k_econnreset};
+        case Subject::datagrams:
+            return {k_eintr, k_enomem, k_enobufs, k_econnrefused};
         case Subject::pipe:
             return {k_eintr, k_epipe};
         case Subject::file:

@@ -8,7 +8,7 @@
 namespace faults {
 
 /// What a call's descriptor is, as far as it decides which errors are plausible.
-enum class Subject { none, file, socket, pipe, other };
+enum class Subject { none, file, stream, datagrams, pipe, other };
 
 /// One way in which a call goes wrong.
 struct Error {

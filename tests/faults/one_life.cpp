@@ -21,6 +21,7 @@ constexpr milliseconds k_patience{30'000};
 constexpr milliseconds k_patience_with_excuse{4'000};
 constexpr milliseconds k_end{70'000};
 constexpr milliseconds k_poll{10};
+constexpr int k_fatal = 1;
 constexpr int k_warning = 3;
 constexpr int k_start_failed = 255;
 constexpr int k_by_signal = 128;
@@ -81,16 +82,30 @@ void One_life::take(Step const& step) {
         check_health();
         return;
     }
-    try {
-        step.action(machine_);
-    } catch (std::exception const& error) {
-        if (!end() && !has_complained()) {
-            wrong(step.name + ": " + error.what());
-        }
-    }
+    act(step);
     for (auto const& expected : step.expected) {
         if (!is_over_) {
             await(step, expected);
+        }
+    }
+}
+
+// An application that has heard of the last daemon's end too late, or not yet of this one's services, tries again.
+void One_life::act(Step const& step) {
+    for (auto const begin = steady_clock::now();;) {
+        try {
+            step.action(machine_);
+            return;
+        } catch (std::exception const& error) {
+            machine_.update(k_poll);
+            auto const taken = steady_clock::now() - begin;
+            if (end() || (has_complained() && taken > k_patience_with_excuse)) {
+                return;
+            }
+            if (taken > k_patience) {
+                wrong(step.name + ": " + error.what());
+                return;
+            }
         }
     }
 }
@@ -140,6 +155,11 @@ std::set<std::string> One_life::complaints() const {
         }
     }
     return texts;
+}
+
+bool One_life::has_died() const {
+    return std::any_of(machine_.events().begin(), machine_.events().end(),
+                       [](Event const& event) { return event.kind == Kind::log && event.level == k_fatal; });
 }
 
 std::optional<int> One_life::end() const {
@@ -214,7 +234,7 @@ void One_life::judge_end(bool may_be_stopped, bool is_of_engine) {
         }
     } else if (status == k_by_signal + SIGTERM && may_be_stopped && !has_word) {
         verdict_.outcome = Outcome::stopped;
-    } else if (status == k_start_failed && !has_word && is_logged("AP_StateManger is aborted")) {
+    } else if (status == k_start_failed && !has_word && has_died()) {
         verdict_.outcome = Outcome::refused;
     } else if (status > k_by_signal && !has_word && is_of_engine) {
         verdict_.outcome = Outcome::ended_by_engine;

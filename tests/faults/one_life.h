@@ -48,10 +48,12 @@ class One_life {
 
  private:
     void take(Step const& step);
+    void act(Step const& step);
     void await(Step const& step, Expected const& expected);
     bool is_seen(Expected const& expected) const;
     bool is_logged(std::string const& text) const;
     bool has_complained() const;
+    bool has_died() const;  ///< and said why
     std::optional<int> end() const;
     void check_health();
     bool everybody_is_connected();

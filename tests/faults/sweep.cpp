@@ -162,7 +162,7 @@ void Sweep::add_trials(Life const& life, Site const& site, std::vector<std::pair
         for (auto const& error : errors_of(call, site.subject, site.is_nonblocking)) {
             trials.push_back({rank, {&life, {{site.call, site.id, position, Way::fails, error.number}}}});
         }
-        if (call.length_argument >= 0) {
+        if (call.length_argument >= 0 && site.subject != Subject::datagrams && site.subject != Subject::other) {
             trials.push_back({rank, {&life, {{site.call, site.id, position, Way::is_short, 0}}}});
         }
         trials.push_back({rank, {&life, {{site.call, site.id, position, Way::is_met_by_a_signal, SIGTERM}}}});

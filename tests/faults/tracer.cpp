@@ -27,6 +27,18 @@ void* as_data(long value) {
     return reinterpret_cast<void*>(static_cast<std::intptr_t>(value));
 }
 
+// What a call on it takes or gives at once is a part of a stream or a whole message.
+Subject socket_of(pid_t pid, long descriptor) {
+    int type = SOCK_STREAM;
+    socklen_t size = sizeof type;
+    auto const process = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
+    auto const socket = static_cast<int>(::syscall(SYS_pidfd_getfd, process, descriptor, 0));
+    ::getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &size);
+    ::close(socket);
+    ::close(process);
+    return type == SOCK_STREAM ? Subject::stream : Subject::datagrams;
+}
+
 Subject subject_of(pid_t pid, long descriptor) {
     std::error_code error;
     auto const link =
@@ -36,7 +48,7 @@ Subject subject_of(pid_t pid, long descriptor) {
         return Subject::none;
     }
     if (link.rfind("socket:", 0) == 0) {
-        return Subject::socket;
+        return socket_of(pid, descriptor);
     }
     if (link.rfind("pipe:", 0) == 0) {
         return Subject::pipe;
