@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 
 #include <cxxabi.h>
 #include <elfutils/libdwfl.h>
@@ -42,6 +43,10 @@ std::string readable(char const* symbol) {
     std::unique_ptr<char, void (*)(void*)> const name(abi::__cxa_demangle(symbol, nullptr, nullptr, &status),
                                                       &std::free);
     std::string text = status == 0 ? name.get() : symbol;
+    constexpr std::string_view unnamed = "(anonymous namespace)::";
+    for (auto place = text.find(unnamed); place != std::string::npos; place = text.find(unnamed)) {
+        text.erase(place, unnamed.size());
+    }
     return text.substr(0, text.find('('));
 }
 

@@ -1,5 +1,7 @@
 #include "calls.h"
 
+#include "allocation.h"
+
 #include <algorithm>
 #include <cerrno>
 
@@ -102,6 +104,7 @@ std::vector<Call> const& calls() {
         {SYS_clone, "clone", false, false, -1},
         {SYS_clock_nanosleep, "clock_nanosleep", false, false, -1},
         {SYS_getrandom, "getrandom", false, false, -1},
+        {k_allocation, "operator new", false, false, -1},
     };
     return all;
 }
@@ -142,7 +145,7 @@ std::vector<Error> errors_of(Call const& call, Subject subject, bool is_nonblock
         return {k_eintr};
     } else if (number == SYS_ioctl) {
         return {k_eintr, k_enomem, k_eio};
-    } else if (is_one_of(number, {SYS_fcntl, SYS_timerfd_settime, SYS_mmap, SYS_mprotect})) {
+    } else if (is_one_of(number, {SYS_fcntl, SYS_timerfd_settime, SYS_mmap, SYS_mprotect, k_allocation})) {
         return {k_enomem};
     } else if (is_one_of(number, {SYS_newfstatat, SYS_mkdir, SYS_unlink, SYS_chmod, SYS_readlink, SYS_access})) {
         return {k_eacces, k_enomem, k_eio};

@@ -5,8 +5,10 @@
 // in question and at no others, and the watcher looks at the thread's stack to tell whether it is the one. Exit status
 // 77, and the reason on standard error, where a process may not be watched.
 
+#include "allocation.h"
 #include "tracer.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -14,6 +16,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 
 #include <linux/audit.h>
 #include <linux/filter.h>
@@ -87,6 +90,10 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     auto const numbers = faults::watched_calls(faults::read_plan(argv[1]));
+    if (std::find(numbers.begin(), numbers.end(), faults::k_allocation) != numbers.end()) {
+        ::setenv("LD_PRELOAD",
+                 (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libfailing_new.so").c_str(), 1);
+    }
     if (!start_watcher(argv[1], argv[2]) || !install_filter(numbers)) {
         std::fprintf(stderr, "A process may not be watched here: %s\n", std::strerror(errno));
         return k_not_allowed;

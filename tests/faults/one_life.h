@@ -59,14 +59,16 @@ class One_life {
     bool everybody_is_connected();
     void await_end();
     void judge_words();
+    bool is_part_of_a_word(std::string const& text) const;
     void judge_end(bool may_be_stopped, bool is_of_engine);
     void wrong(std::string const& reason);
 
     bench::vehicle::Vehicle& machine_;
     Life const& life_;
     std::set<std::string> const& usual_;
-    std::size_t from_{0};  ///< first event of the step
-    bool is_over_{false};  ///< nothing more is to be awaited
+    std::size_t from_{0};                          ///< first event of the step
+    std::chrono::steady_clock::time_point begin_;  ///< of the step
+    bool is_over_{false};                          ///< nothing more is to be awaited
     Verdict verdict_;
 };
 

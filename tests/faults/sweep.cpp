@@ -1,5 +1,7 @@
 #include "sweep.h"
 
+#include "allocation.h"
+
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -52,12 +54,25 @@ bool is_of_engine(Site const& site) {
     return false;
 }
 
+bool has_frame(Site const& site, char const* text) {
+    return std::any_of(site.frames.begin(), site.frames.end(),
+                       [text](auto const& frame) { return frame.find(text) != std::string::npos; });
+}
+
+// Of the allocations only those of the notification server's thread and of the service handler: at the start and in the
+// states one that fails ends the daemon.
+bool is_tried(Site const& site) {
+    return site.call != k_allocation || has_frame(site, "Client_states_impl::thread_main") ||
+           has_frame(site, "Service_handler");
+}
+
 // The frames that tell where a call was made: not the C library's.
 std::string text_of(Site const& site) {
     std::string text;
     std::size_t shown = 0;
     for (auto const& frame : site.frames) {
-        if (!is_of(frame, "libc.so") && !is_of(frame, "libstdc++") && shown < k_shown_frames) {
+        if (!is_of(frame, "libc.so") && !is_of(frame, "libstdc++") && !is_of(frame, "libfailing_new") &&
+            shown < k_shown_frames) {
             text += (shown++ == 0 ? "" : " < ") + frame;
         }
     }
@@ -130,7 +145,9 @@ std::vector<Trial> Sweep::trials() {
     std::vector<std::pair<unsigned, Trial>> ranked;
     for (auto const& [life, sites] : surveys_) {
         for (auto const& site : sites) {
-            add_trials(*life, site, ranked);
+            if (is_tried(site)) {
+                add_trials(*life, site, ranked);
+            }
         }
     }
     std::sort(ranked.begin(), ranked.end(), [](auto const& one, auto const& other) {
@@ -165,7 +182,9 @@ void Sweep::add_trials(Life const& life, Site const& site, std::vector<std::pair
         if (call.length_argument >= 0 && site.subject != Subject::datagrams && site.subject != Subject::other) {
             trials.push_back({rank, {&life, {{site.call, site.id, position, Way::is_short, 0}}}});
         }
-        trials.push_back({rank, {&life, {{site.call, site.id, position, Way::is_met_by_a_signal, SIGTERM}}}});
+        if (site.call != k_allocation) {
+            trials.push_back({rank, {&life, {{site.call, site.id, position, Way::is_met_by_a_signal, SIGTERM}}}});
+        }
         ++rank;
     }
 }
