@@ -20,19 +20,6 @@ class Nodes_test : public Network_fixture {
     Player second{words(12, {11})};
 };
 
-TEST_F(Nodes_test, Rest_is_told_twice) {
-    first.command({{"do", "request"}, {"bits", "01"}});
-    await_state(first, "normal operation");
-    first.command({{"do", "release"}, {"bits", "01"}});
-    await_state(first, "bus sleep");
-    first.command({{"do", "list"}});  // behind everything that belongs to the sleep
-    auto const& messages = first.log().messages();
-    auto const is_rest = [](nlohmann::json const& message) {
-        return has_members(message, {{"event", "network_state"}, {"bits", "00 00 00 00 00 00"}});
-    };
-    EXPECT_EQ(std::count_if(messages.begin(), messages.end(), is_rest), 2);
-}
-
 TEST_F(Nodes_test, The_other_node_keeps_the_bus_awake_until_it_falls_silent) {
     second.command({{"do", "request"}, {"bits", "80"}});
     first.await_event("network_state", {{"bits", "80 00 00 00 00 00"}});

@@ -5,21 +5,8 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class Commands : public Story {};
-
-TEST_F(Commands, Lead_through_a_suspend_and_back) {
-    start_and_run();
-    machine->press("p");
-    ASSERT_TRUE(sees(Kind::state_word, "prepared4sd"));
-    machine->press("r");
-    ASSERT_TRUE(machine->await(Kind::machine_state, "Running", machine->events().size() - 1) ||
-                sees(Kind::state_word, "resuming"));
-    ASSERT_TRUE(logs("AP_StateManger transition from Resuming  to  Running"));
-    EXPECT_THAT(texts(Kind::state_word),
-                ElementsAre("startingup", "running", "preparing", "prepared4sd", "resuming", "running"));
-}
 
 TEST_F(Commands, Of_network_management_wait_and_block_the_others_where_it_is_not_used) {
     start_and_run();

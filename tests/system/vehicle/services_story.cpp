@@ -53,37 +53,6 @@ TEST_F(Services, Never_give_the_bits_of_the_default_pattern_back) {
     EXPECT_EQ(requests_of_node(), "01 00 00 00 00 00");
 }
 
-TEST_F(Services, Wake_the_car_up_by_the_user_data) {
-    start_and_run();
-    request("1", car_wake_up(16));
-    EXPECT_TRUE(sees(Kind::user_data, "c0 00 80"));
-    EXPECT_TRUE(logs("CWU bit set by appId:  1"));
-    release("1", k_car_wake_up);
-    EXPECT_TRUE(logs("CWU bit cleared by appId:  1"));
-    EXPECT_THAT(texts(Kind::user_data), ElementsAre("80 00 00", "c0 00 80", "80 00 00"));
-}
-
-TEST_F(Services, Send_the_CAB_bits_where_they_are_enabled) {
-    settings()["NmUserDataConfig"]["CabBitsEnabled"] = true;
-    start_and_run();
-    request("1", com_alive("02 80 04", 1));
-    EXPECT_TRUE(sees(Kind::user_data, "80 01 00 02 80 04"));
-}
-
-TEST_F(Services, Restart_the_machine_and_the_coprocessor_for_diagnostics) {
-    start_and_run();
-    restart(1);
-    EXPECT_TRUE(sees(Kind::restart_word, "restartao"));
-    restart(5);
-    EXPECT_TRUE(sees(Kind::restart_word, "restartm3"));
-    for (int const type : {0, 2, 3, 4, 6, 255}) {
-        restart(type);
-    }
-    EXPECT_TRUE(logs("DSA received unknown RestartType !"));
-    EXPECT_TRUE(logs("Received unused RequestDiagnosticRestart = 4 (no action)"));
-    EXPECT_THAT(texts(Kind::restart_word), ElementsAre("restartao", "restartm3"));
-}
-
 TEST_F(Services_without_network_management, Are_but_one) {
     Story::start_and_run();
     restart(5);

@@ -4,27 +4,10 @@ namespace bench::vehicle {
 namespace {
 
 using testing::Contains;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
 class Start : public Story {};
-
-TEST_F(Start, Reports_starting_up_and_running_to_everybody) {
-    start_and_run();
-    EXPECT_TRUE(sees(Kind::notification, "READY"));
-    EXPECT_TRUE(sees(Kind::machine_state, "Running"));
-    EXPECT_TRUE(logs("AP_StateManger daemon started"));
-    EXPECT_TRUE(logs("AP_StateManger transition from Starting up  to  Running"));
-    EXPECT_THAT(texts(Kind::state_word), ElementsAre("startingup", "running"));
-}
-
-TEST_F(Start, Waits_for_network_management_when_it_is_used) {
-    settings()["StateManagerNMUsage"] = true;
-    start();
-    EXPECT_TRUE(logs("Transition form startup to running not possible. Waiting for nm interface."));
-    EXPECT_THAT(texts(Kind::state_word), ElementsAre("startingup"));
-}
 
 TEST_F(Start, Reports_alive_in_every_cycle) {
     settings()["StateManagerMainPeriod"] = 10;

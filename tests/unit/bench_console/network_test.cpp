@@ -139,14 +139,6 @@ TEST_F(Network, Keys_let_the_others_need_it_and_silence_them) {
     EXPECT_THAT(row(12), HasSubstr(L"others need it, but are silent"));
 }
 
-TEST_F(Network, Tells_whoever_presses_keys_that_a_neighbour_refused) {
-    machine.refusal = "application 1 refused";
-    EXPECT_THROW(press('e'), std::runtime_error);
-    machine.refusal.clear();
-    EXPECT_TRUE(press('e'));
-    EXPECT_FALSE(press('z'));
-}
-
 TEST_F(Network, Need_of_the_others_is_not_assumed_when_they_refuse) {
     machine.refusal = "no";
     EXPECT_THROW(press('b'), std::runtime_error);

@@ -136,19 +136,6 @@ TEST(Screen, Shows_what_a_client_owes_and_how_long_it_has_left) {
     EXPECT_THAT(drawn_with(client), HasSubstr(L"asked for kPrepSD\n"));
 }
 
-TEST(Screen, Marks_the_client_that_keys_are_for) {
-    Machine_view view;
-    view.select_next_client();
-    auto other = radio();
-    other.name = "tv";
-    view.take_clients({radio(), other}, 0);
-    EXPECT_THAT(drawn(view), HasSubstr(L"> radio"));
-    view.select_next_client();
-    EXPECT_THAT(drawn(view), HasSubstr(L"> tv"));
-    view.select_next_client();
-    EXPECT_THAT(drawn(view), HasSubstr(L"> radio"));
-}
-
 TEST(Screen, Leaves_room_for_the_log_below_four_clients_in_the_smallest_terminal) {
     Machine_view view;
     view.take_clients({radio(), radio(), radio(), radio()}, 0);
@@ -160,18 +147,6 @@ TEST(Screen, Shows_control_characters_as_question_marks) {
     Machine_view view;
     view.take({1, Kind::log, "bell \a and \xff", 4, "DFLT"});
     EXPECT_THAT(drawn(view), HasSubstr(L"bell ? and ?"));
-}
-
-TEST(Machine_view, Stays_bounded) {
-    Machine_view view;
-    for (int number = 0; number < 5000; ++number) {
-        view.take({number, Kind::log, "text", 6, "DFLT"});
-        view.take({number, Kind::key, "r"});
-        view.take({number, Kind::state_word, "running"});
-    }
-    EXPECT_EQ(view.log().size(), Machine_view::k_log_lines);
-    EXPECT_EQ(view.keys().size(), Machine_view::k_recent);
-    EXPECT_EQ(view.words().size(), Machine_view::k_recent);
 }
 
 TEST(Machine_view, Keeps_what_matters_however_many_details_follow) {

@@ -28,16 +28,6 @@ TEST_F(Nm_node_test, A_message_that_is_late_is_sent_once) {
     EXPECT_EQ(*sut.next_deadline(), now + std::chrono::milliseconds(100));
 }
 
-TEST_F(Nm_node_test, Its_messages_carry_its_number_requests_and_user_data) {
-    sut.set_user_data({0x80, 0x40});
-    sut.request({0, 1}, now);
-    auto const& message = environment.sent.back();
-    EXPECT_EQ(message.node, k_id);
-    EXPECT_TRUE(message.has(Control_bit::partial_network));
-    EXPECT_THAT(message.requests, ElementsAre(0, 1));
-    EXPECT_THAT(message.user_data, ElementsAre(0x80, 0x40));
-}
-
 TEST_F(Nm_node_test, The_active_wakeup_bit_tells_who_woke_the_network_until_it_sleeps_again) {
     sut.request({1}, now);
     EXPECT_TRUE(environment.sent.back().has(Control_bit::active_wakeup));
@@ -48,26 +38,6 @@ TEST_F(Nm_node_test, The_active_wakeup_bit_tells_who_woke_the_network_until_it_s
     ASSERT_EQ(sut.state(), Nm_state::prepare_bus_sleep);
     hear({0, 0});
     EXPECT_FALSE(environment.sent.back().has(Control_bit::active_wakeup));
-}
-
-TEST_F(Nm_node_test, A_request_in_an_awake_network_is_no_wakeup) {
-    hear({0, 0});
-    sut.request({1}, now);
-    pass(100);
-    EXPECT_FALSE(environment.sent.back().has(Control_bit::active_wakeup));
-}
-
-TEST_F(Nm_node_test, Requests_add_up_and_releases_take_away) {
-    sut.request({0x03, 0}, now);
-    sut.request({0x04, 0x10}, now);
-    EXPECT_THAT(sut.requests(), ElementsAre(0x07, 0x10));
-    sut.release({0xff}, now);
-    EXPECT_THAT(sut.requests(), ElementsAre(0x00, 0x10));
-    EXPECT_TRUE(sut.state() == Nm_state::repeat_message);
-    pass(300);
-    EXPECT_EQ(sut.state(), Nm_state::normal_operation);
-    sut.release({0, 0x10}, now);
-    EXPECT_EQ(sut.state(), Nm_state::ready_sleep);
 }
 
 TEST_F(Nm_node_test, Bits_behind_the_networks_length_are_left_out) {
@@ -107,17 +77,6 @@ TEST_F(Nm_node_test, A_wish_to_repeat_is_sent_while_the_node_shows_itself) {
     ASSERT_EQ(sut.state(), Nm_state::normal_operation);
     pass(100);
     EXPECT_FALSE(environment.sent.back().has(Control_bit::repeat_message));
-}
-
-TEST_F(Nm_node_test, A_silent_node_sends_nothing_until_it_speaks_again) {
-    sut.set_silent(true);
-    sut.request({1}, now);
-    pass(1'000);
-    EXPECT_THAT(environment.sent, IsEmpty());
-    EXPECT_EQ(sut.state(), Nm_state::normal_operation);
-    sut.set_silent(false);
-    pass(100);
-    EXPECT_EQ(environment.sent.size(), 1U);
 }
 
 TEST_F(Nm_node_test, Time_that_nobody_told_is_made_up_for_in_order) {

@@ -8,21 +8,6 @@ using testing::IsEmpty;
 
 class Nm_peers_test : public Nm_fixture {};
 
-TEST_F(Nm_peers_test, A_request_of_another_node_is_part_of_the_network_state) {
-    sut.request({0x01}, now);
-    take_doings();
-    hear({0x10, 0x01});
-    EXPECT_THAT(sut.network_state(), ElementsAre(0x11, 0x01));
-    EXPECT_THAT(take_doings(), ElementsAre("[11 01]"));
-    EXPECT_THAT(sut.requests(), ElementsAre(0x01, 0x00));
-}
-
-TEST_F(Nm_peers_test, Another_nodes_requests_keep_the_bus_awake_while_it_repeats_them) {
-    hear_during(2'000, {0, 1});
-    EXPECT_EQ(sut.state(), Nm_state::ready_sleep);
-    EXPECT_THAT(sut.network_state(), ElementsAre(0, 1));
-}
-
 TEST_F(Nm_peers_test, Requests_that_are_not_repeated_are_forgotten_and_the_bus_goes_to_sleep) {
     hear_during(1'000, {0, 1});
     take_doings();
@@ -51,12 +36,6 @@ TEST_F(Nm_peers_test, A_node_that_asks_for_less_is_believed_at_once) {
     EXPECT_THAT(sut.network_state(), ElementsAre(1, 0));
 }
 
-TEST_F(Nm_peers_test, A_message_without_requests_asks_for_nothing) {
-    hear({1});
-    hear({}, 0);
-    EXPECT_THAT(sut.network_state(), ElementsAre(0, 0));
-}
-
 TEST_F(Nm_peers_test, Nothing_is_requested_by_others_once_the_bus_prepares_for_sleep) {
     Nm_node slow{k_id,
                  2,
@@ -75,15 +54,6 @@ TEST_F(Nm_peers_test, Its_own_messages_coming_back_are_ignored) {
     hear({1}, Control_bit::partial_network, k_id);
     EXPECT_EQ(sut.state(), Nm_state::bus_sleep);
     EXPECT_THAT(sut.peers(), IsEmpty());
-}
-
-TEST_F(Nm_peers_test, Others_are_remembered_with_their_user_data_and_control_bits) {
-    hear({0, 1}, Control_bit::partial_network | Control_bit::active_wakeup);
-    auto const& peer = sut.peers().at(k_other);
-    EXPECT_THAT(peer.user_data, ElementsAre(0xaa));
-    EXPECT_THAT(peer.requests, ElementsAre(0, 1));
-    EXPECT_EQ(peer.control, 0x50);
-    EXPECT_EQ(peer.heard, now);
 }
 
 }  // namespace

@@ -27,13 +27,6 @@ TEST_F(Services_test, Zeros_behind_the_last_bit_are_no_request) {
     EXPECT_EQ(requests(), "01 00 00 00");
 }
 
-TEST_F(Services_test, The_field_is_rest_at_first) {
-    EXPECT_THAT(network_state.NetworkState.Get().get(), ElementsAre(0, 0, 0, 0));
-    network_state.NetworkState.Subscribe(1);
-    ASSERT_TRUE(network_state.NetworkState.Update());
-    EXPECT_THAT(*network_state.NetworkState.GetCachedSamples().front(), ElementsAre(0, 0, 0, 0));
-}
-
 TEST_F(Services_test, The_field_tells_rest_twice) {
     network_state.RequestNetwork({1}).get();
     network_state.NetworkState.Subscribe(8);
@@ -46,12 +39,6 @@ TEST_F(Services_test, The_field_tells_rest_twice) {
     ASSERT_THAT(samples, SizeIs(2));
     EXPECT_THAT(*samples[0], ElementsAre(0, 0, 0, 0));
     EXPECT_THAT(*samples[1], ElementsAre(0, 0, 0, 0));
-}
-
-TEST_F(Services_test, User_data_that_does_not_fit_into_a_message_is_refused) {
-    user_data.SetUserData(Bits(k_most_user_data, 1)).get();
-    EXPECT_THROW(user_data.SetUserData(Bits(k_most_user_data + 1, 2)).get(), tarq::com::Remote_exception);
-    EXPECT_THAT(user_data.GetUserData().get().data, testing::Each(1));
 }
 
 TEST_F(Services_test, New_user_data_is_told_and_repeated_one_is_not) {

@@ -37,17 +37,6 @@ TEST(Picture, Is_a_complete_document_of_an_empty_timeline) {
     EXPECT_THAT(picture, Not(HasSubstr("nan")));
 }
 
-TEST(Picture, Draws_a_state_until_the_next_begins) {
-    auto const picture = draw({{0, Kind::state_word, "startingup"},
-                               {k_second, Kind::state_word, "running"},
-                               {3 * k_second, Kind::ended, "0"}});
-    auto const begins = numbers(picture, k_bar);
-    auto const widths = numbers(picture, k_bar_width);
-    ASSERT_EQ(begins.size(), 2U);
-    EXPECT_NEAR(begins[0] + widths[0], begins[1], 0.5);
-    EXPECT_GT(widths[1], widths[0]) << "the longer state is the wider one";
-}
-
 TEST(Picture, Ends_the_last_state_with_the_daemon) {
     auto const picture = draw(
         {{0, Kind::state_word, "shuttingdown"}, {k_second, Kind::ended, "0"}, {2 * k_second, Kind::key, "too late"}});
