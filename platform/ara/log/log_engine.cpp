@@ -142,6 +142,16 @@ void Log_engine::stop_writer() {
     Exit_patience patience;
     while (!drain() && patience.waits_for(queue_.size())) {
     }
+    give_up_the_rest();
+}
+
+void Log_engine::give_up_the_rest() {
+    base::Lock_guard const lock(consumer_);
+    while (queue_.pop(*message_)) {
+        for (auto const& sink : sinks_) {
+            sink->miss(*message_);
+        }
+    }
 }
 
 void Log_engine::wake_writer() noexcept {

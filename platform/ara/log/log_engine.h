@@ -27,6 +27,9 @@ class Log_sink {
     /// Whether a message can be written now. While no sink has room, messages stay in the queue.
     virtual bool has_room() { return true; }
 
+    /// Handed what no sink has had room for when the process ends.
+    virtual void miss(Queued_message const& /*message*/) {}
+
     /// Called each time before the queue is looked into: what the sink has to do besides.
     virtual void tend() {}
 
@@ -71,6 +74,7 @@ class Log_engine {
 
     class Writer;
     void deliver(Queued_message const& message) REQUIRES(consumer_);
+    void give_up_the_rest();
     void report_drops() REQUIRES(consumer_);
     bool has_room() REQUIRES(consumer_);
     void decide_about_waiting() REQUIRES(consumer_);

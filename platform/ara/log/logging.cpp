@@ -15,6 +15,9 @@ void add_sinks(Log_engine& engine, std::string const& application_id, std::strin
                LogMode mode, std::string const& directory) {
     if (has_mode(mode, LogMode::kRemote)) {
         engine.add_sink(make_dlt_sink(application_id, description), level);
+        if (!has_mode(mode, LogMode::kConsole)) {
+            engine.add_sink(make_fatal_sink(application_id), level);
+        }
         std::atexit(end_dlt);  // after libdlt registered its own handler, so that it runs before that one
     }
     if (has_mode(mode, LogMode::kConsole)) {

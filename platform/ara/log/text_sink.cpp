@@ -7,6 +7,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <utility>
+
+#include <poll.h>
+#include <unistd.h>
 
 namespace ara::log {
 
@@ -31,6 +35,32 @@ class Console_sink : public Log_sink {
  public:
     void add_context(Log_context& /*context*/) override {}
     void write(Queued_message const& message) override { std::cerr << line(message); }
+};
+
+class Fatal_sink : public Log_sink {
+ public:
+    explicit Fatal_sink(std::string application_id) : application_id_(std::move(application_id)) {}
+
+    void add_context(Log_context& /*context*/) override {}
+    void write(Queued_message const& message) override {
+        if (message.header.level == LogLevel::kFatal) {
+            auto const text = to_text(decode_arguments(message.arguments.data(), message.header.size));
+            write_at_once(application_id_ + ": " + text + '\n');
+        }
+    }
+    bool has_room() override { return false; }  // the log's own place decides when a message goes
+    void miss(Queued_message const& message) override { write(message); }
+
+ private:
+    // A line is shorter than what a pipe takes in one piece, so that one that is ready does not block.
+    static void write_at_once(std::string const& line) {
+        pollfd error_output{STDERR_FILENO, POLLOUT, 0};
+        if (::poll(&error_output, 1, 0) == 1 && (error_output.revents & POLLOUT) != 0) {
+            [[maybe_unused]] auto const written = ::write(STDERR_FILENO, line.data(), line.size());
+        }
+    }
+
+    std::string application_id_;
 };
 
 class File_sink : public Log_sink {
@@ -63,6 +93,10 @@ class File_sink : public Log_sink {
 
 std::unique_ptr<Log_sink> make_console_sink() {
     return std::make_unique<Console_sink>();
+}
+
+std::unique_ptr<Log_sink> make_fatal_sink(std::string application_id) {
+    return std::make_unique<Fatal_sink>(std::move(application_id));
 }
 
 std::unique_ptr<Log_sink> make_file_sink(std::string const& directory, std::string const& application_id) {

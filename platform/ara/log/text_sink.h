@@ -8,6 +8,10 @@
 
 namespace ara::log {
 
+/// Writes fatal messages, and no others, as lines on standard error, "STMG: Configuration is ill formatted, ...", so
+/// that whoever started the process has the reason of its end without a log. A reader that does not read misses them.
+std::unique_ptr<Log_sink> make_fatal_sink(std::string application_id);
+
 /// Writes messages as lines of text: seconds since boot, level, context, arguments.
 std::unique_ptr<Log_sink> make_console_sink();
 

@@ -47,10 +47,15 @@ TEST_F(Start, Ends_with_status_255_without_a_configuration) {
     EXPECT_THAT(texts(Kind::notification), IsEmpty());
 }
 
-TEST_F(Start, Ends_with_status_255_with_a_malformed_configuration) {
+TEST_F(Start, Ends_with_status_255_with_a_malformed_configuration_and_tells_the_reason_without_a_log) {
     options.configuration = "{ \"ap_statemanager\": ";
+    options.daemon_starter = {"sh", "-c", "exec \"$0\" 2>/tmp/told"};
     start();
     EXPECT_TRUE(ends_with(255));
+    std::ifstream file("/tmp/told");
+    std::string const told{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_THAT(told, testing::MatchesRegex("STMG: Failed to parse configuration:  .*parse error.*\n"
+                                            "STMG: Configuration is ill formatted, AP_StateManger is aborted.\n"));
     EXPECT_EQ(level_of("Configuration is ill formatted, AP_StateManger is aborted."), 1);
     EXPECT_THAT(texts(Kind::log), Not(Contains("AP_StateManger daemon shutting down")));
 }

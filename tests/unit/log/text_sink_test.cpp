@@ -4,11 +4,14 @@
 #include "support/temporary_directory.h"
 
 #include <algorithm>
+#include <array>
 #include <iostream>
 #include <sstream>
 #include <string>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 namespace ara::log {
 namespace {
@@ -53,6 +56,32 @@ TEST_F(Text_sink, Begins_a_file_anew_that_has_grown_to_16_MiB_and_keeps_the_old_
     sut->write(message(LogLevel::kError, "first of the new"));
     EXPECT_THAT(directory.read("PROG.log.1"), testing::EndsWith("x123.4567 fatal   DFLT last of the old 7\n"));
     EXPECT_EQ(directory.read("PROG.log"), "123.4567 error   DFLT first of the new 7\n");
+}
+
+TEST_F(Text_sink, For_fatal_messages_tells_them_on_standard_error_and_no_others) {
+    auto const sut = make_fatal_sink("PROG");
+    testing::internal::CaptureStderr();
+    sut->write(message(LogLevel::kError, "an error"));
+    sut->write(message(LogLevel::kFatal, "the end"));
+    sut->miss(message(LogLevel::kFatal, "what the log had no room for"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "PROG: the end 7\nPROG: what the log had no room for 7\n");
+    EXPECT_FALSE(sut->has_room());
+}
+
+TEST_F(Text_sink, For_fatal_messages_waits_for_nobody_who_does_not_read) {
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe2(pipe.data(), O_NONBLOCK), 0);
+    std::string const filling(4096, 'x');
+    while (::write(pipe[1], filling.data(), filling.size()) > 0) {
+    }
+    ASSERT_EQ(::fcntl(pipe[1], F_SETFL, 0), 0);  // from here on a write waits
+    int const standard_error = ::dup(STDERR_FILENO);
+    ::dup2(pipe[1], STDERR_FILENO);
+    make_fatal_sink("PROG")->write(message(LogLevel::kFatal, "the end"));
+    ::dup2(standard_error, STDERR_FILENO);
+    for (int const descriptor : {pipe[0], pipe[1], standard_error}) {
+        ::close(descriptor);
+    }
 }
 
 TEST_F(Text_sink, Is_none_where_no_file_can_be_made) {
