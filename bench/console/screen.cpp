@@ -187,7 +187,9 @@ void draw(Canvas& canvas, Machine_view const& machine, int level, Network_hand c
     auto const last = canvas.rows() - 1;
     constexpr char const* k_keys = "r run  n net  s net+suspend  p suspend  o power  1-6 log  d panel  x stop q quit";
     auto const& trouble = machine.trouble();
-    canvas.put(last, 0, trouble.empty() ? k_keys : trouble, trouble.empty() ? Style::title : Style::bad);
+    constexpr char const* k_keys_after_end = "x start it again  1-6 log  d panel  q quit";
+    auto const keys = machine.exit_status() ? k_keys_after_end : k_keys;
+    canvas.put(last, 0, trouble.empty() ? keys : trouble, trouble.empty() ? Style::title : Style::bad);
 }
 
 }  // namespace bench::console

@@ -74,6 +74,13 @@ TEST(Screen, Lights_no_state_of_a_daemon_that_has_ended) {
     EXPECT_THAT(all_text(canvas), HasSubstr(L"ended, status 0"));
 }
 
+TEST(Screen, Says_which_key_starts_a_machine_that_has_ended) {
+    Machine_view view;
+    view.take({1, Kind::ended, "0"});
+    EXPECT_THAT(drawn(view), AllOf(HasSubstr(L"x start it again"), Not(HasSubstr(L"p suspend"))));
+    EXPECT_THAT(drawn(Machine_view()), HasSubstr(L"p suspend"));
+}
+
 TEST(Screen, Shows_the_log_up_to_its_level) {
     Machine_view view;
     view.take({1, Kind::log, "an error", 2, "DFLT"});
