@@ -90,14 +90,6 @@ TEST_F(Driver, Opens_the_input_devices_of_the_machine) {
     EXPECT_THAT(input->directories, ElementsAre("/dev/input"));
 }
 
-TEST_F(Driver, Does_not_start_without_input) {
-    input->usable = false;
-    EXPECT_FALSE(sut.init());
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "AP_StateManger failed to initialize VirtIO")));
-    EXPECT_THAT(services->actions, IsEmpty());
-    EXPECT_EQ(written(), "");
-}
-
 TEST_F(Driver, Starts_the_services_and_enters_starting_up) {
     ASSERT_TRUE(sut.init());
     EXPECT_THAT(services->actions, ElementsAre("init"));
@@ -122,26 +114,6 @@ TEST_F(Driver, Starts_also_when_the_services_do_not) {
     EXPECT_EQ(written(), "startingup");
 }
 
-TEST_F(Driver, Refuses_a_cycle_before_it_is_initialised) {
-    sut.run_cyclic_task();
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "Starting AP_StateManager run_cyclic_task"),
-                                            logged(LogLevel::kError, "AP_StateManger not initialized")));
-    EXPECT_EQ(beats, 0);
-    EXPECT_THAT(input->timeouts, IsEmpty());
-}
-
-TEST_F(Driver, Reports_alive_before_it_waits_one_period_for_a_command) {
-    start();
-    int beats_before_waiting = 0;
-    input->while_waiting = [&] { beats_before_waiting = beats; };
-    sut.run_cyclic_task();
-    EXPECT_EQ(beats_before_waiting, 1);
-    configuration.set_main_function_period(50);
-    sut.run_cyclic_task();
-    EXPECT_THAT(input->timeouts, ElementsAre(250U, 50U));
-    EXPECT_THAT(log.messages().front(), logged(LogLevel::kVerbose, "Starting AP_StateManager run_cyclic_task"));
-}
-
 TEST_F(Driver, Names_both_states_of_a_transition) {
     services->nm_found = true;
     start();
@@ -151,25 +123,6 @@ TEST_F(Driver, Names_both_states_of_a_transition) {
                             logged(LogLevel::kInfo, "Entering running state")));
     EXPECT_EQ(written(), "startinguprunning");
     EXPECT_THAT(em->actions, ElementsAre("request_running"));
-}
-
-TEST_F(Driver, Offers_a_command_again_until_a_state_acts_on_it) {
-    start();
-    press(Virtio_command::prepare_sd);
-    sut.run_cyclic_task();
-    sut.run_cyclic_task();
-    EXPECT_EQ(input->consumed, 0);
-    EXPECT_THAT(input->queue, ElementsAre(Virtio_command::prepare_sd));
-}
-
-TEST_F(Driver, Removes_the_waiting_command_also_when_a_condition_caused_the_transition) {
-    services->nm_found = true;
-    start();
-    press(Virtio_command::shutdown);
-    sut.run_cyclic_task();
-    EXPECT_EQ(input->consumed, 1);
-    EXPECT_THAT(input->queue, IsEmpty()) << "starting up ignores commands, yet its transition takes the command along";
-    EXPECT_EQ(written(), "startinguprunning");
 }
 
 TEST_F(Driver, Removes_the_command_when_the_new_state_has_been_entered) {
@@ -214,6 +167,36 @@ TEST_F(Driver, Leads_from_NM_controlled_for_a_suspend_over_post_run_to_preparing
     EXPECT_EQ(written(), "startinguprunningrunnmcontrolledpostrunpreparing");
     EXPECT_FALSE(State_interface::get_prepare_SD_flag());
 }
+
+// From running through a suspend and a resume to running again; the clients answer once a cycle.
+class Stopped_in_the_middle : public Driver, public testing::WithParamInterface<int> {};
+
+TEST_P(Stopped_in_the_middle, The_driver_ends_after_that_cycle) {
+    start_and_run();
+    std::size_t answered = 0;
+    auto const cycles_before = beats;
+    press(Virtio_command::prepare_sd);
+    input->while_waiting = [&] {
+        if (clients->requests.size() > answered) {
+            clients->requests[answered++].completed(client_state_notifier::Callback_status::succeeded, {});
+        }
+        if (files.read("status") == "startinguprunningpreparingprepared4sd" && input->queue.empty()) {
+            press(Virtio_command::run);
+        }
+        if (beats - cycles_before == GetParam()) {
+            sut.shutdown();
+        }
+    };
+    sut.run();
+    EXPECT_EQ(beats - cycles_before, GetParam());
+    EXPECT_EQ(services->actions.back(), "deinit");
+    EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kInfo, "Shutting down AP_StateManger")));
+    if (GetParam() == 11) {
+        EXPECT_EQ(written(), "startinguprunningpreparingprepared4sdresumingrunning") << "all steps are among them";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cycles, Stopped_in_the_middle, testing::Range(1, 12));
 
 TEST_F(Driver, Goes_through_a_suspend_and_back) {
     start_and_run();
@@ -265,24 +248,6 @@ TEST_F(Driver, Reports_before_it_says_that_it_runs_and_after_the_services_are_wi
     EXPECT_EQ(texts[texts.size() - 3], "deinit");
     EXPECT_EQ(texts[texts.size() - 2], "AP_StateManger reporting kTerminating to EM");
     EXPECT_THAT(texts.back(), StartsWith("Application state not reported: "));
-}
-
-TEST_F(Driver, Ends_after_the_cycle_in_which_it_is_asked_to) {
-    start();
-    input->while_waiting = [&] { sut.shutdown(); };
-    sut.run();
-    EXPECT_EQ(beats, 1);
-    EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kInfo, "Shutting down AP_StateManger")));
-    EXPECT_THAT(log.messages(), Not(Contains(logged(LogLevel::kError, "AP_StateManger not initialized"))));
-}
-
-TEST_F(Driver, Loses_a_request_to_stop_that_comes_before_it_is_initialised) {
-    sut.shutdown();
-    services->listener = [this](std::string const& /*action*/) { sut.shutdown(); };
-    start();
-    services->listener = [](std::string const& /*action*/) {};
-    sut.run_cyclic_task();
-    EXPECT_EQ(beats, 1);
 }
 
 TEST_F(Driver, Runs_without_any_collaborator) {

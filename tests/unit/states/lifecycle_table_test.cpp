@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <ostream>
+#include <utility>
 #include <vector>
 
 namespace ximo::ap::statemanager::states {
@@ -13,22 +14,44 @@ using virtio::Virtio_command;
 
 class Lifecycle_table : public State_test {};
 
-/// A network that falls asleep between two questions of the same cycle.
-class Network_falling_asleep : public test_support::Fake_service_handler {
+/// Answers that differ from question to question of the same cycle; the last one of each stays.
+class Changing_network : public test_support::Fake_service_handler {
  public:
-    explicit Network_falling_asleep(int questions_awake) : awake_(questions_awake) {}
-    bool ecu_in_sleep_mode() const override { return awake_-- <= 0; }
+    Changing_network(std::vector<bool> sleeps, std::vector<bool> keeps)
+        : sleeps_(std::move(sleeps)), keeps_(std::move(keeps)) {}
+    bool ecu_in_sleep_mode() const override { return next(sleeps_); }
+    bool apps_keep_ecu_alive() const override { return next(keeps_); }
 
  private:
-    mutable int awake_;
+    static bool next(std::vector<bool>& answers) {
+        bool const answer = answers.front();
+        if (answers.size() > 1) {
+            answers.erase(answers.begin());
+        }
+        return answer;
+    }
+
+    mutable std::vector<bool> sleeps_;
+    mutable std::vector<bool> keeps_;
 };
 
-TEST_F(Lifecycle_table, Of_NM_controlled_asks_anew_at_each_row) {
-    Nm_controlled_state shutting_down(std::make_shared<Network_falling_asleep>(1), shared_memory);
-    EXPECT_EQ(shutting_down.check_transition(Virtio_command::none), k_shutting_down);
-    State_interface::set_prepare_SD_flag(true);
-    Nm_controlled_state preparing(std::make_shared<Network_falling_asleep>(2), shared_memory);
-    EXPECT_EQ(preparing.check_transition(Virtio_command::none), k_preparing);
+TEST_F(Lifecycle_table, Of_NM_controlled_asks_both_conditions_anew_at_each_row) {
+    struct Change {
+        std::vector<bool> sleeps;
+        std::vector<bool> keeps;
+        bool prepare_sd;
+        unsigned target;
+    };
+    for (auto const& change :
+         {Change{{false, true}, {false}, false, k_shutting_down},
+          Change{{false, false, true}, {false}, true, k_preparing}, Change{{true, false}, {false}, false, k_stay},
+          Change{{true}, {false, true}, false, k_stay}, Change{{true}, {false, false, true}, true, k_stay},
+          Change{{true}, {false, true, false}, true, k_preparing}}) {
+        State_interface::set_prepare_SD_flag(change.prepare_sd);
+        Nm_controlled_state sut(std::make_shared<Changing_network>(change.sleeps, change.keeps), shared_memory);
+        EXPECT_EQ(sut.check_transition(Virtio_command::none), change.target)
+            << testing::PrintToString(change.sleeps) << testing::PrintToString(change.keeps);
+    }
 }
 
 }  // namespace ximo::ap::statemanager::states
