@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -23,8 +24,9 @@ using testing::Not;
 
 constexpr char const* k_told = "/tmp/told";
 
-/// Only a hypervisor and a file for what the daemon tells its platform.
+/// Only a hypervisor and a file, empty yet, for what the daemon tells its platform.
 Options surroundings(bool uses_network) {
+    std::filesystem::remove(k_told);
     std::ifstream file(VEHICLE_PROJECT "/deploy/config/ap_statemanager.json");
     auto configuration = nlohmann::json::parse(file);
     configuration["ap_statemanager"]["StateManagerNMUsage"] = uses_network;
@@ -35,7 +37,7 @@ Options surroundings(bool uses_network) {
     options.with_service_manager = false;
     options.with_power_off_service = false;
     options.clients = {};
-    options.daemon_starter = {"sh", "-c", std::string("exec " DAEMON " 2>") + k_told};
+    options.daemon_starter = {"sh", "-c", std::string("exec env LD_PRELOAD=" TOLD_SIGNALS " " DAEMON " 2>") + k_told};
     return options;
 }
 
@@ -121,6 +123,55 @@ TEST(On_a_second_platform, A_network_manager_that_nobody_offers_is_waited_for) {
                       "log warn DFLT Could not find NetworkState service", "exec MachineState Running"}),
                 ElementsAre("com find tarq::udpnm::interface::NetworkStateInterface",
                             "log warn DFLT Could not find NetworkState service"));
+}
+
+/// The lines that tell of something made, the runtime's end and the end of main, in order.
+std::vector<std::string> told_of_making() {
+    std::vector<std::string> lines;
+    std::ifstream file(k_told);
+    for (std::string line; std::getline(file, line);) {
+        for (auto const* const beginning :
+             {"com start", "com end", "com skeleton", "log init", "exec client", "phm ap_statemanager", "signal ",
+              "log info DFLT Configuration for", "log info DFLT AP_StateManger daemon shutting down"}) {
+            if (line.rfind(beginning, 0) == 0 && line != "phm ap_statemanager 1") {
+                lines.push_back(line.substr(0, line.find(" hostname")));
+            }
+        }
+    }
+    return lines;
+}
+
+std::string skeleton(std::string const& interface, std::string const& instance) {
+    return "com skeleton ximo::ap::statemanager::" + interface + " " + instance;
+}
+
+TEST(On_a_second_platform, The_daemon_makes_everything_in_its_order_whatever_its_arguments) {
+    auto options = surroundings(true);
+    auto configuration = nlohmann::json::parse(options.configuration);
+    auto& settings = configuration["ap_statemanager"];
+    settings["MaxNumberOfApplicationsRequestAlive"] = settings["MaxNumberOfApplicationsRequestNetwork"] =
+        settings["MaxNumberOfCWURequest"] = 2;
+    settings["ApplicationsRequestAliveConfig"] = {{{"EcuAliveInterfaceInstance", "door"}}};
+    settings["ApplicationsRequestNetworkConfig"] = {{{"NetworkAliveInterfaceInstance", "radio"}},
+                                                    {{"NetworkAliveInterfaceInstance", "phone"}}};
+    settings["CWURequestConfig"] = {{{"CWUInterfaceInstance", "alarm"}}, {{"CWUInterfaceInstance", "radio"}}};
+    options.configuration = configuration.dump();
+    options.daemon_starter.back().insert(options.daemon_starter.back().find(" 2>"), " --help -v /nowhere");
+    Vehicle machine(options);
+    machine.start_daemon();
+    ASSERT_TRUE(is_told("exec running", 1));
+    machine.signal_daemon(SIGTERM);
+    EXPECT_EQ(machine.await_end(), 0);
+
+    EXPECT_THAT(
+        told_of_making(),
+        ElementsAre("com start ''", "log init STMG, ORVAX State Manager, 6, 1, ''", "log info DFLT Configuration for",
+                    "signal 6", "signal 2", "signal 15", skeleton("StateManagementComAliveInterface", "radio"),
+                    skeleton("StateManagementComAliveInterface", "phone"),
+                    skeleton("StateManagementCWUInterface", "alarm"), skeleton("StateManagementCWUInterface", "radio"),
+                    skeleton("DSAInterface", "DSA_Interface"), skeleton("StateManagementAliveInterface", "door"),
+                    "exec client", "phm ap_statemanager", "log info DFLT AP_StateManger daemon shutting down",
+                    "com end"));
 }
 
 }  // namespace

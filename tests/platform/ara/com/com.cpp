@@ -69,6 +69,7 @@ Skeleton::Skeleton(char const* interface, InstanceIdentifier const& instance, Me
     if (mode != MethodCallProcessingMode::kEvent) {
         throw tarq::com::Invalid_argument_exception("Not a supported processing mode: only kEvent is");
     }
+    told::tell({"com", "skeleton " + interface_ + ' ' + instance_});
 }
 
 void Skeleton::OfferService() {

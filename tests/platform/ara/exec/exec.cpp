@@ -8,6 +8,10 @@ void ApplicationClient::ReportApplicationState(ApplicationState state) {
     told::tell({"exec", state == ApplicationState::kRunning ? "running" : "terminating"});
 }
 
+StateClient::StateClient() {
+    told::tell({"exec", "client"});
+}
+
 State_client_result StateClient::SetState(std::string const& function_group, std::string const& state) {
     told::tell({"exec", function_group + ' ' + state});
     states_[function_group] = state;

@@ -13,6 +13,7 @@ enum class State_client_result : std::int32_t { kSuccess = 0, kUnknownState = 1,
 /// Tells "GROUP STATE"; each state is reached at once.
 class StateClient {
  public:
+    StateClient();
     State_client_result SetState(std::string const& function_group, std::string const& state);
     State_client_result GetState(std::string const& function_group, std::string& state,
                                  Function_group_state_transition& transition);

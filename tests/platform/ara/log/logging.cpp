@@ -52,8 +52,12 @@ void LogStream::add(std::string_view text) noexcept {
     length_ += count;
 }
 
-void InitLogging(std::string const& /*application_id*/, std::string const& /*description*/, LogLevel /*level*/,
-                 LogMode /*mode*/, std::string const& /*directory*/) {}
+void InitLogging(std::string const& application_id, std::string const& description, LogLevel level, LogMode mode,
+                 std::string const& directory) {
+    told::tell({"log", "init " + application_id + ", " + description + ", " +
+                           std::to_string(static_cast<unsigned>(level)) + ", " +
+                           std::to_string(static_cast<unsigned>(mode)) + ", '" + directory + "'"});
+}
 
 Logger& CreateLogger(std::string const& context_id, std::string const& /*description*/, LogLevel level) {
     static auto& loggers = *new Loggers;

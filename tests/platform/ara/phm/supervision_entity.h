@@ -16,7 +16,7 @@ class SupervisionEntityInterface {
 /// Tells "IDENTITY CHECKPOINT".
 class SupervisionEntity : public SupervisionEntityInterface {
  public:
-    explicit SupervisionEntity(Phm_client const& client) : instance_id_(client.instance_id()) {}
+    explicit SupervisionEntity(Phm_client const& client);
     void ReportCheckpoint(std::uint32_t checkpoint, std::uint32_t instance) override;
 
  private:
