@@ -45,6 +45,10 @@ void Fake_binding::fail_offers(std::string const& interface_name, std::exception
     }
 }
 
+void Fake_binding::fail_stops(std::exception_ptr cause) {
+    engine_->failing_stops = std::move(cause);
+}
+
 void Fake_binding::on_call(std::function<void(std::string const&, std::string const&)> observer) {
     engine_->observer = std::move(observer);
 }

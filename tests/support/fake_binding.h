@@ -41,6 +41,9 @@ class Fake_binding {
     /// Each `OfferService` of the interface throws this from now on; null ends it.
     void fail_offers(std::string const& interface_name, std::exception_ptr cause);
 
+    /// Each stop of a lookup throws this from now on; null ends it.
+    void fail_stops(std::exception_ptr cause);
+
     /// Calls this on the caller's thread before each call reaches a handler or fails.
     void on_call(std::function<void(std::string const& interface_name, std::string const& instance)> observer);
 

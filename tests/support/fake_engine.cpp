@@ -98,6 +98,9 @@ class Fake_connection : public ara::com::Connection {
 }  // namespace
 
 void Fake_lookup::stop() {
+    if (engine_.failing_stops) {
+        std::rethrow_exception(engine_.failing_stops);
+    }
     if (std::exchange(stopped_, true)) {
         return;
     }

@@ -72,6 +72,7 @@ class Fake_binding::Engine : public ara::com::Binding {
     std::vector<std::shared_ptr<Fake_lookup>> lookups;
     std::map<std::string, std::deque<std::exception_ptr>> failing_calls;
     std::map<std::string, std::exception_ptr> failing_offers;
+    std::exception_ptr failing_stops;
     std::map<Key, std::vector<Handler>> subscribers;
     std::map<Key, std::pair<std::vector<std::uint8_t>, Set_time>> newest_values;
     std::function<void(std::string const&, std::string const&)> observer;

@@ -13,7 +13,7 @@
 namespace test_support {
 
 /// Network management that is found and reports when a test says so, and notes in order what it is asked for:
-/// "search", "request 00 01 ", "release ", "user data 80 00 ".
+/// "callback", "search", "request 00 01 ", "release ", "user data 80 00 ".
 class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abstract {
  public:
     /// `actions` outlives this object.
@@ -45,6 +45,7 @@ class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abst
         on_services_found_ = on_services_found;
     }
     void set_network_state_updated_func(std::function<void(std::vector<std::uint8_t> const&)> const& func) override {
+        note("callback");
         network_state_updated_ = func;
     }
 

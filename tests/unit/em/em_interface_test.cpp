@@ -3,6 +3,7 @@
 #include "support/log_capture.h"
 #include "support/virtual_slot.h"
 
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -32,9 +33,12 @@ class Em_with_answers : public Em_interface {
     State_client_result result{State_client_result::kSuccess};
     bool unreachable{false};
     bool defective{false};
+    test_support::Log_capture log;
+    std::vector<test_support::Log_message> logged_before;  ///< at the last request
 
     State_client_result StateClient_SetState(std::string const& function_group, std::string const& wanted) override {
         requests.push_back(function_group + ":" + wanted);
+        logged_before = log.messages();
         fail_when_told();
         return result;
     }
@@ -69,42 +73,52 @@ class Em_adapter : public testing::Test {
     }
 
     Em_with_answers sut;
-    test_support::Log_capture log;
+    test_support::Log_capture& log = sut.log;
 };
 
-TEST_F(Em_adapter, Asks_for_the_machine_state_shutdown) {
-    sut.request_shutdown();
-    EXPECT_THAT(sut.requests, ElementsAre("MachineState:Shutdown"));
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Setting EM machine state to shutdown")));
+struct Request {
+    void (Em_interface::*make)();
+    char const* state;
+    char const* text;
+    char const* failure;
+};
+
+void PrintTo(Request const& request, std::ostream* out) {
+    *out << request.state;
 }
 
-TEST_F(Em_adapter, Asks_for_the_machine_state_running) {
-    sut.request_running();
-    EXPECT_THAT(sut.requests, ElementsAre("MachineState:Running"));
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Setting EM machine state to running")));
+class Em_request : public Em_adapter, public testing::WithParamInterface<Request> {
+ protected:
+    void make() { (sut.*GetParam().make)(); }
+    std::vector<std::string> const wanted{std::string("MachineState:") + GetParam().state};
+    test_support::Log_message const told = logged(LogLevel::kInfo, GetParam().text);
+};
+
+TEST_P(Em_request, Is_told_and_then_made_and_its_result_is_ignored) {
+    for (auto const result : {State_client_result::kSuccess, State_client_result::kRefused}) {
+        sut.result = result;
+        log.clear();
+        sut.requests.clear();
+        make();
+        EXPECT_EQ(sut.requests, wanted);
+        EXPECT_THAT(sut.logged_before, ElementsAre(told));
+        EXPECT_THAT(log.messages(), ElementsAre(told));
+    }
 }
 
-TEST_F(Em_adapter, Ignores_a_refused_request) {
-    sut.result = State_client_result::kRefused;
-    sut.request_running();
-    EXPECT_EQ(log.messages().size(), 1U);
-}
-
-TEST_F(Em_adapter, Logs_that_execution_management_could_not_be_asked_to_shut_down) {
+TEST_P(Em_request, That_can_not_be_made_is_an_error) {
     sut.unreachable = true;
-    sut.request_shutdown();
-    EXPECT_THAT(log.messages(LogLevel::kError),
-                ElementsAre(logged(LogLevel::kError,
-                                   "StateClient::SetState(MachineState, Shutdown) exception: ", "nobody there")));
+    make();
+    EXPECT_EQ(sut.requests, wanted);
+    EXPECT_THAT(log.messages(), ElementsAre(told, logged(LogLevel::kError, GetParam().failure, "nobody there")));
 }
 
-TEST_F(Em_adapter, Logs_that_execution_management_could_not_be_asked_to_run) {
-    sut.unreachable = true;
-    sut.request_running();
-    EXPECT_THAT(log.messages(LogLevel::kError),
-                ElementsAre(logged(LogLevel::kError,
-                                   "StateClient::SetState(MachineState, Running) exception: ", "nobody there")));
-}
+INSTANTIATE_TEST_SUITE_P(
+    States, Em_request,
+    testing::Values(Request{&Em_interface::request_shutdown, "Shutdown", "Setting EM machine state to shutdown",
+                            "StateClient::SetState(MachineState, Shutdown) exception: "},
+                    Request{&Em_interface::request_running, "Running", "Setting EM machine state to running",
+                            "StateClient::SetState(MachineState, Running) exception: "}));
 
 TEST_F(Em_adapter, Passes_other_exceptions_on) {
     sut.defective = true;

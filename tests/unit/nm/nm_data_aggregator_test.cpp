@@ -47,6 +47,21 @@ TEST_F(Aggregator, Changes_nothing_when_there_are_fewer_bytes_than_to_be_copied)
         ElementsAre(applying(2, 1), logged(LogLevel::kError, "Invalid bitvector size, below configured size: ", 3U)));
 }
 
+TEST_F(Aggregator, Takes_a_release_by_somebody_who_never_asked_as_one_of_nothing) {
+    sut.request_cab_bits("app", {0x01});
+    log.clear();
+    sut.release_cab_bits("stranger", {0x01});
+    EXPECT_THAT(log.messages(), ElementsAre(applying(4, 3), releasing_ac_bit("stranger"), applying(4, 1)));
+    log.clear();
+    sut.release_cwu("another");
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "CWU bit cleared by appId: ", "another"),
+                                            releasing_ac_bit("another"), applying(4, 1)));
+    log.clear();
+    sut.release_ac_bit("third");
+    EXPECT_THAT(log.messages(), ElementsAre(releasing_ac_bit("third"), applying(4, 1)));
+    EXPECT_THAT(sut.get_user_data(), ElementsAre(0x80, 0, 0, 0x01, 0, 0));
+}
+
 using Bits = std::set<unsigned>;
 
 Bit_vector bytes(Bits const& bits, std::size_t size) {

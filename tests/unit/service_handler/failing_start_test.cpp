@@ -33,18 +33,25 @@ TEST_F(Failing_start, Takes_a_layout_whose_sums_wrap_around) {
     EXPECT_THAT(actions, Contains("request 01 00 00 00 "));
 }
 
-TEST_F(Failing_start, Goes_on_without_an_offer_that_fails) {
-    binding.fail_offers(k_com_alive,
-                        std::make_exception_ptr(tarq::com::Infrastructure_exception("no memory for topics")));
+// The failures show when each offer was tried.
+TEST_F(Failing_start, Goes_on_without_an_offer_that_fails_and_names_each_group_before_it_is_offered) {
+    for (auto const& interface : {k_alive, k_com_alive, k_cwu}) {
+        binding.fail_offers(interface, std::make_exception_ptr(tarq::com::Infrastructure_exception(interface)));
+    }
     build().init();
     forget();
 
     network->be_found();
 
-    EXPECT_THAT(log.messages(LogLevel::kError),
-                ElementsAre(logged(LogLevel::kError, "infrastructure exception ", "no memory for topics"),
-                            logged(LogLevel::kError, "infrastructure exception ", "no memory for topics")));
-    EXPECT_TRUE(binding.is_offered(k_cwu, "alarm"));
+    auto messages = log.at_least(LogLevel::kInfo);
+    messages.erase(messages.begin(), messages.begin() + 2);  // of the user data
+    auto const failed = [](std::string const& what) {
+        return logged(LogLevel::kError, "infrastructure exception ", what);
+    };
+    EXPECT_THAT(messages, ElementsAre(logged(LogLevel::kInfo, "Offering ECU alive services"), failed(k_alive),
+                                      failed(k_alive), logged(LogLevel::kInfo, "Offering COM alive services"),
+                                      failed(k_com_alive), failed(k_com_alive),
+                                      logged(LogLevel::kInfo, "Offering CWU services"), failed(k_cwu), failed(k_cwu)));
     EXPECT_TRUE(sut->nm_interface_available());
 }
 
@@ -56,7 +63,7 @@ TEST_F(Failing_start, Says_when_the_restart_service_can_not_be_offered) {
 
     EXPECT_THAT(log.messages(LogLevel::kError),
                 ElementsAre(logged(LogLevel::kError, "infrastructure exception ", "no engine")));
-    EXPECT_THAT(actions, ElementsAre("search"));
+    EXPECT_THAT(actions, ElementsAre("callback", "search"));
 }
 
 TEST_F(Failing_start, Says_when_network_management_can_not_be_looked_for) {

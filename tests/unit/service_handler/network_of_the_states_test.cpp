@@ -5,26 +5,28 @@ namespace {
 
 class Network_of_the_states : public Service_handler_test {};
 
-TEST_F(Network_of_the_states, Is_requested_and_released_with_the_default_pattern) {
-    build_and_find();
+TEST_F(Network_of_the_states, Is_requested_and_released_with_the_whole_default_pattern_also_during_standby) {
+    for (auto const& pattern : {Bit_vector{}, Bit_vector{0x01, 0x02, 0x03}, Bit_vector{0x01, 0x00, 0x00, 0x00},
+                                Bit_vector{0x01, 0x02, 0x03, 0x04, 0x05, 0x06}}) {
+        configuration.set_nm_request_pattern(pattern);
+        build_and_find();
+        auto const request = "request " + bitvector2str(pattern);
+        auto const release = "release " + bitvector2str(pattern);
 
-    sut->request_network();
-    sut->release_network();
-
-    EXPECT_THAT(actions, ElementsAre("request 01 00 00 00 ", "release 01 00 00 00 "));
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Requesting network with default NM pattern"),
-                                            logged(LogLevel::kInfo, "Releasing network with default NM pattern")));
-}
-
-TEST_F(Network_of_the_states, Is_requested_and_released_during_standby_all_the_same) {
-    build_and_find();
-    sut->standby();
-    forget();
-
-    sut->request_network();
-    sut->release_network();
-
-    EXPECT_THAT(actions, ElementsAre("request 01 00 00 00 ", "release 01 00 00 00 "));
+        sut->request_network();
+        sut->release_network();
+        EXPECT_THAT(actions, ElementsAre(request, release));
+        EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Requesting network with default NM pattern"),
+                                                logged(LogLevel::kInfo, "Releasing network with default NM pattern")));
+        sut->standby();
+        EXPECT_EQ(actions.back(), release);
+        forget();
+        sut->request_network();
+        sut->release_network();
+        sut->end_standby();
+        EXPECT_THAT(std::vector<std::string>(actions.begin(), actions.begin() + 3),
+                    ElementsAre(request, release, request));
+    }
 }
 
 TEST_F(Network_of_the_states, Sleeps_with_the_second_report_of_rest) {

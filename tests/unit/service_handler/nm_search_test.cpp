@@ -136,6 +136,32 @@ TEST_F(Nm_search, Announces_once_however_often_a_service_is_reported) {
     EXPECT_THAT(binding.recorded("connect " + k_user_data), testing::SizeIs(2));
 }
 
+TEST_F(Nm_search, Lets_go_of_the_proxy_of_before_when_a_service_is_reported_again) {
+    for (auto const& [first, last] :
+         {std::pair(k_network_state, k_user_data), std::pair(k_user_data, k_network_state)}) {
+        sut = std::make_unique<Nm_interface>();
+        network_state.StopOfferService();
+        user_data.StopOfferService();
+        binding.clear_record();
+        sut->start_find_services([this, name = last] {
+            if (++announced == 1) {  // the lookup that announces is still running
+                binding.report(name, {ara::com::ServiceHandle(name, ara::com::InstanceIdentifier("other"), "")});
+            }
+        });
+        announced = 0;
+        if (first == k_network_state) {
+            network_state.OfferService();
+            user_data.OfferService();
+        } else {
+            user_data.OfferService();
+            network_state.OfferService();
+        }
+        EXPECT_THAT(binding.recorded("connect"), ElementsAre("connect " + first + " node", "connect " + last + " node",
+                                                             "connect " + last + " other"));
+        EXPECT_THAT(binding.recorded("disconnect"), ElementsAre("disconnect " + last + " node"));
+    }
+}
+
 TEST_F(Nm_search, Announces_again_when_it_could_not_be_heard) {
     network_state.OfferService();
     sut->start_find_services([this] {
@@ -226,6 +252,16 @@ TEST_F(Nm_search, Ends_with_the_callback_then_the_user_data_then_the_network_sta
     EXPECT_THAT(gone_before, IsEmpty());
     EXPECT_THAT(binding.recorded("disconnect"),
                 ElementsAre("disconnect " + k_user_data + " node", "disconnect " + k_network_state + " node"));
+}
+
+// Without the others' log, which has a thread.
+TEST(Nm_search_DeathTest, Ends_the_process_when_it_can_not_be_stopped) {
+    test_support::Fake_binding binding;
+    auto sut = std::make_unique<Nm_interface>();
+    sut->start_find_services([] {});
+    binding.fail_stops(std::make_exception_ptr(tarq::com::Infrastructure_exception("no engine")));
+    EXPECT_DEATH(sut.reset(), "no engine");
+    binding.fail_stops(nullptr);
 }
 
 TEST_F(Nm_search, Ends_the_subscription_with_the_client) {

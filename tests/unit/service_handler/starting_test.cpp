@@ -3,6 +3,8 @@
 #include "service_handler_fixture.h"
 #include "watching_cwu.h"
 
+#include <ostream>
+#include <string_view>
 #include <type_traits>
 
 namespace ximo::ap::statemanager {
@@ -32,7 +34,7 @@ TEST_F(Starting, Offers_the_restart_service_and_looks_for_network_management) {
     EXPECT_TRUE(sut->init());
 
     EXPECT_THAT(binding.recorded("offer"), ElementsAre("offer " + k_dsa + " DSA_Interface"));
-    EXPECT_THAT(actions, ElementsAre("search"));
+    EXPECT_THAT(actions, ElementsAre("callback", "search"));
     EXPECT_THAT(log.messages(),
                 ElementsAre(logged(LogLevel::kInfo, "NM usage is enabled"),
                             logged(LogLevel::kInfo, "The following NM request pattern is used: ", "01 00 00 00 "),
@@ -44,6 +46,7 @@ TEST_F(Starting, Offers_the_restart_service_and_looks_for_network_management) {
 TEST_F(Starting, Sends_the_initial_user_data_then_offers_the_services_when_network_management_is_found) {
     build().init();
     forget();
+    network->meanwhile = [this] { EXPECT_THAT(binding.record(), IsEmpty()) << "while the network is asked"; };
 
     network->be_found();
 
@@ -76,33 +79,57 @@ TEST_F(Starting, Is_available_only_when_everything_is_offered) {
     EXPECT_TRUE(handler.nm_interface_available());
 }
 
-TEST_F(Starting, Sends_the_CAB_area_only_when_its_bits_are_enabled) {
+struct Area {
+    std::uint32_t offset;
+    std::uint32_t bytes;
+};
+
+/// What is sent of user data with these areas, the CAB bits enabled or not.
+struct Sent {
+    char const* name;
+    std::uint32_t user_data_bytes;
+    Area ac;
+    Area cab;
+    bool cab_enabled;
+    char const* bytes;
+
+    friend std::ostream& operator<<(std::ostream& out, Sent const& sent) { return out << sent.name; }
+};
+
+class User_data_at_the_start : public Service_handler_test, public testing::WithParamInterface<Sent> {};
+
+TEST_P(User_data_at_the_start, Has_the_configured_length_less_that_of_a_CAB_area_that_is_not_enabled) {
+    auto const& sent = GetParam();
     config::Nm_user_data_config layout;
-    layout.cab_bits_enabled = true;
-    ASSERT_TRUE(configuration.set_nm_user_data_config(layout));
-    build().init();
-
-    network->be_found();
-
-    EXPECT_THAT(actions, Contains("user data 80 00 00 00 00 00 "));
-}
-
-TEST_F(Starting, Sends_no_user_data_when_the_CAB_area_is_all_there_is) {
-    config::Nm_user_data_config layout;
-    layout.ac_offset = 0;
-    layout.ac_bytes = 0;
-    layout.cab_offset = 0;
-    layout.user_data_bytes = 3;
+    layout.user_data_bytes = sent.user_data_bytes;
+    layout.ac_offset = sent.ac.offset;
+    layout.ac_bytes = sent.ac.bytes;
+    layout.cab_offset = sent.cab.offset;
+    layout.cab_bytes = sent.cab.bytes;
+    layout.cab_bits_enabled = sent.cab_enabled;
     ASSERT_TRUE(configuration.set_nm_user_data_config(layout));
     build().init();
     forget();
 
     network->be_found();
 
-    EXPECT_THAT(actions, ElementsAre("release ff ff ff 01 "));
-    EXPECT_THAT(log.messages(),
-                Contains(logged(LogLevel::kInfo, "State_manager::set_user_data: no change to user data")));
+    if (std::string_view(sent.bytes).empty()) {
+        EXPECT_THAT(actions, ElementsAre("release ff ff ff 01 "));
+        EXPECT_THAT(log.messages(),
+                    Contains(logged(LogLevel::kInfo, "State_manager::set_user_data: no change to user data")));
+    } else {
+        EXPECT_THAT(actions, ElementsAre(std::string("user data ") + sent.bytes, "release ff ff ff 01 "));
+    }
 }
+
+INSTANTIATE_TEST_SUITE_P(Layouts, User_data_at_the_start,
+                         testing::Values(Sent{"usual", 6, {1, 2}, {3, 3}, false, "80 00 00 "},
+                                         Sent{"enabled", 6, {1, 2}, {3, 3}, true, "80 00 00 00 00 00 "},
+                                         Sent{"in_the_middle", 8, {1, 2}, {3, 3}, false, "80 00 00 00 00 "},
+                                         Sent{"a_byte_behind_CAB", 8, {1, 2}, {3, 4}, false, "80 00 00 00 "},
+                                         Sent{"a_byte_between", 8, {1, 2}, {4, 4}, false, "80 00 00 00 "},
+                                         Sent{"CAB_alone", 3, {0, 0}, {0, 3}, false, ""}),
+                         [](auto const& test) { return std::string(test.param.name); });
 
 TEST_F(Starting, Offers_groups_without_instances_as_nothing) {
     config::State_manager_config const nobody;

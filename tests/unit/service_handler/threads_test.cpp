@@ -3,6 +3,8 @@
 #include "service_handler_fixture.h"
 
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <thread>
 
 namespace ximo::ap::statemanager {
@@ -40,7 +42,9 @@ TEST_F(Threads, Let_no_query_wait_for_a_slow_network_manager) {
     std::atomic<bool> asked{false};
     std::atomic<bool> answered{false};
     network->meanwhile = [&] {
-        asked = true;
+        if (asked.exchange(true)) {
+            return;
+        }
         while (!answered) {
             std::this_thread::yield();
         }
@@ -50,7 +54,12 @@ TEST_F(Threads, Let_no_query_wait_for_a_slow_network_manager) {
         std::this_thread::yield();
     }
 
-    // The application holds the mutex until all of these have answered.
+    // The application holds the mutex until all of these have answered, and the states have been served.
+    auto served = std::async(std::launch::async, [this] {
+        sut->request_network();
+        sut->release_network();
+    });
+    EXPECT_EQ(served.wait_for(std::chrono::seconds(10)), std::future_status::ready);
     EXPECT_TRUE(sut->nm_interface_available());
     EXPECT_TRUE(sut->apps_keep_com_alive());
     EXPECT_FALSE(sut->apps_keep_ecu_alive());

@@ -61,11 +61,24 @@ TEST_F(Ecu_alive_interface_test, Answers_without_anybody_to_tell) {
     EXPECT_FALSE(sut.app_keeps_ecu_alive());
 }
 
-TEST_F(Ecu_alive_interface_test, Answers_with_futures_that_are_ready) {
-    Ecu_alive_interface sut("door", nullptr);
+TEST_F(Ecu_alive_interface_test, Answers_each_call_with_its_own_promise) {
+    struct : Ecu_alive_interface {
+        using Ecu_alive_interface::Ecu_alive_interface;
+        ximo::com::Future<void> promise_request_alive() override {
+            answered.emplace_back("request");
+            return Ecu_alive_interface::promise_request_alive();
+        }
+        ximo::com::Future<void> promise_release_alive() override {
+            answered.emplace_back("release");
+            return Ecu_alive_interface::promise_release_alive();
+        }
+        std::vector<std::string> answered;
+    } sut("door", nullptr);
 
-    EXPECT_TRUE(succeeded(sut.promise_request_alive()));
-    EXPECT_TRUE(succeeded(sut.promise_release_alive()));
+    EXPECT_TRUE(succeeded(sut.RequestAlive()));
+    EXPECT_TRUE(succeeded(sut.ReleaseAlive()));
+
+    EXPECT_THAT(sut.answered, ElementsAre("request", "release"));
 }
 
 TEST_F(Ecu_alive_interface_test, Passes_what_the_callback_throws_on) {

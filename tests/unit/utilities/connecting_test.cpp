@@ -95,7 +95,9 @@ TEST_F(Connecting, Waits_100_ms_before_the_next_try) {
         GTEST_SKIP() << "this system does not tell which call a thread is in";
     }
     EXPECT_GE(steady_clock::now() - start, milliseconds(100));
+    EXPECT_LT(steady_clock::now() - start, milliseconds(5000));
 }
+static_assert(Socket::k_connect_retry == milliseconds(100));
 
 TEST_F(Connecting, Any_other_failure_is_a_system_error) {
     Socket const datagram(AF_UNIX, SOCK_DGRAM, 0);

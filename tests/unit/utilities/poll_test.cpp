@@ -98,39 +98,43 @@ bool await(Condition const& condition) {
     return true;
 }
 
-TEST_F(Polling, Without_limit_it_waits_for_what_comes_late_and_through_signals) {
+class Interrupted_polling : public Polling, public testing::WithParamInterface<long> {};
+
+TEST_P(Interrupted_polling, Waits_on_for_what_comes_late) {
     struct sigaction interrupting {};
     interrupting.sa_handler = [](int) { ++interruptions; };  // without SA_RESTART
     struct sigaction before {};
     ::sigaction(SIGUSR1, &interrupting, &before);
     interruptions = 0;
     std::atomic<pid_t> thread{0};
-    std::atomic<bool> ready{false};
-    std::atomic<bool> failed{false};
+    std::atomic<bool> ended{false};
+    std::string outcome;
 
     std::thread waiter([&] {
         auto set = create_pollfd(POLLIN, sut);
         thread = ::gettid();
         try {
-            ready = poll(set, -1);
-        } catch (std::system_error const&) {
-            failed = true;
+            outcome = poll(set, GetParam()) ? "ready" : "time over";
+        } catch (std::system_error const& error) {
+            outcome = error.what();
         }
+        ended = true;
     });
     EXPECT_TRUE(await([&] { return thread != 0; }));
-    for (int sent = 1; sent <= 10 && !failed; ++sent) {
-        EXPECT_TRUE(await([&] { return failed || sleeps(thread); }));
+    for (int sent = 1; sent <= 10 && !ended; ++sent) {
+        EXPECT_TRUE(await([&] { return ended || sleeps(thread); }));
         ::pthread_kill(waiter.native_handle(), SIGUSR1);
         EXPECT_TRUE(await([&] { return interruptions == sent; }));
     }
-    EXPECT_FALSE(ready);
+    EXPECT_FALSE(ended);
     peer.sendl("x", 1, 0);
     waiter.join();
 
-    EXPECT_TRUE(ready);
-    EXPECT_FALSE(failed);
+    EXPECT_EQ(outcome, "ready");
     ::sigaction(SIGUSR1, &before, nullptr);
 }
+
+INSTANTIATE_TEST_SUITE_P(Times, Interrupted_polling, testing::Values(-1, 3'600'000));
 
 /// At most so many descriptors for this process, as long as it lives.
 class Descriptor_limit {
