@@ -3,7 +3,6 @@
 #include "support/log_tap.h"
 
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -82,13 +81,6 @@ TEST(Log_call, Carries_the_time_at_which_it_was_made) {
     auto const after = now();
     ara::log::Log_engine::instance().drain();
     EXPECT_THAT(times, ElementsAre(testing::AllOf(testing::Ge(before), testing::Le(after))));
-}
-
-TEST(Log_call, Leaves_errno_alone) {
-    test_support::Log_capture log;
-    errno = ENOTTY;
-    ara::log::LogError() << "something";
-    EXPECT_EQ(errno, ENOTTY);
 }
 
 TEST(Log_call, Loses_nothing_between_threads) {

@@ -5,10 +5,25 @@
 #include "ara/log/logging.h"
 #include "keeping_sink.h"
 
+#include <atomic>
+#include <cerrno>
+#include <future>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+// Wakes as the C library does, and leaves another errno behind.
+static std::atomic<int> wakes{0};
+extern "C" int eventfd_write(int descriptor, eventfd_t value) {
+    ++wakes;
+    auto const written = ::write(descriptor, &value, sizeof value);
+    errno = EAGAIN;
+    return written == sizeof value ? 0 : -1;
+}
 
 namespace ara::log {
 namespace {
@@ -65,6 +80,55 @@ TEST(The_end_of_a_process, Waits_a_moment_for_somebody_who_takes_nothing) {
 TEST(The_end_of_a_process, Waits_for_somebody_who_takes_a_little_each_time_but_not_for_ever) {
     EXPECT_LT(waited(10, 1), Exit_patience::k_without_progress);
     EXPECT_GE(waited(1'000'000, 1), Exit_patience::k_longest);
+}
+
+/// Holds the writer in its first message until it is told to go on.
+class Gate : public Log_sink {
+ public:
+    explicit Gate(std::atomic<std::size_t>& written) : written_(written) {}
+    void add_context(Log_context& /*context*/) override {}
+    void write(Queued_message const& /*message*/) override {
+        if (written_++ == 0) {
+            opened.get_future().wait();
+        }
+    }
+    static inline std::promise<void> opened;
+
+ private:
+    std::atomic<std::size_t>& written_;
+};
+
+TEST(Writer, Is_woken_by_what_is_severe_and_by_a_queue_that_is_more_than_half_full_and_errno_is_kept) {
+    static std::atomic<std::size_t> written{0};
+    auto& engine = Log_engine::instance();
+    Narrow_sink::room = 100'000;
+    engine.drain();
+    engine.add_sink(std::make_unique<Gate>(written), LogLevel::kVerbose);
+    engine.start_writer();
+    wakes = 0;
+
+    errno = ENOTTY;
+    LogError() << "severe";
+    EXPECT_EQ(errno, ENOTTY);
+    EXPECT_EQ(wakes, 1);
+    while (written == 0) {
+        std::this_thread::yield();
+    }
+    for (std::size_t number = 1; number <= Message_queue::k_slots / 2; ++number) {
+        LogInfo() << number;
+    }
+    EXPECT_EQ(wakes, 1);
+    LogInfo() << "half full";
+    EXPECT_EQ(wakes, 2);
+    LogInfo() << "woken already";
+    EXPECT_EQ(wakes, 2);
+    EXPECT_EQ(errno, ENOTTY);
+
+    Gate::opened.set_value();
+    while (written < Message_queue::k_slots / 2 + 3) {
+        std::this_thread::yield();
+    }
+    engine.stop_writer();
 }
 
 }  // namespace

@@ -99,7 +99,7 @@ TEST_F(Dsa_interface_test, Logs_a_restart_before_it_asks_for_it) {
 
 // While one is inside, another one calls, and has every opportunity to log or to come in.
 TEST_F(Dsa_interface_test, Logs_and_asks_for_one_restart_after_the_other) {
-    for (std::uint8_t const first : {1, 5}) {
+    for (std::uint8_t const first : {std::uint8_t{1}, std::uint8_t{5}}) {
         auto const second = static_cast<std::uint8_t>(6 - first);
         build();
         requests.clear();
