@@ -80,6 +80,7 @@ TEST_F(Bus_test, An_inactive_unit_of_no_loaded_group_is_not_told_until_it_is_loa
     sut.command({{"do", "set_unit"}, {"unit", "Other-Running.target"}, {"active", "inactive"}});
     EXPECT_EQ(client.call("GetUnit", {"Other-Running.target"}), k_no_such_unit);
     EXPECT_THAT(client.list("", "Other-*"), IsEmpty());
+    EXPECT_THAT(client.list("", k_running), ElementsAre(k_running)) << "inactive as well, but of a loaded group";
     std::string const path = "/org/freedesktop/systemd1/unit/Other_2dRunning_2etarget";
     EXPECT_EQ(client.call("LoadUnit", {"Other-Running.target"}), path);
     EXPECT_THAT(client.list("", "Other-*"), ElementsAre("Other-Running.target"));

@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <map>
+#include <ostream>
+#include <string>
 
 namespace bench::network {
 namespace {
@@ -10,6 +12,10 @@ struct Step {
     Nm_state from;
     char const* event;
     Nm_state to;
+
+    friend std::ostream& operator<<(std::ostream& out, Step const& step) {
+        return out << name(step.from) << ", " << step.event;
+    }
 };
 
 /// The table of the states' page, and what changes nothing.
@@ -67,7 +73,7 @@ class Nm_states_test : public Nm_fixture, public testing::WithParamInterface<Ste
 TEST_P(Nm_states_test, Follow_each_other_as_the_table_says) {
     be_in(GetParam().from);
     happens(GetParam().event);
-    EXPECT_STREQ(name(sut.state()), name(GetParam().to)) << name(GetParam().from) << ", " << GetParam().event;
+    EXPECT_STREQ(name(sut.state()), name(GetParam().to));
 }
 
 constexpr auto k_bus_sleep = Nm_state::bus_sleep;
