@@ -1,5 +1,6 @@
 #include "client_state_notifier/client_connections.h"
 
+#include "status/server_status.h"
 #include "utilities/logger.h"
 
 #include <algorithm>
@@ -57,6 +58,7 @@ void Client_connections::process_introduction(Introduced_client client) {
     }
     int const connection = client.socket.get_fd();
     clients_.add(std::move(client.socket), client.name, std::move(client.inbox));
+    status::client_connected(connection, client.name);
     poll_set_.forget_clients();
     auto const current_state = clients_.current_state();
     if (client.state != current_state) {
@@ -98,8 +100,10 @@ void Client_connections::process_messages(int connection, std::vector<Answer_in_
     try {
         while (auto const answer = clients_.take_answer(connection)) {
             if (answer->is_in_turn) {
+                status::client_answered(connection, answer->state, static_cast<std::uint8_t>(answer->status));
                 answers.push_back({connection, answer->status});
             } else {
+                status::client_out_of_turn(clients_.name_of(connection));
                 report(clients_.name_of(connection), Client_status::answered_out_of_turn, answer->state);
             }
         }
@@ -120,6 +124,7 @@ std::vector<int> Client_connections::close_leaving() {
         auto const name = clients_.remove(connection);
         poll_set_.forget_clients();
         closed.push_back(connection);
+        status::client_left(connection);
         if (!reason.empty()) {
             utilities::get_logger().LogWarn() << "client dropped: " << name << ", reason: " << reason;
         }

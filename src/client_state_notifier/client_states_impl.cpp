@@ -2,6 +2,7 @@
 
 #include "base/signals.h"
 #include "client_state_notifier/notification_server.h"
+#include "status/server_status.h"
 #include "utilities/logger.h"
 
 #include <exception>
@@ -50,6 +51,7 @@ void Client_states_impl::thread_main_exception_handling() {
             utilities::get_logger().LogError() << "Client_states_impl thread crashed: " << error.what();
         }
         clients_.clear();
+        status::server_failed();
         requests_.forget_wake_ups();
         pause();
     } while (!requests_.is_stopped());

@@ -1,5 +1,6 @@
 #include "client_state_notifier/notification_server.h"
 
+#include "status/server_status.h"
 #include "utilities/logger.h"
 
 #include <algorithm>
@@ -72,13 +73,16 @@ void Notification_server::process_state_change_request() {
     utilities::get_logger().LogInfo() << "sending state change request to clients. new state = " << request->state;
     cycle_.emplace(std::move(*request));
     auto const& taken = cycle_->request();
+    status::request_began(taken.state, taken.deadline);
     std::vector<int> connections;
     for (auto& [connection, name] : clients_.select(taken.predicate)) {
         connections.push_back(connection);
         cycle_->ask(connection, std::move(name));
+        status::client_asked(connection);
     }
     connections_.dismiss(clients_.send_next_request(connections, taken.state));
     if (is_in_progress() && cycle_->is_complete()) {
+        status::request_ended(status::Answer::in_time);
         take_cycle()->complete();
     }
 }
@@ -111,6 +115,7 @@ bool Notification_server::is_in_progress() {
 void Notification_server::call_callback_after_all_clients_responded() {
     if (is_in_progress() && cycle_->is_complete()) {
         utilities::get_logger().LogInfo() << "calling callback after all clients responded in time";
+        status::request_ended(status::Answer::in_time);
         take_cycle()->complete();
     }
 }
@@ -118,6 +123,7 @@ void Notification_server::call_callback_after_all_clients_responded() {
 void Notification_server::process_timeout() {
     if (is_in_progress() && Clock::now() >= cycle_->request().deadline) {
         utilities::get_logger().LogInfo() << "calling callback after some clients timed out";
+        status::request_ended(status::Answer::timed_out);
         take_cycle()->time_out();
     }
 }

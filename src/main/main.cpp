@@ -13,6 +13,7 @@
 #include "statemanager/services/state_manager_cwu_interface.h"
 #include "statemanager/state_manager.h"
 #include "statemanager/virtio/virtio_interface.h"
+#include "status/page_file.h"
 #include "tarq/com/runtime/component_singleton.h"
 
 #include <csignal>
@@ -55,6 +56,14 @@ std::shared_ptr<Service_handler> make_service_handler(config::State_manager_conf
                                              std::move(cwu));
 }
 
+// The page is written to the very end, by threads that outlive main as well.
+void show_status(std::string const& path, config::State_manager_config const& configuration) {
+    static auto const* const page = new status::Page_file(
+        status::k_page_path, {path, configuration.get_main_function_period(), configuration.get_knockout_timer(),
+                              configuration.is_nm_usage_allowed()});
+    static_cast<void>(page);
+}
+
 void run(config::State_manager_config const& configuration) {
     auto const service_handler = make_service_handler(configuration);
     auto const execution_management = std::make_shared<Em_interface>();
@@ -87,6 +96,7 @@ int start_and_run() {
         ara::log::LogFatal() << "Configuration is ill formatted, AP_StateManger is aborted.";
         return k_failure;
     }
+    show_status(chooser.get_config_path(), configuration);
     register_termination_handlers(std::signal);
     run(configuration);
     return EXIT_SUCCESS;

@@ -2,6 +2,7 @@
 
 #include "ara/log/logging.h"
 #include "state_notifier/client_report.h"
+#include "status/driver_status.h"
 
 #include <utility>
 
@@ -82,16 +83,19 @@ Client_results State_notifier::get_dcm_clients_status() const {
 
 void State_notifier::notify_dcm() {
     ara::log::LogInfo() << "Requesting " << requested_state_ << " mode for DCM";
+    status::group_asked(status::Group::dcm, requested_state_);
     request(dcm_, is_dcm, diagnostic_timeout_, &State_notifier::dcm_completed);
 }
 
 void State_notifier::notify_apps() {
     ara::log::LogInfo() << "Requesting " << requested_state_ << " mode for client applications";
+    status::group_asked(status::Group::applications, requested_state_);
     request(apps_, is_application, application_timeout_, &State_notifier::apps_completed);
 }
 
 void State_notifier::notify_dem() {
     ara::log::LogInfo() << "Requesting " << requested_state_ << " mode for DEM";
+    status::group_asked(status::Group::dem, requested_state_);
     request(dem_, is_dem, diagnostic_timeout_, &State_notifier::dem_completed);
 }
 

@@ -3,6 +3,7 @@
 #include "ara/log/logging.h"
 #include "statemanager/absent_collaborators.h"
 #include "statemanager/states/state_factory.h"
+#include "status/driver_status.h"
 
 #include <utility>
 
@@ -44,6 +45,7 @@ void State_manager::run() {
     while (running_) {
         run_cyclic_task();
     }
+    status::loop_ended();
     service_handler_->deinit();
     ara::log::LogInfo() << "AP_StateManger reporting kTerminating to EM";
     application_client_.ReportApplicationState(ara::exec::ApplicationState::kTerminating);
@@ -55,6 +57,7 @@ void State_manager::run_cyclic_task() {
         ara::log::LogError() << "AP_StateManger not initialized";
         return;
     }
+    status::beat(states::State_interface::get_prepare_SD_flag(), states::State_interface::get_forced_shutdown_flag());
     supervision_->report_alive_status();
     // The only wait of the loop.
     auto const command = virtual_input_->get_command(configuration_.get_main_function_period());
@@ -62,15 +65,17 @@ void State_manager::run_cyclic_task() {
     if (next == k_stay) {
         states_[current_]->tick();
     } else {
-        change_state(next);
+        change_state(next, command);
     }
 }
 
-void State_manager::change_state(unsigned next) {
+void State_manager::change_state(unsigned next, virtio::Virtio_command command) {
+    auto const left = current_;
     auto const leaving = states_[current_]->get_name();
     current_ = states::state_of(next);
     auto& entered = *states_[current_];
     ara::log::LogInfo() << "AP_StateManger transition from" << leaving << " to " << entered.get_name();
+    status::transition(left, current_, static_cast<std::uint64_t>(command));
     entered.entering_state();
     if (current_ == k_shutting_down && !entered.is_forced_shutdown()) {
         running_ = false;

@@ -41,7 +41,7 @@ class State_manager {
     void shutdown();
 
  private:
-    void change_state(unsigned next);
+    void change_state(unsigned next, virtio::Virtio_command command);
 
     config::State_manager_config const& configuration_;
     std::shared_ptr<Service_handler_interface> service_handler_;

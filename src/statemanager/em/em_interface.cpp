@@ -1,6 +1,7 @@
 #include "statemanager/em/em_interface.h"
 
 #include "ara/log/logging.h"
+#include "status/driver_status.h"
 
 #include <stdexcept>
 
@@ -27,8 +28,10 @@ void Em_interface::request_running() {
 
 void Em_interface::request(char const* state, char const* failure) {
     try {
-        StateClient_SetState(k_machine_state, state);
+        auto const result = StateClient_SetState(k_machine_state, state);
+        status::machine_state(state, result == State_client_result::kSuccess);
     } catch (std::runtime_error const& error) {
+        status::machine_state(state, false);
         ara::log::LogError() << failure << error.what();
     }
 }

@@ -4,6 +4,8 @@
 #include "statemanager/nm/nm_data_aggregator.h"
 #include "statemanager/service_handler/nm_interface_abstract.h"
 #include "statemanager/service_handler/provided_services.h"
+#include "status/driver_status.h"
+#include "status/services_status.h"
 
 #include <utility>
 
@@ -52,6 +54,7 @@ void Application_requests::init(config::Nm_user_data_config const& layout, Bit_v
 
 void Application_requests::network_management_found() {
     base::Lock_guard const lock(mutex_);
+    status::manager_found();
     init_user_data();
     if (may_send()) {
         network_management_.release_network(all_cab_bits_set());
@@ -60,12 +63,14 @@ void Application_requests::network_management_found() {
 
 void Application_requests::request_default_pattern() {
     if (nm_usage_) {
+        status::default_pattern(true);
         network_management_.request_network(default_nm_pattern_);
     }
 }
 
 void Application_requests::release_default_pattern() {
     if (nm_usage_) {
+        status::default_pattern(false);
         network_management_.release_network(default_nm_pattern_);
     }
 }
@@ -75,6 +80,7 @@ void Application_requests::handle_com_alive_request(std::string const& id, Bit_v
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_com_alive_request(" << id << ", " << bitvector2str(cab_bits) << ", "
                         << ac_number << ")";
+    status::com_requested(id, cab_bits, ac_number);
     if (aggregator_) {
         aggregator_->set_ac_bit(id, ac_number);
         aggregator_->request_cab_bits(id, cab_bits);
@@ -87,6 +93,7 @@ void Application_requests::handle_com_alive_request(std::string const& id, Bit_v
 void Application_requests::handle_com_alive_release(std::string const& id, Bit_vector const& cab_bits) {
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_com_alive_release(" << id << ", " << bitvector2str(cab_bits) << ")";
+    status::com_released(id, cab_bits);
     if (aggregator_) {
         aggregator_->release_cab_bits(id, cab_bits);
         com_alive_ = aggregator_->is_com_alive();
@@ -98,6 +105,7 @@ void Application_requests::handle_com_alive_release(std::string const& id, Bit_v
 void Application_requests::handle_cwu_request(std::string const& id, std::uint8_t ac_number) {
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_cwu_request(" << id << ", " << ac_number << ")";
+    status::cwu_requested(id, ac_number);
     if (aggregator_) {
         aggregator_->set_ac_bit(id, ac_number);
         aggregator_->request_cwu(id);
@@ -109,6 +117,7 @@ void Application_requests::handle_cwu_request(std::string const& id, std::uint8_
 void Application_requests::handle_cwu_release(std::string const& id) {
     base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "State_manager::handle_cwu_release(" << id << ")";
+    status::cwu_released(id);
     if (aggregator_) {
         aggregator_->release_cwu(id);
         com_alive_ = aggregator_->is_com_alive();
@@ -119,6 +128,7 @@ void Application_requests::handle_cwu_release(std::string const& id) {
 void Application_requests::ecu_alive_request(std::string const& instance_id) {
     ara::log::LogInfo() << "State_manager::ecu_alive_request: " << instance_id;
     base::Lock_guard const lock(mutex_);
+    status::ecu_requested(instance_id);
     if (may_send()) {
         network_management_.request_network(ecu_alive_pattern());
         ecu_alive_requested_ = true;
@@ -128,6 +138,7 @@ void Application_requests::ecu_alive_request(std::string const& instance_id) {
 void Application_requests::ecu_alive_release(std::string const& instance_id) {
     ara::log::LogDebug() << "State_manager::ecu_alive_release: " << instance_id;
     base::Lock_guard const lock(mutex_);
+    status::ecu_released(instance_id);
     if (!provided_.app_keeps_ecu_alive() && may_send()) {
         ara::log::LogInfo() << "State_manager::ecu_alive_release network";
         network_management_.release_network(ecu_alive_pattern());
@@ -148,6 +159,7 @@ void Application_requests::set_user_data(Bit_vector const& data) {
         return;
     }
     user_data_ = sent;
+    status::user_data(user_data_);
     ara::log::LogInfo() << "State_manager::set_user_data(" << bitvector2str(user_data_) << ")";
     if (may_send()) {
         network_management_.set_user_data(user_data_);
@@ -161,6 +173,7 @@ void Application_requests::request_network(Bit_vector const& bits) {
     }
     ara::log::LogInfo() << "State_manager::request_network(" << bitvector2str(bits) << ")";
     requested_cab_pattern_ |= bits;
+    status::cab_pattern(requested_cab_pattern_);
     if (may_send()) {
         network_management_.request_network(bits);
     }
@@ -173,6 +186,7 @@ void Application_requests::release_network(Bit_vector const& bits) {
     }
     ara::log::LogInfo() << "State_manager::release_network(" << bitvector2str(bits) << ")";
     requested_cab_pattern_ &= ~bits;
+    status::cab_pattern(requested_cab_pattern_);
     if (may_send()) {
         // In place: a default pattern that is shorter than the bits says nothing about the rest of them.
         Bit_vector released(bits);
@@ -194,16 +208,20 @@ void Application_requests::standby() {
         ara::log::LogInfo() << "UdpNm usage disabled, no preparing actions performed";
     }
     nm_active_ = false;
+    status::sending(false);
+    status::default_pattern(false);
 }
 
 void Application_requests::end_standby() {
     base::Lock_guard const lock(mutex_);
     nm_active_ = true;
+    status::sending(true);
     if (!nm_usage_) {
         ara::log::LogInfo() << "UdpNm usage disabled, no resuming actions performed";
         return;
     }
     ara::log::LogInfo() << "Start sending NM messages";
+    status::default_pattern(true);
     network_management_.request_network(default_nm_pattern_);
     network_management_.request_network(requested_cab_pattern_);
     if (provided_.app_keeps_ecu_alive()) {

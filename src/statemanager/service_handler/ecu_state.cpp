@@ -1,6 +1,7 @@
 #include "statemanager/service_handler/ecu_state.h"
 
 #include "ara/log/logging.h"
+#include "status/network_status.h"
 
 namespace ximo::ap::statemanager {
 
@@ -10,6 +11,7 @@ void Ecu_state::update(bool network_active) {
     while (!value_.compare_exchange_weak(before, next(before))) {
     }
 
+    status::ecu_state(static_cast<std::uint64_t>(next(before)));
     switch (next(before)) {
         case Value::active:
             ara::log::LogInfo() << "Ecu state based on NM activity: active";

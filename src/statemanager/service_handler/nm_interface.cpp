@@ -2,10 +2,22 @@
 
 #include "ara/log/logging.h"
 #include "statemanager/service_handler/infrastructure_failure.h"
+#include "status/network_status.h"
 
 #include <utility>
 
 namespace ximo::ap::statemanager {
+
+namespace {
+
+template <class Call>
+void make(Call const& call) {
+    if (!succeeds(call)) {
+        status::call_failed();
+    }
+}
+
+}  // namespace
 
 /// What one search calls when both services are there: once, however often and from however many threads at once it is
 /// asked to; again when a call has ended by an exception.
@@ -122,19 +134,19 @@ Nm_interface::Network_state_func Nm_interface::network_state_updated_func() cons
 
 void Nm_interface::request_network(std::vector<std::uint8_t> const& bits) {
     if (auto const proxy = network_state_.proxy()) {
-        succeeds([&] { proxy->RequestNetwork(bits).get(); });
+        make([&] { proxy->RequestNetwork(bits).get(); });
     }
 }
 
 void Nm_interface::release_network(std::vector<std::uint8_t> const& bits) {
     if (auto const proxy = network_state_.proxy()) {
-        succeeds([&] { proxy->ReleaseNetwork(bits).get(); });
+        make([&] { proxy->ReleaseNetwork(bits).get(); });
     }
 }
 
 void Nm_interface::set_user_data(std::vector<std::uint8_t> const& data) {
     if (auto const proxy = user_data_.proxy()) {
-        succeeds([&] { proxy->SetUserData(data).get(); });
+        make([&] { proxy->SetUserData(data).get(); });
     }
 }
 

@@ -4,6 +4,8 @@
 #include "statemanager/config/require_sendable.h"
 #include "statemanager/service_handler/absent_nm_interface.h"
 #include "statemanager/service_handler/infrastructure_failure.h"
+#include "status/network_status.h"
+#include "status/services_status.h"
 
 #include <utility>
 
@@ -43,6 +45,9 @@ bool Service_handler::init() {
 }
 
 void Service_handler::register_callbacks() {
+    status::provided(status::Hold::ecu_alive, configuration_.get_apps_ecualive());
+    status::provided(status::Hold::com_alive, configuration_.get_apps_comalive());
+    status::provided(status::Hold::car_wake_up, configuration_.get_apps_cwu());
     for (auto const& service : provided_.com_alive()) {
         auto const id = service->get_instance_id();
         service->set_com_alive_request_cb([this, id](Bit_vector const& cab_bits, std::uint8_t ac_number) {
@@ -104,6 +109,7 @@ void Service_handler::release_network() {
 void Service_handler::network_state_updated(Bit_vector const& state) {
     ara::log::LogInfo() << "We received the notification that network was updated: " << bitvector2str(state);
     ecu_state_.update(has_bits(state));
+    status::network_state(state.data(), state.size());
 }
 
 }  // namespace ximo::ap::statemanager

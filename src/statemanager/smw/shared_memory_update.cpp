@@ -1,6 +1,7 @@
 #include "statemanager/smw/shared_memory_update.h"
 
 #include "ara/log/logging.h"
+#include "status/driver_status.h"
 
 #include <utility>
 
@@ -41,7 +42,9 @@ void Shared_memory_update::resuming() {
 }
 
 void Shared_memory_update::write_state(char const* word, char const* failure) {
-    if (!write_to_memory(word)) {
+    bool const written = write_to_memory(word);
+    status::state_word(word, written);
+    if (!written) {
         ara::log::LogVerbose() << failure;
     }
 }

@@ -3,6 +3,7 @@
 #include "ara/log/logging.h"
 #include "statemanager/absent_collaborators.h"
 #include "statemanager/smw/shared_memory_update.h"
+#include "status/driver_status.h"
 
 namespace ximo::ap::statemanager::states {
 
@@ -19,12 +20,14 @@ bool Post_run_state::entering_state() {
     ara::log::LogInfo() << "Entering post run state";
     report(&smw::Shared_memory_update::post_run);
     knockout_.reset_knockout_timer();
+    status::knockout_left(knockout_.get_knockout_timer_value());
     return true;
 }
 
 void Post_run_state::tick() {
     ara::log::LogDebug() << "Post rumn tick action";
     knockout_.update_knockout_timer();
+    status::knockout_left(knockout_.get_knockout_timer_value());
 }
 
 unsigned Post_run_state::check_transition(Virtio_command const& command) {

@@ -2,6 +2,7 @@
 
 #include "ara/log/logging.h"
 #include "base/system_error.h"
+#include "status/driver_status.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -65,6 +66,7 @@ bool Input_devices::open(std::string const& directory) {
     }
     ara::log::LogInfo() << "Adding devices from directory: " << directory;
     bool const all_usable = add_all(directory, *names);
+    status::devices_opened(static_cast<std::uint64_t>(count_));
     if (count_ == 0) {
         ara::log::LogError() << "No key event input device found that supports both EV_KEY and EV_MSC";
         return false;
@@ -177,6 +179,7 @@ void Input_devices::drop(int descriptor) {
     }
     unslotted_.erase(std::remove(unslotted_.begin(), unslotted_.end(), descriptor), unslotted_.end());
     --count_;
+    status::device_lost(static_cast<std::uint64_t>(count_));
 }
 
 long Input_devices::event_types(Input_system& system, int descriptor) {

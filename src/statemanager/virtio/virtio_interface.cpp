@@ -2,6 +2,7 @@
 
 #include "ara/log/logging.h"
 #include "statemanager/virtio/input_record.h"
+#include "status/driver_status.h"
 
 namespace ximo::ap::statemanager::virtio {
 
@@ -25,6 +26,7 @@ void Virtio_interface::command_consumed() {
         return;
     }
     queue_.pop_front();
+    status::command_consumed();
     ara::log::LogInfo() << "Consumed VirtIO command: " << toString(last_command_);
 }
 
@@ -41,17 +43,20 @@ void Virtio_interface::evaluate(Input_record const& record) {
     }
     if (*command == Virtio_command::shutdown) {
         queue_.clear();
+        status::queue_cleared();
     }
     add_command(*command);
 }
 
 void Virtio_interface::add_command(Virtio_command command) {
     if (command == last_command_) {
+        status::key_dropped(static_cast<std::uint64_t>(command));
         return;
     }
     last_command_ = command;
     ara::log::LogInfo() << "New command received" << toString(command);
     queue_.push_back(command);
+    status::key_taken(static_cast<std::uint64_t>(command));
 }
 
 long Virtio_interface::supported_event_types(int descriptor) {

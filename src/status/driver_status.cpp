@@ -1,0 +1,208 @@
+#include "status/driver_status.h"
+
+#include "status/page_writer.h"
+#include "status/rows.h"
+
+#include <algorithm>
+
+namespace status {
+
+namespace {
+
+void put_condition(Page& page) {
+    auto& driver = page.driver;
+    auto const state = own(driver.state);
+    put(driver.condition, condition_of(state));
+    auto const oldest = own(driver.waiting) > 0 ? own(driver.queue[0]) : 0;
+    put(driver.blocked, blocked_in(state, oldest, own(page.life.nm_usage) != 0));
+}
+
+void put_cycle(Driver<Shared_word>& driver, std::uint64_t time) {
+    auto const before = own(driver.beat);
+    if (before != 0 && time - before > own(driver.longest)) {
+        put(driver.longest, time - before);
+        put(driver.longest_at, time);
+    }
+    put(driver.beat, time);
+    add(driver.cycles);
+}
+
+void remove_oldest(Driver<Shared_word>& driver) {
+    auto const told = std::min<std::uint64_t>(own(driver.waiting), k_queue);
+    for (std::size_t place = 1; place < told; ++place) {
+        put(driver.queue[place - 1], own(driver.queue[place]));
+        put(driver.taken_at[place - 1], own(driver.taken_at[place]));
+    }
+    if (told > 0) {
+        put(driver.queue[told - 1], 0U);  // of a longer queue, the last one is not known any more
+        put(driver.taken_at[told - 1], 0U);
+        take(driver.waiting);
+    }
+}
+
+}  // namespace
+
+void beat(bool prepare_sd, bool forced_shutdown) {
+    if (auto* const page = status::page()) {
+        {
+            Change const change(page->driver.sequence);
+            put_cycle(page->driver, now());
+            put(page->driver.prepare_sd, prepare_sd ? 1U : 0U);
+            put(page->driver.forced, forced_shutdown ? 1U : 0U);
+            put_condition(*page);
+        }
+        wake(*page);
+    }
+}
+
+void transition(std::uint64_t from, std::uint64_t to, std::uint64_t command) {
+    if (auto* const page = status::page()) {
+        auto& driver = page->driver;
+        auto const row = row_of(from, to, command, own(page->life.nm_usage) != 0);
+        {
+            Change const change(driver.sequence);
+            put(driver.state, to);
+            put(driver.since, now());
+            put(driver.previous, from);
+            put(driver.row, row.number);
+            put(driver.command, row.command);
+            add(driver.transitions);
+            put_condition(*page);
+        }
+        tell(*page, page->driver_ring, Event_kind::transition, {from, to, row.number});
+    }
+}
+
+void knockout_left(std::uint64_t cycles) {
+    if (auto* const page = status::page()) {
+        Change const change(page->driver.sequence);
+        put(page->driver.knockout, cycles);
+    }
+}
+
+void loop_ended() {
+    if (auto* const page = status::page()) {
+        {
+            Change const change(page->driver.sequence);
+            put(page->driver.ended, now());
+        }
+        tell(*page, page->driver_ring, Event_kind::ended, {own(page->driver.state)});
+        wake(*page);
+    }
+}
+
+void key_taken(std::uint64_t command) {
+    if (auto* const page = status::page()) {
+        auto& driver = page->driver;
+        {
+            Change const change(driver.sequence);
+            auto const place = own(driver.waiting);
+            if (place < k_queue) {
+                put(driver.queue[place], command);
+                put(driver.taken_at[place], now());
+            }
+            put(driver.waiting, place + 1);
+            add(driver.keys_taken);
+            put(driver.last_key, command);
+            put(driver.last_key_at, now());
+        }
+        tell(*page, page->driver_ring, Event_kind::key_taken, {command});
+    }
+}
+
+void key_dropped(std::uint64_t command) {
+    if (auto* const page = status::page()) {
+        {
+            Change const change(page->driver.sequence);
+            add(page->driver.keys_dropped);
+            put(page->driver.last_dropped, command);
+            put(page->driver.last_dropped_at, now());
+        }
+        tell(*page, page->driver_ring, Event_kind::key_dropped, {command});
+    }
+}
+
+void queue_cleared() {
+    if (auto* const page = status::page()) {
+        Change const change(page->driver.sequence);
+        add(page->driver.keys_cleared, own(page->driver.waiting));
+        put(page->driver.waiting, 0U);
+        for (std::size_t place = 0; place < k_queue; ++place) {
+            put(page->driver.queue[place], 0U);
+            put(page->driver.taken_at[place], 0U);
+        }
+    }
+}
+
+void command_consumed() {
+    if (auto* const page = status::page()) {
+        Change const change(page->driver.sequence);
+        remove_oldest(page->driver);
+        put_condition(*page);
+    }
+}
+
+void devices_opened(std::uint64_t count) {
+    if (auto* const page = status::page()) {
+        Change const change(page->driver.sequence);
+        put(page->driver.devices, count);
+    }
+}
+
+void device_lost(std::uint64_t left) {
+    if (auto* const page = status::page()) {
+        {
+            Change const change(page->driver.sequence);
+            put(page->driver.devices, left);
+            add(page->driver.devices_lost);
+        }
+        tell(*page, page->driver_ring, Event_kind::device_lost, {left});
+    }
+}
+
+void state_word(std::string_view word, bool written) {
+    if (auto* const page = status::page()) {
+        auto& driver = page->driver;
+        {
+            Change const change(driver.sequence);
+            put(driver.word, word);
+            put(driver.word_at, now());
+            put(driver.word_failed, written ? 0U : 1U);
+            add(driver.words_failed, written ? 0 : 1);
+        }
+        tell(*page, page->driver_ring, Event_kind::word, {written ? 0U : 1U}, word);
+    }
+}
+
+void machine_state(std::string_view state, bool succeeded) {
+    if (auto* const page = status::page()) {
+        {
+            Change const change(page->driver.sequence);
+            put(page->driver.machine_state, state);
+            put(page->driver.machine_state_at, now());
+            put(page->driver.machine_state_failed, succeeded ? 0U : 1U);
+        }
+        tell(*page, page->driver_ring, Event_kind::machine_state, {succeeded ? 0U : 1U}, state);
+    }
+}
+
+void default_pattern(bool held) {
+    if (auto* const page = status::page()) {
+        Change const change(page->driver.sequence);
+        put(page->driver.default_held, held ? now() : 0);
+    }
+}
+
+void group_asked(Group group, std::string_view mode) {
+    if (auto* const page = status::page()) {
+        {
+            Change const change(page->driver.sequence);
+            put(page->driver.group, group);
+            put(page->driver.group_at, now());
+            put(page->driver.mode, mode);
+        }
+        tell(*page, page->driver_ring, Event_kind::group_asked, {static_cast<std::uint64_t>(group)}, mode);
+    }
+}
+
+}  // namespace status
