@@ -1,0 +1,123 @@
+#include "tools/commands.h"
+#include "tools/page/words.h"
+#include "tools/page_commands.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace statectl {
+
+namespace {
+
+using nlohmann::json;
+using status::Client;
+using status::Name;
+
+double seconds(Number nanoseconds) {
+    return static_cast<double>(nanoseconds) / 1e9;
+}
+
+Name<Number> const* record_of(Snapshot const& page, std::string const& name) {
+    auto const found = std::find_if(page.names.begin(), page.names.end(),
+                                    [&](auto const& record) { return text_of(record.name) == name; });
+    return found == page.names.end() ? nullptr : &*found;
+}
+
+Number mean_of(Name<Number> const& name) {
+    auto const answers = name.in_time + name.failed + name.late;
+    return answers == 0 ? 0 : name.total / answers;
+}
+
+std::string counts_text(Name<Number> const* name) {
+    if (name == nullptr) {
+        return "";
+    }
+    std::array<char, 96> text{};
+    auto const number = [](Number value) { return static_cast<unsigned long long>(value); };
+    std::snprintf(text.data(), text.size(), "%5llu %7llu %6llu %4llu %9llu %8llu  %-8s %s", number(name->asked),
+                  number(name->in_time), number(name->failed), number(name->late), number(name->timed_out),
+                  number(name->vanished), span_text(name->longest).c_str(), span_text(mean_of(*name)).c_str());
+    return text.data();
+}
+
+std::string row(std::string const& name, std::string const& pid, std::string const& user, std::string const& state,
+                std::string const& since, std::string const& answer, std::string const& counts) {
+    std::array<char, 320> text{};
+    std::snprintf(text.data(), text.size(), "%-20s %7s %-14s %-9s %-12s %-10s %s", name.c_str(), pid.c_str(),
+                  user.c_str(), state.c_str(), since.c_str(), answer.c_str(), counts.c_str());
+    std::string line(text.data());
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line + '\n';
+}
+
+std::string unit_text(Client<Number> const& client) {
+    auto const unit = unit_of(client.pid);
+    return unit.empty() ? user_word(client.uid) : user_word(client.uid) + " " + unit;
+}
+
+std::string clients_text(Snapshot const& page) {
+    auto text = row("NAME", "PROCESS", "USER", "STATE", "SINCE", "ANSWER",
+                    "ASKED IN TIME FAILED LATE TIMED OUT VANISHED  LONGEST  MEAN");
+    for (auto const& client : page.clients) {
+        auto const name = text_of(client.name);
+        text += row(quoted(name), std::to_string(client.pid), unit_text(client), text_of(client.state),
+                    span_text(client.since, page.now), answer_word(client.answer), counts_text(record_of(page, name)));
+    }
+    for (auto const& name : page.names) {
+        if (name.connections == 0) {
+            text += row(quoted(text_of(name.name)), "-", "-", "-", "gone", "-", counts_text(&name));
+        }
+    }
+    if (page.server.clients_untold + page.server.names_untold != 0) {
+        text += std::to_string(page.server.clients_untold) + " clients and " +
+                std::to_string(page.server.names_untold) + " names had no room on the page\n";
+    }
+    return text;
+}
+
+json client_json(Snapshot const& page, Client<Number> const& client) {
+    auto const unit = unit_of(client.pid);
+    return {
+        {"name", text_of(client.name)},
+        {"pid", client.pid},
+        {"uid", client.uid},
+        {"user", user_word(client.uid)},
+        {"unit", unit.empty() ? json() : json(unit)},
+        {"state", text_of(client.state)},
+        {"since_s", seconds(page.now > client.since ? page.now - client.since : 0)},
+        {"answer", answer_word(client.answer)},
+        {"status", client.status},
+        {"answered_after_s", client.answered_at == 0 ? json() : json(seconds(client.answered_at - client.asked_at))}};
+}
+
+json name_json(Name<Number> const& name) {
+    return {{"name", text_of(name.name)},      {"connections", name.connections}, {"asked", name.asked},
+            {"in_time", name.in_time},         {"failed", name.failed},           {"late", name.late},
+            {"timed_out", name.timed_out},     {"vanished", name.vanished},       {"longest_s", seconds(name.longest)},
+            {"mean_s", seconds(mean_of(name))}};
+}
+
+json clients_json(Snapshot const& page) {
+    auto clients = json::array();
+    for (auto const& client : page.clients) {
+        clients.push_back(client_json(page, client));
+    }
+    auto names = json::array();
+    for (auto const& name : page.names) {
+        names.push_back(name_json(name));
+    }
+    return {{"running", page.is_alive},
+            {"clients", clients},
+            {"names", names},
+            {"untold", page.server.clients_untold + page.server.names_untold}};
+}
+
+}  // namespace
+
+void add_clients_command(CLI::App& program, Action& chosen) {
+    add_page_command(program, chosen, "clients", "List the clients of a suspend, and how they have answered",
+                     {clients_text, clients_json});
+}
+
+}  // namespace statectl

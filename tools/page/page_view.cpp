@@ -1,0 +1,212 @@
+#include "tools/page/page_view.h"
+
+#include "base/descriptor.h"
+#include "base/system_error.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <iterator>
+#include <thread>
+
+#include <fcntl.h>
+#include <linux/futex.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace statectl {
+
+namespace {
+
+using status::Shared_word;
+
+constexpr unsigned k_attempts = 400;
+constexpr auto k_pause = std::chrono::microseconds(50);
+
+// Words of one structure, one after the other: layout.h says that there is nothing else in it.
+template <template <class> class Structure>
+void copy_words(Structure<Shared_word> const& shared, Structure<Number>& copy) {
+    static_assert(sizeof shared == sizeof copy);
+    auto const* from = reinterpret_cast<Shared_word const*>(&shared);
+    auto* to = reinterpret_cast<Number*>(&copy);
+    for (std::size_t i = 0; i < sizeof shared / sizeof(Number); ++i) {
+        to[i] = from[i].load(std::memory_order_acquire);
+    }
+}
+
+// A section or record as it was at one moment; false when there was no such moment.
+template <template <class> class Structure>
+bool copy_section(Structure<Shared_word> const& shared, Structure<Number>& copy, unsigned attempts) {
+    for (unsigned attempt = 0; attempt < attempts; ++attempt) {
+        auto const before = shared.sequence.load(std::memory_order_acquire);
+        copy_words(shared, copy);
+        if (before % 2 == 0 && shared.sequence.load(std::memory_order_relaxed) == before) {
+            return true;
+        }
+        std::this_thread::sleep_for(k_pause);
+    }
+    return false;
+}
+
+class Copier {
+ public:
+    Copier(unsigned attempts, bool& is_half_written) : attempts_(attempts), is_half_written_(is_half_written) {}
+
+    template <template <class> class Structure>
+    void operator()(Structure<Shared_word> const& shared, Structure<Number>& copy) const {
+        is_half_written_ = !copy_section(shared, copy, attempts_) || is_half_written_;
+    }
+
+    /// The records that are in use, by their copies.
+    template <template <class> class Structure, class In_use>
+    void operator()(Structure<Shared_word> const* records, std::size_t count, std::vector<Structure<Number>>& copies,
+                    In_use const& is_in_use) const {
+        for (std::size_t i = 0; i < count; ++i) {
+            Structure<Number> copy{};
+            (*this)(records[i], copy);
+            if (is_in_use(copy)) {
+                copies.push_back(copy);
+            }
+        }
+    }
+
+ private:
+    unsigned const attempts_;
+    bool& is_half_written_;
+};
+
+// What may be overwritten while it is copied is left out.
+void add_events(status::Ring<Shared_word> const& ring, std::vector<status::Event<Number>>& events) {
+    auto const count = ring.count.load(std::memory_order_acquire);
+    auto const first = count > status::k_events ? count - status::k_events : 0;
+    std::vector<status::Event<Number>> copies(count - first);
+    for (auto number = first; number != count; ++number) {
+        copy_words(ring.events[number % status::k_events], copies[number - first]);
+    }
+    auto const end = ring.count.load(std::memory_order_relaxed);
+    auto const oldest = end < status::k_events ? 0 : end - status::k_events + 1;
+    auto const lost = oldest > first ? std::min<Number>(oldest - first, copies.size()) : 0;
+    events.insert(events.end(), copies.begin() + static_cast<std::ptrdiff_t>(lost), copies.end());
+}
+
+Number monotonic_now() {
+    auto const time = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<Number>(std::chrono::nanoseconds(time).count());
+}
+
+[[noreturn]] void refuse(No_page::Kind kind, std::string const& path, std::string const& text) {
+    throw No_page(kind, path + ": " + text);
+}
+
+void require_page(status::Page const& page, std::string const& path) {
+    auto const magic = page.life.magic.load(std::memory_order_acquire);
+    auto const version = page.life.version.load(std::memory_order_acquire);
+    if (magic != status::k_magic) {
+        refuse(No_page::Kind::not_a_page, path, "this is no status page");
+    }
+    if (version != status::k_version) {
+        refuse(No_page::Kind::other_version, path,
+               "the page has layout " + std::to_string(version) + ", and this program reads layout " +
+                   std::to_string(status::k_version));
+    }
+    if (page.life.bytes.load(std::memory_order_acquire) != sizeof(status::Page)) {
+        refuse(No_page::Kind::not_a_page, path, "the page has another size than its layout says");
+    }
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> bytes_of(status::Bits<Number> const& bits) {
+    std::vector<std::uint8_t> bytes(std::min<Number>(bits.length, status::k_bits));
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<std::uint8_t>(bits.bytes.words[i / 8] >> 8 * (i % 8));
+    }
+    return bytes;
+}
+
+Snapshot snapshot_of(status::Page const& page, unsigned attempts) {
+    Snapshot copy;
+    copy.now = monotonic_now();
+    Copier const copier(attempts, copy.is_half_written);
+    copy_words(page.life, copy.life);
+    copier(page.driver, copy.driver);
+    copier(page.server, copy.server);
+    copier(page.services, copy.services);
+    copier(page.network, copy.network);
+    copier(page.clients.data(), page.clients.size(), copy.clients,
+           [](auto const& client) { return client.since != 0; });
+    copier(page.names.data(), page.names.size(), copy.names, [](auto const& name) { return name.used != 0; });
+    auto const instances = std::min<Number>(copy.services.instances, status::k_instances);
+    copier(page.instances.data(), instances, copy.instances, [](auto const&) { return true; });
+    copy.failed_calls = page.failed_calls.load(std::memory_order_acquire);
+    for (auto const* const ring : {&page.driver_ring, &page.server_ring, &page.services_ring, &page.network_ring}) {
+        add_events(*ring, copy.events);
+    }
+    std::stable_sort(copy.events.begin(), copy.events.end(),
+                     [](auto const& left, auto const& right) { return left.at < right.at; });
+    return copy;
+}
+
+Page_view::Page_view(std::string const& path) : path_(path) {
+    base::Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file.is_open()) {
+        auto const error = errno;
+        refuse(error == ENOENT || error == ENOTDIR ? No_page::Kind::missing : No_page::Kind::forbidden, path,
+               error == ENOENT ? "there is no status page" : base::system_error_text(error));
+    }
+    struct stat about {};
+    if (::fstat(file.number(), &about) != 0 || !S_ISREG(about.st_mode) ||
+        static_cast<Number>(about.st_size) < sizeof(status::Page)) {
+        refuse(No_page::Kind::not_a_page, path, "this is no whole status page");
+    }
+    file_ = about.st_ino;
+    void* const memory = ::mmap(nullptr, sizeof(status::Page), PROT_READ, MAP_SHARED, file.number(), 0);
+    if (memory == MAP_FAILED) {
+        refuse(No_page::Kind::forbidden, path, base::system_error_text(errno));
+    }
+    page_ = static_cast<status::Page const*>(memory);
+    try {
+        require_page(*page_, path);
+    } catch (...) {
+        ::munmap(memory, sizeof(status::Page));
+        throw;
+    }
+}
+
+Page_view::~Page_view() {
+    ::munmap(const_cast<status::Page*>(page_), sizeof(status::Page));
+}
+
+Snapshot Page_view::snapshot() const {
+    auto copy = snapshot_of(*page_, k_attempts);
+    copy.is_alive = !is_outdated() && is_written(path_, copy.life.pid);
+    return copy;
+}
+
+void Page_view::await_events(Number seen, std::chrono::nanoseconds time) const {
+    auto const seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    timespec const limit{seconds.count(), (time - seconds).count()};
+    if (events() == seen) {
+        ::syscall(SYS_futex, &page_->events, FUTEX_WAIT, static_cast<std::uint32_t>(seen), &limit, nullptr, 0);
+    }
+}
+
+bool Page_view::is_outdated() const {
+    struct stat about {};
+    return ::stat(path_.c_str(), &about) == 0 && about.st_ino != file_;
+}
+
+bool is_written(std::string const& path, Number pid) {
+    base::Descriptor const file(::open((path + status::k_lock).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    if (file.is_open() && ::fcntl(file.number(), F_OFD_GETLK, &whole) == 0) {
+        return whole.l_type != F_UNLCK;
+    }
+    return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM;
+}
+
+}  // namespace statectl

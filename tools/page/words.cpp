@@ -1,0 +1,177 @@
+#include "tools/page/words.h"
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <string_view>
+
+#include <pwd.h>
+
+namespace statectl {
+
+namespace {
+
+template <std::size_t count>
+std::string word_at(std::array<std::string_view, count> const& words, Number number) {
+    return number < count ? std::string(words[number]) : "unknown (" + std::to_string(number) + ")";
+}
+
+constexpr std::array<std::string_view, 21> k_events{
+    "",
+    "transition",
+    "key-taken",
+    "key-dropped",
+    "word",
+    "machine-state",
+    "group-asked",
+    "request-ended",
+    "client-connected",
+    "client-left",
+    "client-answered",
+    "client-late",
+    "client-timed-out",
+    "client-vanished",
+    "client-out-of-turn",
+    "held",
+    "released",
+    "manager-found",
+    "network-state",
+    "device-lost",
+    "ended",
+};
+
+}  // namespace
+
+std::string state_word(Number state) {
+    constexpr std::array<std::string_view, 8> k_words{"Starting up",   "Running",   "NM Controlled", "Post Run",
+                                                      "Shutting down", "Preparing", "PreparedSD",    "Resuming"};
+    return word_at(k_words, state);
+}
+
+std::string command_word(Number command) {
+    constexpr std::array<std::string_view, 6> k_words{"none",      "Run",     "NmControlled", "NMControlledPrepareSD",
+                                                      "PrepareSD", "Shutdown"};
+    return word_at(k_words, command);
+}
+
+std::string group_word(Number group) {
+    constexpr std::array<std::string_view, 4> k_words{"nobody", "diagnostic communication", "applications",
+                                                      "diagnostic events"};
+    return word_at(k_words, group);
+}
+
+std::string answer_word(Number answer) {
+    constexpr std::array<std::string_view, 7> k_words{"not asked", "asked", "in time", "failed",
+                                                      "timed out", "late",  "replaced"};
+    return word_at(k_words, answer);
+}
+
+std::string hold_word(Number hold) {
+    constexpr std::array<std::string_view, 3> k_words{"ECU alive", "COM alive", "car wake-up"};
+    return word_at(k_words, hold);
+}
+
+std::string ecu_word(Number ecu_state) {
+    constexpr std::array<std::string_view, 3> k_words{"active", "ready sleep", "sleep mode"};
+    return word_at(k_words, ecu_state);
+}
+
+std::string event_word(Number kind) {
+    return kind < k_events.size() ? std::string(k_events[kind]) : "";
+}
+
+std::vector<std::string> event_words() {
+    return {k_events.begin() + 1, k_events.end()};
+}
+
+std::string cause_text(Number state, Number row) {
+    static auto const& texts = *new std::map<std::pair<Number, Number>, std::string>{
+        {{0, 1}, "network management is not used"},
+        {{0, 2}, "the network manager's services were found"},
+        {{1, 1}, "command \"NmControlled\""},
+        {{1, 2}, "command \"NMControlledPrepareSD\""},
+        {{1, 3}, "command \"PrepareSD\""},
+        {{1, 4}, "command \"Shutdown\""},
+        {{2, 1}, "command \"Run\""},
+        {{2, 2}, "the network was asleep, and applications kept the ECU alive"},
+        {{2, 3}, "command \"Shutdown\""},
+        {{2, 4}, "the network was asleep, and nobody kept the ECU alive"},
+        {{2, 5}, "command \"PrepareSD\""},
+        {{2, 6}, "the network was asleep, and nobody kept the ECU alive"},
+        {{3, 1}, "applications kept communication alive"},
+        {{3, 2}, "command \"Shutdown\""},
+        {{3, 3}, "nobody kept the ECU alive, or the knock-out time was over"},
+        {{3, 4}, "command \"Run\""},
+        {{3, 5}, "command \"PrepareSD\""},
+        {{3, 6}, "nobody kept the ECU alive, or the knock-out time was over"},
+        {{5, 1}, "command \"Run\""},
+        {{5, 3}, "all clients had answered or had their time"},
+        {{6, 1}, "command \"Run\""},
+        {{6, 2}, "command \"Shutdown\""},
+        {{7, 1}, "command \"Shutdown\""},
+        {{7, 3}, "all clients had answered or had their time"},
+    };
+    auto const found = texts.find({state, row});
+    return found == texts.end() ? "" : found->second;
+}
+
+std::string span_text(Number nanoseconds) {
+    constexpr Number k_tenth = 100'000'000;
+    constexpr Number k_minute = 60;
+    constexpr Number k_hour = 3600;
+    auto const tenths = nanoseconds / k_tenth;
+    auto const seconds = tenths / 10;
+    std::array<char, 48> text{};
+    if (seconds < k_minute) {
+        std::snprintf(text.data(), text.size(), "%llu.%llu s", static_cast<unsigned long long>(seconds),
+                      static_cast<unsigned long long>(tenths % 10));
+    } else if (seconds < k_hour) {
+        std::snprintf(text.data(), text.size(), "%llu min %llu s", static_cast<unsigned long long>(seconds / k_minute),
+                      static_cast<unsigned long long>(seconds % k_minute));
+    } else {
+        std::snprintf(text.data(), text.size(), "%llu h %llu min", static_cast<unsigned long long>(seconds / k_hour),
+                      static_cast<unsigned long long>(seconds % k_hour / k_minute));
+    }
+    return text.data();
+}
+
+std::string span_text(Number from, Number to) {
+    return span_text(to > from ? to - from : 0);
+}
+
+std::string quoted(std::string const& name) {
+    std::string text = "\"";
+    for (char const character : name) {
+        text += static_cast<unsigned char>(character) < ' ' || character == '\x7f' ? '?' : character;
+    }
+    return text + '"';
+}
+
+std::string joined(std::vector<std::string> const& texts) {
+    std::string text;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        text += (i == 0 ? "" : i + 1 == texts.size() ? " and " : ", ") + texts[i];
+    }
+    return text;
+}
+
+std::string user_word(Number uid) {
+    auto const* const user = ::getpwuid(static_cast<uid_t>(uid));
+    return user == nullptr ? std::to_string(uid) : user->pw_name;
+}
+
+std::string unit_of(Number pid) {
+    std::ifstream file("/proc/" + std::to_string(pid) + "/cgroup");
+    for (std::string line; std::getline(file, line);) {
+        auto const unit = line.substr(line.rfind('/') + 1);
+        for (std::string_view const kind : {".service", ".scope"}) {
+            if (unit.size() > kind.size() && unit.compare(unit.size() - kind.size(), kind.size(), kind) == 0) {
+                return unit;
+            }
+        }
+    }
+    return "";
+}
+
+}  // namespace statectl

@@ -1,0 +1,44 @@
+#ifndef TOOLS_PAGE_WORDS_H
+#define TOOLS_PAGE_WORDS_H
+
+#include "tools/page/page_view.h"
+
+#include <string>
+#include <vector>
+
+namespace statectl {
+
+// The words for what the page says in numbers.
+
+std::string state_word(Number state);
+std::string command_word(Number command);
+std::string group_word(Number group);
+std::string answer_word(Number answer);
+std::string hold_word(Number hold);
+std::string ecu_word(Number ecu_state);
+
+/// The event's name, as `wait --event` takes it; empty for a kind that this program does not know.
+std::string event_word(Number kind);
+std::vector<std::string> event_words();
+
+/// Why the state before was left, by the row of its table.
+std::string cause_text(Number state, Number row);
+
+/// A span, "12.4 s", "3 min 5 s", "2 h 10 min".
+std::string span_text(Number nanoseconds);
+/// From one time to a later one.
+std::string span_text(Number from, Number to);
+
+/// "\"a\", \"b\" and \"c\""
+std::string quoted(std::string const& name);
+std::string joined(std::vector<std::string> const& texts);
+
+/// The user's name, or his number.
+std::string user_word(Number uid);
+
+/// The systemd unit of a process that still runs; empty when that can't be known.
+std::string unit_of(Number pid);
+
+}  // namespace statectl
+
+#endif

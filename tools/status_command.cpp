@@ -1,0 +1,229 @@
+#include "base/hex.h"
+#include "services/user_data_names.h"
+#include "tools/commands.h"
+#include "tools/page/reasons.h"
+#include "tools/page/words.h"
+#include "tools/page_commands.h"
+#include "tools/time_text.h"
+
+#include <chrono>
+
+namespace statectl {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr std::size_t k_label = 13;
+
+std::string row(std::string label, std::string const& text) {
+    label.resize(k_label, ' ');
+    return label + text + '\n';
+}
+
+// Real time, as long as the machine has not been suspended since.
+std::string clock_text(Snapshot const& page, Number time) {
+    auto const ago = std::chrono::nanoseconds(page.now > time ? page.now - time : 0);
+    return time_text(std::chrono::system_clock::now() - ago);
+}
+
+std::string cause_of(Snapshot const& page) {
+    auto const& driver = page.driver;
+    if (driver.transitions == 0) {
+        return "the daemon was started";
+    }
+    return cause_text(driver.previous, driver.row) + " (row " + std::to_string(driver.row) + " of " +
+           state_word(driver.previous) + ")";
+}
+
+std::string commands_text(Snapshot const& page) {
+    auto const& driver = page.driver;
+    std::string text;
+    for (std::size_t i = 0; i < std::min<std::size_t>(driver.waiting, status::k_queue); ++i) {
+        text +=
+            (i == 0 ? "" : ", ") + command_word(driver.queue[i]) + " since " + span_text(driver.taken_at[i], page.now);
+    }
+    return text.empty() ? "none waits" : text;
+}
+
+std::string network_text(Snapshot const& page) {
+    if (page.life.nm_usage == 0) {
+        return "not used";
+    }
+    if (page.services.manager_found == 0) {
+        return "its manager has not been found";
+    }
+    if (page.network.reports == 0) {
+        return "found, and has not reported yet";
+    }
+    auto const bytes = bytes_of(page.network.state);
+    return ecu_word(page.network.ecu_state) + " since " + span_text(page.network.ecu_since, page.now) + "; needed by " +
+           services::enumerate(services::network_state_names(bytes)) + " (" + base::to_hex(bytes) + ")";
+}
+
+std::string holders_text(Snapshot const& page) {
+    std::vector<std::string> holders;
+    for (auto const& instance : page.instances) {
+        for (std::size_t hold = 0; hold < instance.since.size(); ++hold) {
+            if (instance.since[hold] != 0) {
+                holders.push_back(quoted(text_of(instance.name)) + " (" + hold_word(hold) + " since " +
+                                  span_text(instance.since[hold], page.now) + ")");
+            }
+        }
+    }
+    return holders.empty() ? "nobody" : joined(holders);
+}
+
+std::string clients_text(Snapshot const& page) {
+    auto text = std::to_string(page.server.clients) + " connected";
+    if (page.server.in_progress != 0) {
+        text += "; " + std::to_string(page.server.unanswered) + " of " + std::to_string(page.server.asked) +
+                " asked for " + text_of(page.server.mode) + " have not answered, " +
+                span_text(page.now, page.server.deadline) + " left";
+    }
+    return text;
+}
+
+std::string daemon_text(Snapshot const& page) {
+    return "process " + std::to_string(page.life.pid) + " since " + span_text(page.life.started, page.now) +
+           ", last beat " + span_text(page.driver.beat, page.now) + " ago, longest cycle " +
+           span_text(page.driver.longest);
+}
+
+std::string word_text(Snapshot const& page) {
+    return text_of(page.driver.word) + (page.driver.word_failed != 0 ? ", not written, " : ", written ") +
+           span_text(page.driver.word_at, page.now) + " ago";
+}
+
+std::string status_text(Snapshot const& page) {
+    auto const& driver = page.driver;
+    auto text = row("State", state_word(driver.state) + " since " + span_text(driver.since, page.now) + " (" +
+                                 clock_text(page, driver.since) + ")");
+    text += row("Because", cause_of(page));
+    for (auto const& reason : reasons_of(page)) {
+        text += row("Waits", reason.text);
+    }
+    text += row("Word", word_text(page));
+    text += row("Commands", commands_text(page));
+    text += row("Network", network_text(page));
+    text += row("Held by", holders_text(page));
+    text += row("Clients", clients_text(page));
+    if (driver.machine_state_at != 0) {
+        text += row("Machine", text_of(driver.machine_state) + (driver.machine_state_failed != 0 ? ", refused" : "") +
+                                   ", asked " + span_text(driver.machine_state_at, page.now) + " ago");
+    }
+    text += row("Daemon", daemon_text(page));
+    for (auto const& trouble : troubles_of(page)) {
+        text += row("Trouble", trouble.text);
+    }
+    return text;
+}
+
+json list_of(std::vector<Reason> const& reasons) {
+    auto list = json::array();
+    for (auto const& reason : reasons) {
+        list.push_back({{"code", reason.code}, {"text", reason.text}});
+    }
+    return list;
+}
+
+json seconds(Number nanoseconds) {
+    return static_cast<double>(nanoseconds) / 1e9;
+}
+
+// Seconds since a time; null for "never".
+json ago(Snapshot const& page, Number time) {
+    return time == 0 ? json() : seconds(page.now > time ? page.now - time : 0);
+}
+
+json queue_json(Snapshot const& page) {
+    auto list = json::array();
+    for (std::size_t i = 0; i < std::min<std::size_t>(page.driver.waiting, status::k_queue); ++i) {
+        list.push_back(
+            {{"command", command_word(page.driver.queue[i])}, {"waits_s", ago(page, page.driver.taken_at[i])}});
+    }
+    return list;
+}
+
+json network_json(Snapshot const& page) {
+    auto const bytes = bytes_of(page.network.state);
+    return {{"used", page.life.nm_usage != 0},
+            {"found", page.services.manager_found != 0},
+            {"ecu_state", ecu_word(page.network.ecu_state)},
+            {"reports", page.network.reports},
+            {"state", base::to_hex(bytes)},
+            {"needed_by", services::network_state_names(bytes)},
+            {"failed_calls", page.failed_calls}};
+}
+
+json request_json(Snapshot const& page) {
+    auto const& server = page.server;
+    if (server.in_progress == 0) {
+        return {};
+    }
+    return {{"mode", text_of(server.mode)},
+            {"group", group_word(page.driver.group)},
+            {"asked", server.asked},
+            {"unanswered", server.unanswered},
+            {"left_s", seconds(server.deadline > page.now ? server.deadline - page.now : 0)}};
+}
+
+json status_json(Snapshot const& page) {
+    auto const& driver = page.driver;
+    return {{"running", page.is_alive},
+            {"state", state_word(driver.state)},
+            {"since_s", ago(page, driver.since)},
+            {"cause",
+             {{"state", state_word(driver.previous)},
+              {"row", driver.row},
+              {"command", driver.command == 0 ? json() : json(command_word(driver.command))},
+              {"text", cause_of(page)}}},
+            {"word", {{"text", text_of(driver.word)}, {"written", driver.word_failed == 0}}},
+            {"prepare_sd", driver.prepare_sd != 0},
+            {"commands", queue_json(page)},
+            {"network", network_json(page)},
+            {"clients", page.server.clients},
+            {"request", request_json(page)},
+            {"machine_state", text_of(driver.machine_state)},
+            {"pid", page.life.pid},
+            {"life", page.life.number},
+            {"configuration", text_of(page.life.configuration)},
+            {"beat_s", ago(page, driver.beat)},
+            {"cycles", driver.cycles},
+            {"longest_cycle_s", seconds(driver.longest)},
+            {"reasons", list_of(reasons_of(page))},
+            {"troubles", list_of(troubles_of(page))}};
+}
+
+std::string why_text(Snapshot const& page) {
+    auto const reasons = reasons_of(page);
+    auto text = state_word(page.driver.state) + " since " + span_text(page.driver.since, page.now) + ": ";
+    for (std::size_t i = 0; i < reasons.size(); ++i) {
+        text += (i == 0 ? "" : "  ") + reasons[i].text + '\n';
+    }
+    for (auto const& trouble : troubles_of(page)) {
+        text += "  " + trouble.text + '\n';
+    }
+    return text;
+}
+
+json why_json(Snapshot const& page) {
+    return {{"running", page.is_alive},
+            {"state", state_word(page.driver.state)},
+            {"since_s", ago(page, page.driver.since)},
+            {"reasons", list_of(reasons_of(page))},
+            {"troubles", list_of(troubles_of(page))}};
+}
+
+}  // namespace
+
+void add_status_command(CLI::App& program, Action& chosen) {
+    add_page_command(program, chosen, "status", "Tell the machine's state, what it waits for, and what is wrong",
+                     {status_text, status_json});
+}
+
+void add_why_command(CLI::App& program, Action& chosen) {
+    add_page_command(program, chosen, "why", "Tell why the machine stays in its state", {why_text, why_json});
+}
+
+}  // namespace statectl
