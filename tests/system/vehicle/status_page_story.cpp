@@ -1,41 +1,294 @@
 // What the daemon lets others see of itself, and what ap_statectl makes of it.
 
 #include "network_machine.h"
+#include "status/layout.h"
+#include "support/test_client.h"
 #include "tool.h"
 
 #include <chrono>
-#include <thread>
+#include <filesystem>
+#include <fstream>
+#include <functional>
 
 namespace bench::vehicle {
 namespace {
 
 using nlohmann::json;
-using testing::AllOf;
+using test_support::Test_client;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 class Status_page : public Network_story {
  protected:
-    void TearDown() override { std::filesystem::remove_all("/run/adaptive/status"); }
+    Status_page() { options.clients.clear(); }
+
+    void TearDown() override {
+        finish();
+        std::filesystem::remove_all(k_directory);
+        std::filesystem::remove_all("/run/adaptive/ara_SM");
+    }
+
+    static json told(std::string const& subcommand, std::vector<std::string> words = {}) {
+        words.insert(words.begin(), {subcommand, "--json"});
+        return json::parse(statectl(words).output);
+    }
+
+    /// What the tool tells as soon as it is so; what it told last when it does not become so.
+    json told_when(std::string const& subcommand, std::function<bool(json const&)> const& is_so) {
+        auto const end = std::chrono::steady_clock::now() + Machine::k_patience;
+        auto page = told(subcommand);
+        while (!is_so(page)) {
+            if (std::chrono::steady_clock::now() > end) {
+                ADD_FAILURE() << page.dump(2);
+                break;
+            }
+            machine->watch(std::chrono::milliseconds(10));
+            page = told(subcommand);
+        }
+        return page;
+    }
+
+    /// The sentence of a reason or trouble, once the tool gives it.
+    std::string why(std::string const& code) {
+        std::string sentence;
+        told_when("why", [&](json const& page) {
+            for (auto const* const list : {"reasons", "troubles"}) {
+                for (auto const& reason : page.at(list)) {
+                    if (reason.at("code") == code) {
+                        sentence = reason.at("text");
+                    }
+                }
+            }
+            return !sentence.empty();
+        });
+        return sentence;
+    }
+
+    bool is_in(std::string const& state) { return statectl({"wait", state, "--for", "20"}).status == 0; }
+
+    Test_client client(std::string const& name) {
+        Test_client connected{utilities::get_socket_path(), name, "kOn"};
+        told_when("clients", [&](json const& page) {
+            return std::any_of(page.at("clients").begin(), page.at("clients").end(),
+                               [&](json const& other) { return other.at("name") == name; });
+        });
+        return connected;
+    }
+
+    void kill() {
+        machine->signal_daemon(SIGKILL);
+        machine->await_end();
+    }
+
+    static constexpr char const* k_directory = "/run/adaptive/status";
 };
 
-TEST_F(Status_page, Debug) {
+TEST_F(Status_page, Tells_state_cause_word_and_the_oldest_command) {
     start_and_run();
-    std::printf("%s", statectl({"status"}).output.c_str());
-    std::printf("%s", statectl({"why"}).output.c_str());
-    request("1", k_ecu_alive);
+    auto const page = told_when("status", [](json const& now) { return now.at("word").at("text") == "running"; });
+    EXPECT_EQ(page.at("state"), "Running");
+    EXPECT_EQ(page.at("running"), true);
+    EXPECT_EQ(page.at("cause").at("row"), 2);
+    EXPECT_EQ(page.at("cause").at("text"), "the network manager's services were found (row 2 of Starting up)");
+    EXPECT_EQ(page.at("commands"), json::array());
+    machine->press("s");
+    ASSERT_TRUE(is_in("NM Controlled"));
+    auto const then = told("status");
+    EXPECT_EQ(then.at("cause").at("command"), "NMControlledPrepareSD");
+    EXPECT_EQ(then.at("configuration"), "/etc/adaptive/ap_statemanager.json");
+}
+
+/// A way into a state, and what is told of it.
+struct Way {
+    std::string keys;
+    std::string state;
+};
+
+TEST_F(Status_page, Tells_everything_of_a_daemon_that_was_killed_in_any_state) {
+    for (auto const& way : {Way{"", "Running"}, Way{"n", "NM Controlled"}, Way{"p", "PreparedSD"}}) {
+        build();
+        start_and_run();
+        if (!way.keys.empty()) {
+            request("1", com_alive("02"));
+            machine->press(way.keys);
+        }
+        ASSERT_TRUE(is_in(way.state));
+        kill();
+        auto const result = statectl({"status", "--json"});
+        EXPECT_EQ(result.status, 1);
+        auto const page = json::parse(result.output);
+        EXPECT_EQ(page.at("state"), way.state);
+        EXPECT_EQ(page.at("running"), false);
+        EXPECT_THAT(why("not-running"), HasSubstr("without a farewell"));
+        finish();
+        std::filesystem::remove_all(k_directory);
+    }
+}
+
+TEST_F(Status_page, Stays_as_the_previous_one_when_the_next_life_begins) {
+    start_and_run();
+    kill();
+    auto const first = told("status");
+    machine->start_daemon();
+    ASSERT_TRUE(why("restarted").find("number 2") != std::string::npos);
+    auto const previous = told("status", {"--page", std::string(status::k_page_path) + status::k_previous});
+    EXPECT_EQ(previous.at("pid"), first.at("pid"));
+    EXPECT_EQ(previous.at("running"), false);
+    EXPECT_NE(told("status").at("pid"), first.at("pid"));
+}
+
+TEST_F(Status_page, Says_a_farewell_where_there_is_one) {
+    start_and_run();
+    machine->press("power");
+    ASSERT_TRUE(ends_with(0));
+    EXPECT_EQ(told("status").at("state"), "Shutting down");
+    EXPECT_THAT(why("not-running"), HasSubstr("ended by itself"));
+    EXPECT_THAT(why("power-off"), HasSubstr("execution management was asked"));
+}
+
+TEST_F(Status_page, Says_why_it_stays_in_starting_up) {
+    options.with_network = false;
+    start();
+    ASSERT_TRUE(is_in("Starting up"));
+    EXPECT_THAT(why("no-network-manager"), HasSubstr("have not been found"));
+}
+
+TEST_F(Status_page, Says_why_it_did_not_take_a_key) {
+    start_and_run();
     machine->press("r");
+    machine->press("p");
+    EXPECT_THAT(why("command-blocked"), StartsWith("the oldest command is \"Run\""));
+    told_when("status", [](json const& page) { return page.at("commands").size() == 2; });
+    EXPECT_THAT(why("command-blocked"), HasSubstr("which Running never takes; 1 command waits behind it"));
+    machine->press("p");
+    EXPECT_THAT(why("key-dropped"), HasSubstr("\"PrepareSD\""));
+}
+
+TEST_F(Status_page, Says_which_setting_keeps_a_command_waiting) {
+    settings()["StateManagerNMUsage"] = false;
+    Story::start_and_run();
     machine->press("n");
-    ASSERT_TRUE(sees(Kind::state_word, "running"));
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    std::printf("%s", statectl({"status"}).output.c_str());
-    std::printf("%s", statectl({"why"}).output.c_str());
-    std::printf("%s", statectl({"status", "--json"}).output.c_str());
-    machine->signal_daemon(SIGKILL);
-    machine->await_end();
-    auto o = statectl({"status"});
-    std::printf("%d %s", *o.status, o.output.c_str());
+    EXPECT_THAT(why("command-blocked"), HasSubstr("while network management is not used"));
+}
+
+TEST_F(Status_page, Says_who_keeps_the_machine_from_sleeping) {
+    start_and_run();
+    request("1", com_alive("02", 3));
+    request("2", k_ecu_alive);
+    machine->press("s");
+    ASSERT_TRUE(is_in("nm-controlled"));
+    EXPECT_THAT(why("network-needed"), HasSubstr("CAB 1"));
+    auto const holds = told("holds").at("holds");
+    EXPECT_THAT(holds, Contains(testing::ResultOf(
+                           [](json const& hold) {
+                               return hold.at("instance") == "1" && hold.at("hold") == "COM alive" &&
+                                      hold.at("held") == true && hold.at("cab") == "02" && hold.at("ac") == 3;
+                           },
+                           true)));
+    EXPECT_THAT(why("held"), HasSubstr("\"2\" holds ECU alive since"));
+}
+
+TEST_F(Status_page, Says_how_long_applications_may_still_keep_the_ecu_alive) {
+    settings()["KnockOutTimer"] = 100'000;
+    settings()["DefautNMRequestPattern"] = {0, 0, 1, 0, 0, 0};  // its release lets the ECU's own bit go as well
+    Story::start_and_run();
+    request("2", k_ecu_alive);
+    machine->press("n");
+    ASSERT_TRUE(is_in("post run"));
+    EXPECT_THAT(why("knock-out"), HasSubstr("cycles more"));
+    EXPECT_THAT(why("held"), HasSubstr("\"2\" holds ECU alive"));
+}
+
+TEST_F(Status_page, Says_for_whom_a_suspend_waits_and_how_he_answers) {
+    start_and_run();
+    auto radio = client("radio");
+    auto namesake = client("radio");
+    machine->press("p");
+    auto const asked = radio.receive();
+    EXPECT_THAT(why("client-open"),
+                testing::AllOf(StartsWith("\"radio\" (process "), HasSubstr(" left to answer kPrepSD"),
+                               HasSubstr("has never answered before")));
+    EXPECT_EQ(told("status").at("request").at("unanswered"), 2);
+    radio.answer(asked.number, asked.state);
+    namesake.obey();
+    ASSERT_TRUE(is_in("PreparedSD"));
+    machine->press("r");
+    radio.receive();
+    EXPECT_THAT(why("client-open"), HasSubstr("usually answers in"));
+    auto const names = told("clients").at("names");
+    ASSERT_EQ(names.size(), 1U);
+    EXPECT_EQ(names[0].at("asked"), 4);
+    EXPECT_EQ(names[0].at("in_time"), 2);
+}
+
+TEST_F(Status_page, Tells_late_clients_from_those_that_left) {
+    settings()["ApplicationSuspendRequestTimeout"] = 1;
+    start_and_run();
+    Child_process late({VEHICLE_BUILD "/tools/ap_statectl", "wait", "--event", "client-late", "--for", "20"}, {});
+    auto radio = client("radio");  // the program before does not share its socket
+    auto navigation = std::make_unique<Test_client>(client("navigation"));
+    machine->press("p");
+    auto const asked = radio.receive();
+    navigation->receive();
+    navigation.reset();
+    told_when("clients", [](json const& page) { return page.at("clients").size() == 1; });
+    ASSERT_TRUE(is_in("PreparedSD"));
+    radio.answer(asked.number, asked.state);
+    EXPECT_EQ(late.wait(std::chrono::seconds(20)), 0);
+    for (auto const& name : told("clients").at("names")) {
+        bool const is_radio = name.at("name") == "radio";
+        EXPECT_EQ(name.at("late"), is_radio ? 1 : 0) << name;
+        EXPECT_EQ(name.at("timed_out"), is_radio ? 1 : 0) << name;
+        EXPECT_EQ(name.at("vanished"), is_radio ? 0 : 1) << name;
+    }
+}
+
+TEST_F(Status_page, Says_that_those_who_are_asked_have_left) {
+    start_and_run();
+    auto radio = std::make_unique<Test_client>(client("radio"));
+    machine->press("p");
+    radio->receive();
+    radio.reset();
+    EXPECT_THAT(why("client-vanished"), HasSubstr("1 of those that were asked left without an answer"));
+}
+
+TEST_F(Status_page, Says_what_is_wrong) {
+    build();
+    tell_node({{"do", "reaction"}, {"method", "RequestNetwork"}, {"refuse", true}, {"count", 1}});
+    machine->service_manager().command({{"do", "reaction"},
+                                        {"error", "org.freedesktop.systemd1.NoSuchUnit"},
+                                        {"unit", "MachineState-Running.target"}});
+    Story::start_and_run();
+    EXPECT_THAT(why("machine-state-failed"), HasSubstr("Running"));
+    EXPECT_THAT(why("calls-failed"), HasSubstr("network management failed"));
+    machine->hypervisor().command({{"do", "fault"}, {"file", "set_status"}, {"operation", "write"}, {"errno", "EIO"}});
+    machine->press("n");
+    EXPECT_THAT(why("word-failed"), HasSubstr("runnmcontrolled"));
+    machine->hypervisor().command({{"do", "hang_up"}, {"device", "event0"}});
+    EXPECT_THAT(why("no-device"), HasSubstr("no command arrives"));
+}
+
+TEST_F(Status_page, Is_no_matter_to_a_daemon_that_can_not_make_it) {
+    std::ofstream(k_directory) << "in the way";
+    start_and_run();
+    machine->press("p");
+    EXPECT_TRUE(sees(Kind::state_word, "prepared4sd"));
+    auto const result = statectl({"status"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+}
+
+TEST_F(Status_page, Belongs_to_the_first_of_two_daemons) {
+    start_and_run();
+    auto const pid = told("status").at("pid");
+    auto const from = machine->events().size();
+    Child_process second({VEHICLE_BUILD "/src/main/ap_statemanager"}, {});
+    ASSERT_TRUE(machine->await(Kind::state_word, "running", from)) << "the second one cycles";
+    second.signal(SIGTERM);
+    EXPECT_EQ(second.wait(std::chrono::seconds(20)), 0);
+    EXPECT_EQ(told("status").at("pid"), pid);
+    EXPECT_EQ(told("status").at("running"), true);
 }
 
 }  // namespace
