@@ -1,6 +1,9 @@
 #include "client_state_notifier/notification_cycle.h"
 
+#include "utilities/logger.h"
+
 #include <algorithm>
+#include <new>
 
 namespace client_state_notifier {
 
@@ -36,13 +39,22 @@ void Notification_cycle::complete() const {
     request_.completed(get_overall_status(), results_);
 }
 
+// Whatever becomes of the results, the caller is waiting.
 void Notification_cycle::time_out() {
+    try {
+        record_silent_clients();
+    } catch (std::bad_alloc const&) {
+        utilities::get_logger().LogError() << "no memory for the results of a request for " << request_.state;
+    }
+    request_.completed(Callback_status::timed_out, results_);
+}
+
+void Notification_cycle::record_silent_clients() {
     for (auto const& client : asked_) {
         if (!client.has_answered) {
             record(client.name, Component_client_return_type::timed_out);
         }
     }
-    request_.completed(Callback_status::timed_out, results_);
 }
 
 Callback_status Notification_cycle::get_overall_status() const {

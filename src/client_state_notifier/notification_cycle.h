@@ -46,6 +46,7 @@ class Notification_cycle {
     };
 
     Asked_client* find_open(int connection);
+    void record_silent_clients();
     void record(std::string const& name, Component_client_return_type status);
 
     State_change_request request_;

@@ -4,6 +4,7 @@
 #include "state_notifier/client_report.h"
 #include "status/driver_status.h"
 
+#include <new>
 #include <utility>
 
 namespace ximo::ap::statemanager::state_notifier {
@@ -28,6 +29,16 @@ bool is_dcm(std::string const& name) {
 }
 bool is_application(std::string const& name) {
     return !is_dem(name) && !is_dcm(name);
+}
+
+// The machine goes on without them, as it must.
+void keep(Client_results& kept, Client_results const& results) {
+    try {
+        kept = results;
+    } catch (std::bad_alloc const&) {
+        kept.clear();
+        ara::log::LogError() << "no memory for the results of the clients";
+    }
 }
 
 }  // namespace
@@ -147,7 +158,7 @@ bool State_notifier::keep_results(Group& group, std::uint64_t request_number, ch
         return false;
     }
     ara::log::LogInfo() << text << group.requested_state << ". Status: " << static_cast<std::uint32_t>(status);
-    group.results = results;
+    keep(group.results, results);
     log_clients(results);
     group.is_done = true;
     return true;

@@ -1,5 +1,6 @@
 #include "call_stacks.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -47,7 +48,8 @@ std::string readable(char const* symbol) {
     for (auto place = text.find(unnamed); place != std::string::npos; place = text.find(unnamed)) {
         text.erase(place, unnamed.size());
     }
-    return text.substr(0, text.find('('));
+    constexpr std::size_t k_longest = 100;  // of templates only the begin
+    return text.substr(0, std::min(text.find('('), k_longest));
 }
 
 // FNV-1a.

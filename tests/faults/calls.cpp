@@ -73,8 +73,6 @@ std::vector<Call> const& calls() {
         {SYS_accept4, "accept4", true, false, -1},
         {SYS_connect, "connect", true, false, -1},
         {SYS_setsockopt, "setsockopt", true, false, -1},
-        {SYS_getsockopt, "getsockopt", true, false, -1},
-        {SYS_getsockname, "getsockname", true, false, -1},
         {SYS_poll, "poll", false, false, -1},
         {SYS_ppoll, "ppoll", false, false, -1},
         {SYS_select, "select", false, false, -1},
@@ -135,7 +133,7 @@ std::vector<Error> errors_of(Call const& call, Subject subject, bool is_nonblock
         errors = {k_eintr, k_emfile, k_enomem, k_econnaborted};
     } else if (number == SYS_connect) {
         errors = {k_eintr, k_econnrefused, k_eacces, k_enomem};
-    } else if (is_one_of(number, {SYS_setsockopt, SYS_getsockopt, SYS_getsockname})) {
+    } else if (number == SYS_setsockopt) {
         return {k_enomem, k_enobufs};
     } else if (number == SYS_epoll_ctl) {
         return {k_enomem, k_enospc};

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 namespace faults {
@@ -23,7 +24,7 @@ constexpr char const* k_report = "/tmp/fault_report";
 constexpr unsigned k_surveys = 2;
 constexpr unsigned k_first_positions = 6;
 constexpr unsigned k_lives_of_a_machine = 60;
-constexpr std::size_t k_shown_frames = 8;
+constexpr std::size_t k_shown_frames = 12;
 
 // The first six calls of a place, then ever fewer, and the last one.
 std::vector<unsigned> positions(unsigned count) {
@@ -64,6 +65,13 @@ bool has_frame(Site const& site, char const* text) {
 bool is_tried(Site const& site) {
     return site.call != k_allocation || has_frame(site, "Client_states_impl::thread_main") ||
            has_frame(site, "Service_handler");
+}
+
+// A datagram goes whole, what a pipe takes at once as well (a message of ours is shorter than PIPE_BUF), and a counter
+// has eight bytes or none.
+bool can_be_short(Site const& site) {
+    bool const is_of_pipe = site.subject == Subject::pipe && (site.call == SYS_write || site.call == SYS_writev);
+    return site.subject != Subject::datagrams && site.subject != Subject::other && !is_of_pipe;
 }
 
 // The frames that tell where a call was made: not the C library's.
@@ -179,7 +187,7 @@ void Sweep::add_trials(Life const& life, Site const& site, std::vector<std::pair
         for (auto const& error : errors_of(call, site.subject, site.is_nonblocking)) {
             trials.push_back({rank, {&life, {{site.call, site.id, position, Way::fails, error.number}}}});
         }
-        if (call.length_argument >= 0 && site.subject != Subject::datagrams && site.subject != Subject::other) {
+        if (call.length_argument >= 0 && can_be_short(site)) {
             trials.push_back({rank, {&life, {{site.call, site.id, position, Way::is_short, 0}}}});
         }
         if (site.call != k_allocation) {

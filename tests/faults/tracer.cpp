@@ -30,12 +30,17 @@ void* as_data(long value) {
 // What a call on it takes or gives at once is a part of a stream or a whole message.
 Subject socket_of(pid_t pid, long descriptor) {
     int type = SOCK_STREAM;
+    int domain = AF_UNSPEC;
     socklen_t size = sizeof type;
     auto const process = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
     auto const socket = static_cast<int>(::syscall(SYS_pidfd_getfd, process, descriptor, 0));
     ::getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &size);
+    ::getsockopt(socket, SOL_SOCKET, SO_DOMAIN, &domain, &size);
     ::close(socket);
     ::close(process);
+    if (domain == AF_NETLINK) {
+        return Subject::other;  // the kernel itself is at its other end
+    }
     return type == SOCK_STREAM ? Subject::stream : Subject::datagrams;
 }
 

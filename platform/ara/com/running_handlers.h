@@ -3,16 +3,15 @@
 
 #include "base/mutex.h"
 
-#include <algorithm>
 #include <condition_variable>
 #include <cstdint>
-#include <map>
 #include <thread>
 
 namespace ara::com {
 
 /// The handlers of one object that run, and the ends that wait for them. An offer or a subscription waits for its own
-/// handler when it goes; whoever ends the object a second time meanwhile finds neither, and waits here. Thread-safe.
+/// handler when it goes; whoever ends the object a second time meanwhile finds neither, and waits here. Needs no
+/// memory, since destructors end. Thread-safe.
 class Running_handlers {
  public:
     /// Calls a handler.
@@ -34,39 +33,48 @@ class Running_handlers {
     }
 
  private:
-    /// Something that is under way.
+    /// Something that is under way, a link of a chain in the order of the numbers.
     class Entry {
      public:
-        Entry(Running_handlers& all, std::thread::id handler) : all_(all), number_(all.add(handler)) {}
-        ~Entry() { all_.remove(number_); }
+        Entry(Running_handlers& all, std::thread::id handler) : all_(all), handler_(handler) { all_.add(*this); }
+        ~Entry() { all_.remove(*this); }
         Entry(Entry const&) = delete;
         Entry& operator=(Entry const&) = delete;
 
      private:
+        friend class Running_handlers;
+
         Running_handlers& all_;
-        std::uint64_t const number_;
+        std::thread::id const handler_;  // its thread, which an end has not
+        std::uint64_t number_{0};
+        Entry* before_{nullptr};
+        Entry* next_{nullptr};
     };
 
-    std::uint64_t add(std::thread::id handler) {
+    void add(Entry& entry) {
         base::Lock_guard lock(mutex_);
-        under_way_[++last_] = handler;
-        return last_;
+        entry.number_ = ++last_;
+        entry.before_ = newest_;
+        (newest_ == nullptr ? oldest_ : newest_->next_) = &entry;
+        newest_ = &entry;
     }
 
-    void remove(std::uint64_t number) {
+    void remove(Entry& entry) {
         base::Lock_guard lock(mutex_);
-        under_way_.erase(number);
+        (entry.before_ == nullptr ? oldest_ : entry.before_->next_) = entry.next_;
+        (entry.next_ == nullptr ? newest_ : entry.next_->before_) = entry.before_;
         changed_.notify_all();
     }
 
     // What begins later belongs to a newer offer or subscription.
     void wait() {
         base::Lock_guard lock(mutex_);
-        auto const is_ours = [self = std::this_thread::get_id()](auto const& entry) { return entry.second == self; };
-        if (std::any_of(under_way_.begin(), under_way_.end(), is_ours)) {
-            return;
+        for (auto const* entry = oldest_; entry != nullptr; entry = entry->next_) {
+            if (entry->handler_ == std::this_thread::get_id()) {
+                return;
+            }
         }
-        for (auto const last = last_; !under_way_.empty() && under_way_.begin()->first <= last;) {
+        for (auto const last = last_; oldest_ != nullptr && oldest_->number_ <= last;) {
             changed_.wait(mutex_);
         }
     }
@@ -74,7 +82,8 @@ class Running_handlers {
     base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::uint64_t last_ GUARDED_BY(mutex_) = 0;
-    std::map<std::uint64_t, std::thread::id> under_way_ GUARDED_BY(mutex_);  // with its thread, which an end has not
+    Entry* oldest_ GUARDED_BY(mutex_) = nullptr;
+    Entry* newest_ GUARDED_BY(mutex_) = nullptr;
 };
 
 }  // namespace ara::com

@@ -6,6 +6,7 @@
 
 #include "ara/log/exit_patience.h"
 #include "ara/log/told_levels.h"
+#include "base/signals.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -104,6 +105,9 @@ class Dlt_sink : public Log_sink {
             return;
         }
         next_try_ = now + std::chrono::seconds(1);
+        // libdlt cancels its threads at its end, which a signal handler that has just begun on one of them does not
+        // outlive.
+        base::All_signals_blocked const blocked;
         started_ = ::dlt_init() == DLT_RETURN_OK;
         if (!started_) {
             ::dlt_free();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <utility>
 
 namespace ara::com::dds {
@@ -88,9 +89,15 @@ void Running_lookup::report() {
         handler_(handles_of(newest()));
         failure_.succeeded();
     } catch (tarq::com::Infrastructure_exception const& error) {
-        failure_.failed(error);
-        engine_->timer().watch(weak_from_this(), Clock::now() + k_pause_after_failure);
+        report_again(error);
+    } catch (std::bad_alloc const& error) {
+        report_again(error);
     }
+}
+
+void Running_lookup::report_again(std::exception const& error) {
+    failure_.failed(error);
+    engine_->timer().watch(weak_from_this(), Clock::now() + k_pause_after_failure);
 }
 
 std::optional<Clock::time_point> Running_lookup::expire(Clock::time_point /*now*/) {

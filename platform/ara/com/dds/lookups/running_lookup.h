@@ -9,6 +9,7 @@
 #include "base/mutex.h"
 
 #include <atomic>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,6 +41,7 @@ class Running_lookup : public Lookup,
     void post_report();
     Known_offer_list newest();
     void report();
+    void report_again(std::exception const& error);
 
     std::shared_ptr<Engine> const engine_;
     std::string const interface_;

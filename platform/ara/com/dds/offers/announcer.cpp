@@ -15,13 +15,12 @@ namespace ara::com::dds {
 namespace {
 
 template <std::size_t size>
-void put(std::string const& text, char (&place)[size]) {
+void put(std::string_view text, char (&place)[size]) {
     auto const length = std::min(text.size(), size - 1);
     std::copy_n(text.begin(), length, place);
 }
 
-ara_com_ServiceOffer make_offer(Guid const& participant, std::string const& interface_name,
-                                std::string const& instance) {
+ara_com_ServiceOffer make_offer(Guid const& participant, std::string_view interface_name, std::string_view instance) {
     static auto const& space = *new std::string(process_space());
     ara_com_ServiceOffer offer{};
     put(interface_name, offer.interface_name);
@@ -43,28 +42,37 @@ std::shared_ptr<Writer> Announcer::writer() {
     return writer_;
 }
 
-void Announcer::claim(std::string const& interface_name, std::string const& instance) {
+Announcer::Claims::iterator Announcer::find(std::string_view interface_name, std::string_view instance) {
+    return std::find_if(claims_.begin(), claims_.end(), [&](Claim const& claim) {
+        return claim.interface_name == interface_name && claim.instance == instance;
+    });
+}
+
+void Announcer::claim(std::string_view interface_name, std::string_view instance) {
     base::Lock_guard lock(claims_mutex_);
-    while (withdrawing_.count({interface_name, instance}) != 0) {
+    auto claim = find(interface_name, instance);
+    while (claim != claims_.end() && claim->is_withdrawn) {
         withdrawn_.wait(claims_mutex_);
+        claim = find(interface_name, instance);
     }
-    if (!claimed_.emplace(interface_name, instance).second) {
-        throw tarq::com::Infrastructure_exception("This process offers the instance already: " + instance);
+    if (claim != claims_.end()) {
+        throw tarq::com::Infrastructure_exception("This process offers the instance already: " + claim->instance);
     }
+    claims_.push_back({std::string(interface_name), std::string(instance)});
 }
 
-bool Announcer::claims(std::string const& interface_name, std::string const& instance) {
+bool Announcer::claims(std::string_view interface_name, std::string_view instance) {
     base::Lock_guard lock(claims_mutex_);
-    return claimed_.count({interface_name, instance}) != 0;
+    return find(interface_name, instance) != claims_.end();
 }
 
-void Announcer::announce(std::string const& interface_name, std::string const& instance) {
+void Announcer::announce(std::string_view interface_name, std::string_view instance) {
     auto const offer = make_offer(participant_.identity(), interface_name, instance);
     writer()->write(&offer);
 }
 
 // The claim goes last, so that a new offer of the instance is not withdrawn.
-void Announcer::withdraw(std::string const& interface_name, std::string const& instance) noexcept {
+void Announcer::withdraw(std::string_view interface_name, std::string_view instance) noexcept {
     std::shared_ptr<Writer> writer;
     {
         base::Lock_guard lock(mutex_);
@@ -72,7 +80,9 @@ void Announcer::withdraw(std::string const& interface_name, std::string const& i
     }
     {
         base::Lock_guard lock(claims_mutex_);
-        withdrawing_.emplace(interface_name, instance);
+        if (auto const claim = find(interface_name, instance); claim != claims_.end()) {
+            claim->is_withdrawn = true;
+        }
     }
     if (writer) {
         auto const offer = make_offer(participant_.identity(), interface_name, instance);
@@ -80,8 +90,9 @@ void Announcer::withdraw(std::string const& interface_name, std::string const& i
         dds_unregister_instance(writer->entity(), &offer);
     }
     base::Lock_guard lock(claims_mutex_);
-    claimed_.erase({interface_name, instance});
-    withdrawing_.erase({interface_name, instance});
+    if (auto const claim = find(interface_name, instance); claim != claims_.end()) {
+        claims_.erase(claim);
+    }
     withdrawn_.notify_all();
 }
 

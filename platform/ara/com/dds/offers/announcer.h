@@ -6,9 +6,9 @@
 
 #include <condition_variable>
 #include <memory>
-#include <set>
 #include <string>
-#include <utility>
+#include <string_view>
+#include <vector>
 
 namespace ara::com::dds {
 
@@ -19,28 +19,33 @@ class Announcer {
 
     /// First an instance is claimed; the end of a withdrawal that others may have heard of already is waited for.
     /// Throws `tarq::com::Infrastructure_exception` when this process has it already.
-    void claim(std::string const& interface_name, std::string const& instance);
+    void claim(std::string_view interface_name, std::string_view instance);
 
     /// Whether this process has claimed it. May be asked under locks of the engine.
-    bool claims(std::string const& interface_name, std::string const& instance);
+    bool claims(std::string_view interface_name, std::string_view instance);
 
     /// Tells of a claimed instance. Throws `tarq::com::Infrastructure_exception`.
-    void announce(std::string const& interface_name, std::string const& instance);
+    void announce(std::string_view interface_name, std::string_view instance);
 
-    /// Ends offer and claim.
-    void withdraw(std::string const& interface_name, std::string const& instance) noexcept;
+    /// Ends offer and claim. Needs no memory.
+    void withdraw(std::string_view interface_name, std::string_view instance) noexcept;
 
  private:
-    using Name = std::pair<std::string, std::string>;
+    struct Claim {
+        std::string interface_name;
+        std::string instance;
+        bool is_withdrawn{false};  ///< others may have heard of it already
+    };
+    using Claims = std::vector<Claim>;
 
     std::shared_ptr<Writer> writer();
+    Claims::iterator find(std::string_view interface_name, std::string_view instance) REQUIRES(claims_mutex_);
 
     Participant& participant_;
     base::Mutex mutex_;
     std::shared_ptr<Writer> writer_ GUARDED_BY(mutex_);  // once there was an offer
     base::Mutex claims_mutex_;                           // also taken under locks of the engine, so nothing is called
-    std::set<Name> claimed_ GUARDED_BY(claims_mutex_);
-    std::set<Name> withdrawing_ GUARDED_BY(claims_mutex_);
+    Claims claims_ GUARDED_BY(claims_mutex_);
     std::condition_variable_any withdrawn_;
 };
 

@@ -36,7 +36,8 @@ bool add(int events, int descriptor, pid_t process) {
 
 Process_watch::~Process_watch() {
     if (thread_.joinable()) {
-        ::eventfd_write(stop_, 1);
+        while (::eventfd_write(stop_, 1) != 0 && errno == EINTR) {
+        }
         thread_.join();
     }
     for (auto const& [process, descriptor] : watched_) {

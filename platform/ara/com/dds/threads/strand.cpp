@@ -43,11 +43,17 @@ void Strand::begin() {
     workers_.run(shared_from_this());
 }
 
+// Needs no memory, so that whatever ends can close its strand.
 void Strand::refuse() {
-    std::deque<Task> dropped;
+    while (auto const dropped = refuse_one()) {
+        // what the task holds goes with it, and may close this strand
+    }
+}
+
+Strand::Task Strand::refuse_one() {
     base::Lock_guard lock(mutex_);
     closed_ = true;
-    dropped = std::exchange(tasks_, {});
+    return take_first();
 }
 
 void Strand::close() {
@@ -70,13 +76,20 @@ Strand::Task Strand::next() {
     base::Lock_guard lock(mutex_);
     runner_ = {};
     ended_.notify_all();
-    if (tasks_.empty()) {
+    if (closed_ || tasks_.empty()) {
         scheduled_ = false;
+        return nullptr;
+    }
+    runner_ = std::this_thread::get_id();
+    return take_first();
+}
+
+Strand::Task Strand::take_first() {
+    if (tasks_.empty()) {
         return nullptr;
     }
     auto task = std::move(tasks_.front());
     tasks_.pop_front();
-    runner_ = std::this_thread::get_id();
     return task;
 }
 

@@ -43,6 +43,8 @@ class Strand : public std::enable_shared_from_this<Strand> {
 
  private:
     Task next();
+    Task refuse_one();
+    Task take_first() REQUIRES(mutex_);
 
     Workers& workers_;
     base::Mutex mutex_;
