@@ -50,6 +50,7 @@ struct Thing {
     Thing_ptr participant;  // null for itself
     bool gone = false;
     int listeners_running = 0;
+    std::mutex one_listener;  // at a time, and who is called later sees what came later
 
     dds_topic_descriptor_t const* type = nullptr;
     std::string topic;
@@ -89,7 +90,7 @@ class Domain {
     void find(dds_entity_t participant);
     void write(Thing_ptr const& writer, Packed const& sample);
     void end(Thing_ptr const& writer, Packed const& key, dds_instance_state_t state);
-    void deliver(Thing_ptr const& reader, Arrival const& arrival);
+    void deliver(Thing_ptr const& reader, Arrival arrival, Calls& calls);
     bool take(Thing_ptr const& reader, Arrival& arrival);
 
     std::mutex mutex;
@@ -171,11 +172,14 @@ dds_sample_info_t info_of(Arrival const& arrival) {
     return info;
 }
 
-// Nobody knows it before it is added.
+// Nobody knows it before it is added. Null below what has gone.
 Thing_ptr Domain::make_below(dds_entity_t parent) {
     auto const thing = std::make_shared<Thing>();
     if (parent != 0) {
         thing->parent = get(parent);
+        if (!thing->parent) {
+            return nullptr;
+        }
         thing->participant = thing->parent->participant ? thing->parent->participant : thing->parent;
     }
     return thing;
@@ -185,6 +189,9 @@ dds_entity_t Domain::add(Thing_ptr const& thing) {
     Calls calls;
     {
         std::lock_guard const lock(mutex);
+        if (thing->parent && thing->parent->gone) {
+            return DDS_RETCODE_BAD_PARAMETER;
+        }
         thing->id = ++last_id_;
         for (auto const& [id, other] : things_) {
             if (thing->is_writer && other->is_reader && may_match(*thing, *other)) {
@@ -214,7 +221,10 @@ void Domain::run(Thing_ptr const& thing, Listener const& listener) {
         }
         ++thing->listeners_running;
     }
-    listener();
+    {
+        std::lock_guard const lock(thing->one_listener);
+        listener();
+    }
     std::lock_guard const lock(mutex);
     --thing->listeners_running;
     listener_ended_.notify_all();
@@ -254,8 +264,7 @@ void Domain::connect(Thing_ptr const& writer, Thing_ptr const& reader, Calls& ca
     tell_matched(reader, calls);
     if (writer->keeps && reader->keeps) {
         for (auto const& [key, sample] : writer->instances) {
-            Arrival const arrival{sample, DDS_IST_ALIVE, static_cast<dds_instance_handle_t>(writer->id)};
-            calls.emplace_back([this, reader, arrival] { deliver(reader, arrival); });
+            deliver(reader, {sample, DDS_IST_ALIVE, static_cast<dds_instance_handle_t>(writer->id)}, calls);
         }
     }
 }
@@ -274,9 +283,9 @@ void Domain::disconnect(Thing_ptr const& writer, Thing_ptr const& reader, Calls&
     tell_matched(reader, calls);
     for (auto const& [key, sample] : writer->instances) {
         if (sample.type->m_nkeys != 0 && !has_instance(*reader, key)) {
-            Arrival const arrival{key_alone(sample), DDS_IST_NOT_ALIVE_NO_WRITERS,
-                                  static_cast<dds_instance_handle_t>(writer->id)};
-            calls.emplace_back([this, reader, arrival] { deliver(reader, arrival); });
+            deliver(reader,
+                    {key_alone(sample), DDS_IST_NOT_ALIVE_NO_WRITERS, static_cast<dds_instance_handle_t>(writer->id)},
+                    calls);
         }
     }
 }
@@ -350,33 +359,33 @@ void Domain::find(dds_entity_t participant) {
     run(calls);
 }
 
-void Domain::deliver(Thing_ptr const& reader, Arrival const& arrival) {
-    run(reader, [&] {
-        auto const info = info_of(arrival);
-        if (reader->filter.f.sample_sampleinfo_arg != nullptr && info.valid_data) {
-            std::unique_ptr<void, void (*)(void*)> const sample(dds_alloc(arrival.sample.type->m_size), dds_free);
-            unpack(arrival.sample, sample.get());
-            auto const is_let_in = reader->filter.f.sample_sampleinfo_arg(sample.get(), &info, reader->filter.arg);
-            dds_sample_free(sample.get(), arrival.sample.type, DDS_FREE_CONTENTS);
-            if (!is_let_in) {
-                return;
-            }
-        }
-        {
-            std::lock_guard const lock(mutex);
-            reader->arrived.push_back(arrival);
-        }
-        reader->on_data(reader->id, reader->data_argument);
-    });
+// In the order in which it is called, under the domain's mutex.
+void Domain::deliver(Thing_ptr const& reader, Arrival arrival, Calls& calls) {
+    reader->arrived.push_back(std::move(arrival));
+    calls.emplace_back([this, reader] { run(reader, [&] { reader->on_data(reader->id, reader->data_argument); }); });
+}
+
+bool is_admitted(Thing const& reader, Arrival const& arrival) {
+    auto const info = info_of(arrival);
+    if (reader.filter.f.sample_sampleinfo_arg == nullptr || !info.valid_data) {
+        return true;
+    }
+    std::unique_ptr<void, void (*)(void*)> const sample(dds_alloc(arrival.sample.type->m_size), dds_free);
+    unpack(arrival.sample, sample.get());
+    auto const is_let_in = reader.filter.f.sample_sampleinfo_arg(sample.get(), &info, reader.filter.arg);
+    dds_sample_free(sample.get(), arrival.sample.type, DDS_FREE_CONTENTS);
+    return is_let_in;
 }
 
 bool Domain::take(Thing_ptr const& reader, Arrival& arrival) {
-    std::lock_guard const lock(mutex);
-    if (reader->arrived.empty()) {
-        return false;
-    }
-    arrival = std::move(reader->arrived.front());
-    reader->arrived.pop_front();
+    do {
+        std::lock_guard const lock(mutex);
+        if (reader->arrived.empty()) {
+            return false;
+        }
+        arrival = std::move(reader->arrived.front());
+        reader->arrived.pop_front();
+    } while (!is_admitted(*reader, arrival));
     return true;
 }
 
@@ -387,7 +396,7 @@ void Domain::write(Thing_ptr const& writer, Packed const& sample) {
         writer->instances[sample.key] = sample;
         Arrival const arrival{sample, DDS_IST_ALIVE, static_cast<dds_instance_handle_t>(writer->id)};
         for (auto const& [id, reader] : writer->matched) {
-            calls.emplace_back([this, reader = reader, arrival] { deliver(reader, arrival); });
+            deliver(reader, arrival, calls);
         }
     }
     run(calls);
@@ -401,7 +410,7 @@ void Domain::end(Thing_ptr const& writer, Packed const& key, dds_instance_state_
         Arrival const arrival{key_alone(key), state, static_cast<dds_instance_handle_t>(writer->id)};
         for (auto const& [id, reader] : writer->matched) {
             if (state == DDS_IST_NOT_ALIVE_DISPOSED || (was_there && !has_instance(*reader, key.key))) {
-                calls.emplace_back([this, reader = reader, arrival] { deliver(reader, arrival); });
+                deliver(reader, arrival, calls);
             }
         }
     }
@@ -466,6 +475,9 @@ dds_return_t status_of(dds_entity_t id, Status& status) {
 
 dds_entity_t make_in_partition(dds_entity_t parent, dds_qos_t const* quality) {
     auto const thing = domain().make_below(parent);
+    if (!thing) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
     std::uint32_t count = 0;
     char** names = nullptr;
     dds_qget_partition(quality, &count, &names);
@@ -480,6 +492,9 @@ dds_entity_t make_in_partition(dds_entity_t parent, dds_qos_t const* quality) {
 Thing_ptr make_endpoint(dds_entity_t parent, dds_entity_t topic_id, dds_qos_t const* quality) {
     auto const topic = domain().get(topic_id);
     auto const thing = domain().make_below(parent);
+    if (!thing || !topic) {
+        return nullptr;
+    }
     thing->partition = thing->parent->partition;
     thing->type = topic->type;
     thing->topic = topic->topic;
@@ -488,6 +503,16 @@ Thing_ptr make_endpoint(dds_entity_t parent, dds_entity_t topic_id, dds_qos_t co
     dds_qget_durability(quality, &durability);
     thing->keeps = durability == DDS_DURABILITY_TRANSIENT_LOCAL;
     return thing;
+}
+
+dds_return_t end_instance(dds_entity_t writer, void const* sample, dds_instance_state_t state) {
+    auto const thing = domain().get(writer);
+    Packed packed;
+    if (!thing || !pack(*thing->type, sample, now(), packed)) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    domain().end(thing, packed, state);
+    return DDS_RETCODE_OK;
 }
 
 // As the engine does with what it gets from the network.
@@ -523,7 +548,7 @@ std::string take_configuration() {
 
 bool write_octets(dds_entity_t writer, std::string octets) {
     auto const thing = domain().get(writer);
-    if (!is_sample(*thing->type, octets)) {
+    if (!thing || !is_sample(*thing->type, octets)) {
         return false;
     }
     Packed packed{thing->type, std::move(octets), {}, now()};
@@ -569,13 +594,20 @@ dds_return_t dds_get_guid(dds_entity_t entity, dds_guid_t* guid) {
 dds_entity_t dds_create_topic(dds_entity_t participant, dds_topic_descriptor_t const* type, char const* name,
                               dds_qos_t const* /*quality*/, dds_listener_t const* /*listener*/) {
     auto const thing = played::domain().make_below(participant);
+    if (!thing) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
     thing->type = type;
     thing->topic = name;
     return played::domain().add(thing);
 }
 
 dds_return_t dds_set_topic_filter_extended(dds_entity_t topic, dds_topic_filter const* filter) {
-    played::domain().get(topic)->filter = *filter;
+    auto const thing = played::domain().get(topic);
+    if (!thing) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
+    thing->filter = *filter;
     return DDS_RETCODE_OK;
 }
 
@@ -596,6 +628,9 @@ dds_entity_t dds_create_writer(dds_entity_t publisher, dds_entity_t topic, dds_q
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
     auto const thing = played::make_endpoint(publisher, topic, quality);
+    if (!thing) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
     dds_lget_publication_matched_arg(listener, &thing->on_reader, &thing->matched_argument, nullptr);
     thing->is_writer = true;
     return played::domain().add(thing);
@@ -608,6 +643,9 @@ dds_entity_t dds_create_reader(dds_entity_t subscriber, dds_entity_t topic, dds_
         return DDS_RETCODE_OUT_OF_RESOURCES;
     }
     auto const thing = played::make_endpoint(subscriber, topic, quality);
+    if (!thing) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
     dds_lget_data_available_arg(listener, &thing->on_data, &thing->data_argument, nullptr);
     dds_lget_subscription_matched_arg(listener, &thing->on_writer, &thing->matched_argument, nullptr);
     thing->is_reader = true;
@@ -621,6 +659,9 @@ dds_return_t dds_delete(dds_entity_t entity) {
 
 dds_return_t dds_write_ts(dds_entity_t writer, void const* sample, dds_time_t time) {
     auto const thing = played::domain().get(writer);
+    if (!thing) {
+        return DDS_RETCODE_BAD_PARAMETER;
+    }
     auto& failures = played::faults().writes_that_fail;
     if (thing->type->m_nkeys == 0 && failures > 0 && failures-- > 0) {
         return DDS_RETCODE_TIMEOUT;
@@ -634,19 +675,11 @@ dds_return_t dds_write_ts(dds_entity_t writer, void const* sample, dds_time_t ti
 }
 
 dds_return_t dds_dispose(dds_entity_t writer, void const* sample) {
-    auto const thing = played::domain().get(writer);
-    played::Packed packed;
-    played::pack(*thing->type, sample, played::now(), packed);
-    played::domain().end(thing, packed, DDS_IST_NOT_ALIVE_DISPOSED);
-    return DDS_RETCODE_OK;
+    return played::end_instance(writer, sample, DDS_IST_NOT_ALIVE_DISPOSED);
 }
 
 dds_return_t dds_unregister_instance(dds_entity_t writer, void const* sample) {
-    auto const thing = played::domain().get(writer);
-    played::Packed packed;
-    played::pack(*thing->type, sample, played::now(), packed);
-    played::domain().end(thing, packed, DDS_IST_NOT_ALIVE_NO_WRITERS);
-    return DDS_RETCODE_OK;
+    return played::end_instance(writer, sample, DDS_IST_NOT_ALIVE_NO_WRITERS);
 }
 
 dds_return_t dds_take(dds_entity_t reader, void** samples, dds_sample_info_t* infos, std::size_t /*size*/,

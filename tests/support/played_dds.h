@@ -13,8 +13,8 @@
 /// may have a filter.
 ///
 /// The threads of the test are the engine's. Whoever makes, writes or deletes calls the listeners of the others before
-/// it returns, several at once where several do so, and no lock is held meanwhile: ThreadSanitizer sees all of it. A
-/// deletion waits for the listeners of what is deleted.
+/// it returns, one at a time of each reader or writer, and ThreadSanitizer sees all of it. A deletion waits for the
+/// listeners of what is deleted.
 namespace test_support::played_dds {
 
 /// What goes wrong. Set anew for each test.

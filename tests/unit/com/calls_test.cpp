@@ -104,20 +104,20 @@ TEST_F(Calls, Of_those_that_wait_a_thousand_are_handled_and_as_many_refused) {
         std::vector<std::future<std::string>> outcomes;
         outcomes.push_back(call(*sut));
         begun.get_future().wait();
-        for (int number = 0; number < 2100; ++number) {
+        for (int number = 0; number < 3100; ++number) {
             outcomes.push_back(call(*sut));
         }
         gate.set_value();
-        for (int number = 0; number < 2001; ++number) {
-            ++ends[end_of(std::move(outcomes[number]))];
-        }
+        EXPECT_EQ(end_of(std::move(outcomes[2000])), "refused: 3");
+        EXPECT_EQ(end_of(call(*sut)), "value") << "for it nobody waits any more";
+        outcomes.erase(outcomes.begin() + 2000);
         caller->shut_down();
-        for (auto number = 2001U; number < outcomes.size(); ++number) {
-            ++ends[end_of(std::move(outcomes[number]))];
+        for (auto& outcome : outcomes) {
+            ++ends[end_of(std::move(outcome))];
         }
     }
-    EXPECT_THAT(ends, testing::ElementsAre(testing::Pair("The communication runtime has ended", 100),
-                                           testing::Pair("refused: 3", 1000), testing::Pair("value", 1001)));
+    EXPECT_THAT(ends, testing::ElementsAre(testing::Pair("The communication runtime has ended", 1100),
+                                           testing::Pair("refused: 3", 999), testing::Pair("value", 1001)));
 }
 
 // A client's request writer, which is all that there is of it: nobody reads replies.
@@ -161,6 +161,7 @@ class Raw_server {
             [this] { follow(); });
         follow();
     }
+    void take_no_requests() { requests_.reset(); }
 
  private:
     void follow() {
@@ -213,6 +214,7 @@ TEST_F(Calls, To_a_server_that_is_only_announced_or_never_answers_take_their_tim
     std::map<std::string, std::string> const expected{
         {"announced", "The service could not be reached in time"},
         {"deaf", "The service could not be reached in time"},
+        {"mute", "The service could not be reached in time"},
         {"silent", "The service did not answer in time"},
     };
     std::map<std::string, std::unique_ptr<Raw_server>> servers;
@@ -222,7 +224,10 @@ TEST_F(Calls, To_a_server_that_is_only_announced_or_never_answers_take_their_tim
         server.announce();
         auto const connection = client_.reach(k_short_service, ara::com::InstanceIdentifier(name));
         if (name != "announced") {
-            server.take_requests([](auto&&...) {}, name == "silent");
+            server.take_requests([](auto&&...) {}, name != "mute");
+        }
+        if (name == "deaf") {
+            server.take_no_requests();
         }
         outcomes[name] = std::async(std::launch::async, [connection] { return end_of(call(*connection)); });
     }
@@ -246,6 +251,28 @@ TEST_F(Calls, Nothing_can_be_done_after_the_end) {
                 testing::ThrowsMessage<tarq::com::Infrastructure_exception>("The communication runtime does not run"));
     EXPECT_EQ(end_of(call(*sut)), "The communication runtime does not run");
     client_->shut_down();
+}
+
+// Others may be told of a withdrawal while that of the runtime begins.
+TEST_F(Calls, The_end_waits_for_an_owner_who_withdraws_his_offer_meanwhile) {
+    std::promise<void> told;
+    std::promise<void> gate;
+    Participant other;
+    Reader const offers(other, {offer_topic(), {}}, offer_quality(),
+                        [&, open = gate.get_future().share()](auto const& /*sample*/, auto const& info) {
+                            if (info.instance_state == DDS_IST_NOT_ALIVE_DISPOSED) {
+                                told.set_value();
+                                open.wait();
+                            }
+                        });
+    offer_well();
+    auto const withdrawal = std::async(std::launch::async, [this] { offer_.reset(); });
+    told.get_future().wait();
+    auto const end = std::async(std::launch::async, [this] { server_->shut_down(); });
+    EXPECT_EQ(end.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    gate.set_value();
+    end.wait();
+    withdrawal.wait();
 }
 
 class Events : public Calls, public testing::WithParamInterface<ara::com::Event_type const*> {};

@@ -191,6 +191,7 @@ std::unique_ptr<Subscription> Caller::subscribe(Event_type const& event, Sample_
 }
 
 void Caller::release() {
+    auto const closing = engine_->close_part();
     std::shared_ptr<Call_path> path;
     Pending_calls::Replies lost;
     {

@@ -58,6 +58,7 @@ void Served_instance::open() {
 }
 
 void Served_instance::close() {
+    auto const closing = engine_->close_part();
     std::shared_ptr<Reader> reader;
     {
         base::Lock_guard lock(mutex_);

@@ -31,7 +31,26 @@ Engine::Opening Engine::adopt(std::weak_ptr<Part> part) {
 void Engine::opened() {
     base::Lock_guard lock(mutex_);
     --opening_;
-    opened_.notify_all();
+    changed_.notify_all();
+}
+
+Engine::Closing Engine::close_part() {
+    base::Lock_guard lock(mutex_);
+    ++closing_;
+    return Closing(this);
+}
+
+void Engine::closed() {
+    base::Lock_guard lock(mutex_);
+    --closing_;
+    changed_.notify_all();
+}
+
+void Engine::await_those_who_close() {
+    base::Lock_guard lock(mutex_);
+    while (closing_ != 0) {
+        changed_.wait(mutex_);
+    }
 }
 
 std::vector<std::shared_ptr<Part>> Engine::refuse_new_parts() {
@@ -39,7 +58,7 @@ std::vector<std::shared_ptr<Part>> Engine::refuse_new_parts() {
     base::Lock_guard lock(mutex_);
     down_ = true;
     while (opening_ != 0) {
-        opened_.wait(mutex_);
+        changed_.wait(mutex_);
     }
     for (auto const& known : parts_) {
         if (auto part = known.lock()) {
@@ -50,7 +69,8 @@ std::vector<std::shared_ptr<Part>> Engine::refuse_new_parts() {
     return present;
 }
 
-// The engine's strand ends after the parts, which it may still serve, and before what it uses.
+// The engine's strand ends after the parts, which it may still serve, and before what it uses. Who closes a part on
+// another thread may have been first and still be at it; once the workers have ended he waits for nobody.
 void Engine::shut_down() {
     auto const parts = refuse_new_parts();
     for (auto const& part : parts) {
@@ -62,6 +82,7 @@ void Engine::shut_down() {
     timer_.stop();
     strand_->close();
     workers_.stop();
+    await_those_who_close();
     if (offers_) {
         offers_->close();
     }

@@ -41,12 +41,22 @@ class Engine {
     };
     using Opening = std::unique_ptr<Engine, End_of_opening>;
 
+    /// Somebody who closes a part, until it goes.
+    struct End_of_closing {
+        void operator()(Engine* engine) const { engine->closed(); }
+    };
+    using Closing = std::unique_ptr<Engine, End_of_closing>;
+
     /// Ends all parts, then the engine itself. From no thread of the binding.
     void shut_down();
 
     /// Closes the part at shut-down, if it still exists; while that is being opened, the shut-down waits for it. Throws
     /// `tarq::com::Infrastructure_exception` after that.
     [[nodiscard]] Opening adopt(std::weak_ptr<Part> part);
+
+    /// For who closes a part by himself, from before he takes anything out of it: what he still uses then goes after
+    /// him.
+    [[nodiscard]] Closing close_part();
 
     /// These may be used by parts that are not closed.
     Participant& participant() { return *participant_; }
@@ -59,6 +69,8 @@ class Engine {
 
  private:
     void opened();
+    void closed();
+    void await_those_who_close();
     std::vector<std::shared_ptr<Part>> refuse_new_parts();
 
     Workers workers_;
@@ -70,7 +82,8 @@ class Engine {
     base::Mutex mutex_;
     std::vector<std::weak_ptr<Part>> parts_ GUARDED_BY(mutex_);
     int opening_ GUARDED_BY(mutex_) = 0;
-    std::condition_variable_any opened_;
+    int closing_ GUARDED_BY(mutex_) = 0;
+    std::condition_variable_any changed_;  // of these numbers
     bool down_ GUARDED_BY(mutex_) = false;
 };
 

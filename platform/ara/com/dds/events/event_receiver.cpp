@@ -33,6 +33,7 @@ void Event_receiver::open(InstanceIdentifier const& instance) {
 }
 
 void Event_receiver::close() {
+    auto const closing = engine_->close_part();
     std::unique_ptr<Reader> reader;
     {
         base::Lock_guard lock(mutex_);

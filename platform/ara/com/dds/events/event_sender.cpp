@@ -27,6 +27,7 @@ void Event_sender::send(void const* sample, std::chrono::system_clock::time_poin
 }
 
 void Event_sender::close() {
+    auto const closing = engine_->close_part();
     std::shared_ptr<Writer> writer;
     base::Lock_guard lock(mutex_);
     writer = std::move(writer_);
