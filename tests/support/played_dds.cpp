@@ -420,7 +420,7 @@ void Domain::end(Thing_ptr const& writer, Packed const& key, dds_instance_state_
 dds_guid_t guid_of(Thing const& thing) {
     dds_guid_t guid{};
     auto const put = [&guid](std::size_t place, dds_entity_t number) {
-        for (int octet = 0; octet < 4; ++octet) {
+        for (std::size_t octet = 0; octet < 4; ++octet) {
             guid.v[place + octet] = static_cast<std::uint8_t>(static_cast<std::uint32_t>(number) >> (24 - 8 * octet));
         }
     };
