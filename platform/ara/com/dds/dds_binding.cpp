@@ -87,9 +87,10 @@ std::shared_ptr<Binding> make_binding() {
 #ifdef __SANITIZE_THREAD__
 // What ThreadSanitizer is not to report in programs that use the binding.
 //
-// libddsc: it is not built with the sanitizer, which so sees neither its atomics nor its reference counts. Handlers that
-// the engine calls are seen all the same, since what the engine calls first is not instrumented (entities/endpoints.cpp).
-// exception_ptr: its reference count is in the standard library, which is not built with the sanitizer either.
+// libddsc: it is not built with the sanitizer, which so sees neither its atomics nor its reference counts. Handlers
+// that the engine calls are seen all the same, since what the engine calls first is not instrumented
+// (entities/endpoints.cpp). exception_ptr: its reference count is in the standard library, which is not built with the
+// sanitizer either.
 extern "C" char const* __tsan_default_suppressions();
 
 extern "C" char const* __tsan_default_suppressions() {
