@@ -1,6 +1,8 @@
 #include "services_fixture.h"
 #include "tarq/com/exception.h"
 
+#include <future>
+
 namespace bench::network {
 namespace {
 
@@ -10,7 +12,6 @@ using testing::SizeIs;
 class Services_test : public Services_fixture {
  protected:
     std::string requests() { return command({{"do", "list"}}).value("requests", ""); }
-    std::string sent_user_data() { return command({{"do", "list"}}).value("user_data", ""); }
 };
 
 TEST_F(Services_test, A_bit_that_the_network_does_not_have_is_refused_as_a_request) {
@@ -51,6 +52,34 @@ TEST_F(Services_test, New_user_data_is_told_and_repeated_one_is_not) {
     ASSERT_THAT(samples, SizeIs(2));
     EXPECT_THAT(*samples[0], ElementsAre(0x80));
     EXPECT_THAT(*samples[1], ElementsAre(0x81));
+}
+
+TEST_F(Services_test, A_call_whose_answer_is_held_back_and_that_was_given_up_with_the_offer_is_answered_to_nobody) {
+    command({{"do", "reaction"}, {"delay_ms", 200}});
+    auto call = std::async(std::launch::async, [this] { user_data.SetUserData({1}).get(); });
+    EXPECT_TRUE(await_event("call", {{"method", "SetUserData"}}));
+    command({{"do", "withdraw"}});
+    EXPECT_THROW(call.get(), tarq::com::Infrastructure_exception);
+    command({{"do", "offer"}});
+    command({{"do", "reaction"}, {"delay_ms", 300}});  // ends when the given-up one has come to its time
+    EXPECT_NO_THROW(user_data.SetUserData({2}).get());
+}
+
+TEST_F(Services_test, Wrong_commands_are_refused_and_change_nothing) {
+    for (nlohmann::json const& wrong : {
+             nlohmann::json{{"do", "reaction"}, {"method", "Reboot"}, {"refuse", true}},
+             {{"do", "reaction"}, {"refuse", "yes"}},
+             {{"do", "reaction"}, {"refuse", true}, {"delay_ms", -1}},
+             {{"do", "reaction"}, {"refuse", true}, {"count", 0}},
+             {{"do", "reaction"}, {"refuse", true}, {"when", "now"}},
+             {{"do", "clear_reactions"}, {"all", true}},
+             {{"do", "offer"}, {"x", 1}},
+             {{"do", "withdraw"}, {"x", 1}},
+         }) {
+        EXPECT_EQ(command(wrong)["ok"], false) << wrong;
+    }
+    EXPECT_NO_THROW(user_data.SetUserData({1}).get());
+    EXPECT_THAT(user_data.GetUserData().get().data, ElementsAre(1));
 }
 
 }  // namespace
