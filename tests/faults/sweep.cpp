@@ -87,9 +87,18 @@ std::string text_of(Site const& site) {
     return text.empty() && !site.frames.empty() ? site.frames.front() : text;
 }
 
+std::string text_of(std::map<std::string, unsigned> const& counts) {
+    std::string text;
+    for (auto const& [error, count] : counts) {
+        text += error + ' ' + std::to_string(count) + ' ';
+    }
+    return text;
+}
+
+// "EINTR", "short", "SIGTERM".
 std::string error_of(Fault const& fault) {
     auto const text = faults::text_of(fault);
-    return text.substr(text.find(' ') + 1);
+    return text.substr(text.rfind(' ') + 1);
 }
 
 }  // namespace
@@ -292,9 +301,7 @@ void Sweep::note(Trial const& trial, Verdict const& verdict) {
     ++totals_[outcome];
     bool const is_pair = trial.faults.size() > 1;
     auto const& fault = trial.faults.front();
-    auto& row = table_[is_pair ? "pairs" : call_of(fault.call)->name][is_pair ? "" : error_of(fault)];
-    row.resize(k_outcomes);
-    ++row[outcome];
+    ++table_[is_pair ? "two of them" : call_of(fault.call)->name][outcome][is_pair ? "all" : error_of(fault)];
     if (verdict.outcome == Outcome::wrong) {
         auto line = line_of(trial) + "\n    " + verdict.reason;
         for (auto const& told : verdict.told) {
@@ -311,26 +318,26 @@ void Sweep::note(Trial const& trial, Verdict const& verdict) {
     std::fflush(stdout);
 }
 
+// A row for each call; each outcome with the errors that led to it, and how often.
 void Sweep::print_table() const {
-    std::printf("\n| Call | Error |");
+    std::printf("\n| Call |");
     for (std::size_t outcome = 0; outcome < k_outcomes; ++outcome) {
         std::printf(" %s |", name_of(static_cast<Outcome>(outcome)));
     }
-    std::printf("\n|---|---|---|---|---|---|---|---|---|\n");
-    auto const print_counts = [](std::vector<unsigned> const& counts) {
-        for (auto const count : counts) {
-            std::printf(count == 0 ? " |" : " %u |", count);
+    std::printf("\n|---|---|---|---|---|---|---|---|\n");
+    for (auto const& [call, outcomes] : table_) {
+        std::printf("| `%s` |", call.c_str());
+        for (std::size_t outcome = 0; outcome < k_outcomes; ++outcome) {
+            auto const found = outcomes.find(outcome);
+            std::printf(" %s|", found == outcomes.end() ? "" : text_of(found->second).c_str());
         }
         std::printf("\n");
-    };
-    for (auto const& [call, errors] : table_) {
-        for (auto const& [error, counts] : errors) {
-            std::printf("| %s | %s |", call.c_str(), error.c_str());
-            print_counts(counts);
-        }
     }
-    std::printf("| all | |");
-    print_counts(totals_);
+    std::printf("| all |");
+    for (auto const total : totals_) {
+        std::printf(" %u |", total);
+    }
+    std::printf("\n");
 }
 
 }  // namespace faults

@@ -32,8 +32,8 @@ struct Trial {
     std::vector<Fault> faults;
 };
 
-/// Outcomes, counted for each call and error.
-using Table = std::map<std::string, std::map<std::string, std::vector<unsigned>>>;
+/// For each call and outcome the errors that led to it, counted.
+using Table = std::map<std::string, std::map<std::size_t, std::map<std::string, unsigned>>>;
 
 /// Surveys each life, then leads the daemon through it again and again with another fault.
 class Sweep {

@@ -1,6 +1,9 @@
 #include "ara/com/dds/entities/endpoints.h"
 
+#include "ara/log/logging.h"
+
 #include <memory>
+#include <new>
 #include <utility>
 
 // What the engine calls has the attribute no_sanitize_thread: ThreadSanitizer notes the caller of each function that it
@@ -106,7 +109,11 @@ Entity Reader::make_own_topic(Participant& participant) {
 }
 
 [[gnu::no_sanitize_thread]] void Reader::on_data(dds_entity_t reader, void* self) {
-    static_cast<Reader const*>(self)->take(reader);
+    try {
+        static_cast<Reader const*>(self)->take(reader);
+    } catch (std::bad_alloc const&) {
+        ara::log::LogError() << "no memory for what has arrived";  // nothing can be thrown through the engine
+    }
 }
 
 // The handler may run before the constructor knows its reader.

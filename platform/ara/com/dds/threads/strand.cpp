@@ -35,7 +35,13 @@ void Strand::post(Task task) {
         }
         scheduled_ = true;
     }
-    workers_.run(shared_from_this());
+    try {
+        workers_.run(shared_from_this());
+    } catch (...) {
+        base::Lock_guard lock(mutex_);
+        scheduled_ = false;  // the next task brings this one along
+        throw;
+    }
 }
 
 // As if the workers had been told when the first task was posted.

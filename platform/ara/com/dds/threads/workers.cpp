@@ -4,6 +4,7 @@
 #include "ara/com/dds/threads/strand.h"
 #include "tarq/com/exception.h"
 
+#include <new>
 #include <utility>
 
 #include <pthread.h>
@@ -18,7 +19,13 @@ Workers::Workers() {
 }
 
 void Workers::start_thread() {
-    threads_.push_back(started_thread([this] { work(); }));
+    auto& thread = threads_.emplace_back();  // its place first: a thread that runs can't go
+    try {
+        thread = started_thread([this] { work(); });
+    } catch (...) {
+        threads_.pop_back();
+        throw;
+    }
     ++idle_;
 }
 
@@ -33,6 +40,8 @@ void Workers::run(std::shared_ptr<Strand> strand) {
             start_thread();
         } catch (tarq::com::Infrastructure_exception const&) {
             // A thread that is busy now takes the strand later.
+        } catch (std::bad_alloc const&) {
+            // The same.
         }
     }
     ready_.notify_one();
