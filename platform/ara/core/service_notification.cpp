@@ -53,7 +53,11 @@ class Datagram_socket {
         }
         auto const size = offsetof(sockaddr_un, sun_path) + name.size() + (is_abstract ? 0 : 1);
         auto const* const generic = reinterpret_cast<sockaddr const*>(&address);
-        return ::connect(descriptor_, generic, static_cast<socklen_t>(size)) == 0 ? std::error_code() : last_error();
+        int result = 0;
+        do {
+            result = ::connect(descriptor_, generic, static_cast<socklen_t>(size));
+        } while (result != 0 && errno == EINTR);
+        return result == 0 ? std::error_code() : last_error();
     }
 
     std::error_code send(std::string_view line, steady_clock::time_point deadline) const {
