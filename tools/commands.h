@@ -16,6 +16,7 @@ Add_command add_ecu_alive_command;
 Add_command add_com_alive_command;
 Add_command add_cwu_command;
 Add_command add_holds_command;
+Add_command add_explain_command;
 Add_command add_restart_command;
 Add_command add_services_command;
 Add_command add_status_command;

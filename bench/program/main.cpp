@@ -33,9 +33,10 @@ constexpr int k_usage_error = 2;
 
 void print_usage(std::FILE* out) {
     std::fputs(
-        "usage: vehicle [--tour] [--picture FILE]\n"
+        "usage: vehicle [--tour] [--picture FILE] [--trace FILE]\n"
         "  --tour          go through the states and check each step; exit status 0 when every step was seen\n"
         "  --picture FILE  where the tour's timeline is drawn (SVG; default: tour/timeline.svg in the build)\n"
+        "  --trace FILE    where the log is stored (DLT; ap_statectl explain reads it)\n"
         "  --help          show this\n",
         out);
 }
@@ -48,7 +49,7 @@ std::string content_of(fs::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-Options complete_machine(fs::path const& build) {
+Options complete_machine(fs::path const& build, std::ostream* trace) {
     auto configuration =
         nlohmann::json::parse(content_of(fs::path(VEHICLE_PROJECT) / "deploy/config/ap_statemanager.json"));
     configuration.merge_patch(bench::tour::configuration_changes());
@@ -56,16 +57,17 @@ Options complete_machine(fs::path const& build) {
     options.programs = build.string();
     options.configuration = configuration.dump(4);
     options.with_network = true;
+    options.trace = trace;
     return options;
 }
 
-/// The file for the tour's picture. It is opened outside, because the machine's own /tmp ends with it.
-struct Picture_file {
+/// A file for the tour's picture, or for the log. It is opened outside, because the machine's own /tmp ends with it.
+struct Kept_file {
     fs::path path;
     std::ofstream stream;
 };
 
-Picture_file open_picture(std::vector<fs::path> const& places) {
+Kept_file open_first(std::vector<fs::path> const& places) {
     for (auto const& place : places) {
         std::error_code ignored;
         fs::create_directories(place.parent_path(), ignored);
@@ -82,8 +84,8 @@ std::vector<fs::path> usual_places(fs::path const& build) {
     return {build / "tour/timeline.svg", fs::temp_directory_path() / own};
 }
 
-int tour(fs::path const& build, Picture_file& picture) {
-    Vehicle vehicle(complete_machine(build));
+int tour(fs::path const& build, Kept_file& picture, std::ostream* trace) {
+    Vehicle vehicle(complete_machine(build, trace));
     auto const steps = bench::tour::steps();
     bool const has_spectators = ::isatty(STDOUT_FILENO) != 0;
     auto const findings =
@@ -100,8 +102,8 @@ int tour(fs::path const& build, Picture_file& picture) {
     return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-int console(fs::path const& build) {
-    auto const options = complete_machine(build);
+int console(fs::path const& build, std::ostream* trace) {
+    auto const options = complete_machine(build, trace);
     Vehicle vehicle(options);
     // The example waits a minute for a client, which is longer than a spectator does.
     vehicle.change_configuration(
@@ -119,11 +121,14 @@ bool has_terminal() {
 int main(int argc, char** argv) {
     auto const build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
     auto pictures = usual_places(build);
+    fs::path trace_path;
     bool touring = !has_terminal();
     std::vector<std::string> const words(argv + 1, argv + argc);
     for (auto word = words.begin(); word != words.end(); ++word) {
         if (*word == "--picture" && word + 1 != words.end()) {
             pictures = {fs::absolute(*++word)};
+        } else if (*word == "--trace" && word + 1 != words.end()) {
+            trace_path = fs::absolute(*++word);
         } else if (*word == "--help") {
             print_usage(stdout);
             return EXIT_SUCCESS;
@@ -139,9 +144,11 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     try {
-        auto picture = touring ? open_picture(pictures) : Picture_file{};
+        auto picture = touring ? open_first(pictures) : Kept_file{};
+        auto trace = trace_path.empty() ? Kept_file{} : open_first({trace_path});
+        auto* const log = trace_path.empty() ? nullptr : &trace.stream;
         return bench::vehicle::run_inside(VEHICLE_PROJECT,
-                                          [&] { return touring ? tour(build, picture) : console(build); });
+                                          [&] { return touring ? tour(build, picture, log) : console(build, log); });
     } catch (std::exception const& error) {
         std::fprintf(stderr, "vehicle: %s\n", error.what());
         return EXIT_FAILURE;

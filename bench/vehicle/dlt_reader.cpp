@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -41,7 +42,7 @@ bool is_control(DltMessage const& message) {
 
 class Dlt_reader::Client {
  public:
-    Client() {
+    explicit Client(std::ostream* trace) : trace_(trace) {
         ::dlt_client_init_port(&client_, k_port, 0);
         client_.mode = DLT_CLIENT_MODE_TCP;
         ::dlt_client_set_server_ip(&client_, const_cast<char*>("127.0.0.1"));  // NOLINT(*-const-cast): not written to
@@ -54,6 +55,9 @@ class Dlt_reader::Client {
             thread_.join();
         }
         ::dlt_client_cleanup(&client_, 0);
+        if (trace_ != nullptr) {
+            trace_->flush();  // the world's first process ends without it
+        }
     }
     Client(Client const&) = delete;
     Client& operator=(Client const&) = delete;
@@ -90,27 +94,49 @@ class Dlt_reader::Client {
 
     void keep(DltMessage& message) {
         base::Lock_guard const lock(mutex_);
-        if (auto event = to_event(message)) {
-            messages_.push_back(*std::move(event));
-        } else if (is_control(message)) {
-            announcements_.append(reinterpret_cast<char const*>(message.databuffer),
-                                  static_cast<std::size_t>(message.datasize));
+        store(message);
+        reader_.add(headers_of(message).substr(sizeof(DltStorageHeader)));
+        reader_.add(payload_of(message));
+        while (auto const whole = reader_.next()) {
+            if (auto event = to_event(*whole)) {
+                messages_.push_back(*std::move(event));
+            }
+        }
+        if (is_control(message)) {
+            announcements_.append(payload_of(message));
         }
     }
 
+    void store(DltMessage& message) {
+        if (trace_ != nullptr) {
+            ::dlt_set_storageheader(message.storageheader, "ECU1");
+            *trace_ << headers_of(message) << payload_of(message);
+        }
+    }
+
+    static std::string_view headers_of(DltMessage const& message) {
+        return {reinterpret_cast<char const*>(message.headerbuffer), static_cast<std::size_t>(message.headersize)};
+    }
+
+    static std::string_view payload_of(DltMessage const& message) {
+        return {reinterpret_cast<char const*>(message.databuffer), static_cast<std::size_t>(message.datasize)};
+    }
+
+    std::ostream* const trace_;
     DltClient client_{};
     std::thread thread_;
     base::Mutex mutex_;
+    dlt::Reader reader_ GUARDED_BY(mutex_);
     Timeline messages_ GUARDED_BY(mutex_);
     std::string announcements_ GUARDED_BY(mutex_);
 };
 
-Dlt_reader::Dlt_reader(int default_level) {
+Dlt_reader::Dlt_reader(int default_level, std::ostream* trace) {
     auto const configuration = write_configuration(default_level);
     daemon_ = std::make_unique<Child_process>(
         std::vector<std::string>{"dlt-daemon", "-c", configuration, "-p", std::to_string(k_port)},
         std::vector<std::string>{});
-    client_ = std::make_unique<Client>();
+    client_ = std::make_unique<Client>(trace);
     auto const deadline = std::chrono::steady_clock::now() + k_patience;
     while (!std::filesystem::is_fifo("/tmp/dlt") || !client_->connect()) {
         if (std::chrono::steady_clock::now() > deadline) {

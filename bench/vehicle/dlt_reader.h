@@ -5,6 +5,7 @@
 #include "bench/vehicle/timeline.h"
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <string>
 
@@ -15,8 +16,9 @@ namespace bench::vehicle {
 class Dlt_reader {
  public:
     /// Returns once programs can log and the client is connected. A context whose program names no level gets the
-    /// daemon's own, `default_level` (DLT's is 4). Throws `std::runtime_error`.
-    explicit Dlt_reader(int default_level = 6);
+    /// daemon's own, `default_level` (DLT's is 4). Each message is also written into `trace` if there is one, as a log
+    /// viewer stores it. Throws `std::runtime_error`.
+    explicit Dlt_reader(int default_level = 6, std::ostream* trace = nullptr);
     ~Dlt_reader();
     Dlt_reader(Dlt_reader const&) = delete;
     Dlt_reader& operator=(Dlt_reader const&) = delete;

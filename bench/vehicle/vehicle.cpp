@@ -23,6 +23,8 @@ constexpr std::chrono::milliseconds k_quiet{100};  // as long as a busy machine 
 constexpr std::chrono::seconds k_stop{20};         // the daemon's end waits for a late service manager, and for its log
 constexpr char const* k_notify_socket = "/run/notify";
 
+constexpr int k_all_levels = 6;  // of the log
+
 }  // namespace
 
 Vehicle::Vehicle(Options options) : options_(std::move(options)) {
@@ -41,7 +43,7 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
             std::vector<std::string>{"DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address()});
     }
     if (options_.with_log) {
-        log_ = std::make_unique<Dlt_reader>();
+        log_ = std::make_unique<Dlt_reader>(k_all_levels, options_.trace);
     }
     if (options_.with_power_off_service) {
         power_off_ = std::make_unique<Power_off_service>();

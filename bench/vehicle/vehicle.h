@@ -10,6 +10,7 @@
 #include "bench/vehicle/surroundings.h"
 
 #include <chrono>
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,7 +30,8 @@ struct Options {
     bool with_notify_socket{true};  ///< of the service manager, told to the daemon
     bool with_power_off_service{true};
     std::vector<std::string> clients{"diag::dcm", "navigation", "radio", "diag::dem"};  ///< that take part in suspends
-    bool with_network{false};  ///< nodes, and an application for each instance name in the configuration
+    bool with_network{false};      ///< nodes, and an application for each instance name in the configuration
+    std::ostream* trace{nullptr};  ///< gets the log as a log viewer stores it, if there is one
     std::vector<std::string> daemon_starter{};  ///< program, and its arguments, that becomes the daemon; empty for none
 };
 

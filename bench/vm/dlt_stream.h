@@ -2,8 +2,8 @@
 #define BENCH_VM_DLT_STREAM_H
 
 #include "bench/vehicle/timeline.h"
+#include "tools/dlt/reader.h"
 
-#include <string>
 #include <string_view>
 
 namespace bench::vm {
@@ -16,7 +16,7 @@ class Dlt_stream {
     vehicle::Timeline add(std::string_view bytes);
 
  private:
-    std::string waiting_;
+    dlt::Reader reader_;
 };
 
 }  // namespace bench::vm

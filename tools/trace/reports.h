@@ -1,0 +1,24 @@
+#ifndef TOOLS_TRACE_REPORTS_H
+#define TOOLS_TRACE_REPORTS_H
+
+#include "tools/trace/life.h"
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace statectl::trace {
+
+// A story told in three ways. Names in it are bytes of somebody's choice.
+
+/// For people, in a terminal.
+std::string text_report(Story const& story, bool is_coloured);
+
+/// For programs.
+nlohmann::json json_report(Story const& story);
+
+/// For people, as a page that needs nothing else.
+std::string html_report(Story const& story, std::string const& title);
+
+}  // namespace statectl::trace
+
+#endif
