@@ -18,7 +18,7 @@ namespace {
 
 constexpr mode_t k_directory_mode = 0750;  // less what the umask takes, as with the files
 constexpr mode_t k_file_mode = 0640;
-constexpr int k_none = -1;
+constexpr int k_no_lock = -1;
 constexpr std::size_t k_largest_configuration = std::size_t{16} << 20U;
 
 std::string directory_of(std::string const& path) {
@@ -33,7 +33,7 @@ int locked(std::string const& path) {
     whole.l_whence = SEEK_SET;
     if (file >= 0 && ::fcntl(file, F_OFD_SETLK, &whole) != 0) {
         ::close(file);
-        return k_none;
+        return k_no_lock;
     }
     return file;
 }
@@ -113,11 +113,11 @@ void write_life(Life<Shared_word>& life, std::string const& path, Facts const& f
 
 }  // namespace
 
-Page_file::Page_file(std::string const& path, Facts const& facts) : lock_(k_none) {
+Page_file::Page_file(std::string const& path, Facts const& facts) : lock_(k_no_lock) {
     ::mkdir(directory_of(path).c_str(), k_directory_mode);
     lock_ = locked(path + k_lock);
     auto const new_path = path + ".new";
-    auto* const page = lock_ == k_none ? nullptr : new_page(new_path);
+    auto* const page = lock_ == k_no_lock ? nullptr : new_page(new_path);
     if (page == nullptr) {
         return;
     }
@@ -139,7 +139,7 @@ Page_file::~Page_file() {
         set_page(nullptr);
         ::munmap(page_, sizeof(Page));
     }
-    if (lock_ != k_none) {
+    if (lock_ != k_no_lock) {
         ::close(lock_);
     }
 }

@@ -16,7 +16,7 @@ std::string offered(std::string const& words, std::string const& index) {
 }
 
 TEST(Completion, In_bash_offers_the_subcommands) {
-    EXPECT_EQ(offered("cl", "1"), "client\n");
+    EXPECT_EQ(offered("ecu", "1"), "ecu-alive\n");
 }
 
 TEST(Completion, In_bash_offers_the_options_of_a_subcommand) {
