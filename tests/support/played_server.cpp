@@ -47,6 +47,10 @@ Played_peer::Played_peer(utilities::Socket socket) : socket_(std::move(socket)) 
     ::setsockopt(socket_.get_fd(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
 }
 
+void Played_peer::await_input() const {
+    await_readable(socket_, "A message");
+}
+
 Hello Played_peer::hello() const {
     auto const message = utilities::receive_type_length_values(socket_);
     return {message.at(0).get_string(), message.at(1).get_string(), message.at(2).get_string()};

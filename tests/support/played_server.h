@@ -40,6 +40,9 @@ class Played_peer {
     Reply reply() const;
     void send(utilities::Bytes const& bytes) const;
 
+    /// Waits until something has come, and leaves it unread.
+    void await_input() const;
+
     /// Waits until the client has read all that was sent to it.
     void await_read() const;
 

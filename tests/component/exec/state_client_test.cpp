@@ -45,9 +45,17 @@ TEST_F(Execution_management, Refuses_a_state_that_it_does_not_know) {
     EXPECT_EQ(sut.SetState("MachineState", "Flying"), State_client_result::kUnknownState);
 }
 
-TEST_F(Execution_management, May_refuse_for_another_reason) {
-    manager->command({{"do", "reaction"}, {"error", "org.freedesktop.DBus.Error.AccessDenied"}});
-    EXPECT_EQ(sut.SetState("MachineState", "Running"), State_client_result::kRefused);
+TEST_F(Execution_management, May_refuse_for_another_reason_which_is_no_failure) {
+    for (auto const* const reason : {"org.freedesktop.systemd1.UnitMasked", "org.freedesktop.DBus.Error.AccessDenied",
+                                     "org.freedesktop.DBus.Error.InvalidArgs", "org.freedesktop.DBus.Error.AuthFailed",
+                                     "org.freedesktop.DBus.Error.InteractiveAuthorizationRequired"}) {
+        manager->command({{"do", "reaction"}, {"error", reason}});
+        EXPECT_EQ(sut.SetState("MachineState", "Running"), State_client_result::kRefused) << reason;
+    }
+    for (auto const* const failure : {"org.freedesktop.DBus.Error.Failed", "org.freedesktop.DBus.Error.NoMemory"}) {
+        manager->command({{"do", "reaction"}, {"error", failure}});
+        EXPECT_THROW(sut.SetState("MachineState", "Running"), std::runtime_error) << failure;
+    }
 }
 
 TEST_F(Execution_management, Is_never_asked_for_names_that_are_none) {
@@ -62,8 +70,8 @@ TEST_F(Execution_management, Is_never_asked_for_names_that_are_none) {
     }
 }
 
-TEST_F(Execution_management, Is_asked_for_names_of_up_to_a_hundred_characters) {
-    std::string const name(100, 'a');
+TEST_F(Execution_management, Is_asked_for_names_of_up_to_a_hundred_characters_letters_digits_and_underscores) {
+    std::string const name = "_Z9" + std::string(97, 'a');
     EXPECT_EQ(sut.SetState(name, name), State_client_result::kUnknownState);
     manager->await_event("call", {{"method", "StartUnit"}, {"unit", name + "-" + name + ".target"}});
 }

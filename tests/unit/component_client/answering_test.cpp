@@ -79,15 +79,23 @@ TEST_F(Answering, Does_not_happen_for_an_answer_that_was_moved_on) {
     EXPECT_EQ(peer->reply().number, 2U);
 }
 
-TEST_F(Answering, Happens_when_the_handler_throws_and_the_exception_is_told) {
+TEST_F(Answering, Happens_when_the_handler_throws_anything_which_is_told) {
     Mailbox<std::string> troubles;
     options.on_trouble = [&troubles](std::string const& text) { troubles.put(text); };
-    auto const sut = connected_client([](std::string const&, Answer const&) { throw std::runtime_error("no brakes"); });
+    auto const sut = connected_client([](std::string const& state, Answer const&) {
+        if (state == "kPrepSD") {
+            throw std::runtime_error("no brakes");
+        }
+        throw 42;
+    });
     peer->request(1, "kPrepSD");
     EXPECT_EQ(peer->reply(), (Reply{1, "kOn", 1}));
     EXPECT_EQ(troubles.take(), "no brakes");
-    peer->request(2, "kPrepSD");
+    peer->request(2, "kOff");
     EXPECT_EQ(peer->reply(), (Reply{2, "kOn", 1})) << "it lives on";
+    EXPECT_EQ(troubles.take(), "a callback has thrown something unknown");
+    peer->request(3, "kPrepSD");
+    EXPECT_EQ(peer->reply(), (Reply{3, "kOn", 1}));
 }
 
 TEST_F(Answering, Of_a_withheld_answer_never_happens) {

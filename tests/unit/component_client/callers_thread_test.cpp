@@ -1,5 +1,6 @@
 #include "client_test.h"
 
+#include <csignal>
 #include <thread>
 
 #include <poll.h>
@@ -106,14 +107,56 @@ TEST_F(Callers_thread, Gets_the_exception_of_a_connection_callback_and_still_say
     EXPECT_EQ(server->accept().hello().name, "me");
 }
 
-TEST_F(Callers_thread, Runs_until_stopped) {
+TEST_F(Callers_thread, Runs_through_signals_until_stopped) {
+    struct sigaction interrupting {};
+    interrupting.sa_handler = [](int) {};  // without SA_RESTART
+    struct sigaction before {};
+    ::sigaction(SIGUSR1, &interrupting, &before);
     Client sut("me", succeed, options);
     std::thread runner([&] { sut.run(); });
     auto const server_end = server->accept();
     server_end.hello();
+    for (std::uint32_t number = 1; number <= 50; ++number) {
+        ::pthread_kill(runner.native_handle(), SIGUSR1);
+        std::this_thread::yield();
+        server_end.request(number, "kOn");
+        EXPECT_EQ(server_end.reply().number, number);
+    }
     sut.stop();
     runner.join();
+    ::sigaction(SIGUSR1, &before, nullptr);
     EXPECT_TRUE(server_end.is_closed());
+}
+
+// So a server that never stops sending does not keep the caller for ever.
+TEST_F(Callers_thread, Reads_a_quarter_of_a_mebibyte_in_one_dispatch_at_most) {
+    constexpr std::size_t k_most = std::size_t{64} * 4096;
+    auto const request = [](std::uint32_t number) {
+        return utilities::serialize({utilities::Type_length_value(number), utilities::Type_length_value("kOn")});
+    };
+    auto const in_one_dispatch = static_cast<std::uint32_t>(k_most / request(1).size()) + 1;
+    std::uint32_t newest = 0;
+    Client sut(
+        "me",
+        [&](std::string const&, Answer answer) {
+            EXPECT_LE(answer.number() - newest, in_one_dispatch);
+            newest = answer.number();
+            answer.withhold();
+        },
+        options);
+    await_and_dispatch(sut);
+    auto const server_end = server->accept();
+    auto const last = 4 * in_one_dispatch;
+    utilities::Bytes flood;
+    for (std::uint32_t number = 1; number <= last; ++number) {
+        auto const bytes = request(number);
+        flood.insert(flood.end(), bytes.begin(), bytes.end());
+    }
+    std::thread sender([&] { server_end.send(flood); });
+    while (newest != last) {
+        await_and_dispatch(sut);
+    }
+    sender.join();
 }
 
 TEST_F(Callers_thread, Is_not_taken_by_a_client_with_a_thread_of_its_own) {

@@ -133,6 +133,20 @@ TEST_F(Connecting, Leaves_a_server_whose_request_lacks_an_element) {
     EXPECT_EQ(server->accept().hello().name, "me");
 }
 
+// The hello is unread, so that the client's end is reset.
+TEST_F(Connecting, Comes_back_without_a_word_when_the_server_goes_with_bytes_unread) {
+    Mailbox<std::string> troubles;
+    options.on_trouble = [&troubles](std::string const& text) { troubles.put(text); };
+    Client const sut("me", succeed, options);
+    for (int times = 0; times < 2; ++times) {
+        auto const peer_that_goes = server->accept();
+        peer_that_goes.await_input();
+    }
+    EXPECT_EQ(server->accept().hello().name, "me");
+    troubles.put("the end");
+    EXPECT_EQ(troubles.take(), "the end");
+}
+
 TEST_F(Connecting, Needs_a_name_a_handler_and_a_path_that_fits) {
     EXPECT_THROW(Client("", succeed, options), std::invalid_argument);
     EXPECT_THROW(Client("me", nullptr, options), std::invalid_argument);

@@ -1,8 +1,11 @@
 #include "notifier_fixture.h"
 
 #include <cstddef>
+#include <map>
 #include <ostream>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ximo::ap::statemanager::state_notifier {
@@ -15,8 +18,9 @@ using testing::IsEmpty;
 
 using Sequence = Notifier_test;
 
-/// What happens, in order: S a standby is requested, R a resume, c the group that was asked last answers, and a digit:
-/// the state machine takes the next step, if one is due, and is told this status.
+/// What happens, in order: S a standby is requested, R a resume, c the group that was asked last answers, A to
+/// D the first to fourth one that was asked does, and a digit: the state machine takes the next step, if one is due,
+/// and is told this status.
 struct Course {
     char const* name;
     std::string events;
@@ -37,6 +41,12 @@ class Course_of_a_sequence : public Notifier_test, public testing::WithParamInte
                 break;
             case 'c':
                 complete();
+                break;
+            case 'A':
+            case 'B':
+            case 'C':
+            case 'D':
+                server->requests.at(static_cast<std::size_t>(event - 'A')).completed(Callback_status::succeeded, {});
                 break;
             default:
                 EXPECT_EQ(sut.check_request_status(), static_cast<unsigned>(event - '0'));
@@ -70,6 +80,21 @@ INSTANTIATE_TEST_SUITE_P(
         Course{"Turned_back_while_DCM_is_asked", "SR1c1c0", {k_dcm_standby, k_dcm_on}},
         Course{"Turned_back_after_DCM", "ScR1c0", {k_dcm_standby, k_dcm_on}},
         Course{"Turned_back_at_the_applications", "Sc1Rc1c1c0", {k_dcm_standby, k_apps_standby, k_apps_on, k_dcm_on}},
+        Course{"Late_DCM", "SSA1c1c1c0", {k_dcm_standby, k_dcm_standby, k_apps_standby, k_dem_standby}},
+        Course{"Late_applications",
+               "Sc1SB1c1c1c0",
+               {k_dcm_standby, k_apps_standby, k_dcm_standby, k_apps_standby, k_dem_standby}},
+        Course{"Late_DEM",
+               "Sc1c1SC1c1c1c0",
+               {k_dcm_standby, k_apps_standby, k_dem_standby, k_dcm_standby, k_apps_standby, k_dem_standby}},
+        Course{"Late_DEM_of_a_resume", "RSA1c1c1c0", {k_dem_on, k_dcm_standby, k_apps_standby, k_dem_standby}},
+        Course{"Late_DCM_of_a_resume",
+               "Rc1c1SC1c1c1c0",
+               {k_dem_on, k_apps_on, k_dcm_on, k_dcm_standby, k_apps_standby, k_dem_standby}},
+        // The second resume is at DCM again, but its own request has not completed.
+        Course{"Late_DCM_of_a_resume_that_another_replaced",
+               "Rc1c1SRc1C1c0",
+               {k_dem_on, k_apps_on, k_dcm_on, k_dcm_standby, k_dcm_on}},
         // Nobody may stay prepared for shutdown on a running machine.
         Course{"Turned_back_at_DEM",
                "Sc1c1Rc1c1c1c0",
@@ -118,28 +143,53 @@ TEST_F(Sequence, Is_not_moved_by_the_completion_of_a_request_that_was_replaced) 
     EXPECT_THAT(log.at_least(ara::log::LogLevel::kDebug), IsEmpty());
 }
 
-TEST_F(Sequence, Is_not_ended_by_the_resume_of_before) {
-    sut.request_resume();
-    complete_and_check();
-    complete_and_check();
-    auto const last_of_resume = last();
-    sut.request_standby();
-    last_of_resume.completed(Callback_status::succeeded, {});
-    EXPECT_EQ(sut.check_request_status(), 1U);
-}
-
-// The second resume is at DCM again, but its own request has not completed.
-TEST_F(Sequence, Is_not_ended_by_a_resume_that_a_standby_and_another_resume_replaced) {
-    sut.request_resume();
-    complete_and_check();
-    complete_and_check();
-    auto const last_of_resume = last();
-    sut.request_standby();
-    sut.request_resume();
-    EXPECT_EQ(complete_and_check(), 1U);
-    last_of_resume.completed(Callback_status::succeeded, {});
-    EXPECT_EQ(sut.check_request_status(), 1U);
-    EXPECT_EQ(complete_and_check(), 0U);
+// Resumes and steps in any order, standbys as the states ask for them, when no sequence runs, and answers to any
+// request, also to one that was replaced.
+TEST_F(Sequence, Ends_with_everybody_in_the_mode_that_was_wanted_last_whatever_came_before) {
+    std::mt19937 random(1);
+    auto const below = [&random](std::size_t end) { return static_cast<std::size_t>(random()) % end; };
+    bool standby = false;
+    std::size_t answered = 0;
+    for (int run = 0; run < 300; ++run) {
+        auto& requests = server->requests;
+        for (auto events = below(15); events > 0; --events) {
+            switch (below(5)) {
+                case 0:
+                    if (sut.check_request_status() == 0) {
+                        sut.request_standby();
+                        standby = true;
+                    }
+                    break;
+                case 1:
+                    sut.request_resume();
+                    standby = false;
+                    break;
+                case 2:
+                    sut.check_request_status();
+                    break;
+                default:
+                    if (answered < requests.size()) {
+                        std::swap(requests[answered].completed,
+                                  requests[answered + below(requests.size() - answered)].completed);
+                        requests[answered++].completed(Callback_status::succeeded, {});
+                    }
+            }
+        }
+        for (int rounds = 0; sut.check_request_status() != 0; ++rounds) {
+            ASSERT_LT(rounds, 10);
+            for (; answered < requests.size(); ++answered) {
+                requests[answered].completed(Callback_status::failed, {});
+            }
+        }
+        std::map<std::string, std::string> modes;
+        for (auto const& [group, mode] : steps()) {
+            modes[group] = mode;
+        }
+        for (auto const& [group, mode] : modes) {
+            ASSERT_EQ(mode, standby ? "kPrepSD" : "kOn") << group << " in run " << run;
+        }
+        ASSERT_TRUE(!standby || modes.size() == 3);
+    }
 }
 
 TEST_F(Sequence, Keeps_what_each_group_answered_last) {
