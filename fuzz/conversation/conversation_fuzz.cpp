@@ -1,6 +1,6 @@
 // Whole conversations of several clients with one server, which lives through all runs: whatever they do, a client that
-// behaves is served after it, everybody who has gone is forgotten, and no request completes twice or with an outcome
-// that does not fit to its results.
+// behaves is served after it, everybody who has gone is forgotten, and no request is lost, completes twice or with
+// an outcome that does not fit to its results.
 #include "client_state_notifier/client_states_impl.h"
 #include "script.h"
 #include "utilities/files.h"
@@ -52,7 +52,9 @@ class World {
     }
 
     void play(std::uint8_t const* data, std::size_t size) {
+        newest_.reset();
         fuzz::Script(path_, data, size, [this](auto who, auto const& state) { ask(who, state); }).play();
+        require_that_the_newest_request_is_not_lost();
         require_service();
         require_that_all_others_are_forgotten();
     }
@@ -74,6 +76,15 @@ class World {
                 check(status, results);
             },
             std::chrono::seconds(who / 128));
+        newest_ = who < 128 ? completed : nullptr;  // whose time is over at once
+    }
+
+    void require_that_the_newest_request_is_not_lost() const {
+        auto const deadline = std::chrono::steady_clock::now() + k_patience;
+        while (newest_ && !*newest_) {
+            require(std::chrono::steady_clock::now() < deadline);
+            std::this_thread::yield();
+        }
     }
 
     void require_service() {
@@ -97,6 +108,7 @@ class World {
     std::string path_ = utilities::get_static_tmp_dir() + "/socket";
     Client_states_impl server_{"kOn", [](auto const&, auto, auto const&) {}, path_};
     utilities::Socket good_;
+    std::shared_ptr<std::atomic<bool>> newest_;
 };
 
 }  // namespace

@@ -1,0 +1,175 @@
+// The arguments of a log message: any bytes are taken apart without harm, and what was encoded comes back as it was, or
+// cut, and then the message says so.
+//
+// A script of arguments: a byte for the kind, and the bytes that it needs.
+//
+//     0 boolean   1 to 8 a number of 8 to 64 bits, unsigned or signed   9 text: count, bytes   10 bytes: count, bytes
+#include "ara/log/argument_decoder.h"
+#include "ara/log/argument_encoder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+using ara::log::Argument;
+using ara::log::Argument_encoder;
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+/// Encodes what a script says, and keeps what was meant.
+class Script {
+ public:
+    Script(std::uint8_t const* data, std::size_t size) : next_(data), end_(data + size) {}
+
+    void play() {
+        while (next_ != end_) {
+            step();
+        }
+        encoder.finish();
+    }
+
+    Argument_encoder encoder;
+    std::vector<Argument> meant;
+
+ private:
+    void step() {
+        switch (take<std::uint8_t>() % 11) {
+            case 0:
+                return add_bool((take<std::uint8_t>() & 1U) != 0);
+            case 1:
+                return add_number<std::uint64_t>(take<std::uint8_t>());
+            case 2:
+                return add_number<std::uint64_t>(take<std::uint16_t>());
+            case 3:
+                return add_number<std::uint64_t>(take<std::uint32_t>());
+            case 4:
+                return add_number<std::uint64_t>(take<std::uint64_t>());
+            case 5:
+                return add_number<std::int64_t>(take<std::int8_t>());
+            case 6:
+                return add_number<std::int64_t>(take<std::int16_t>());
+            case 7:
+                return add_number<std::int64_t>(take<std::int32_t>());
+            case 8:
+                return add_number<std::int64_t>(take<std::int64_t>());
+            case 9:
+                return add_text(take_bytes());
+            default:
+                return add_bytes(take_bytes());
+        }
+    }
+
+    void add_bool(bool value) {
+        encoder.add_bool(value);
+        meant.emplace_back(value);
+    }
+    template <class Wide, class Number>
+    void add_number(Number value) {
+        encoder.add_number(value);
+        meant.emplace_back(static_cast<Wide>(value));
+    }
+    void add_text(std::string const& text) {
+        encoder.add_text(text);
+        meant.emplace_back(text);
+    }
+    void add_bytes(std::string const& bytes) {
+        std::vector<std::uint8_t> const octets(bytes.begin(), bytes.end());
+        encoder.add_bytes(octets.data(), octets.size());
+        meant.emplace_back(octets);
+    }
+
+    template <class Value>
+    Value take() {
+        Value value{};
+        auto const count = std::min<std::size_t>(sizeof value, static_cast<std::size_t>(end_ - next_));
+        std::memcpy(&value, next_, count);
+        next_ += count;
+        return value;
+    }
+    // Up to sixteen times as long as the script says, so that short scripts fill a message.
+    std::string take_bytes() {
+        auto const size = take<std::uint8_t>();
+        auto const count = std::min<std::size_t>(size, static_cast<std::size_t>(end_ - next_));
+        std::string const bytes(next_, next_ + count);
+        next_ += count;
+        std::string all;
+        for (unsigned times = 0; times <= size % 16U; ++times) {
+            all += bytes;
+        }
+        return all;
+    }
+
+    std::uint8_t const* next_;
+    std::uint8_t const* end_;
+};
+
+std::size_t bytes_in(Argument const& argument) {
+    if (auto const* const text = std::get_if<std::string>(&argument)) {
+        return text->size();
+    }
+    auto const* const bytes = std::get_if<std::vector<std::uint8_t>>(&argument);
+    return bytes != nullptr ? bytes->size() : 0;
+}
+
+bool is_empty(Argument const& argument) {
+    return argument == Argument(std::string()) || argument == Argument(std::vector<std::uint8_t>());
+}
+
+// Whether one is the beginning of the other.
+bool begins(Argument const& part, Argument const& whole) {
+    if (auto const* const text = std::get_if<std::string>(&part)) {
+        auto const* const all = std::get_if<std::string>(&whole);
+        return all != nullptr && all->compare(0, text->size(), *text) == 0;
+    }
+    auto const* const bytes = std::get_if<std::vector<std::uint8_t>>(&part);
+    auto const* const all = std::get_if<std::vector<std::uint8_t>>(&whole);
+    return bytes != nullptr && all != nullptr && bytes->size() <= all->size() &&
+           std::equal(bytes->begin(), bytes->end(), all->begin());
+}
+
+void require_that_what_was_encoded_comes_back(std::uint8_t const* data, std::size_t size) {
+    Script script(data, size);
+    script.play();
+    require(script.encoder.size() <= Argument_encoder::k_capacity);
+    auto decoded = ara::log::decode_arguments(script.encoder.data(), script.encoder.size());
+    require(decoded.size() == script.encoder.count());
+    ara::log::to_text(decoded);
+    if (decoded == script.meant || decoded.empty()) {
+        return require(decoded == script.meant);
+    }
+    auto const* const note = std::get_if<std::string>(&decoded.back());
+    require(note != nullptr && note->size() > 12 && note->front() == '[' &&
+            note->compare(note->size() - 11, 11, " bytes cut]") == 0);
+    decoded.pop_back();
+    auto meant = script.meant.begin();
+    for (auto const& argument : decoded) {
+        // An empty one that has no room leaves nothing to be told of.
+        while (meant != script.meant.end() && argument != *meant && is_empty(*meant)) {
+            ++meant;
+        }
+        require(meant != script.meant.end());
+        require(argument == *meant || (&argument == &decoded.back() && begins(argument, *meant)));
+        ++meant;
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    std::vector<char> const bytes(data, data + size);
+    std::size_t carried = 0;
+    for (auto const& argument : ara::log::decode_arguments(bytes.data(), bytes.size())) {
+        carried += bytes_in(argument);
+    }
+    require(carried <= size);
+    require_that_what_was_encoded_comes_back(data, size);
+    return 0;
+}
