@@ -3,6 +3,7 @@
 #include "statemanager/service_handler/nm_interface.h"
 #include "statemanager/service_handler/service_handler.h"
 #include "statemanager/services/state_manager_com_alive_interface.h"
+#include "statemanager/states/prepared_sd_state.h"
 #include "tarq/udpnm/interface/network_state_interface_skeleton.h"
 #include "tarq/udpnm/interface/user_data_interface_skeleton.h"
 #include "told/told.h"
@@ -127,6 +128,20 @@ TEST_F(Services_in_one_process, A_call_to_what_was_withdrawn_fails) {
     sut->deinit();
 
     EXPECT_THROW(door.RequestAlive().get(), tarq::com::Service_not_available_exception);
+}
+
+// Here a message is told at once.
+TEST(A_state_in_one_process, Sets_the_flag_of_the_fast_shutdown_before_it_tells_why) {
+    using ximo::ap::statemanager::states::State_interface;
+    static std::vector<bool> flags;
+    told::listen([](told::Line const& line) {
+        if (line.what == "verbose DFLT Transition from PreparedSD to Shutting Down") {
+            flags.push_back(State_interface::get_forced_shutdown_flag());
+        }
+    });
+    ximo::ap::statemanager::states::PreparedSD_state sut(nullptr);
+    sut.check_transition(ximo::ap::statemanager::virtio::Virtio_command::shutdown);
+    EXPECT_THAT(flags, ElementsAre(true));
 }
 
 }  // namespace
