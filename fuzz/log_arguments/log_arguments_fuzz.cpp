@@ -38,6 +38,7 @@ class Script {
 
     Argument_encoder encoder;
     std::vector<Argument> meant;
+    std::size_t bytes{0};  ///< of all that was meant
 
  private:
     void step() {
@@ -69,20 +70,24 @@ class Script {
 
     void add_bool(bool value) {
         encoder.add_bool(value);
+        bytes += sizeof value;
         meant.emplace_back(value);
     }
     template <class Wide, class Number>
     void add_number(Number value) {
         encoder.add_number(value);
+        bytes += sizeof value;
         meant.emplace_back(static_cast<Wide>(value));
     }
     void add_text(std::string const& text) {
         encoder.add_text(text);
+        bytes += text.size();
         meant.emplace_back(text);
     }
-    void add_bytes(std::string const& bytes) {
-        std::vector<std::uint8_t> const octets(bytes.begin(), bytes.end());
+    void add_bytes(std::string const& text) {
+        std::vector<std::uint8_t> const octets(text.begin(), text.end());
         encoder.add_bytes(octets.data(), octets.size());
+        bytes += octets.size();
         meant.emplace_back(octets);
     }
 
@@ -98,11 +103,11 @@ class Script {
     std::string take_bytes() {
         auto const size = take<std::uint8_t>();
         auto const count = std::min<std::size_t>(size, static_cast<std::size_t>(end_ - next_));
-        std::string const bytes(next_, next_ + count);
+        std::string const piece(next_, next_ + count);
         next_ += count;
         std::string all;
         for (unsigned times = 0; times <= size % 16U; ++times) {
-            all += bytes;
+            all += piece;
         }
         return all;
     }
@@ -110,6 +115,27 @@ class Script {
     std::uint8_t const* next_;
     std::uint8_t const* end_;
 };
+
+// The bytes of values that an encoded message carries: all without the type and length of each, and the ends of texts.
+std::size_t carried_by(char const* data, std::size_t size) {
+    std::size_t carried = 0;
+    for (auto const* next = data; next != data + size;) {
+        std::uint32_t info = 0;
+        std::memcpy(&info, next, sizeof info);
+        next += sizeof info;
+        std::size_t length = std::size_t{1} << ((info & 15U) - 1) % 4;
+        bool const is_text = (info & ara::log::type_info::k_string) != 0;
+        if (is_text || (info & ara::log::type_info::k_raw) != 0) {
+            std::uint16_t told = 0;
+            std::memcpy(&told, next, sizeof told);
+            next += sizeof told;
+            length = told;
+        }
+        carried += is_text ? length - 1 : length;
+        next += length;
+    }
+    return carried;
+}
 
 std::size_t bytes_in(Argument const& argument) {
     if (auto const* const text = std::get_if<std::string>(&argument)) {
@@ -148,6 +174,8 @@ void require_that_what_was_encoded_comes_back(std::uint8_t const* data, std::siz
     auto const* const note = std::get_if<std::string>(&decoded.back());
     require(note != nullptr && note->size() > 12 && note->front() == '[' &&
             note->compare(note->size() - 11, 11, " bytes cut]") == 0);
+    auto const carried = carried_by(script.encoder.data(), script.encoder.size()) - note->size();
+    require(note->substr(1, note->size() - 12) == std::to_string(script.bytes - carried));
     decoded.pop_back();
     auto meant = script.meant.begin();
     for (auto const& argument : decoded) {
