@@ -58,6 +58,9 @@ class FindServiceHandle {
     std::shared_ptr<Lookup> lookup_;
 };
 
+/// The same with the lookup's own handle, by which it is stopped from within.
+using FindServiceHandlerWithHandle = std::function<void(ServiceHandleContainer, FindServiceHandle)>;
+
 }  // namespace ara::com
 
 #endif

@@ -3,6 +3,7 @@
 
 #include "ara/com/binding.h"
 #include "ara/com/find_service.h"
+#include "ara/com/named_lookup.h"
 
 #include <memory>
 #include <utility>
@@ -22,6 +23,19 @@ class Proxy {
     /// Starts a lookup that reports to the handler until it is stopped. Throws `tarq::com::Infrastructure_exception`.
     static FindServiceHandle StartFindService(FindServiceHandler handler, InstanceSpecifier const& wanted) {
         return FindServiceHandle(binding()->find(k_type, wanted, std::move(handler)));
+    }
+
+    static FindServiceHandle StartFindService(FindServiceHandlerWithHandle handler, InstanceSpecifier const& wanted) {
+        auto const name = std::make_shared<Named_lookup>();
+        auto const lookup =
+            StartFindService(FindServiceHandler([name, handler = std::move(handler)](ServiceHandleContainer found) {
+                                 if (!name->is_stopped()) {
+                                     handler(std::move(found), FindServiceHandle(name));
+                                 }
+                             }),
+                             wanted);
+        name->name(lookup.lookup());
+        return lookup;
     }
 
     /// Ends a lookup and waits for its report that runs, except when that is the caller. May be repeated.
