@@ -17,6 +17,7 @@ Add_command add_com_alive_command;
 Add_command add_cwu_command;
 Add_command add_holds_command;
 Add_command add_explain_command;
+Add_command add_hold_command;
 Add_command add_restart_command;
 Add_command add_services_command;
 Add_command add_status_command;

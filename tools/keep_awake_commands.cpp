@@ -1,5 +1,4 @@
-#include "base/hex.h"
-#include "services/user_data_names.h"
+#include "tools/cab_options.h"
 #include "tools/commands.h"
 #include "tools/service_call.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
@@ -8,8 +7,6 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace statectl {
 
@@ -17,21 +14,7 @@ namespace {
 
 namespace proxies = ximo::ap::statemanager::proxy;
 
-struct Keep_awake_options : Call_options {
-    std::string bits;
-    std::vector<unsigned> cabs;
-    std::uint8_t ac_number = 0;
-};
-
-/// The bits of both options together.
-services::Octets cab_bits(Keep_awake_options const& options) {
-    auto bits = base::from_hex(options.bits).value_or(services::Octets());
-    for (auto const cab : options.cabs) {
-        bits.resize(std::max<std::size_t>(bits.size(), cab / 8 + 1));
-        bits[cab / 8] = static_cast<std::uint8_t>(bits[cab / 8] | 1U << cab % 8);
-    }
-    return bits;
-}
+struct Keep_awake_options : Call_options, Cab_options {};
 
 /// A subcommand of `service` with the options that all calls have.
 template <class Action_of>
@@ -42,20 +25,6 @@ CLI::App* add_call(CLI::App& service, char const* name, char const* description,
     add_call_options(*command, *options);
     command->callback([options, &chosen, action] { chosen = [options, action] { return action(*options); }; });
     return command;
-}
-
-void add_cab_options(CLI::App& command, Keep_awake_options& options) {
-    constexpr unsigned k_highest_cab = 8 * 1024 - 1;
-    command.add_option("--bits", options.bits, "CAB bits as hexadecimal bytes, e.g. \"00 00 01\"")
-        ->check([](std::string const& text) { return base::from_hex(text) ? "" : "not hexadecimal bytes: " + text; });
-    command.add_option("--cab", options.cabs, "Number of a CAB bit, from 0; may be repeated")
-        ->check(CLI::Range(0U, k_highest_cab));
-}
-
-void add_ac_option(CLI::App& command, Keep_awake_options& options) {
-    command.add_option("--ac", options.ac_number, "Number of the AC bit, 1 to 16; 0 for none")
-        ->check(CLI::Range(0, 255))
-        ->capture_default_str();
 }
 
 int request_alive(Keep_awake_options const& options) {

@@ -55,6 +55,27 @@ void answers_state(Scene& scene) {
     }
 }
 
+// A machine whose clients fail suspends and resumes all the same: nobody but this rule would notice.
+void require_success(Scene& scene, Peer& peer, std::uint32_t number, std::string const& state) {
+    auto const answer = scene.ask(peer, number, state);
+    if (answer.size() < 3 || answer[2].get_size() < 4 || answer[2].get_uint32() > 3) {
+        throw Not_checkable("its answer has no status (see answer-form)");
+    }
+    if (answer[2].get_uint32() != 0) {
+        throw Broken("asked for " + state + " it answers with status " + std::to_string(answer[2].get_uint32()));
+    }
+}
+
+void prepares(Scene& scene) {
+    auto peer = scene.introduced();
+    require_success(scene, peer, 1, "kPrepSD");
+}
+
+void resumes(Scene& scene) {
+    auto peer = scene.standing_by();
+    require_success(scene, peer, 2, "kOn");
+}
+
 void answers_unknown_state(Scene& scene) {
     auto peer = scene.standing_by();
     scene.ask(peer, 2, "kSomethingElse");
@@ -76,6 +97,8 @@ void answers_once(Scene& scene) {
 
 std::vector<Rule> answer_rules() {
     return {{"answer-form", "answers with number, state and status", answer_form},
+            {"prepares", "succeeds when it is asked for kPrepSD", prepares},
+            {"resumes", "succeeds when it is asked for kOn", resumes},
             {"number", "answers with the number of the request", answers_number},
             {"falling-number", "answers a request with a lower number than the one before", answers_falling_number},
             {"state", "succeeds only in the state that was asked for", answers_state},

@@ -30,6 +30,9 @@ std::vector<std::string> rules_leaning_on(std::string const& rule) {
     if (rule == "answers") {
         return without(all_rules(), {"connects", "waits", "hello", "one-connection", "unasked", "answers", "ends"});
     }
+    if (rule == "answer-form") {
+        return {"prepares", "resumes"};
+    }
     if (rule == "comes-back") {
         return {"keeps-state", "forgets", "forgets-half", "nonsense"};
     }
@@ -82,10 +85,10 @@ std::string name_of_fault(testing::TestParamInfo<char const*> const& tested) {
 
 INSTANTIATE_TEST_SUITE_P(Faults, One_fault,
                          testing::Values("connects", "waits", "hello", "one-connection", "unasked", "answers",
-                                         "answer-form", "number", "falling-number", "state", "unknown-state",
-                                         "same-state", "once", "duplicate", "newest", "slow-bytes", "pause", "late",
-                                         "flood", "comes-back", "keeps-state", "forgets", "forgets-half", "nonsense",
-                                         "stays", "ends"),
+                                         "answer-form", "prepares", "resumes", "number", "falling-number", "state",
+                                         "unknown-state", "same-state", "once", "duplicate", "newest", "slow-bytes",
+                                         "pause", "late", "flood", "comes-back", "keeps-state", "forgets",
+                                         "forgets-half", "nonsense", "stays", "ends"),
                          name_of_fault);
 
 INSTANTIATE_TEST_SUITE_P(Faults, Basic_fault, testing::Values("connects", "answers", "comes-back"), name_of_fault);

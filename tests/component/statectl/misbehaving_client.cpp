@@ -184,8 +184,12 @@ class Misbehaving_client {
         }
         state_ = has("state") ? "kOn" : request.state;
         auto const number = has("number") ? request.number % 65'536 : request.number;
+        bool const fails =
+            (has("prepares") && request.state == "kPrepSD") || (has("resumes") && request.state == "kOn");
         last_answer_ = {Type_length_value(number), Type_length_value(state_),
-                        Type_length_value(has("answer-form") ? 9U : 0U)};
+                        Type_length_value(has("answer-form") ? 9U
+                                          : fails            ? 1U
+                                                             : 0U)};
         utilities::send_type_length_values(socket_, last_answer_);
         if (has("once")) {
             utilities::send_type_length_values(socket_, last_answer_);

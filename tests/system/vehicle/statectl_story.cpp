@@ -1,6 +1,9 @@
 #include "bench/tour/tour.h"
 #include "story.h"
 
+#include <csignal>
+
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace bench::vehicle {
@@ -50,6 +53,92 @@ TEST_F(Statectl, Keeps_the_machine_awake) {
     ASSERT_TRUE(sees(Kind::state_word, "postrun"));
     EXPECT_EQ(statectl({"ecu-alive", "release", "2"}).status, 0);
     EXPECT_TRUE(sees(Kind::state_word, "shuttingdown"));
+}
+
+/// `hold` with a command that ends once /tmp/gate is written to.
+class Holding : public Statectl {
+ protected:
+    Holding() {
+        configuration.merge_patch({{"ap_statemanager", {{"KnockOutTimer", 1'000'000}}}});
+        ::mkfifo("/tmp/gate", 0600);
+    }
+
+    std::unique_ptr<Child_process> hold() {
+        start_and_run();
+        auto process = std::make_unique<Child_process>(
+            std::vector<std::string>{VEHICLE_BUILD "/tools/ap_statectl", "hold", "ecu-alive", "2", "--", "sh", "-c",
+                                     "echo $$; read -r line </tmp/gate; exit 7"},
+            std::vector<std::string>{});
+        std::string number;
+        for (char byte = 0; byte != '\n' && ::read(process->output(), &byte, 1) == 1;) {
+            number += byte;
+        }
+        command = std::stoi(number);
+        return process;
+    }
+    static void open_gate() { std::ofstream("/tmp/gate") << "go" << std::endl; }
+
+    bool sees_new_log(std::string const& text) {
+        auto const position = machine->await(Kind::log, text, seen_);
+        seen_ = position.value_or(seen_) + 1;
+        return position.has_value();
+    }
+    bool is_requested() { return sees_new_log("State_manager::ecu_alive_request:  2"); }
+    bool is_released() { return sees_new_log("State_manager::ecu_alive_release:  2"); }
+
+    pid_t command = 0;
+
+ private:
+    std::size_t seen_ = 0;
+};
+
+TEST_F(Holding, Keeps_the_machine_awake_until_its_command_ends_and_has_its_status) {
+    auto const process = hold();
+    EXPECT_TRUE(is_requested());
+    machine->press("n");
+    ASSERT_TRUE(sees(Kind::state_word, "postrun"));
+    open_gate();
+    EXPECT_EQ(process->wait(Player::k_patience), 7);
+    EXPECT_TRUE(is_released());
+    EXPECT_TRUE(sees(Kind::state_word, "shuttingdown"));
+    EXPECT_TRUE(ends_with(0));
+}
+
+TEST_F(Holding, Releases_what_a_killed_command_held) {
+    auto const process = hold();
+    EXPECT_TRUE(is_requested());
+    ::kill(command, SIGKILL);
+    EXPECT_EQ(process->wait(Player::k_patience), 128 + SIGKILL);
+    EXPECT_TRUE(is_released());
+}
+
+TEST_F(Holding, Outlives_ap_statectl_and_not_the_command) {
+    auto const process = hold();
+    EXPECT_TRUE(is_requested());
+    process->signal(SIGKILL);
+    process->wait(Player::k_patience);
+    EXPECT_EQ(::kill(command, 0), 0);
+    open_gate();
+    EXPECT_TRUE(is_released());
+}
+
+TEST_F(Holding, Asks_again_after_a_restart_of_the_daemon) {
+    auto const process = hold();
+    EXPECT_TRUE(is_requested());
+    machine->signal_daemon(SIGTERM);
+    ASSERT_TRUE(ends_with(0));
+    start();
+    EXPECT_TRUE(is_requested());
+    process->signal(SIGTERM);  // which reaches the command
+    EXPECT_EQ(process->wait(Player::k_patience), 128 + SIGTERM);
+    EXPECT_TRUE(is_released());
+}
+
+TEST_F(Holding, Runs_no_command_when_the_instance_is_not_offered) {
+    start_and_run();
+    auto const result = statectl({"hold", "cwu", "nobody", "--wait", "50", "--", "echo", "started"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
 }
 
 TEST_F(Statectl, Holds_bits_and_gives_them_back) {
