@@ -239,15 +239,26 @@ Verdict Sweep::lead(Life const& life, std::vector<Fault> const& faults) {
     auto const of_engine =
         std::any_of(faults.begin(), faults.end(), [this](Fault const& fault) { return is_of_engine(site_of(fault)); });
     auto const verdict = one.lead(may_be_stopped, of_engine);
-    do {
-        report_ = read_report(k_report);
-    } while (report_.watcher == 0 && (std::this_thread::sleep_for(std::chrono::milliseconds(1)), true));
+    await_report();
     ::waitpid(report_.watcher, nullptr, 0);
     bool const is_as_before = verdict.outcome == Outcome::as_ever || verdict.outcome == Outcome::stopped;
     if (!is_as_before || ++lives_of_machine_ >= k_lives_of_a_machine) {
         machine_.reset();
     }
     return verdict;
+}
+
+// The daemon has ended, so its watcher has nothing left to do but write.
+void Sweep::await_report() {
+    auto const end = steady_clock::now() + std::chrono::minutes(1);
+    report_ = read_report(k_report);
+    while (report_.watcher == 0) {
+        if (steady_clock::now() > end) {
+            throw std::runtime_error("The watcher of a daemon has gone without a report");
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        report_ = read_report(k_report);
+    }
 }
 
 // A machine serves for several lives, unless one has left something behind.

@@ -52,6 +52,7 @@ class Sweep {
     void add_trials(Life const& life, Site const& site, std::vector<std::pair<unsigned, Trial>>& trials) const;
     void add_pairs(std::vector<Trial>& trials);
     void take(Trial const& trial);
+    void await_report();
     Verdict lead(Life const& life, std::vector<Fault> const& faults);
     bench::vehicle::Vehicle& machine_for(Life const& life);
     void reset_network(bench::vehicle::Vehicle& machine) const;

@@ -29,6 +29,11 @@ using Listener = std::unique_ptr<dds_listener_t, Listener_deleter>;
     (*static_cast<Matched_handler const*>(handler))();
 }
 
+// Nothing can be thrown through the engine, which would keep its locks.
+void tell_of_no_memory() {
+    ara::log::LogError() << "no memory for what has arrived";
+}
+
 dds_entity_t make_publisher(Participant& participant, Channel const& channel) {
     return dds_create_publisher(participant.entity(), partition_quality(channel.partition).get(), nullptr);
 }
@@ -105,14 +110,19 @@ Entity Reader::make_own_topic(Participant& participant) {
 }
 
 [[gnu::no_sanitize_thread]] bool Reader::is_admitted(void const* sample, dds_sample_info_t const* info, void* self) {
-    return static_cast<Reader const*>(self)->admits_(sample, info->publication_handle);
+    try {
+        return static_cast<Reader const*>(self)->admits_(sample, info->publication_handle);
+    } catch (std::bad_alloc const&) {
+        tell_of_no_memory();
+        return false;
+    }
 }
 
 [[gnu::no_sanitize_thread]] void Reader::on_data(dds_entity_t reader, void* self) {
     try {
         static_cast<Reader const*>(self)->take(reader);
     } catch (std::bad_alloc const&) {
-        ara::log::LogError() << "no memory for what has arrived";  // nothing can be thrown through the engine
+        tell_of_no_memory();
     }
 }
 
