@@ -1,0 +1,152 @@
+#include "status/page_file.h"
+
+#include "base/temporary_directory.h"
+#include "status/driver_status.h"
+#include "status/page_writer.h"
+#include "tools/page/page_view.h"
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace status {
+namespace {
+
+namespace fs = std::filesystem;
+using statectl::No_page;
+using statectl::Page_view;
+
+Facts const k_facts{"/nowhere/ap_statemanager.json", 100, 3, true};
+
+class Status_page_file : public testing::Test {
+ protected:
+    static bool can_be_written(std::string const& where) { return Page_file(where, k_facts).is_written(); }
+
+    /// What the reader says of what is at the path.
+    std::string refusal() const {
+        try {
+            Page_view const view(path);
+            return "";
+        } catch (No_page const& error) {
+            return error.what();
+        }
+    }
+
+    /// Lays the bytes of a good page at the path, changed.
+    void lay(std::function<void(std::vector<std::uint64_t>& words)> const& change) const {
+        { Page_file const file(path, k_facts); }
+        std::vector<std::uint64_t> words(sizeof(Page) / sizeof(std::uint64_t));
+        std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(words.data()), sizeof(Page));
+        change(words);
+        fs::remove(path);
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<char const*>(words.data()),
+                   static_cast<std::streamsize>(words.size() * sizeof(std::uint64_t)));
+    }
+
+    base::Temporary_directory directory;
+    std::string path{directory.path().string() + "/status/page"};
+};
+
+TEST_F(Status_page_file, Is_made_whole_with_what_is_known_at_the_start) {
+    Page_file const file(path, k_facts);
+    ASSERT_TRUE(file.is_written());
+    auto const page = Page_view(path).snapshot();
+    EXPECT_TRUE(page.is_alive);
+    EXPECT_FALSE(page.is_half_written);
+    EXPECT_EQ(page.life.pid, static_cast<std::uint64_t>(::getpid()));
+    EXPECT_EQ(page.life.number, 1U);
+    EXPECT_EQ(page.life.period_ms, 100U);
+    EXPECT_EQ(page.life.nm_usage, 1U);
+    EXPECT_EQ(statectl::text_of(page.life.configuration), k_facts.configuration);
+    EXPECT_EQ(page.life.digest, 0U);
+    struct stat about {};
+    ASSERT_EQ(::stat(path.c_str(), &about), 0);
+    EXPECT_GE(static_cast<std::size_t>(about.st_blocks) * 512, sizeof(Page)) << "all its space is there";
+    EXPECT_EQ(about.st_mode & 0777U & ~0640U, 0U);
+    EXPECT_EQ(fs::exists(path + ".new"), false);
+}
+
+TEST_F(Status_page_file, Tells_configurations_apart_by_their_bytes) {
+    auto const configuration = directory.path().string() + "/configuration";
+    auto const digest = [&](std::string const& text) {
+        std::ofstream(configuration) << text;
+        Page_file const file(path, {configuration, 100, 3, true});
+        return Page_view(path).snapshot().life.digest;
+    };
+    EXPECT_EQ(digest(""), 0xcbf29ce484222325U);
+    EXPECT_EQ(digest("a"), 0xaf63dc4c8601ec8cU);
+}
+
+TEST_F(Status_page_file, Stays_when_its_writer_has_gone_and_is_the_previous_one_then) {
+    { Page_file const first(path, k_facts); }
+    EXPECT_FALSE(Page_view(path).snapshot().is_alive);
+    Page_file const second(path, k_facts);
+    EXPECT_EQ(Page_view(path).snapshot().life.number, 2U);
+    EXPECT_EQ(Page_view(path + k_previous).snapshot().life.number, 1U);
+}
+
+TEST_F(Status_page_file, Belongs_to_one_writer) {
+    Page_file const first(path, k_facts);
+    auto const* const written = page();
+    EXPECT_FALSE(can_be_written(path));
+    EXPECT_EQ(page(), written);
+    EXPECT_FALSE(fs::exists(path + k_previous));
+}
+
+TEST_F(Status_page_file, Leaves_a_reader_of_the_life_before_with_what_he_has) {
+    auto first = std::make_unique<Page_file>(path, k_facts);
+    Page_view const view(path);
+    EXPECT_FALSE(view.is_outdated());
+    first.reset();
+    Page_file const second(path, k_facts);
+    EXPECT_TRUE(view.is_outdated());
+    EXPECT_EQ(view.snapshot().life.number, 1U);
+    EXPECT_FALSE(view.snapshot().is_alive);
+}
+
+TEST_F(Status_page_file, Is_no_matter_where_it_can_not_be_made) {
+    EXPECT_FALSE(can_be_written(directory.path().string() + "/no/such/page"));
+    std::ofstream(directory.path().string() + "/file") << "in the way";
+    EXPECT_FALSE(can_be_written(directory.path().string() + "/file/page"));
+    fs::create_directories(path + ".new/full");
+    EXPECT_FALSE(can_be_written(path));
+    fs::remove_all(path + ".new");
+    fs::remove(path + k_lock);
+    fs::create_directory(path + k_lock);
+    EXPECT_FALSE(can_be_written(path));
+    EXPECT_EQ(page(), nullptr);
+    beat(true, true);  // goes nowhere
+}
+
+TEST_F(Status_page_file, Waits_for_no_pipe) {
+    fs::create_directories(fs::path(path).parent_path());
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_THAT(refusal(), testing::HasSubstr("no whole status page"));
+    ASSERT_EQ(::mkfifo((path + k_lock).c_str(), 0600), 0);
+    Page_file const file(path, {path, 100, 3, true});
+}
+
+TEST_F(Status_page_file, Is_read_by_those_who_know_its_layout_and_no_others) {
+    EXPECT_THAT(refusal(), testing::HasSubstr("there is no status page"));
+    lay([](auto& words) { words[0] = 0; });
+    EXPECT_THAT(refusal(), testing::HasSubstr("this is no status page"));
+    lay([](auto& words) { words[1] = k_version + 1; });
+    EXPECT_THAT(refusal(), testing::HasSubstr("the page has layout 2, and this program reads layout 1"));
+    lay([](auto& words) { words[2] = 1; });
+    EXPECT_THAT(refusal(), testing::HasSubstr("another size"));
+    lay([](auto& words) { words.resize(words.size() - 1); });
+    EXPECT_THAT(refusal(), testing::HasSubstr("no whole status page"));
+    lay([](auto& words) { words.resize(0); });
+    EXPECT_THAT(refusal(), testing::HasSubstr("no whole status page"));
+    lay([](auto&) {});
+    EXPECT_EQ(refusal(), "");
+}
+
+}  // namespace
+}  // namespace status

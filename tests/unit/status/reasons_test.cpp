@@ -1,0 +1,156 @@
+#include "tools/page/reasons.h"
+
+#include "status/rows.h"
+#include "tools/page/words.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace statectl {
+namespace {
+
+using status::State;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr Number k_s = 1'000'000'000;
+
+template <std::size_t bytes>
+void put(status::Text<Number, bytes>& place, std::string const& text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        place.words[i / 8] |= Number{static_cast<std::uint8_t>(text[i])} << 8 * (i % 8);
+    }
+}
+
+/// A page of a daemon that is well, 100 s after the boot, in a state.
+Snapshot page_in(State state) {
+    Snapshot page;
+    page.now = 100 * k_s;
+    page.is_alive = true;
+    page.life.number = 1;
+    page.life.nm_usage = 1;
+    page.life.period_ms = 100;
+    page.driver.beat = page.now;
+    page.driver.devices = 1;
+    page.driver.state = static_cast<Number>(state);
+    page.driver.condition = static_cast<Number>(status::condition_of(page.driver.state));
+    return page;
+}
+
+std::string sentence(std::vector<Reason> const& reasons, std::string const& code) {
+    for (auto const& reason : reasons) {
+        if (reason.code == code) {
+            return reason.text;
+        }
+    }
+    return "no " + code;
+}
+
+TEST(Reasons, Have_a_sentence_for_each_state) {
+    for (Number state = 0; state < 8; ++state) {
+        auto const reasons = reasons_of(page_in(static_cast<State>(state)));
+        ASSERT_EQ(reasons.size(), 1U) << state;
+        EXPECT_NE(reasons[0].code, "unknown") << state;
+    }
+    EXPECT_EQ(reasons_of(page_in(static_cast<State>(8)))[0].code, "unknown");
+}
+
+TEST(Reasons, Of_the_network_are_its_reports) {
+    auto page = page_in(State::nm_controlled);
+    EXPECT_THAT(sentence(reasons_of(page), "network-silent"), HasSubstr("not reported"));
+    page.network.reports = 2;
+    page.network.reported_at = 98 * k_s;
+    page.network.state.length = 3;
+    page.network.state.bytes.words[0] = 0x010007;
+    EXPECT_EQ(sentence(reasons_of(page), "network-needed"),
+              "the network is needed by CAB 0, CAB 1, CAB 2, ECU alive (bits 07 00 01), as reported 2.0 s ago");
+    page.network.ecu_state = 1;
+    EXPECT_EQ(sentence(reasons_of(page), "network-at-rest-once"),
+              "the network has reported rest once, 2.0 s ago; the ECU may sleep when it does so again");
+}
+
+TEST(Reasons, Of_a_suspend_are_the_clients_that_owe_an_answer) {
+    auto page = page_in(State::preparing);
+    EXPECT_THAT(sentence(reasons_of(page), "next-step"), HasSubstr("the next step follows"));
+    page.server.in_progress = 1;
+    page.server.deadline = 106 * k_s + k_s * 8 / 10;
+    page.server.unanswered = 1;
+    put(page.server.mode, "kPrepSD");
+    status::Client<Number> radio{};
+    radio.answer = static_cast<Number>(status::Answer::open);
+    radio.asked_at = 97 * k_s - k_s / 5;
+    put(radio.name, "radio");
+    page.clients.push_back(radio);
+    EXPECT_EQ(sentence(reasons_of(page), "client-open"),
+              "\"radio\" has 6.8 s left to answer kPrepSD (asked 3.2 s ago; has never answered before)");
+    status::Name<Number> name{};
+    name.in_time = 2;
+    name.total = 2 * k_s / 5;
+    put(name.name, "radio");
+    page.names.push_back(name);
+    EXPECT_THAT(sentence(reasons_of(page), "client-open"), HasSubstr("usually answers in 0.2 s"));
+    page.server.unanswered = 3;
+    EXPECT_EQ(sentence(reasons_of(page), "client-vanished"),
+              "2 of those that were asked left without an answer; their time is over in 6.8 s");
+}
+
+TEST(Reasons, Of_a_command_that_waits_are_told_beside_those_of_the_state) {
+    auto page = page_in(State::running);
+    page.driver.blocked = static_cast<Number>(status::Blocked::by_state);
+    page.driver.waiting = 3;
+    page.driver.queue[0] = 1;
+    page.driver.taken_at[0] = 99 * k_s;
+    EXPECT_EQ(sentence(reasons_of(page), "command-blocked"),
+              "the oldest command is \"Run\" (1.0 s ago), which Running never takes; 2 commands wait behind it");
+}
+
+TEST(Troubles, Are_none_of_a_daemon_that_is_well) {
+    EXPECT_THAT(troubles_of(page_in(State::running)), IsEmpty());
+}
+
+TEST(Troubles, Are_told_each_by_its_sentence) {
+    struct Trouble {
+        std::string code;
+        std::function<void(Snapshot& page)> make;
+        std::string text;
+    };
+    for (auto const& trouble : std::vector<Trouble>{
+             {"not-running", [](Snapshot& page) { page.is_alive = false; }, "without a farewell"},
+             {"half-written", [](Snapshot& page) { page.is_half_written = true; }, "half-written"},
+             {"no-beat", [](Snapshot& page) { page.driver.beat = 90 * k_s; }, "the last cycle began 10.0 s ago"},
+             {"no-device", [](Snapshot& page) { page.driver.devices = 0; }, "no command arrives"},
+             {"device-lost", [](Snapshot& page) { page.driver.devices_lost = 1; }, "1 input device(s) failed"},
+             {"word-failed", [](Snapshot& page) { page.driver.word_failed = 1; }, "could not be written"},
+             {"machine-state-failed", [](Snapshot& page) { page.driver.machine_state_failed = 1; }, "did not set"},
+             {"calls-failed", [](Snapshot& page) { page.failed_calls = 2; }, "2 call(s)"},
+             {"server-failed", [](Snapshot& page) { page.server.failures = 1; }, "1 time(s)"},
+             {"restarted", [](Snapshot& page) { page.life.number = 2; }, "life number 2"},
+         }) {
+        auto page = page_in(State::running);
+        trouble.make(page);
+        ASSERT_EQ(troubles_of(page).size(), 1U) << trouble.code;
+        EXPECT_THAT(sentence(troubles_of(page), trouble.code), HasSubstr(trouble.text));
+    }
+}
+
+TEST(Words, Of_spans_are_short) {
+    for (auto const& [span, text] : {std::pair<Number, char const*>{0, "0.0 s"},
+                                     {12'400'000'000, "12.4 s"},
+                                     {59'999'999'999, "59.9 s"},
+                                     {60 * k_s, "1 min 0 s"},
+                                     {3'599 * k_s, "59 min 59 s"},
+                                     {7'800 * k_s, "2 h 10 min"}}) {
+        EXPECT_EQ(span_text(span), text);
+    }
+    EXPECT_EQ(span_text(5, 3), "0.0 s");
+}
+
+TEST(Words, Show_no_bytes_that_a_terminal_would_obey) {
+    EXPECT_EQ(quoted("a\x1b[2Jb\n"), "\"a?[2Jb?\"");
+}
+
+}  // namespace
+}  // namespace statectl

@@ -1,0 +1,223 @@
+#include "base/temporary_directory.h"
+#include "status/driver_status.h"
+#include "status/network_status.h"
+#include "status/page_file.h"
+#include "status/server_status.h"
+#include "status/services_status.h"
+#include "written_page.h"
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace status {
+namespace {
+
+using statectl::text_of;
+using testing::ElementsAre;
+
+class Status_writers : public Written_page {
+ protected:
+    std::vector<std::uint64_t> kinds() const {
+        std::vector<std::uint64_t> all;
+        for (auto const& event : read().events) {
+            all.push_back(event.kind);
+        }
+        return all;
+    }
+
+    static std::uint64_t number(Event_kind kind) { return static_cast<std::uint64_t>(kind); }
+    static std::uint64_t number(Answer answer) { return static_cast<std::uint64_t>(answer); }
+};
+
+TEST_F(Status_writers, Cut_a_text_that_is_too_long_and_tell_texts_apart_by_what_is_left) {
+    Text<Shared_word, 16> place{};
+    for (auto const& [text, left] : {std::pair<std::string, std::string>{"", ""},
+                                     {"a", "a"},
+                                     {"0123456789abcdef", "0123456789abcdef"},
+                                     {"0123456789abcdefg", "0123456789abc..."},
+                                     {std::string(1000, 'x'), "xxxxxxxxxxxxx..."}}) {
+        put(place, text);
+        EXPECT_TRUE(holds(place, text));
+        EXPECT_FALSE(holds(place, "other"));
+        Text<std::uint64_t, 16> const copy{{own(place.words[0]), own(place.words[1])}};
+        EXPECT_EQ(text_of(copy), left);
+    }
+}
+
+TEST_F(Status_writers, Of_the_queue_do_what_the_queue_does) {
+    for (std::uint64_t command : {1U, 2U, 4U}) {
+        key_taken(command);
+    }
+    auto driver = read().driver;
+    EXPECT_EQ(driver.waiting, 3U);
+    EXPECT_THAT(std::vector(driver.queue.begin(), driver.queue.begin() + 4), ElementsAre(1, 2, 4, 0));
+    command_consumed();
+    driver = read().driver;
+    EXPECT_THAT(std::vector(driver.queue.begin(), driver.queue.begin() + 3), ElementsAre(2, 4, 0));
+    queue_cleared();
+    key_taken(5);
+    driver = read().driver;
+    EXPECT_EQ(driver.waiting, 1U);
+    EXPECT_EQ(driver.queue[0], 5U);
+    EXPECT_EQ(driver.keys_cleared, 2U);
+    command_consumed();
+    command_consumed();
+    EXPECT_EQ(read().driver.waiting, 0U);
+}
+
+TEST_F(Status_writers, Of_a_queue_that_is_longer_than_the_page_count_what_they_do_not_tell) {
+    for (std::uint64_t i = 0; i < k_queue + 5; ++i) {
+        key_taken(i % 2 + 1);
+    }
+    for (std::uint64_t i = 0; i < k_queue + 4; ++i) {
+        command_consumed();
+    }
+    EXPECT_EQ(read().driver.waiting, 1U);
+    EXPECT_EQ(read().driver.queue[0], 0U);
+}
+
+TEST_F(Status_writers, Tell_of_a_client_what_became_of_its_request) {
+    auto const deadline = std::chrono::steady_clock::now();
+    client_connected(7, "radio");
+    client_connected(8, "navigation");
+    client_connected(9, "gone");
+    request_began("kPrepSD", deadline);
+    for (int const connection : {7, 8, 9}) {
+        client_asked(connection);
+    }
+    client_answered(7, "kPrepSD", 0);
+    client_left(9);
+    auto page = read();
+    EXPECT_EQ(page.server.asked, 3U);
+    EXPECT_EQ(page.server.unanswered, 2U) << "the one that left is waited for";
+    EXPECT_EQ(page.server.clients, 2U);
+    request_ended(Answer::timed_out);
+    client_answered(8, "kPrepSD", 2);
+    client_answered(8, "kPrepSD", 2);  // no request is left that it could belong to
+    page = read();
+    ASSERT_EQ(page.clients.size(), 2U);
+    EXPECT_EQ(page.clients[0].answer, number(Answer::in_time));
+    EXPECT_EQ(page.clients[1].answer, number(Answer::late));
+    EXPECT_EQ(page.clients[1].status, 2U);
+    EXPECT_THAT(kinds(), ElementsAre(number(Event_kind::client_connected), number(Event_kind::client_connected),
+                                     number(Event_kind::client_connected), number(Event_kind::client_answered),
+                                     number(Event_kind::client_vanished), number(Event_kind::client_timed_out),
+                                     number(Event_kind::request_ended), number(Event_kind::client_late)));
+    for (auto const& name : page.names) {
+        auto const text = text_of(name.name);
+        EXPECT_EQ(name.asked, 1U) << text;
+        EXPECT_EQ(name.in_time, text == "radio" ? 1U : 0U) << text;
+        EXPECT_EQ(name.late, text == "navigation" ? 1U : 0U) << text;
+        EXPECT_EQ(name.vanished, text == "gone" ? 1U : 0U) << text;
+        EXPECT_EQ(name.connections, text == "gone" ? 0U : 1U) << text;
+    }
+}
+
+TEST_F(Status_writers, Call_a_request_replaced_that_a_newer_one_found_open) {
+    client_connected(7, "radio");
+    request_began("kPrepSD", std::chrono::steady_clock::now());
+    client_asked(7);
+    request_began("kOn", std::chrono::steady_clock::now());
+    EXPECT_EQ(read().clients.at(0).answer, number(Answer::replaced));
+    client_answered(7, "kPrepSD", 0);
+    EXPECT_EQ(read().names.at(0).in_time + read().names.at(0).late, 0U);
+}
+
+TEST_F(Status_writers, Count_clients_and_names_for_which_there_is_no_room) {
+    for (int connection = 0; connection < 1'003; ++connection) {
+        client_connected(connection, "client " + std::to_string(connection));
+    }
+    EXPECT_EQ(read().clients.size(), k_clients);
+    EXPECT_EQ(read().server.clients_untold, 3U);
+    client_left(0);
+    client_connected(5'000, "one more name");
+    client_answered(5'000, "kOn", 0);
+    EXPECT_EQ(read().server.names_untold, 1U);
+    EXPECT_EQ(read().names.size(), k_names);
+}
+
+TEST_F(Status_writers, Forget_all_clients_when_their_server_fails) {
+    client_connected(7, "radio");
+    server_failed();
+    EXPECT_EQ(read().server.clients, 0U);
+    EXPECT_EQ(read().server.failures, 1U);
+    EXPECT_TRUE(read().clients.empty());
+}
+
+TEST_F(Status_writers, Tell_what_an_application_holds_as_long_as_it_does) {
+    provided(Hold::ecu_alive, {"1", "2"});
+    provided(Hold::com_alive, {"1"});
+    ecu_requested("2");
+    com_requested("1", {0x06, 0x00, 0x01}, 9);
+    com_released("1", {0x02});
+    cwu_requested("1", 3);
+    ecu_released("Standby call");  // no application
+    auto page = read();
+    ASSERT_EQ(page.instances.size(), 2U);
+    EXPECT_EQ(page.instances[0].cab, 0x010004U);
+    EXPECT_EQ(page.instances[0].ac, 3U);
+    EXPECT_NE(page.instances[0].since[1], 0U);
+    EXPECT_NE(page.instances[1].since[0], 0U);
+    com_released("1", {0xff, 0xff, 0xff});
+    EXPECT_EQ(read().instances[0].ac, 3U) << "it still wakes the car up";
+    cwu_released("1");
+    ecu_released("2");
+    page = read();
+    EXPECT_EQ(page.instances[0].since[1] + page.instances[0].since[2] + page.instances[1].since[0], 0U);
+    EXPECT_EQ(page.instances[0].ac, 0U);
+    EXPECT_EQ(page.instances[0].releases[1], 2U);
+}
+
+TEST_F(Status_writers, Count_instances_for_which_there_is_no_room) {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < k_instances + 2; ++i) {
+        names.push_back(std::to_string(i));
+    }
+    provided(Hold::ecu_alive, names);
+    EXPECT_EQ(read().instances.size(), k_instances);
+    EXPECT_EQ(read().services.instances_untold, 2U);
+}
+
+TEST_F(Status_writers, Keep_the_newest_events_in_their_order) {
+    for (std::uint64_t i = 0; i < 3 * k_events; ++i) {
+        key_dropped(i);
+        network_state(nullptr, 0);
+    }
+    auto const events = read().events;
+    EXPECT_EQ(events.size(), 2 * (k_events - 1)) << "the oldest of each ring may be overwritten just now";
+    EXPECT_TRUE(std::is_sorted(events.begin(), events.end(), [](auto const& a, auto const& b) { return a.at < b.at; }));
+    EXPECT_EQ(own(written->events), 6 * k_events);
+}
+
+// Without the wake-up the reader sleeps through his whole time as soon as he sleeps at all.
+TEST_F(Status_writers, Wake_a_reader_with_the_next_beat_after_an_event) {
+    static constexpr auto k_long = std::chrono::seconds(20);
+    base::Temporary_directory const directory;
+    Page_file const file(directory.path().string() + "/page", {"", 100, 3, false});
+    statectl::Page_view const view(directory.path().string() + "/page");
+    auto const begin = std::chrono::steady_clock::now();
+    for (auto seen = view.events(); seen < 100; ++seen) {
+        std::thread reader([&view, seen] { view.await_events(seen, k_long); });
+        std::this_thread::yield();
+        key_dropped(1);
+        beat(false, false);
+        reader.join();
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, k_long);
+}
+
+TEST_F(Status_writers, Keep_the_longest_cycle) {
+    beat(false, false);
+    EXPECT_EQ(read().driver.longest, 0U);
+    beat(true, false);
+    auto const page = read();
+    EXPECT_GT(page.driver.longest, 0U);
+    EXPECT_EQ(page.driver.cycles, 2U);
+    EXPECT_EQ(page.driver.prepare_sd, 1U);
+}
+
+}  // namespace
+}  // namespace status
