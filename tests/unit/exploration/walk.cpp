@@ -54,6 +54,7 @@ Walk::Walk(Surroundings const& surroundings, std::string const& status_file, Dri
            Power_off_channel const* power_off_service)
     : surroundings_(surroundings),
       power_off_service_(power_off_service),
+      status_(surroundings.nm_usage),
       machine_(surroundings.nm_usage, status_file, log) {
     if (power_off_service_) {
         power_off_service_->read();
@@ -77,6 +78,7 @@ Action Walk::go(Action const& action) {
             break;
     }
     check_requests();
+    status_.check(point_);
     return done;
 }
 
@@ -103,6 +105,7 @@ void Walk::go_through_cycle(Action& action) {
 void Walk::follow(rules::Row const& row) {
     auto const state = static_cast<unsigned>(row.to);
     check_word(state);
+    status_.check_cause(row);
     if (state == states::k_preparing) {
         point_.notifier.request_standby();
     } else if (state == states::k_resuming) {

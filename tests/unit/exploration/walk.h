@@ -5,6 +5,7 @@
 #include "machine.h"
 #include "point.h"
 #include "power_off_channel.h"
+#include "status_of_walk.h"
 
 #include <optional>
 
@@ -39,6 +40,7 @@ class Walk {
 
     Surroundings surroundings_;
     Power_off_channel const* power_off_service_;
+    Status_of_walk status_;  ///< before the machine, which writes it
     Machine machine_;
     Point point_;
 };
