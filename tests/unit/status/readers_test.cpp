@@ -18,8 +18,6 @@ using statectl::text_of;
 
 class Status_readers : public Written_page {};
 
-constexpr int k_looks = 200;
-
 using Ending = std::atomic<bool>;
 
 // Each writer keeps something true of every moment between two changes.
@@ -98,8 +96,8 @@ TEST_F(Status_readers, See_each_part_as_it_was_at_one_moment_while_all_are_writt
         writers.emplace_back(write, std::cref(is_over));
     }
     auto const look = [this] {
-        for (int i = 0; i < k_looks; ++i) {
-            auto const page = read(400);
+        for (int i = 0; i < LOOKS; ++i) {
+            auto const page = read(100);
             if (!page.is_half_written) {
                 expect_consistent(page);
             }
