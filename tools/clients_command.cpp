@@ -2,9 +2,13 @@
 #include "tools/page/words.h"
 #include "tools/page_commands.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <fstream>
+#include <map>
+#include <memory>
 
 namespace statectl {
 
@@ -51,17 +55,39 @@ std::string row(std::string const& name, std::string const& pid, std::string con
     return line + '\n';
 }
 
-std::string unit_text(Client<Number> const& client) {
-    auto const unit = unit_of(client.pid);
-    return unit.empty() ? user_word(client.uid) : user_word(client.uid) + " " + unit;
+/// Which user each name belongs to, as a file tells: "NAME USER" a line.
+using Owners = std::map<std::string, std::string>;
+
+Owners owners_in(std::string const& path) {
+    Owners owners;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        auto const space = line.find_last_of(" \t");
+        if (!line.empty() && line[0] != '#' && space != std::string::npos) {
+            owners[line.substr(0, line.find_last_not_of(" \t", space) + 1)] = line.substr(space + 1);
+        }
+    }
+    return owners;
 }
 
-std::string clients_text(Snapshot const& page) {
+// The user that the client should be one of; empty when it is, or when nobody says so.
+std::string missing_owner(Owners const& owners, Client<Number> const& client) {
+    auto const owner = owners.find(text_of(client.name));
+    return owner == owners.end() || owner->second == user_word(client.uid) ? "" : owner->second;
+}
+
+std::string user_text(Owners const& owners, Client<Number> const& client) {
+    auto const unit = unit_of(client.pid);
+    auto const owner = missing_owner(owners, client);
+    return user_word(client.uid) + (unit.empty() ? "" : " " + unit) + (owner.empty() ? "" : " (not " + owner + "!)");
+}
+
+std::string clients_text(Snapshot const& page, Owners const& owners) {
     auto text = row("NAME", "PROCESS", "USER", "STATE", "SINCE", "ANSWER",
                     "ASKED IN TIME FAILED LATE TIMED OUT VANISHED  LONGEST  MEAN");
     for (auto const& client : page.clients) {
         auto const name = text_of(client.name);
-        text += row(quoted(name), std::to_string(client.pid), unit_text(client), text_of(client.state),
+        text += row(quoted(name), std::to_string(client.pid), user_text(owners, client), shown(text_of(client.state)),
                     span_text(client.since, page.now), answer_word(client.answer), counts_text(record_of(page, name)));
     }
     for (auto const& name : page.names) {
@@ -76,14 +102,16 @@ std::string clients_text(Snapshot const& page) {
     return text;
 }
 
-json client_json(Snapshot const& page, Client<Number> const& client) {
+json client_json(Snapshot const& page, Client<Number> const& client, Owners const& owners) {
     auto const unit = unit_of(client.pid);
+    auto const owner = missing_owner(owners, client);
     return {
         {"name", text_of(client.name)},
         {"pid", client.pid},
         {"uid", client.uid},
         {"user", user_word(client.uid)},
         {"unit", unit.empty() ? json() : json(unit)},
+        {"should_be", owner.empty() ? json() : json(owner)},
         {"state", text_of(client.state)},
         {"since_s", seconds(page.now > client.since ? page.now - client.since : 0)},
         {"answer", answer_word(client.answer)},
@@ -98,10 +126,10 @@ json name_json(Name<Number> const& name) {
             {"mean_s", seconds(mean_of(name))}};
 }
 
-json clients_json(Snapshot const& page) {
+json clients_json(Snapshot const& page, Owners const& owners) {
     auto clients = json::array();
     for (auto const& client : page.clients) {
-        clients.push_back(client_json(page, client));
+        clients.push_back(client_json(page, client, owners));
     }
     auto names = json::array();
     for (auto const& name : page.names) {
@@ -116,8 +144,13 @@ json clients_json(Snapshot const& page) {
 }  // namespace
 
 void add_clients_command(CLI::App& program, Action& chosen) {
-    add_page_command(program, chosen, "clients", "List the clients of a suspend, and how they have answered",
-                     {clients_text, clients_json});
+    auto const owners = std::make_shared<std::string>();
+    auto& command =
+        add_page_command(program, chosen, "clients", "List the clients of a suspend, and how they have answered",
+                         {[owners](Snapshot const& page) { return clients_text(page, owners_in(*owners)); },
+                          [owners](Snapshot const& page) { return clients_json(page, owners_in(*owners)); }});
+    command.add_option("--owners", *owners, "File of lines \"NAME USER\": whose each name is; others are marked")
+        ->check(CLI::ExistingFile);
 }
 
 }  // namespace statectl

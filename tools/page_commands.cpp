@@ -51,14 +51,15 @@ int show_page(Page_options const& options, Page_show const& show) {
 
 }  // namespace
 
-void add_page_command(CLI::App& program, Action& chosen, char const* name, char const* description,
-                      Page_show const& show) {
+CLI::App& add_page_command(CLI::App& program, Action& chosen, char const* name, char const* description,
+                           Page_show const& show) {
     auto const options = std::make_shared<Page_options>();
     auto* const command = program.add_subcommand(name, description);
     command->add_option("--page", options->path, "The status page's file")->capture_default_str();
     command->add_flag("--json", options->as_json, "Print JSON");
     command->add_flag("--watch", options->watches, "Again with each change, and once a second, until the daemon ends");
     command->callback([options, show, &chosen] { chosen = [options, show] { return show_page(*options, show); }; });
+    return *command;
 }
 
 }  // namespace statectl

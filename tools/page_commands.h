@@ -30,8 +30,8 @@ struct Page_show {
 };
 
 /// Adds a subcommand that shows the page once, or again with each change of it.
-void add_page_command(CLI::App& program, Action& chosen, char const* name, char const* description,
-                      Page_show const& show);
+CLI::App& add_page_command(CLI::App& program, Action& chosen, char const* name, char const* description,
+                           Page_show const& show);
 
 }  // namespace statectl
 

@@ -78,7 +78,7 @@ std::string clients_text(Snapshot const& page) {
     auto text = std::to_string(page.server.clients) + " connected";
     if (page.server.in_progress != 0) {
         text += "; " + std::to_string(page.server.unanswered) + " of " + std::to_string(page.server.asked) +
-                " asked for " + text_of(page.server.mode) + " have not answered, " +
+                " asked for " + shown(text_of(page.server.mode)) + " have not answered, " +
                 span_text(page.now, page.server.deadline) + " left";
     }
     return text;
@@ -91,7 +91,7 @@ std::string daemon_text(Snapshot const& page) {
 }
 
 std::string word_text(Snapshot const& page) {
-    return text_of(page.driver.word) + (page.driver.word_failed != 0 ? ", not written, " : ", written ") +
+    return shown(text_of(page.driver.word)) + (page.driver.word_failed != 0 ? ", not written, " : ", written ") +
            span_text(page.driver.word_at, page.now) + " ago";
 }
 
@@ -109,8 +109,9 @@ std::string status_text(Snapshot const& page) {
     text += row("Held by", holders_text(page));
     text += row("Clients", clients_text(page));
     if (driver.machine_state_at != 0) {
-        text += row("Machine", text_of(driver.machine_state) + (driver.machine_state_failed != 0 ? ", refused" : "") +
-                                   ", asked " + span_text(driver.machine_state_at, page.now) + " ago");
+        text += row("Machine", shown(text_of(driver.machine_state)) +
+                                   (driver.machine_state_failed != 0 ? ", refused" : "") + ", asked " +
+                                   span_text(driver.machine_state_at, page.now) + " ago");
     }
     text += row("Daemon", daemon_text(page));
     for (auto const& trouble : troubles_of(page)) {

@@ -96,7 +96,7 @@ void print(Wait_options const& options, nlohmann::json const& seen) {
     } else if (seen.contains("state")) {
         std::puts(seen.at("state").get<std::string>().c_str());
     } else {
-        std::puts((seen.at("event").get<std::string>() + " " + seen.at("text").get<std::string>()).c_str());
+        std::puts((seen.at("event").get<std::string>() + " " + shown(seen.at("text").get<std::string>())).c_str());
     }
 }
 

@@ -40,12 +40,14 @@ void copy_words(Structure<Shared_word> const& shared, Structure<Number>& copy) {
 template <template <class> class Structure>
 bool copy_section(Structure<Shared_word> const& shared, Structure<Number>& copy, unsigned attempts) {
     for (unsigned attempt = 0; attempt < attempts; ++attempt) {
+        if (attempt > 0) {
+            std::this_thread::sleep_for(k_pause);
+        }
         auto const before = shared.sequence.load(std::memory_order_acquire);
         copy_words(shared, copy);
         if (before % 2 == 0 && shared.sequence.load(std::memory_order_relaxed) == before) {
             return true;
         }
-        std::this_thread::sleep_for(k_pause);
     }
     return false;
 }

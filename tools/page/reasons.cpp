@@ -89,8 +89,9 @@ Reasons ecu_reasons(Snapshot const& page) {
 
 std::string open_text(Snapshot const& page, status::Client<Number> const& client) {
     auto const left = page.server.deadline > page.now ? page.server.deadline - page.now : 0;
-    return client_word(page, client) + " has " + span_text(left) + " left to answer " + text_of(page.server.mode) +
-           " (asked " + span_text(client.asked_at, page.now) + " ago" + usual_text(page, client) + ")";
+    return client_word(page, client) + " has " + span_text(left) + " left to answer " +
+           shown(text_of(page.server.mode)) + " (asked " + span_text(client.asked_at, page.now) + " ago" +
+           usual_text(page, client) + ")";
 }
 
 Reasons client_reasons(Snapshot const& page) {
@@ -193,11 +194,12 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
         troubles.push_back({"device-lost", std::to_string(driver.devices_lost) + " input device(s) failed"});
     }
     if (driver.word_failed != 0) {
-        troubles.push_back({"word-failed", "the state word \"" + text_of(driver.word) + "\" could not be written"});
+        troubles.push_back(
+            {"word-failed", "the state word \"" + shown(text_of(driver.word)) + "\" could not be written"});
     }
     if (driver.machine_state_failed != 0) {
-        troubles.push_back({"machine-state-failed",
-                            "execution management did not set the machine state " + text_of(driver.machine_state)});
+        troubles.push_back({"machine-state-failed", "execution management did not set the machine state " +
+                                                        shown(text_of(driver.machine_state))});
     }
     if (page.failed_calls != 0) {
         troubles.push_back(

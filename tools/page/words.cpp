@@ -140,12 +140,18 @@ std::string span_text(Number from, Number to) {
     return span_text(to > from ? to - from : 0);
 }
 
-std::string quoted(std::string const& name) {
-    std::string text = "\"";
-    for (char const character : name) {
-        text += static_cast<unsigned char>(character) < ' ' || character == '\x7f' ? '?' : character;
+std::string shown(std::string const& text) {
+    auto plain = text;
+    for (char& character : plain) {
+        if (static_cast<unsigned char>(character) < ' ' || character == '\x7f') {
+            character = '?';
+        }
     }
-    return text + '"';
+    return plain;
+}
+
+std::string quoted(std::string const& name) {
+    return '"' + shown(name) + '"';
 }
 
 std::string joined(std::vector<std::string> const& texts) {

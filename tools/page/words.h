@@ -29,8 +29,11 @@ std::string span_text(Number nanoseconds);
 /// From one time to a later one.
 std::string span_text(Number from, Number to);
 
-/// "\"a\", \"b\" and \"c\""
+/// What somebody else has written, without the bytes that a terminal would obey; and the same in quotes.
+std::string shown(std::string const& text);
 std::string quoted(std::string const& name);
+
+/// "a, b and c"
 std::string joined(std::vector<std::string> const& texts);
 
 /// The user's name, or his number.

@@ -238,6 +238,19 @@ TEST_F(Status_page, Tells_a_client_that_answers_late) {
     EXPECT_EQ(name.at("in_time"), 0) << name;
 }
 
+TEST_F(Status_page, Tells_whose_a_client_is_and_marks_one_that_bears_anothers_name) {
+    start_and_run();
+    auto const radio = client("radio");
+    auto const second = client("car radio");
+    std::ofstream("/tmp/owners") << "# name user\nradio root\ncar radio nobody\n";
+    for (auto const& client : told("clients", {"--owners", "/tmp/owners"}).at("clients")) {
+        EXPECT_EQ(client.at("user"), "root");
+        EXPECT_EQ(client.at("pid"), ::getpid());
+        EXPECT_EQ(client.at("should_be"), client.at("name") == "radio" ? json() : json("nobody"));
+    }
+    EXPECT_THAT(statectl({"clients", "--owners", "/tmp/owners"}).output, HasSubstr("root (not nobody!)"));
+}
+
 TEST_F(Status_page, Tells_a_client_that_left_without_an_answer) {
     start_and_run();
     auto radio = std::make_unique<Test_client>(client("radio"));
