@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include <gtest/gtest.h>
+
 namespace test_support {
 
 /// Where an operation stands in the virtual table, 1 being the first after the destructor, which takes two entries. A
@@ -14,6 +16,14 @@ std::size_t virtual_slot(Operation operation) {
     static_assert(sizeof operation >= sizeof distance);
     std::memcpy(&distance, &operation, sizeof distance);
     return (distance & ~std::size_t{1}) / sizeof(void*) - 1;
+}
+
+/// Expects that operations stand one after the other in the virtual table.
+template <class... Operations>
+void expect_slots_from(std::size_t first, Operations... operations) {
+    for (std::size_t const slot : {virtual_slot(operations)...}) {
+        EXPECT_EQ(slot, first++);
+    }
 }
 
 }  // namespace test_support

@@ -10,7 +10,6 @@
 namespace client_state_notifier {
 namespace {
 
-using test_support::virtual_slot;
 using ximo::ap::statemanager::state_notifier::State_notifier_interface;
 
 template <class Enumeration>
@@ -34,15 +33,14 @@ TEST(Callback_statuses, Have_the_numbers_that_the_log_shows) {
 }
 
 TEST(Client_states_interface, Has_its_operations_in_their_order) {
-    EXPECT_EQ(virtual_slot(&Client_states::get_connected_clients), 1U);
-    EXPECT_EQ(virtual_slot(&Client_states::set_default_state), 2U);
-    EXPECT_EQ(virtual_slot(&Client_states::request_state_change), 3U);
+    test_support::expect_slots_from(1, &Client_states::get_connected_clients, &Client_states::set_default_state,
+                                    &Client_states::request_state_change);
 }
 
 TEST(State_notifier_interface, Has_its_operations_in_their_order) {
-    EXPECT_EQ(virtual_slot(&State_notifier_interface::request_standby), 1U);
-    EXPECT_EQ(virtual_slot(&State_notifier_interface::request_resume), 2U);
-    EXPECT_EQ(virtual_slot(&State_notifier_interface::check_request_status), 3U);
+    test_support::expect_slots_from(1, &State_notifier_interface::request_standby,
+                                    &State_notifier_interface::request_resume,
+                                    &State_notifier_interface::check_request_status);
 }
 
 TEST(Log_of_the_notification, Has_one_context_with_its_description) {

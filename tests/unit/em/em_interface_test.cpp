@@ -17,7 +17,6 @@ using ara::exec::Function_group_state_transition;
 using ara::exec::State_client_result;
 using ara::log::LogLevel;
 using test_support::logged;
-using test_support::virtual_slot;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -157,11 +156,10 @@ TEST_F(Em_adapter, Judges_what_it_has_when_the_query_throws) {
 }
 
 TEST(Em_interface_abstract, The_operations_stand_in_the_order_of_the_interface) {
-    std::vector<std::size_t> const slots{
-        virtual_slot(&Em_interface_abstract::request_shutdown), virtual_slot(&Em_interface_abstract::request_running),
-        virtual_slot(&Em_interface_abstract::check_for_running_state),
-        virtual_slot(&Em_interface_abstract::StateClient_SetState), virtual_slot(&Em_interface_abstract::GetState)};
-    EXPECT_THAT(slots, ElementsAre(1, 2, 3, 4, 5));
+    test_support::expect_slots_from(1, &Em_interface_abstract::request_shutdown,
+                                    &Em_interface_abstract::request_running,
+                                    &Em_interface_abstract::check_for_running_state,
+                                    &Em_interface_abstract::StateClient_SetState, &Em_interface_abstract::GetState);
 }
 
 }  // namespace

@@ -95,7 +95,7 @@ class Aggregator_in_any_order : public Aggregator {
         for (auto count = below(3); count > 0; --count) {
             bits.insert(below(2) == 0 ? below(3) : below(64));
         }
-        auto const ac = static_cast<std::uint8_t>(below(19));
+        auto const ac = static_cast<std::uint8_t>(below(20) == 0 ? 255 : below(19));
         switch (below(6)) {
             case 0:
                 sut.request_cab_bits(key, bytes(bits, 8));

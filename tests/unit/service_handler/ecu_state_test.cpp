@@ -10,60 +10,27 @@ namespace {
 using ara::log::LogLevel;
 using test_support::Log_capture;
 using test_support::logged;
-using testing::ElementsAre;
 
 auto const active = logged(LogLevel::kInfo, "Ecu state based on NM activity: active");
 auto const ready_sleep = logged(LogLevel::kInfo, "Ecu state based on NM activity: ready sleep");
 auto const sleep_mode = logged(LogLevel::kInfo, "Ecu state based on NM activity: inactive (sleep mode)");
 
-TEST(Ecu_state_test, Is_awake_before_the_first_report) {
-    EXPECT_FALSE(Ecu_state().in_sleep_mode());
-}
-
-TEST(Ecu_state_test, Sleeps_with_the_second_rest_in_a_row) {
-    Log_capture log;
-    Ecu_state sut;
-
-    sut.update(false);
-    EXPECT_FALSE(sut.in_sleep_mode());
-    sut.update(false);
-    EXPECT_TRUE(sut.in_sleep_mode());
-
-    EXPECT_THAT(log.messages(), ElementsAre(ready_sleep, sleep_mode));
-}
-
-TEST(Ecu_state_test, Stays_asleep_with_every_further_rest) {
-    Ecu_state sut;
-    sut.update(false);
-    sut.update(false);
-    Log_capture log;
-
-    sut.update(false);
-
-    EXPECT_TRUE(sut.in_sleep_mode());
-    EXPECT_THAT(log.messages(), ElementsAre(sleep_mode));
-}
-
-TEST(Ecu_state_test, Counts_anew_after_activity_between_two_rests) {
-    Log_capture log;
-    Ecu_state sut;
-
-    sut.update(false);
-    sut.update(true);
-    sut.update(false);
-    EXPECT_FALSE(sut.in_sleep_mode());
-
-    EXPECT_THAT(log.messages(), ElementsAre(ready_sleep, active, ready_sleep));
-}
-
-TEST(Ecu_state_test, Is_woken_by_activity) {
-    Ecu_state sut;
-    sut.update(false);
-    sut.update(false);
-
-    sut.update(true);
-
-    EXPECT_FALSE(sut.in_sleep_mode());
+// Every course of six reports.
+TEST(Ecu_state_test, Sleeps_from_the_second_rest_in_a_row_until_there_is_activity) {
+    for (unsigned reports = 0; reports < 64; ++reports) {
+        Log_capture log;
+        Ecu_state sut;
+        EXPECT_FALSE(sut.in_sleep_mode());
+        unsigned rests = 0;
+        for (unsigned report = 0; report < 6; ++report) {
+            bool const is_active = (reports >> report & 1U) != 0;
+            sut.update(is_active);
+            rests = is_active ? 0 : rests + 1;
+            EXPECT_EQ(sut.in_sleep_mode(), rests > 1) << reports << " at " << report;
+            EXPECT_EQ(log.messages().back(), rests == 0 ? active : rests == 1 ? ready_sleep : sleep_mode);
+        }
+        EXPECT_EQ(log.messages().size(), 6U);
+    }
 }
 
 }  // namespace

@@ -49,15 +49,5 @@ TEST_F(Network_of_the_states, Sleeps_with_the_second_report_of_rest) {
                     notified("00 10 00 00 "), logged(LogLevel::kInfo, "Ecu state based on NM activity: active")));
 }
 
-TEST_F(Network_of_the_states, Counts_rest_anew_after_activity) {
-    build_and_find();
-
-    network->report({0});
-    network->report({1});
-    network->report({0});
-
-    EXPECT_FALSE(sut->ecu_in_sleep_mode());
-}
-
 }  // namespace
 }  // namespace ximo::ap::statemanager

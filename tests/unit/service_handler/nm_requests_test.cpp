@@ -1,5 +1,6 @@
 #include "udp_nm_fixture.h"
 
+#include <functional>
 #include <stdexcept>
 
 namespace ximo::ap::statemanager {
@@ -69,28 +70,27 @@ TEST_F(Nm_requests, Request_the_network_although_the_user_data_was_never_found) 
     EXPECT_EQ(announced, 0);
 }
 
-TEST_F(Nm_requests, Log_a_failure_of_the_binding_and_go_on) {
+TEST_F(Nm_requests, Log_a_failure_of_the_binding_and_go_on_and_pass_every_other_one_on) {
     find();
-    auto const failed = logged(LogLevel::kError, "infrastructure exception ", "no answer");
-    tarq::com::Infrastructure_exception const failure("no answer");
-
-    next_call_fails(k_network_state, failure);
-    sut->request_network({0x01});
-    EXPECT_THAT(log.messages(), ElementsAre(failed));
-
-    log.clear();
-    next_call_fails(k_network_state, failure);
-    sut->release_network({0x01});
-    EXPECT_THAT(log.messages(), ElementsAre(failed));
-
-    log.clear();
-    next_call_fails(k_user_data, failure);
-    sut->set_user_data({0x80});
-    EXPECT_THAT(log.messages(), ElementsAre(failed));
-
-    EXPECT_THAT(network_state.asked, IsEmpty());
-    sut->request_network({0x02});
-    EXPECT_THAT(network_state.asked, ElementsAre("request 02 "));
+    struct Request {
+        std::string service;
+        std::function<void(std::uint8_t)> make;
+    };
+    for (auto const& [service, make] : {Request{k_network_state, [this](auto bits) { sut->request_network({bits}); }},
+                                        Request{k_network_state, [this](auto bits) { sut->release_network({bits}); }},
+                                        Request{k_user_data, [this](auto bits) { sut->set_user_data({bits}); }}}) {
+        log.clear();
+        next_call_fails(service, tarq::com::Infrastructure_exception("no answer"));
+        make(1);
+        EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "infrastructure exception ", "no answer")));
+        log.clear();
+        next_call_fails(service, std::logic_error("other"));
+        EXPECT_THROW(make(1), std::logic_error);
+        EXPECT_THAT(log.messages(), IsEmpty());
+        make(2);
+    }
+    EXPECT_THAT(network_state.asked, ElementsAre("request 02 ", "release 02 "));
+    EXPECT_THAT(user_data.given, ElementsAre("02 "));
 }
 
 TEST_F(Nm_requests, Log_that_a_service_has_gone_and_work_again_when_it_is_back) {
@@ -105,19 +105,6 @@ TEST_F(Nm_requests, Log_that_a_service_has_gone_and_work_again_when_it_is_back) 
     sut->request_network({0x01});
     EXPECT_THAT(network_state.asked, ElementsAre("request 01 "));
     EXPECT_THAT(binding.recorded("find"), IsEmpty());
-}
-
-TEST_F(Nm_requests, Pass_every_other_failure_on) {
-    find();
-
-    next_call_fails(k_network_state, std::logic_error("other"));
-    EXPECT_THROW(sut->request_network({0x01}), std::logic_error);
-    next_call_fails(k_network_state, std::logic_error("other"));
-    EXPECT_THROW(sut->release_network({0x01}), std::logic_error);
-    next_call_fails(k_user_data, std::logic_error("other"));
-    EXPECT_THROW(sut->set_user_data({0x80}), std::logic_error);
-
-    EXPECT_THAT(log.messages(), IsEmpty());
 }
 
 }  // namespace

@@ -28,50 +28,36 @@ TEST_F(Nm_search, Goes_on_after_an_empty_report) {
     EXPECT_THAT(binding.recorded("stop finding"), IsEmpty());
 }
 
-TEST_F(Nm_search, Is_complete_with_the_second_service) {
-    search();
-    log.clear();
+TEST_F(Nm_search, Is_complete_with_the_second_service_which_is_announced_before_its_lookup_stops) {
+    for (bool const user_data_first : {true, false}) {
+        sut = std::make_unique<Nm_interface>();
+        network_state.StopOfferService();
+        user_data.StopOfferService();
+        announced = 0;
+        std::vector<std::string> stopped_before;
+        sut->start_find_services([&] {
+            ++announced;
+            stopped_before = binding.recorded("stop finding");
+        });
+        auto const offer = [this](bool is_user_data) {
+            log.clear();
+            is_user_data ? user_data.OfferService() : network_state.OfferService();
+            EXPECT_THAT(log.messages(), is_user_data ? ElementsAre(found_user_data, stopping_user_data)
+                                                     : ElementsAre(found_network_state, stopping_network_state));
+        };
+        auto const stop = [](bool is_user_data) {
+            return "stop finding " + (is_user_data ? k_user_data : k_network_state);
+        };
+        binding.clear_record();
 
-    user_data.OfferService();
-    EXPECT_EQ(announced, 0);
-    EXPECT_THAT(log.messages(), ElementsAre(found_user_data, stopping_user_data));
-    EXPECT_THAT(binding.recorded("stop finding"), ElementsAre("stop finding " + k_user_data));
-
-    log.clear();
-    network_state.OfferService();
-    EXPECT_EQ(announced, 1);
-    EXPECT_THAT(log.messages(), ElementsAre(found_network_state, stopping_network_state));
-    EXPECT_THAT(binding.recorded("stop finding"),
-                ElementsAre("stop finding " + k_user_data, "stop finding " + k_network_state));
-}
-
-TEST_F(Nm_search, Is_complete_in_the_other_order_as_well) {
-    search();
-
-    network_state.OfferService();
-    EXPECT_EQ(announced, 0);
-    user_data.OfferService();
-    EXPECT_EQ(announced, 1);
-}
-
-TEST_F(Nm_search, Announces_before_it_stops_the_second_lookup) {
-    std::vector<std::string> stopped_before;
-    sut->start_find_services([&] { stopped_before = binding.recorded("stop finding"); });
-
-    network_state.OfferService();
-    user_data.OfferService();
-
-    EXPECT_THAT(stopped_before, ElementsAre("stop finding " + k_network_state));
-}
-
-TEST_F(Nm_search, Announces_before_it_stops_the_second_lookup_in_the_other_order_as_well) {
-    std::vector<std::string> stopped_before;
-    sut->start_find_services([&] { stopped_before = binding.recorded("stop finding"); });
-
-    user_data.OfferService();
-    network_state.OfferService();
-
-    EXPECT_THAT(stopped_before, ElementsAre("stop finding " + k_user_data));
+        offer(user_data_first);
+        EXPECT_EQ(announced, 0);
+        EXPECT_THAT(binding.recorded("stop finding"), ElementsAre(stop(user_data_first)));
+        offer(!user_data_first);
+        EXPECT_EQ(announced, 1);
+        EXPECT_THAT(stopped_before, ElementsAre(stop(user_data_first)));
+        EXPECT_THAT(binding.recorded("stop finding"), ElementsAre(stop(user_data_first), stop(!user_data_first)));
+    }
 }
 
 TEST_F(Nm_search, Announces_when_it_has_subscribed_to_the_network_state) {

@@ -9,23 +9,14 @@
 namespace ximo::ap::statemanager::states {
 namespace {
 
-using test_support::virtual_slot;
-using testing::ElementsAre;
-
 TEST(Virtual_operations, Of_a_state_stand_in_the_order_of_the_interface) {
-    std::vector<std::size_t> const slots{
-        virtual_slot(&State_interface::entering_state), virtual_slot(&State_interface::tick),
-        virtual_slot(&State_interface::exiting_state), virtual_slot(&State_interface::check_transition),
-        virtual_slot(&State_interface::is_forced_shutdown)};
-
-    EXPECT_THAT(slots, ElementsAre(1, 2, 3, 4, 5));
+    test_support::expect_slots_from(1, &State_interface::entering_state, &State_interface::tick,
+                                    &State_interface::exiting_state, &State_interface::check_transition,
+                                    &State_interface::is_forced_shutdown);
 }
 
 TEST(Virtual_operations, Of_shutting_down_follow_the_inherited_ones) {
-    std::vector<std::size_t> const slots{virtual_slot(&Shutting_down_state::normal_shutdown),
-                                         virtual_slot(&Shutting_down_state::forced_shutdown)};
-
-    EXPECT_THAT(slots, ElementsAre(6, 7));
+    test_support::expect_slots_from(6, &Shutting_down_state::normal_shutdown, &Shutting_down_state::forced_shutdown);
 }
 
 TEST(State_of, An_id_is_the_state_of_that_number_and_any_other_number_is_shutting_down) {
