@@ -31,7 +31,8 @@ std::size_t bytes_of(std::uint64_t type) {
 std::string hex(std::string_view bytes) {
     constexpr char const* k_digits = "0123456789abcdef";
     std::string text;
-    for (unsigned char const byte : bytes) {
+    for (char const character : bytes) {
+        auto const byte = static_cast<unsigned char>(character);
         text += text.empty() ? "" : " ";
         text += k_digits[byte >> 4U];
         text += k_digits[byte & 0xFU];

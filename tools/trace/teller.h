@@ -14,6 +14,16 @@
 
 namespace statectl::trace {
 
+/// A life that is being told, and what is needed only for that.
+struct Telling {
+    Life life;
+    std::deque<std::string> commands;  ///< that wait
+    bool is_cause_of_newest = false;   ///< the oldest one caused the newest transition
+    bool uses_network = true;
+    std::string farewell;  ///< why it ended, as it says itself
+    bool said_goodbye = false;
+};
+
 /// Makes lives of the messages of one machine, in their order. Texts of messages are the daemon's, which are given.
 class Teller {
  public:
@@ -48,16 +58,6 @@ class Teller {
     void release_all(std::string const& what);
     std::vector<std::string> holders(std::vector<std::string> const& kinds) const;
     std::vector<std::string> late_clients() const;
-
-    /// What of the life is needed only while it is told.
-    struct Telling {
-        Life life;
-        std::deque<std::string> commands;  ///< that wait
-        bool is_cause_of_newest = false;   ///< the oldest one caused the newest transition
-        bool uses_network = true;
-        std::string farewell;  ///< why it ended, as it says itself
-        bool said_goodbye = false;
-    };
 
     std::vector<Life> lives_;
     std::optional<Telling> telling_;
