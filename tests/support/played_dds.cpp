@@ -695,7 +695,11 @@ dds_return_t dds_take(dds_entity_t reader, void** samples, dds_sample_info_t* in
 }
 
 dds_return_t dds_get_matched_publications(dds_entity_t reader, dds_instance_handle_t* writers, std::size_t size) {
-    return played::list_matched(reader, writers, size);
+    auto const count = played::list_matched(reader, writers, size);
+    if (auto const* const after_look = played::faults().after_look.exchange(nullptr)) {
+        (*after_look)();
+    }
+    return count;
 }
 
 dds_return_t dds_get_matched_subscriptions(dds_entity_t writer, dds_instance_handle_t* readers, std::size_t size) {

@@ -2,6 +2,7 @@
 #define TESTS_SUPPORT_PLAYED_DDS_H
 
 #include <atomic>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,7 @@ struct Faults {
     std::atomic<int> writers_until_failure{-1};  ///< one can't be made after so many; negative: all can
     std::atomic<int> readers_that_fail{0};       ///< so many of the next can't be made
     std::atomic<int> writes_that_fail{0};        ///< so many of the next, on all topics but the one of offers
+    std::atomic<std::function<void()> const*> after_look{nullptr};  ///< at the writers of a reader; called once
 };
 Faults& faults();
 

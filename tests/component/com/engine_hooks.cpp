@@ -37,31 +37,7 @@ extern "C" dds_entity_t dds_create_writer(dds_entity_t publisher, dds_entity_t t
     if (auto const* const before_writer = com_test::engine_hooks().before_writer.exchange(nullptr)) {
         (*before_writer)();
     }
-    auto& until_failure = com_test::engine_hooks().writers_until_failure;
-    if (until_failure >= 0 && until_failure-- == 0) {
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
     return real(publisher, topic, quality, listener);
-}
-
-extern "C" dds_entity_t dds_create_reader(dds_entity_t subscriber, dds_entity_t topic, dds_qos_t const* quality,
-                                          dds_listener_t const* listener) {
-    static auto const real = com_test::real<decltype(&dds_create_reader)>("dds_create_reader");
-    auto& failures = com_test::engine_hooks().readers_that_fail;
-    if (failures > 0 && failures-- > 0) {
-        return DDS_RETCODE_OUT_OF_RESOURCES;
-    }
-    return real(subscriber, topic, quality, listener);
-}
-
-extern "C" dds_return_t dds_get_matched_publications(dds_entity_t reader, dds_instance_handle_t* writers,
-                                                     std::size_t size) {
-    static auto const real = com_test::real<decltype(&dds_get_matched_publications)>("dds_get_matched_publications");
-    auto const count = real(reader, writers, size);
-    if (auto const* const after_look = com_test::engine_hooks().after_look.exchange(nullptr)) {
-        (*after_look)();
-    }
-    return count;
 }
 
 extern "C" dds_return_t dds_write_ts(dds_entity_t writer, void const* sample, dds_time_t time) {

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <memory>
-#include <vector>
 
 namespace com_test {
 namespace {
@@ -55,58 +54,6 @@ TEST_F(Failing_calls, A_handler_that_breaks_its_promise_fails_its_call) {
     auto peer = server({"app"});
     Com_alive_proxy sut(found<Com_alive_proxy>("app"));
     EXPECT_EQ(remote_code(sut.RequestComAlive({}, k_break_promise)), Remote_exception_code::kUnknownException);
-}
-
-/// How calls ended that were sent while the service was busy with one that waits.
-struct Endings {
-    int refused = 0;
-    int failed = 0;
-
-    void add(ximo::com::Future<void> future) {
-        try {
-            future.get();
-        } catch (tarq::com::Remote_exception const& error) {
-            refused += error.code() == Remote_exception_code::kOutOfResources ? 1 : 0;
-        } catch (tarq::com::Infrastructure_exception const&) {
-            ++failed;
-        }
-    }
-};
-
-Endings endings_of(int calls, bench::Player& peer) {
-    Com_alive_proxy sut(found<Com_alive_proxy>("app"));
-    Com_alive_proxy other(found<Com_alive_proxy>("other"));
-    std::vector<ximo::com::Future<void>> futures;
-    futures.push_back(sut.RequestComAlive({}, k_wait));
-    if (!peer.log().await(
-            [](auto const& message) {
-                return bench::has_members(message, {{"event", "request"}});
-            },
-            k_patience)) {
-        return {0, 1};
-    }
-    for (int call = 0; call < calls; ++call) {
-        futures.push_back(sut.ReleaseComAlive({}));
-    }
-    Endings endings;
-    // What is sent later arrives later.
-    endings.add(other.ReleaseComAlive({}));
-    peer.send_line(R"({"do":"continue"})");
-    for (auto& future : futures) {
-        // The peer tells of each call, and waits when nobody reads that.
-        while (future.wait_for(milliseconds(1)) != std::future_status::ready) {
-            peer.log().messages();
-        }
-        endings.add(std::move(future));
-    }
-    return endings;
-}
-
-TEST_F(Failing_calls, More_than_a_thousand_calls_that_wait_are_refused) {
-    auto peer = server({"app", "other"});
-    auto const endings = endings_of(1500, peer);
-    EXPECT_EQ(endings.failed, 0);
-    EXPECT_EQ(endings.refused, 500);
 }
 
 TEST_F(Failing_calls, An_instance_that_nobody_offers_is_not_available_at_once) {

@@ -1,10 +1,10 @@
 #include "ara/com/dds/offers/process_watch.h"
 
 #include "ara/com/dds/offers/process_space.h"
+#include "idle_process.h"
 
 #include <chrono>
 #include <condition_variable>
-#include <csignal>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -12,42 +12,12 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace ara::com::dds {
 namespace {
 
+using com_unit::Idle_process;
 using testing::ElementsAre;
-
-// A process that does nothing until it is killed; killed and awaited at the latest with this object.
-class Idle_process {
- public:
-    Idle_process() : id_(::fork()) {
-        if (id_ == 0) {
-            for (;;) {
-                ::pause();
-            }
-        }
-    }
-    ~Idle_process() { end(); }
-    Idle_process(Idle_process const&) = delete;
-    Idle_process& operator=(Idle_process const&) = delete;
-
-    pid_t id() const { return id_; }
-    void kill() const { ::kill(id_, SIGKILL); }
-    void end() {
-        if (!ended_) {
-            kill();
-            ::waitpid(id_, nullptr, 0);
-            ended_ = true;
-        }
-    }
-
- private:
-    pid_t id_;
-    bool ended_ = false;
-};
 
 class Process_watch_test : public testing::Test {
  protected:

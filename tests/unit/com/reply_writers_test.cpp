@@ -1,11 +1,10 @@
 #include "ara/com/dds/calls/reply_writers.h"
 
 #include "ara/com/dds/offers/offer_types.h"
-#include "client_fixture.h"
-#include "engine_hooks.h"
-#include "peer_services.h"
+#include "played_services.h"
 #include "support/eventually.h"
 #include "support/log_capture.h"
+#include "support/played_dds.h"
 
 #include <chrono>
 #include <functional>
@@ -15,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace com_test {
+namespace com_unit {
 namespace {
 
 using namespace ara::com::dds;  // NOLINT(google-build-using-namespace): what is tested is a part of it
@@ -55,7 +54,7 @@ TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_
         clients.push_back(std::make_unique<Client_ends>(participant));
     }
 
-    engine_hooks().writers_until_failure = 2;
+    test_support::played_dds::faults().writers_until_failure = 2;
     EXPECT_THROW(sut.follow(requests.entity()), tarq::com::Infrastructure_exception);
 
     auto const found = [&clients] {
@@ -90,18 +89,17 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
     EXPECT_EQ(late.times_found(), 1U);
 }
 
-class Reply_writers_of_a_service : public Client {};
-
-TEST_F(Reply_writers_of_a_service, Are_tried_again_when_one_could_not_be_made) {
-    Network service("app", [](auto const& /*event*/) {});
-    service.OfferService();
-    auto const handle = found<Network_proxy>("app");
+TEST(Reply_writers_test, Of_a_service_are_tried_again_when_one_could_not_be_made) {
+    Process const server;
+    Process const client;
+    auto const offer =
+        server->offer(k_service, k_app, [](auto const* /*request*/, auto const& answer) { answer_well(answer); });
+    client.reach();
     // The first is the client's own.
-    engine_hooks().writers_until_failure = 1;
+    test_support::played_dds::faults().writers_until_failure = 1;
     test_support::Log_capture log;
-    Network_proxy sut(handle);
-    EXPECT_TRUE(succeeds(sut.RequestNetwork({1})));
-    EXPECT_EQ(engine_hooks().writers_until_failure, -1);
+    EXPECT_EQ(end_of(call(*client.connect())), "value");
+    EXPECT_EQ(test_support::played_dds::faults().writers_until_failure, -1);
     using ara::log::LogLevel;
     std::vector<test_support::Log_message> const told{
         test_support::logged(LogLevel::kError,
@@ -123,7 +121,7 @@ TEST(Reply_writers_test, A_look_that_another_one_overtakes_leaves_a_new_client_i
         // Either it ends before the first look goes on, or it has to wait for that.
         other.wait_for(std::chrono::milliseconds(200));
     };
-    engine_hooks().after_look = &meanwhile;
+    test_support::played_dds::faults().after_look = &meanwhile;
     sut.follow(requests.entity());
     ASSERT_TRUE(other.valid());
     other.get();
@@ -131,4 +129,4 @@ TEST(Reply_writers_test, A_look_that_another_one_overtakes_leaves_a_new_client_i
 }
 
 }  // namespace
-}  // namespace com_test
+}  // namespace com_unit
