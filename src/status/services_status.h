@@ -21,12 +21,12 @@ void manager_found();
 void sending(bool sends);
 
 // An application asks for something, or gives it back. A name that has no record is none of an application.
-void ecu_requested(std::string_view instance);
-void ecu_released(std::string_view instance);
-void com_requested(std::string_view instance, std::vector<std::uint8_t> const& bits, std::uint64_t ac_number);
-void com_released(std::string_view instance, std::vector<std::uint8_t> const& bits);
-void cwu_requested(std::string_view instance, std::uint64_t ac_number);
-void cwu_released(std::string_view instance);
+void ecu_requested(std::string_view name);
+void ecu_released(std::string_view name);
+void com_requested(std::string_view name, std::vector<std::uint8_t> const& bits, std::uint64_t ac_number);
+void com_released(std::string_view name, std::vector<std::uint8_t> const& bits);
+void cwu_requested(std::string_view name, std::uint64_t ac_number);
+void cwu_released(std::string_view name);
 
 /// What is requested of network management for all applications, and what the network is told.
 void cab_pattern(std::vector<std::uint8_t> const& bits);

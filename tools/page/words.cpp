@@ -170,7 +170,7 @@ std::string user_word(Number uid) {
 std::string unit_of(Number pid) {
     std::ifstream file("/proc/" + std::to_string(pid) + "/cgroup");
     for (std::string line; std::getline(file, line);) {
-        auto const unit = line.substr(line.rfind('/') + 1);
+        auto unit = line.substr(line.rfind('/') + 1);
         for (std::string_view const kind : {".service", ".scope"}) {
             if (unit.size() > kind.size() && unit.compare(unit.size() - kind.size(), kind.size(), kind) == 0) {
                 return unit;
