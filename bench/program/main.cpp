@@ -3,12 +3,14 @@
 
 #include "bench/console/console.h"
 #include "bench/console/terminal_check.h"
+#include "bench/process/child_process.h"
 #include "bench/tour/picture.h"
 #include "bench/tour/tour.h"
 #include "bench/vehicle/vehicle.h"
 #include "bench/vehicle/world.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -16,6 +18,7 @@
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -33,10 +36,11 @@ constexpr int k_usage_error = 2;
 
 void print_usage(std::FILE* out) {
     std::fputs(
-        "usage: vehicle [--tour] [--picture FILE] [--trace FILE]\n"
+        "usage: vehicle [--tour] [--picture FILE] [--trace FILE] [--with COMMAND]\n"
         "  --tour          go through the states and check each step; exit status 0 when every step was seen\n"
         "  --picture FILE  where the tour's timeline is drawn (SVG; default: tour/timeline.svg in the build)\n"
         "  --trace FILE    where the log is stored (DLT; ap_statectl explain reads it)\n"
+        "  --with COMMAND  runs it in the vehicle, beside the console; its output is in with.log in the build\n"
         "  --help          show this\n",
         out);
 }
@@ -102,12 +106,32 @@ int tour(fs::path const& build, Kept_file& picture, std::ostream* trace) {
     return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-int console(fs::path const& build, std::ostream* trace) {
+/// A user's own program among the vehicle's; it ends with it.
+class Guest {
+ public:
+    Guest(std::string const& command, fs::path const& log)
+        : process_({"sh", "-c", "exec >\"$0\" 2>&1; exec sh -c \"$1\"", log.string(), command}, {}) {}
+    ~Guest() {
+        process_.signal(SIGTERM);
+        process_.wait(Vehicle::k_patience);
+    }
+    Guest(Guest const&) = delete;
+    Guest& operator=(Guest const&) = delete;
+
+ private:
+    bench::Child_process process_;
+};
+
+int console(fs::path const& build, std::ostream* trace, std::string const& guests_command) {
     auto const options = complete_machine(build, trace);
     Vehicle vehicle(options);
     // The example waits a minute for a client, which is longer than a spectator does.
     vehicle.change_configuration(
         {{"ap_statemanager", {{"ApplicationSuspendRequestTimeout", 10}, {"DMSuspendRequestTimeout", 10}}}});
+    std::optional<Guest> guest;
+    if (!guests_command.empty()) {
+        guest.emplace(guests_command, build / "with.log");
+    }
     return bench::console::run(vehicle, "/tmp/stderr",
                                services::layout_in(nlohmann::json::parse(options.configuration)));
 }
@@ -122,6 +146,7 @@ int main(int argc, char** argv) {
     auto const build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
     auto pictures = usual_places(build);
     fs::path trace_path;
+    std::string guests_command;
     bool touring = !has_terminal();
     std::vector<std::string> const words(argv + 1, argv + argc);
     for (auto word = words.begin(); word != words.end(); ++word) {
@@ -129,6 +154,8 @@ int main(int argc, char** argv) {
             pictures = {fs::absolute(*++word)};
         } else if (*word == "--trace" && word + 1 != words.end()) {
             trace_path = fs::absolute(*++word);
+        } else if (*word == "--with" && word + 1 != words.end()) {
+            guests_command = *++word;
         } else if (*word == "--help") {
             print_usage(stdout);
             return EXIT_SUCCESS;
@@ -139,6 +166,10 @@ int main(int argc, char** argv) {
             return k_usage_error;
         }
     }
+    if (touring && !guests_command.empty()) {
+        std::fputs("vehicle: --with is for the console, not for the tour\n", stderr);
+        return k_usage_error;
+    }
     if (auto const why = touring ? std::string() : bench::console::why_no_console(); !why.empty()) {
         std::fprintf(stderr, "vehicle: %s\n", why.c_str());
         return EXIT_FAILURE;
@@ -147,8 +178,8 @@ int main(int argc, char** argv) {
         auto picture = touring ? open_first(pictures) : Kept_file{};
         auto trace = trace_path.empty() ? Kept_file{} : open_first({trace_path});
         auto* const log = trace_path.empty() ? nullptr : &trace.stream;
-        return bench::vehicle::run_inside(VEHICLE_PROJECT,
-                                          [&] { return touring ? tour(build, picture, log) : console(build, log); });
+        return bench::vehicle::run_inside(
+            VEHICLE_PROJECT, [&] { return touring ? tour(build, picture, log) : console(build, log, guests_command); });
     } catch (std::exception const& error) {
         std::fprintf(stderr, "vehicle: %s\n", error.what());
         return EXIT_FAILURE;
