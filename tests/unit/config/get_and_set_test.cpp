@@ -28,48 +28,23 @@ struct Got {
     bool result;
 };
 
-TEST(Get_and_set, Hands_a_number_to_the_setter_and_logs_it) {
+template <class Value>
+void expect_got(json const& given, Value const& value, char const* text) {
     Log_capture log;
 
-    Got<std::uint32_t> const sut(json{{"Timer", 42}}, "Timer");
+    Got<Value> const sut(json{{"Key", given}}, "Key");
 
     EXPECT_TRUE(sut.result);
-    EXPECT_EQ(sut.value, 42U);
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Timer",
-                                                   " form configuration with value: ", "42")));
+    EXPECT_EQ(sut.value, value);
+    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Key",
+                                                   " form configuration with value: ", text)));
 }
 
-TEST(Get_and_set, Hands_a_boolean_to_the_setter_and_logs_it) {
-    Log_capture log;
-
-    Got<bool> const sut(json{{"Usage", false}}, "Usage");
-
-    EXPECT_TRUE(sut.result);
-    EXPECT_EQ(sut.value, false);
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Usage",
-                                                   " form configuration with value: ", "false")));
-}
-
-TEST(Get_and_set, Hands_a_string_to_the_setter_and_logs_it) {
-    Log_capture log;
-
-    Got<std::string> const sut(json{{"Path", "/sys/x"}}, "Path");
-
-    EXPECT_TRUE(sut.result);
-    EXPECT_EQ(sut.value, "/sys/x");
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Path",
-                                                   " form configuration with value: ", "/sys/x")));
-}
-
-TEST(Get_and_set, Hands_a_byte_vector_to_the_setter_and_logs_its_raw_characters) {
-    Log_capture log;
-
-    Got<Bytes> const sut(json{{"Pattern", {65, 66}}}, "Pattern");
-
-    EXPECT_TRUE(sut.result);
-    EXPECT_EQ(sut.value, (Bytes{65, 66}));
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "State_manager_json_parser: Get ", "Pattern",
-                                                   " form configuration with value: ", "A B ")));
+TEST(Get_and_set, Hands_a_value_to_the_setter_and_logs_it_bytes_as_raw_characters) {
+    expect_got<std::uint32_t>(42, 42, "42");
+    expect_got<bool>(false, false, "false");
+    expect_got<std::string>("/sys/x", "/sys/x", "/sys/x");
+    expect_got<Bytes>({65, 66}, {65, 66}, "A B ");
 }
 
 TEST(Get_and_set, Logs_the_value_after_the_setter_was_called) {

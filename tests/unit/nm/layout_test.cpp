@@ -72,6 +72,7 @@ TEST(Layout, Leaves_out_an_area_that_does_not_fit) {
     };
 
     sut.apply_user_data_bits({1, 2, 3, 4}, 3, 4);
+    sut.apply_user_data_bits({1, 2, 3, 4}, 6, 0);
     sut.apply_user_data_bits({1, 2, 3, 4}, 7, 0);
     sut.apply_user_data_bits({1, 2, 3, 4}, k_most, 2);
 

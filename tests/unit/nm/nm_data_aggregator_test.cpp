@@ -165,15 +165,23 @@ class Aggregator_in_any_order : public Aggregator {
         return all;
     }
 
+    Bits all_ac() const {
+        Bits all;
+        for (auto const& [key, held] : applications) {
+            if (held.ac >= 1 && held.ac <= 16) {
+                all.insert(held.ac - 1);
+            }
+        }
+        return all;
+    }
+
     Bit_vector user_data() const {
         Bits all{7};
-        for (auto const& [key, held] : applications) {
-            if (held.cwu) {
-                all.insert(6);
-            }
-            if (held.ac >= 1 && held.ac <= 16) {
-                all.insert(8 + held.ac - 1);
-            }
+        if (any([](auto const& held) { return held.cwu; })) {
+            all.insert(6);
+        }
+        for (unsigned const bit : all_ac()) {
+            all.insert(8 + bit);
         }
         for (unsigned const bit : all_cab()) {
             all.insert(24 + bit);
@@ -193,6 +201,7 @@ TEST_F(Aggregator_in_any_order, Holds_what_sets_say) {
         step();
         ASSERT_EQ(sut.get_user_data(), user_data()) << "step " << number;
         ASSERT_EQ(sut.get_application_bits(), bytes(all_cab(), 4)) << "step " << number;
+        ASSERT_EQ(sut.aggregate_ac_bits(), bytes(all_ac(), 4)) << "step " << number;
         ASSERT_EQ(sut.is_com_alive(), any([](auto const& held) { return held.is_active(); })) << "step " << number;
         ASSERT_EQ(log.messages(), told) << "step " << number;
     }

@@ -33,35 +33,22 @@ bool dies(Object const& object) {
 
 using testing::ElementsAre;
 
-TEST(Protocol, The_socket_is_below_the_prefix_of_the_build) {
-    EXPECT_EQ(get_socket_path(), std::string(VAR_PREFIX) + "/run/adaptive/ara_SM/ara_SM.socket");
-}
-
-TEST(Protocol, The_words_are_those_of_the_protocol) {
-    EXPECT_EQ(get_default_non_connected_state(), "kOn");
-    EXPECT_EQ(get_unknown_state(), "unknown");
-    EXPECT_EQ(get_terminate_command(), "terminate");
-    EXPECT_EQ(get_protocol_version_one(), "component_client_v1");
-    EXPECT_EQ(get_state_change_request_added(), "state_change_request_added");
-}
-
-TEST(Protocol, Each_word_is_built_once) {
-    EXPECT_EQ(&get_socket_path(), &get_socket_path());
-    EXPECT_EQ(&get_default_non_connected_state(), &get_default_non_connected_state());
-    EXPECT_EQ(&get_unknown_state(), &get_unknown_state());
-    EXPECT_EQ(&get_terminate_command(), &get_terminate_command());
-    EXPECT_EQ(&get_protocol_version_one(), &get_protocol_version_one());
-    EXPECT_EQ(&get_state_change_request_added(), &get_state_change_request_added());
-}
+struct Word {
+    std::string const& (*get)();
+    std::string text;
+};
 
 // The server's thread and a client's use them until the process has gone.
-TEST(Protocol, No_word_is_destroyed) {
-    EXPECT_FALSE(dies(get_socket_path()));
-    EXPECT_FALSE(dies(get_default_non_connected_state()));
-    EXPECT_FALSE(dies(get_unknown_state()));
-    EXPECT_FALSE(dies(get_terminate_command()));
-    EXPECT_FALSE(dies(get_protocol_version_one()));
-    EXPECT_FALSE(dies(get_state_change_request_added()));
+TEST(Protocol, Each_word_is_that_of_the_protocol_built_once_and_never_destroyed) {
+    for (auto const& word :
+         {Word{get_socket_path, std::string(VAR_PREFIX) + "/run/adaptive/ara_SM/ara_SM.socket"},
+          Word{get_default_non_connected_state, "kOn"}, Word{get_unknown_state, "unknown"},
+          Word{get_terminate_command, "terminate"}, Word{get_protocol_version_one, "component_client_v1"},
+          Word{get_state_change_request_added, "state_change_request_added"}}) {
+        EXPECT_EQ(word.get(), word.text);
+        EXPECT_EQ(&word.get(), &word.get());
+        EXPECT_FALSE(dies(word.get())) << word.text;
+    }
     static std::string const one_that_is = "or this test sees nothing";
     EXPECT_TRUE(dies(one_that_is));
     EXPECT_LT(count_of_those, objects_that_die.size());
