@@ -43,10 +43,9 @@ std::size_t distance(std::string const& left, std::string const& right) {
 bool is_like(std::string const& left, std::string const& right) {
     constexpr std::size_t k_longest = 64;
     constexpr std::size_t k_letters_a_slip = 5;
-    if (left.size() > k_longest || right.size() > k_longest) {
-        return false;
-    }
-    return distance(left, right) <= std::min(left.size(), right.size()) / k_letters_a_slip;
+    auto const [shorter, longer] = std::minmax({left.size(), right.size()});
+    auto const slips = shorter / k_letters_a_slip;
+    return longer <= k_longest && longer - shorter <= slips && distance(left, right) <= slips;
 }
 
 std::string type_name(json const& value) {
