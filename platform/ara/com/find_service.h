@@ -43,8 +43,8 @@ using ServiceHandleContainer = std::vector<ServiceHandle>;
 
 /// Called on a thread of the binding with all instances that are offered, first at once (with an empty list when
 /// nothing is known yet) and again on every change. Calls for one lookup come one after the other. It may block, call
-/// services and stop its own lookup. When it throws a `tarq::com::Infrastructure_exception` it is called again half a
-/// second later, with what is offered then.
+/// services and stop its own lookup. When it throws a `tarq::com::Infrastructure_exception` or `std::bad_alloc` it is
+/// called again half a second later, with what is offered then.
 using FindServiceHandler = std::function<void(ServiceHandleContainer)>;
 
 /// Names a running lookup; copies name the same one. A lookup runs until it is stopped, whether or not its handle is

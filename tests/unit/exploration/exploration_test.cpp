@@ -1,5 +1,5 @@
 // Goes through everything that the machine can do: the real driver, states, notifier and command queue, among a
-// network, applications and clients that may do anything at any time. In each cycle the rules (rules.h)
+// network, applications and clients that may do anything at any time. In each cycle the rules (bench/rules/rules.h)
 // tell which state is entered, if any, and what becomes of the flags, and the machine is held against that (walk.h);
 // here follow the rules about the whole.
 
