@@ -1,6 +1,7 @@
 #include "utilities/poll.h"
 
 #include "expect_system_error.h"
+#include "support/eventually.h"
 
 #include <atomic>
 #include <cerrno>
@@ -20,6 +21,7 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
+using test_support::eventually;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -86,18 +88,6 @@ bool sleeps(pid_t thread) {
     return name_ends != std::string::npos && text.compare(name_ends, 3, ") S") == 0;
 }
 
-/// Waits for the condition; false when it does not come true in time.
-template <class Condition>
-bool await(Condition const& condition) {
-    for (auto const end = steady_clock::now() + std::chrono::seconds(10); !condition();) {
-        if (steady_clock::now() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(milliseconds(1));
-    }
-    return true;
-}
-
 class Interrupted_polling : public Polling, public testing::WithParamInterface<long> {};
 
 TEST_P(Interrupted_polling, Waits_on_for_what_comes_late) {
@@ -120,11 +110,11 @@ TEST_P(Interrupted_polling, Waits_on_for_what_comes_late) {
         }
         ended = true;
     });
-    EXPECT_TRUE(await([&] { return thread != 0; }));
+    EXPECT_TRUE(eventually([&] { return thread != 0; }));
     for (int sent = 1; sent <= 10 && !ended; ++sent) {
-        EXPECT_TRUE(await([&] { return ended || sleeps(thread); }));
+        EXPECT_TRUE(eventually([&] { return ended || sleeps(thread); }));
         ::pthread_kill(waiter.native_handle(), SIGUSR1);
-        EXPECT_TRUE(await([&] { return interruptions == sent; }));
+        EXPECT_TRUE(eventually([&] { return interruptions == sent; }));
     }
     EXPECT_FALSE(ended);
     peer.sendl("x", 1, 0);
