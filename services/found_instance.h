@@ -86,7 +86,7 @@ class Found_instance {
     std::condition_variable_any changed_;
     std::shared_ptr<Proxy> proxy_ GUARDED_BY(mutex_);
     std::exception_ptr refusal_ GUARDED_BY(mutex_);
-    bool offered_ GUARDED_BY(mutex_) = false;
+    bool offered_ GUARDED_BY(mutex_){false};
     ara::com::FindServiceHandle lookup_;
 };
 

@@ -14,11 +14,11 @@ using Octets = std::vector<std::uint8_t>;
 
 /// Where the parts of the NM user data lie; the defaults are the state manager's.
 struct User_data_layout {
-    std::size_t cwu_bit = 6;
-    std::size_t ac_offset = 1;
-    std::size_t ac_bytes = 2;
-    std::size_t cab_offset = 3;
-    std::size_t cab_bytes = 3;
+    std::size_t cwu_bit{6};
+    std::size_t ac_offset{1};
+    std::size_t ac_bytes{2};
+    std::size_t cab_offset{3};
+    std::size_t cab_bytes{3};
 };
 
 /// The layout in a configuration of the state manager; what it does not say is the default.

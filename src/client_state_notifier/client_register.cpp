@@ -10,8 +10,6 @@
 
 namespace client_state_notifier {
 
-using Lock = base::Lock_guard<base::Mutex>;
-
 namespace {
 
 // The message that asks for a state. Its number differs from client to client and stands in the first element.
@@ -30,7 +28,7 @@ void send(utilities::Socket const& socket, Client_state& client, utilities::Type
 }  // namespace
 
 std::vector<std::pair<std::string, std::string>> Client_register::list() const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     std::vector<std::pair<std::string, std::string>> clients;
     clients.reserve(clients_.size());
     for (auto const& [socket, client] : clients_) {
@@ -40,34 +38,34 @@ std::vector<std::pair<std::string, std::string>> Client_register::list() const {
 }
 
 std::string Client_register::current_state() const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return current_state_;
 }
 
 void Client_register::set_current_state(std::string const& state) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     current_state_ = state;
 }
 
 bool Client_register::has(std::string const& name) const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return std::any_of(clients_.begin(), clients_.end(),
                        [&](auto const& client) { return client.second.name == name; });
 }
 
 std::size_t Client_register::size() const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return clients_.size();
 }
 
 void Client_register::add(utilities::Socket socket, std::string const& name, Inbox inbox) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     clients_.emplace(std::move(socket),
                      Client_state{name, utilities::get_unknown_state(), 0, "", false, std::move(inbox)});
 }
 
 std::string Client_register::remove(int connection) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto const client = clients_.find(connection);
     auto name = client->second.name;
     clients_.erase(client);
@@ -75,19 +73,19 @@ std::string Client_register::remove(int connection) {
 }
 
 void Client_register::clear() {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     clients_.clear();
 }
 
 std::string Client_register::name_of(int connection) const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return clients_.find(connection)->second.name;
 }
 
 std::vector<std::pair<int, std::string>> Client_register::select(Client_predicate const& predicate) const {
     std::vector<std::pair<int, std::string>> clients;
     {
-        Lock const lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         clients.reserve(clients_.size());
         for (auto const& [socket, client] : clients_) {
             clients.emplace_back(socket.get_fd(), client.name);
@@ -100,7 +98,7 @@ std::vector<std::pair<int, std::string>> Client_register::select(Client_predicat
 }
 
 void Client_register::add_to(std::vector<pollfd>& poll_set) const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     for (auto const& [socket, client] : clients_) {
         poll_set.push_back({socket.get_fd(), POLLIN, 0});
     }
@@ -108,7 +106,7 @@ void Client_register::add_to(std::vector<pollfd>& poll_set) const {
 
 void Client_register::send_request(int connection, std::string const& state) {
     auto request = make_request(state);
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto& [socket, client] = *clients_.find(connection);
     client.requested_state = state;
     send(socket, client, request);
@@ -118,7 +116,7 @@ std::map<int, std::string> Client_register::send_next_request(std::vector<int> c
                                                               std::string const& state) {
     std::map<int, std::string> failures;
     auto request = make_request(state);
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     for (int const connection : connections) {
         auto& [socket, client] = *clients_.find(connection);
         client.requested_state = state;
@@ -133,13 +131,13 @@ std::map<int, std::string> Client_register::send_next_request(std::vector<int> c
 }
 
 void Client_register::receive(int connection) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto& [socket, client] = *clients_.find(connection);
     client.inbox.receive(socket);
 }
 
 std::optional<Client_answer> Client_register::take_answer(int connection) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto& client = clients_.find(connection)->second;
     auto const message = client.inbox.take();
     if (!message) {

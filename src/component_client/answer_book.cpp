@@ -4,11 +4,10 @@
 
 namespace component_client {
 
-using Lock = base::Lock_guard<base::Mutex>;
 using utilities::Type_length_value;
 
 std::uint64_t Answer_book::open(std::uint32_t number) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     number_ = number;
     is_answered_ = false;
     is_awaited_ = true;
@@ -16,14 +15,14 @@ std::uint64_t Answer_book::open(std::uint32_t number) {
 }
 
 void Answer_book::forget_requests() {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     is_awaited_ = false;
     messages_.clear();
 }
 
 // An answer that nobody waits for still says in which state the client is, unless a newer request has taken over.
 bool Answer_book::take_answer(std::uint64_t request, Status status, std::string const* reached) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (request != newest_ || is_answered_) {
         return false;
     }
@@ -41,17 +40,17 @@ bool Answer_book::take_answer(std::uint64_t request, Status status, std::string 
 }
 
 std::vector<utilities::Type_length_values> Answer_book::take_messages() {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return std::exchange(messages_, {});
 }
 
 std::string Answer_book::state() const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return state_;
 }
 
 void Answer_book::set_state(std::string const& state) {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     state_ = state;
 }
 

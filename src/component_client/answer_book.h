@@ -39,8 +39,8 @@ class Answer_book final : public Answer_receiver {
  private:
     mutable base::Mutex mutex_;
     std::string state_ GUARDED_BY(mutex_);
-    std::uint64_t newest_ GUARDED_BY(mutex_) = 0;
-    std::uint32_t number_ GUARDED_BY(mutex_) = 0;  ///< of the newest request
+    std::uint64_t newest_ GUARDED_BY(mutex_){0};
+    std::uint32_t number_ GUARDED_BY(mutex_){0};  ///< of the newest request
     bool is_answered_ GUARDED_BY(mutex_){true};
     bool is_awaited_ GUARDED_BY(mutex_){false};  ///< its connection is still there
     std::vector<utilities::Type_length_values> messages_ GUARDED_BY(mutex_);

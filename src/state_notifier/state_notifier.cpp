@@ -10,7 +10,6 @@
 namespace ximo::ap::statemanager::state_notifier {
 
 using client_state_notifier::Client_predicate;
-using Lock = base::Lock_guard<base::Mutex>;
 
 namespace {
 
@@ -51,7 +50,7 @@ State_notifier::State_notifier(std::chrono::seconds application_timeout, std::ch
       client_states_(create_client_states(k_normal_mode, log_out_of_turn)) {}
 
 void State_notifier::request_standby() {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "Starting standby sequence";
     requested_state_ = k_standby_mode;
     sequence_status_ = 1;
@@ -59,7 +58,7 @@ void State_notifier::request_standby() {
 }
 
 void State_notifier::request_resume() {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     ara::log::LogInfo() << "Starting resume sequence";
     requested_state_ = k_normal_mode;
     if (sequence_status_ == 0) {
@@ -69,7 +68,7 @@ void State_notifier::request_resume() {
 }
 
 unsigned int State_notifier::check_request_status() {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (sequence_status_ != 0) {
         check_application_request_status();
         check_dm_request_status();
@@ -78,17 +77,17 @@ unsigned int State_notifier::check_request_status() {
 }
 
 Client_results State_notifier::get_app_clients_status() const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return apps_.results;
 }
 
 Client_results State_notifier::get_dem_clients_status() const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return dem_.results;
 }
 
 Client_results State_notifier::get_dcm_clients_status() const {
-    Lock const lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return dcm_.results;
 }
 
@@ -121,7 +120,7 @@ void State_notifier::request(Group& group, Client_predicate const& predicate, st
     bool const is_on_its_way = client_states_->request_state_change(
         requested_state_, predicate,
         [this, completed, number](Callback_status status, Client_results const& results) {
-            Lock const lock(mutex_);
+            base::Lock_guard const lock(mutex_);
             (this->*completed)(number, status, results);
         },
         timeout);

@@ -75,8 +75,8 @@ class State_notifier : public State_notifier_interface {
 
     mutable base::Mutex mutex_;
     std::string requested_state_ GUARDED_BY(mutex_);
-    unsigned int sequence_status_ GUARDED_BY(mutex_) = 0;  ///< 1 while a sequence runs
-    std::uint64_t request_number_ GUARDED_BY(mutex_) = 0;  ///< of the last request
+    unsigned int sequence_status_ GUARDED_BY(mutex_){0};  ///< 1 while a sequence runs
+    std::uint64_t request_number_ GUARDED_BY(mutex_){0};  ///< of the last request
     Group dcm_ GUARDED_BY(mutex_);
     Group apps_ GUARDED_BY(mutex_);
     Group dem_ GUARDED_BY(mutex_);

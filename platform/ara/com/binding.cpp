@@ -22,7 +22,7 @@ Current_binding& current() {
 }  // namespace
 
 std::shared_ptr<Binding> binding() {
-    base::Lock_guard lock(current().mutex);
+    base::Lock_guard const lock(current().mutex);
     if (!current().binding) {
         throw tarq::com::Infrastructure_exception("The communication runtime does not run");
     }
@@ -30,7 +30,7 @@ std::shared_ptr<Binding> binding() {
 }
 
 std::shared_ptr<Binding> use_binding(std::shared_ptr<Binding> binding) {
-    base::Lock_guard lock(current().mutex);
+    base::Lock_guard const lock(current().mutex);
     return std::exchange(current().binding, std::move(binding));
 }
 

@@ -56,7 +56,7 @@ class Proxy_event {
     Event_type const& type_;
     Decode const decode_;
     base::Mutex mutex_;
-    std::size_t capacity_ GUARDED_BY(mutex_) = 1;
+    std::size_t capacity_ GUARDED_BY(mutex_){1};
     std::deque<std::shared_ptr<Value const>> arrived_ GUARDED_BY(mutex_);
     std::function<void()> handler_ GUARDED_BY(mutex_);
     Running_handlers handlers_;
@@ -67,12 +67,12 @@ class Proxy_event {
 
 template <class Value>
 void Proxy_event<Value>::Subscribe(std::size_t cache) {
-    base::Lock_guard subscribing(subscription_mutex_);
+    base::Lock_guard const subscribing(subscription_mutex_);
     if (subscription_) {
         return;
     }
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         capacity_ = cache == 0 ? 1 : cache;
     }
     subscription_ = connection_->subscribe(type_, [this](void const* sample) { handlers_.run([&] { take(sample); }); });
@@ -80,7 +80,7 @@ void Proxy_event<Value>::Subscribe(std::size_t cache) {
 
 template <class Value>
 std::unique_ptr<Subscription> Proxy_event<Value>::take_subscription() {
-    base::Lock_guard subscribing(subscription_mutex_);
+    base::Lock_guard const subscribing(subscription_mutex_);
     return std::move(subscription_);
 }
 
@@ -92,13 +92,13 @@ void Proxy_event<Value>::Unsubscribe() {
 
 template <class Value>
 void Proxy_event<Value>::SetReceiveHandler(std::function<void()> handler) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     handler_ = std::move(handler);
 }
 
 template <class Value>
 bool Proxy_event<Value>::Update() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     cached_.assign(arrived_.begin(), arrived_.end());
     arrived_.clear();
     return !cached_.empty();
@@ -109,7 +109,7 @@ void Proxy_event<Value>::take(void const* sample) {
     auto value = std::make_shared<Value const>(decode_(sample));
     std::function<void()> handler;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         arrived_.push_back(std::move(value));
         if (arrived_.size() > capacity_) {
             arrived_.pop_front();

@@ -52,7 +52,7 @@ class Running_handlers {
     };
 
     void add(Entry& entry) {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         entry.number_ = ++last_;
         entry.before_ = newest_;
         (newest_ == nullptr ? oldest_ : newest_->next_) = &entry;
@@ -60,7 +60,7 @@ class Running_handlers {
     }
 
     void remove(Entry& entry) {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         (entry.before_ == nullptr ? oldest_ : entry.before_->next_) = entry.next_;
         (entry.next_ == nullptr ? newest_ : entry.next_->before_) = entry.before_;
         changed_.notify_all();
@@ -68,7 +68,7 @@ class Running_handlers {
 
     // What begins later belongs to a newer offer or subscription.
     void wait() {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         for (auto const* entry = oldest_; entry != nullptr; entry = entry->next_) {
             if (entry->handler_ == std::this_thread::get_id()) {
                 return;
@@ -81,9 +81,9 @@ class Running_handlers {
 
     base::Mutex mutex_;
     std::condition_variable_any changed_;
-    std::uint64_t last_ GUARDED_BY(mutex_) = 0;
-    Entry* oldest_ GUARDED_BY(mutex_) = nullptr;
-    Entry* newest_ GUARDED_BY(mutex_) = nullptr;
+    std::uint64_t last_ GUARDED_BY(mutex_){0};
+    Entry* oldest_ GUARDED_BY(mutex_){nullptr};
+    Entry* newest_ GUARDED_BY(mutex_){nullptr};
 };
 
 }  // namespace ara::com

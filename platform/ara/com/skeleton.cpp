@@ -25,7 +25,7 @@ Skeleton::~Skeleton() {
 }
 
 void Skeleton::OfferService() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (offer_) {
         return;
     }
@@ -48,7 +48,7 @@ void Skeleton::close_parts() {
 
 // The parts go before the offer, so that they are never those of a new one.
 std::unique_ptr<Offer> Skeleton::take_offer() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (offer_) {
         close_parts();
     }

@@ -26,16 +26,16 @@ class Skeleton_event : public Offered_part {
     /// Sends to all subscribers; to nobody while the instance is not offered. Bounded in time. Throws
     /// `tarq::com::Infrastructure_exception` when the value can't be sent.
     void Send(Value const& value) {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         send(value, Clock::now());
     }
 
     void open(InstanceIdentifier const& instance) override {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         source_ = binding()->offer_event(type_, instance);
     }
     void close() override {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         source_.reset();
     }
 
@@ -69,7 +69,7 @@ class Skeleton_field : public Skeleton_event<Value> {
     /// before the instance is offered is sent with the offer; a new offer sends it to those who have not had it. Throws
     /// as `Send` does.
     void Update(Value const& value) {
-        base::Lock_guard lock(this->mutex_);
+        base::Lock_guard const lock(this->mutex_);
         value_ = value;
         set_ = std::max(Clock::now(), set_ + typename Clock::duration(1));
         this->send(value, set_);
@@ -77,7 +77,7 @@ class Skeleton_field : public Skeleton_event<Value> {
 
     /// Answers `Get` instead of the last value that was set. Set it before the instance is offered.
     void RegisterGetHandler(Get_handler handler) {
-        base::Lock_guard lock(this->mutex_);
+        base::Lock_guard const lock(this->mutex_);
         get_ = std::move(handler);
     }
 
@@ -85,7 +85,7 @@ class Skeleton_field : public Skeleton_event<Value> {
     Value get() {
         Get_handler handler;
         {
-            base::Lock_guard lock(this->mutex_);
+            base::Lock_guard const lock(this->mutex_);
             if (!get_) {
                 return value_.value_or(Value());
             }
@@ -96,7 +96,7 @@ class Skeleton_field : public Skeleton_event<Value> {
 
     void open(InstanceIdentifier const& instance) override {
         Skeleton_event<Value>::open(instance);
-        base::Lock_guard lock(this->mutex_);
+        base::Lock_guard const lock(this->mutex_);
         if (value_) {
             this->send(*value_, set_);
         }

@@ -55,13 +55,13 @@ class Dds_binding : public Binding {
     }
 
     std::shared_ptr<Engine> last_engine() {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         down_ = true;
         return std::move(engine_);
     }
 
     std::shared_ptr<Engine> engine() {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (down_) {
             throw tarq::com::Infrastructure_exception("The communication runtime has ended");
         }
@@ -73,7 +73,7 @@ class Dds_binding : public Binding {
 
     base::Mutex mutex_;
     std::shared_ptr<Engine> engine_ GUARDED_BY(mutex_);
-    bool down_ GUARDED_BY(mutex_) = false;
+    bool down_ GUARDED_BY(mutex_){false};
 };
 
 }  // namespace

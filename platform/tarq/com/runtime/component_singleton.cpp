@@ -13,7 +13,7 @@ namespace {
 /// The binding, for as long as there is a runtime object.
 struct Runtime {
     base::Mutex mutex;
-    int objects GUARDED_BY(mutex) = 0;
+    int objects GUARDED_BY(mutex){0};
 };
 
 Runtime& runtime() {
@@ -22,7 +22,7 @@ Runtime& runtime() {
 }
 
 void begin() {
-    base::Lock_guard lock(runtime().mutex);
+    base::Lock_guard const lock(runtime().mutex);
     if (runtime().objects == 0) {
         ara::com::use_binding(ara::com::dds::make_binding());
     }
@@ -31,7 +31,7 @@ void begin() {
 
 // Null while others are left.
 std::shared_ptr<ara::com::Binding> end() {
-    base::Lock_guard lock(runtime().mutex);
+    base::Lock_guard const lock(runtime().mutex);
     return --runtime().objects == 0 ? ara::com::use_binding(nullptr) : nullptr;
 }
 

@@ -61,7 +61,7 @@ void InitLogging(std::string const& application_id, std::string const& descripti
 
 Logger& CreateLogger(std::string const& context_id, std::string const& /*description*/, LogLevel level) {
     static auto& loggers = *new Loggers;
-    base::Lock_guard lock(loggers.mutex);
+    base::Lock_guard const lock(loggers.mutex);
     auto const [entry, is_new] = loggers.by_id.try_emplace(context_id, std::string_view(), level);
     if (is_new) {
         entry->second = Logger(entry->first, level);

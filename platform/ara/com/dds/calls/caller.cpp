@@ -20,7 +20,7 @@ void Caller::open() {
     auto const opening = engine_->adopt(weak_from_this());
     auto path = make_path();
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         server_.open(std::move(path));
     }
     engine_->offers().add(weak_from_this(), type_.name, InstanceSpecifier(instance_.ToString()));
@@ -40,7 +40,7 @@ std::shared_ptr<Call_path> Caller::make_path() {
 // Null where the path is right as it is, or where there can't be another.
 std::shared_ptr<Call_path> Caller::new_path_for(Known_offer_list const& offers) {
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (!server_.needs_new_path(offers)) {
             return nullptr;
         }
@@ -56,7 +56,7 @@ void Caller::offers_changed(Known_offer_list const& offers) {
     auto path = new_path_for(offers);
     Pending_calls::Replies gone;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         auto const loss = server_.follow(offers, path);
         if (loss.is_final) {
             gone = calls_.take_all();
@@ -70,7 +70,7 @@ void Caller::offers_changed(Known_offer_list const& offers) {
 }
 
 void Caller::connection_changed() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     server_.connection_changed();
     changed_.notify_all();
 }
@@ -81,7 +81,7 @@ void Caller::await_server(Clock::time_point deadline) {
     while (auto const candidate = next_candidate(seen, deadline)) {
         seen = candidate->version;
         if (candidate->path->reaches(candidate->offer.participant)) {
-            base::Lock_guard lock(mutex_);
+            base::Lock_guard const lock(mutex_);
             server_.set_reached(*candidate);
         }
     }
@@ -89,7 +89,7 @@ void Caller::await_server(Clock::time_point deadline) {
 
 // Waits for one that was not seen yet; nothing when the server is reached already.
 std::optional<Server_in_reach::Candidate> Caller::next_candidate(unsigned seen, Clock::time_point deadline) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     while (!server_.is_reached()) {
         if (!server_.is_open()) {
             throw Infrastructure_exception("The communication runtime does not run");
@@ -120,7 +120,7 @@ void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
         begun->path->send(request, begun->number);
     } catch (Infrastructure_exception const&) {
         if (begun) {
-            base::Lock_guard lock(mutex_);
+            base::Lock_guard const lock(mutex_);
             pending = calls_.take(begun->number);
         }
         if (pending) {
@@ -131,7 +131,7 @@ void Caller::call(void* request, std::unique_ptr<Pending_reply> pending) {
 
 // Nothing when the server has gone since it was reached.
 std::optional<Caller::Begun_call> Caller::begin(std::unique_ptr<Pending_reply>& pending, Clock::time_point deadline) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (!server_.is_reached()) {
         return std::nullopt;
     }
@@ -163,7 +163,7 @@ void Caller::received(void const* reply) {
 }
 
 std::unique_ptr<Pending_reply> Caller::take(dds_rpc_ReplyHeader const& header) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return server_.is_open() ? calls_.take(server_.path()->number_of(header)) : nullptr;
 }
 
@@ -172,7 +172,7 @@ std::optional<Clock::time_point> Caller::expire(Clock::time_point now) {
     Pending_calls::Late late;
     std::optional<Clock::time_point> next;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (!next_look_ || now < *next_look_) {
             return std::nullopt;
         }
@@ -195,7 +195,7 @@ void Caller::release() {
     std::shared_ptr<Call_path> path;
     Pending_calls::Replies lost;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         path = server_.close();
         lost = calls_.take_all();
         changed_.notify_all();

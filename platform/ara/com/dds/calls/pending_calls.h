@@ -43,7 +43,7 @@ class Pending_calls {
         bool lost;
     };
 
-    std::int64_t last_number_ = 0;
+    std::int64_t last_number_{0};
     std::map<std::int64_t, Call> calls_;
 };
 

@@ -28,14 +28,14 @@ class Recent_requests {
     };
     struct Client {
         std::deque<Request> requests;
-        std::int64_t greatest_number = 0;
-        std::uint64_t last_request = 0;  // among those of all clients
+        std::int64_t greatest_number{0};
+        std::uint64_t last_request{0};  // among those of all clients
     };
 
     void make_room();
 
     std::map<Guid, Client> clients_;
-    std::uint64_t count_ = 0;
+    std::uint64_t count_{0};
 };
 
 }  // namespace ara::com::dds

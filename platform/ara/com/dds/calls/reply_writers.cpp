@@ -50,13 +50,13 @@ class Reply_writers::Way {
     }
 
     Writer const writer_;
-    bool began_ = false;
+    bool began_{false};
 };
 
 // Clients are looked at under the mutex: a look that another thread overtook would take a new client's way from it.
 void Reply_writers::follow(dds_entity_t requests) {
     Ways gone;
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (closed_) {
         return;
     }
@@ -96,12 +96,12 @@ void Reply_writers::tell_once() {
 }
 
 bool Reply_writers::is_full() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return ways_.size() >= k_most_ways;
 }
 
 std::shared_ptr<Reply_writers::Way> Reply_writers::way_to(dds_instance_handle_t client) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto const known = ways_.find(client);
     return known == ways_.end() ? nullptr : known->second;
 }
@@ -119,7 +119,7 @@ void Reply_writers::send(dds_entity_t requests, dds_instance_handle_t client, vo
 
 void Reply_writers::close() {
     Ways gone;
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     closed_ = true;
     std::swap(gone, ways_);
 }

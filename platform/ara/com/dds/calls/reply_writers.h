@@ -43,8 +43,8 @@ class Reply_writers {
     Topic_type const reply_;
     base::Mutex mutex_;
     Ways ways_ GUARDED_BY(mutex_);
-    bool closed_ GUARDED_BY(mutex_) = false;
-    bool told_ GUARDED_BY(mutex_) = false;  // that there are too many
+    bool closed_ GUARDED_BY(mutex_){false};
+    bool told_ GUARDED_BY(mutex_){false};  // that there are too many
 };
 
 }  // namespace ara::com::dds

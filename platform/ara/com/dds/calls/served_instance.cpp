@@ -49,7 +49,7 @@ void Served_instance::open() {
         [this](Sample sample, dds_sample_info_t const& info) { received(std::move(sample), info); },
         [this] { follow_clients(); });
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         requests_ = std::move(reader);
     }
     follow_clients();
@@ -61,7 +61,7 @@ void Served_instance::close() {
     auto const closing = engine_->close_part();
     std::shared_ptr<Reader> reader;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         reader = std::move(requests_);
     }
     if (claimed_.exchange(false)) {
@@ -72,7 +72,7 @@ void Served_instance::close() {
 }
 
 std::shared_ptr<Reader> Served_instance::requests() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return requests_;
 }
 

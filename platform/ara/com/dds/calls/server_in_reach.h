@@ -55,11 +55,11 @@ class Server_in_reach {
     std::optional<Known_offer> choose(Known_offer_list const& offers) const;
 
     std::shared_ptr<Call_path> path_;    // null before it is open and when it is closed
-    bool informed_ = false;              // of the offers
+    bool informed_{false};               // of the offers
     std::optional<Known_offer> server_;  // the offer that calls go to
-    bool path_is_used_ = false;          // there was an offer since it was made
-    bool reached_ = false;               // requests get to the server, and replies back
-    unsigned version_ = 1;               // of the server and of what is connected
+    bool path_is_used_{false};           // there was an offer since it was made
+    bool reached_{false};                // requests get to the server, and replies back
+    unsigned version_{1};                // of the server and of what is connected
 };
 
 }  // namespace ara::com::dds

@@ -17,7 +17,7 @@ Engine::Engine()
 }
 
 Engine::Opening Engine::adopt(std::weak_ptr<Part> part) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (down_) {
         throw tarq::com::Infrastructure_exception("The communication runtime does not run");
     }
@@ -29,25 +29,25 @@ Engine::Opening Engine::adopt(std::weak_ptr<Part> part) {
 }
 
 void Engine::opened() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     --opening_;
     changed_.notify_all();
 }
 
 Engine::Closing Engine::close_part() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     ++closing_;
     return Closing(this);
 }
 
 void Engine::closed() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     --closing_;
     changed_.notify_all();
 }
 
 void Engine::await_those_who_close() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     while (closing_ != 0) {
         changed_.wait(mutex_);
     }
@@ -55,7 +55,7 @@ void Engine::await_those_who_close() {
 
 std::vector<std::shared_ptr<Part>> Engine::refuse_new_parts() {
     std::vector<std::shared_ptr<Part>> present;
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     down_ = true;
     while (opening_ != 0) {
         changed_.wait(mutex_);

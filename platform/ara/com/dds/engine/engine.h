@@ -81,10 +81,10 @@ class Engine {
     std::shared_ptr<Known_offers> offers_;
     base::Mutex mutex_;
     std::vector<std::weak_ptr<Part>> parts_ GUARDED_BY(mutex_);
-    int opening_ GUARDED_BY(mutex_) = 0;
-    int closing_ GUARDED_BY(mutex_) = 0;
+    int opening_ GUARDED_BY(mutex_){0};
+    int closing_ GUARDED_BY(mutex_){0};
     std::condition_variable_any changed_;  // of these numbers
-    bool down_ GUARDED_BY(mutex_) = false;
+    bool down_ GUARDED_BY(mutex_){false};
 };
 
 }  // namespace ara::com::dds

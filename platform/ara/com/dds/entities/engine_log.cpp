@@ -17,7 +17,7 @@ class Limit {
  public:
     bool admits() {
         constexpr int k_most_in_a_second = 10;
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         auto const now = std::chrono::steady_clock::now();
         if (now - begin_ >= std::chrono::seconds(1)) {
             begin_ = now;
@@ -29,7 +29,7 @@ class Limit {
  private:
     base::Mutex mutex_;
     std::chrono::steady_clock::time_point begin_ GUARDED_BY(mutex_);
-    int count_ GUARDED_BY(mutex_) = 0;
+    int count_ GUARDED_BY(mutex_){0};
 };
 
 // The text ends with a line end. Not instrumented, as all that the engine calls (endpoints.cpp).

@@ -25,7 +25,7 @@ class Entity {
     void reset() noexcept;
 
  private:
-    dds_entity_t entity_ = 0;
+    dds_entity_t entity_{0};
 };
 
 }  // namespace ara::com::dds

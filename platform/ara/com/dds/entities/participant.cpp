@@ -52,7 +52,7 @@ bool is_configured_by_environment() {
 std::shared_ptr<Entity> local_domain() {
     static base::Mutex mutex;
     static std::weak_ptr<Entity> current;
-    base::Lock_guard lock(mutex);
+    base::Lock_guard const lock(mutex);
     auto domain = current.lock();
     if (!domain) {
         domain = std::make_shared<Entity>(dds_create_domain(k_local_domain, k_local_configuration),
@@ -86,7 +86,7 @@ Participant::Participant()
 
 dds_entity_t Participant::topic(Topic_type const& type) {
     auto const* const name = descriptor_of(type).m_typename;
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto& topic = topics_[name];
     if (topic.get() == 0) {
         topic = make_topic(type);

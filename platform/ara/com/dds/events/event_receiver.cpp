@@ -28,7 +28,7 @@ void Event_receiver::open(InstanceIdentifier const& instance) {
                                                    received(std::move(sample), info.source_timestamp);
                                                }
                                            });
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     reader_ = std::move(reader);
 }
 
@@ -36,7 +36,7 @@ void Event_receiver::close() {
     auto const closing = engine_->close_part();
     std::unique_ptr<Reader> reader;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         reader = std::move(reader_);
     }
     reader.reset();
@@ -56,7 +56,7 @@ bool Event_receiver::is_repeated(dds_time_t set) {
 
 void Event_receiver::received(Sample sample, dds_time_t set) {
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (event_.is_field && is_repeated(set)) {
             return;
         }
@@ -77,7 +77,7 @@ void Event_receiver::received(Sample sample, dds_time_t set) {
 void Event_receiver::deliver() {
     Sample sample;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         sample = std::move(waiting_.front());
         waiting_.pop_front();
     }

@@ -39,7 +39,7 @@ Running_lookup::Running_lookup(std::shared_ptr<Engine> engine, std::string inter
 void Running_lookup::start() {
     auto const opening = engine_->adopt(weak_from_this());
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         self_ = shared_from_this();
     }
     engine_->offers().add(weak_from_this(), interface_, wanted_);
@@ -48,7 +48,7 @@ void Running_lookup::start() {
 void Running_lookup::close() {
     std::shared_ptr<Running_lookup> self;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         self = std::move(self_);
     }
     strand_->close();
@@ -56,7 +56,7 @@ void Running_lookup::close() {
 
 void Running_lookup::offers_changed(Known_offer_list const& offers) {
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (newest_ && std::equal(offers.begin(), offers.end(), newest_->begin(), newest_->end(), is_same)) {
             return;
         }
@@ -79,7 +79,7 @@ void Running_lookup::post_report() {
 
 Known_offer_list Running_lookup::newest() {
     waiting_ = false;
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     return *newest_;
 }
 

@@ -35,7 +35,7 @@ ara_com_ServiceOffer make_offer(Guid const& participant, std::string_view interf
 }  // namespace
 
 std::shared_ptr<Writer> Announcer::writer() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (!writer_) {
         writer_ = std::make_shared<Writer>(participant_, Channel{offer_topic(), {}}, offer_quality());
     }
@@ -49,7 +49,7 @@ Announcer::Claims::iterator Announcer::find(std::string_view interface_name, std
 }
 
 void Announcer::claim(std::string_view interface_name, std::string_view instance) {
-    base::Lock_guard lock(claims_mutex_);
+    base::Lock_guard const lock(claims_mutex_);
     auto claim = find(interface_name, instance);
     while (claim != claims_.end() && claim->is_withdrawn) {
         withdrawn_.wait(claims_mutex_);
@@ -62,7 +62,7 @@ void Announcer::claim(std::string_view interface_name, std::string_view instance
 }
 
 bool Announcer::claims(std::string_view interface_name, std::string_view instance) {
-    base::Lock_guard lock(claims_mutex_);
+    base::Lock_guard const lock(claims_mutex_);
     return find(interface_name, instance) != claims_.end();
 }
 
@@ -75,11 +75,11 @@ void Announcer::announce(std::string_view interface_name, std::string_view insta
 void Announcer::withdraw(std::string_view interface_name, std::string_view instance) noexcept {
     std::shared_ptr<Writer> writer;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         writer = writer_;
     }
     {
-        base::Lock_guard lock(claims_mutex_);
+        base::Lock_guard const lock(claims_mutex_);
         if (auto const claim = find(interface_name, instance); claim != claims_.end()) {
             claim->is_withdrawn = true;
         }
@@ -89,7 +89,7 @@ void Announcer::withdraw(std::string_view interface_name, std::string_view insta
         dds_dispose(writer->entity(), &offer);
         dds_unregister_instance(writer->entity(), &offer);
     }
-    base::Lock_guard lock(claims_mutex_);
+    base::Lock_guard const lock(claims_mutex_);
     if (auto const claim = find(interface_name, instance); claim != claims_.end()) {
         claims_.erase(claim);
     }

@@ -84,13 +84,13 @@ class Known_offers : public Expiring, public std::enable_shared_from_this<Known_
     std::vector<Observer> observers_;
     Offer_bounds bounds_;
     std::unique_ptr<Process_watch> watch_;
-    std::uint64_t found_ = 0;          // of the offer that was found last
+    std::uint64_t found_{0};           // of the offer that was found last
     Clock::time_point all_are_new_{};  // from then on who is found was not there before
     std::unique_ptr<Reader> reader_;   // once there was an observer
     Lasting_failure failure_{"Offers of services can't be heard of yet: ",
                              "Offers of services are heard of now; failures before: "};
-    bool looks_later_ = false;  // by the timer
-    bool told_of_forgery_ = false;
+    bool looks_later_{false};  // by the timer
+    bool told_of_forgery_{false};
 };
 
 }  // namespace ara::com::dds

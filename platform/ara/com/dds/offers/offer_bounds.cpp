@@ -44,7 +44,7 @@ bool Offer_bounds::admits(ara_com_ServiceOffer const& offer, dds_instance_handle
     if (is_own_(participant, interface_name, instance)) {
         return true;
     }
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (counted_.count(key) != 0) {
         return true;
     }
@@ -71,7 +71,7 @@ bool Offer_bounds::has_room(dds_instance_handle_t writer, Guid const& participan
 }
 
 void Offer_bounds::ended(ara_com_ServiceOffer const& offer) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto const ended = counted_.find({participant_of(offer), offer.interface_name, offer.instance_name});
     if (ended == counted_.end()) {
         return;

@@ -41,7 +41,7 @@ class Offer_bounds {
     base::Mutex mutex_;
     std::map<Key, dds_instance_handle_t> counted_ GUARDED_BY(mutex_);  // for whom
     std::map<dds_instance_handle_t, std::size_t> of_writer_ GUARDED_BY(mutex_);
-    bool told_ GUARDED_BY(mutex_) = false;
+    bool told_ GUARDED_BY(mutex_){false};
 };
 
 }  // namespace ara::com::dds

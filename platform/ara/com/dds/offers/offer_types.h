@@ -28,7 +28,7 @@ struct Known_offer {
     Guid participant;
     pid_t process;                                  ///< 0 when it can't be named from here
     std::chrono::system_clock::time_point since{};  ///< another one for each time that it is offered
-    std::uint64_t found = 0;  ///< grows from offer to offer; 0 for those that were there before they were listened for
+    std::uint64_t found{0};  ///< grows from offer to offer; 0 for those that were there before they were listened for
     /// Set while its participant is not heard any more: how long it may take to come back.
     std::optional<std::chrono::steady_clock::time_point> awaited_until{};
 };

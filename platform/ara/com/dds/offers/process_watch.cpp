@@ -51,7 +51,7 @@ Process_watch::~Process_watch() {
 }
 
 bool Process_watch::watch(pid_t process) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (watched_.count(process) != 0) {
         return true;
     }
@@ -102,7 +102,7 @@ void Process_watch::run() {
 }
 
 void Process_watch::forget(pid_t process) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     auto const watched = watched_.find(process);
     if (watched == watched_.end()) {
         return;

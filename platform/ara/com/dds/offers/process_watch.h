@@ -35,8 +35,8 @@ class Process_watch {
     Ended const ended_;
     base::Mutex mutex_;
     std::map<pid_t, int> watched_ GUARDED_BY(mutex_);  // with its descriptor
-    int events_ = -1;                                  // epoll; written before the thread starts
-    int stop_ = -1;                                    // eventfd
+    int events_{-1};                                   // epoll; written before the thread starts
+    int stop_{-1};                                     // eventfd
     std::thread thread_;
 };
 

@@ -9,14 +9,14 @@
 namespace ara::com::dds {
 
 void Call_timer::start() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (!stopped_ && !thread_.joinable()) {
         thread_ = started_thread([this] { run(); });
     }
 }
 
 void Call_timer::watch(std::weak_ptr<Expiring> calls, Clock::time_point first) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (stopped_) {
         return;
     }
@@ -29,7 +29,7 @@ void Call_timer::watch(std::weak_ptr<Expiring> calls, Clock::time_point first) {
 void Call_timer::stop() {
     std::thread thread;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         stopped_ = true;
         watched_.clear();
         thread = std::move(thread_);
@@ -46,7 +46,7 @@ void Call_timer::run() {
         auto const due = next();
         auto const calls = due.lock();
         auto const again = calls ? calls->expire(Clock::now()) : std::nullopt;
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (stopped_) {
             return;
         }
@@ -58,7 +58,7 @@ void Call_timer::run() {
 
 // Nothing when the thread is to end.
 std::weak_ptr<Expiring> Call_timer::next() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     while (!stopped_) {
         if (watched_.empty()) {
             changed_.wait(mutex_);

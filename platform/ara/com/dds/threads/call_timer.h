@@ -44,7 +44,7 @@ class Call_timer {
     base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::multimap<Clock::time_point, std::weak_ptr<Expiring>> watched_ GUARDED_BY(mutex_);
-    bool stopped_ GUARDED_BY(mutex_) = false;
+    bool stopped_ GUARDED_BY(mutex_){false};
     std::thread thread_ GUARDED_BY(mutex_);
 };
 

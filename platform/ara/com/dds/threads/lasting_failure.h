@@ -19,7 +19,7 @@ class Lasting_failure {
  private:
     char const* const begun_;
     char const* const ended_;
-    std::uint64_t failures_ = 0;
+    std::uint64_t failures_{0};
 };
 
 }  // namespace ara::com::dds

@@ -25,7 +25,7 @@ void run_logged(Strand::Task const& task) {
 
 void Strand::post(Task task) {
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         if (closed_) {
             return;
         }
@@ -38,7 +38,7 @@ void Strand::post(Task task) {
     try {
         workers_.run(shared_from_this());
     } catch (...) {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         scheduled_ = false;  // the next task brings this one along
         throw;
     }
@@ -57,14 +57,14 @@ void Strand::refuse() {
 }
 
 Strand::Task Strand::refuse_one() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     closed_ = true;
     return take_first();
 }
 
 void Strand::close() {
     refuse();
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     while (runner_ != std::thread::id() && runner_ != std::this_thread::get_id()) {
         ended_.wait(mutex_);
     }
@@ -79,7 +79,7 @@ void Strand::run() {
 }
 
 Strand::Task Strand::next() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     runner_ = {};
     ended_.notify_all();
     if (closed_ || tasks_.empty()) {

@@ -51,7 +51,7 @@ class Strand : public std::enable_shared_from_this<Strand> {
     std::condition_variable_any ended_;
     std::deque<Task> tasks_ GUARDED_BY(mutex_);
     bool scheduled_ GUARDED_BY(mutex_);
-    bool closed_ GUARDED_BY(mutex_) = false;
+    bool closed_ GUARDED_BY(mutex_){false};
     std::thread::id runner_ GUARDED_BY(mutex_);  // of the task that runs; no thread's while none does
 };
 

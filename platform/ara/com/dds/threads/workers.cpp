@@ -13,7 +13,7 @@ namespace ara::com::dds {
 
 Workers::Workers() {
     start_with_patience([this] {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         start_thread();
     });
 }
@@ -30,7 +30,7 @@ void Workers::start_thread() {
 }
 
 void Workers::run(std::shared_ptr<Strand> strand) {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     if (stopped_) {
         return;
     }
@@ -51,13 +51,13 @@ void Workers::work() {
     pthread_setname_np(pthread_self(), "com-worker");
     while (auto const strand = next()) {
         strand->run();
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         ++idle_;
     }
 }
 
 std::shared_ptr<Strand> Workers::next() {
-    base::Lock_guard lock(mutex_);
+    base::Lock_guard const lock(mutex_);
     while (waiting_.empty() && !stopped_) {
         ready_.wait(mutex_);
     }
@@ -73,7 +73,7 @@ std::shared_ptr<Strand> Workers::next() {
 void Workers::stop() {
     std::vector<std::thread> threads;
     {
-        base::Lock_guard lock(mutex_);
+        base::Lock_guard const lock(mutex_);
         stopped_ = true;
         waiting_.clear();
         threads = std::move(threads_);

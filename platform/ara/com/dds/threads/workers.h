@@ -38,8 +38,8 @@ class Workers {
     base::Mutex mutex_;
     std::condition_variable_any ready_;
     std::deque<std::shared_ptr<Strand>> waiting_ GUARDED_BY(mutex_);
-    std::size_t idle_ GUARDED_BY(mutex_) = 0;  // those that were woken but did not yet take a strand included
-    bool stopped_ GUARDED_BY(mutex_) = false;
+    std::size_t idle_ GUARDED_BY(mutex_){0};  // those that were woken but did not yet take a strand included
+    bool stopped_ GUARDED_BY(mutex_){false};
     std::vector<std::thread> threads_ GUARDED_BY(mutex_);
 };
 
