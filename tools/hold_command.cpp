@@ -118,6 +118,7 @@ void guard(Hold_options const& options, Holding const& holding, Channel const& c
 
 [[noreturn]] void become(std::vector<std::string>& words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (auto& word : words) {
         arguments.push_back(word.data());
     }

@@ -17,7 +17,6 @@ namespace ximo::ap::statemanager {
 
 using ara::com::FindServiceHandle;
 using ara::com::InstanceSpecifier;
-using ara::com::ServiceHandle;
 using ara::com::ServiceHandleContainer;
 
 /// What is common to the three services: who waits, who is told, and the limit's thread.
