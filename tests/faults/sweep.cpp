@@ -43,7 +43,11 @@ bool is_of(std::string const& frame, char const* library) {
 }
 
 // What the engine calls for itself: none of the daemon's frames is nearer to the call than the engine's.
+// A thread's start tells no more than itself: its stack can't be followed.
 bool is_of_engine(Site const& site) {
+    if (site.call == SYS_clone3 && site.frames.size() == 1) {
+        return true;
+    }
     for (auto const& frame : site.frames) {
         if (is_of(frame, "ap_statemanager")) {
             return false;
