@@ -17,7 +17,7 @@ using Seconds = std::chrono::duration<double>;
 
 /// Processor time of each thread.
 std::map<std::string, double> processor_times(pid_t pid) {
-    static double const ticks = static_cast<double>(::sysconf(_SC_CLK_TCK));
+    static auto const ticks = static_cast<double>(::sysconf(_SC_CLK_TCK));
     std::map<std::string, double> times;
     std::error_code ended;
     for (std::filesystem::directory_iterator entry("/proc/" + std::to_string(pid) + "/task", ended), end;

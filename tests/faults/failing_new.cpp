@@ -9,7 +9,8 @@
 
 #include <unistd.h>
 
-void* operator new(std::size_t size) {
+// The library's own delete gives back what malloc gave.
+void* operator new(std::size_t size) {  // NOLINT(cert-dcl54-cpp,misc-new-delete-overloads)
     int const saved_errno = errno;
     bool const fails = ::syscall(faults::k_allocation) == -1 && errno == ENOMEM;
     errno = saved_errno;

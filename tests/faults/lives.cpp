@@ -6,7 +6,6 @@ namespace faults {
 
 namespace {
 
-using bench::tour::both;
 using bench::tour::keep_ecu_alive;
 using bench::tour::others_need_network;
 using bench::tour::press;

@@ -23,7 +23,7 @@ void print_usage(std::FILE* out) {
         "Lets each system call of the daemon fail once, in all ways that are plausible, and tells what is wrong then.\n"
         "  --sample SECONDS  as many faults as that takes\n"
         "  --seed NUMBER     draws the order and the pairs (1)\n"
-        "  --pairs COUNT     so many lives with two faults, at the end (200)\n"
+        "  --pairs COUNT     at most so many lives with two faults, among the others (200)\n"
         "  --life NAME       only \"plain\", \"requests\", \"post run\" or \"fast shutdown\"\n"
         "  --match TEXT      only faults whose line has this text, each with its outcome\n",
         out);

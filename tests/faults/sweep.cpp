@@ -8,6 +8,7 @@
 #include <numeric>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -210,18 +211,20 @@ void Sweep::add_trials(Life const& life, Site const& site, std::vector<std::pair
     }
 }
 
+// Spread evenly over all others, so that a sample has its share of them.
 void Sweep::add_pairs(std::vector<Trial>& trials) {
-    auto const singles = trials.size();
-    if (singles == 0) {
+    if (trials.empty() || options_.pairs == 0) {
         return;
     }
-    std::uniform_int_distribution<std::size_t> any(0, singles - 1);
-    for (unsigned pair = 0; pair < options_.pairs;) {
-        auto const& one = trials[any(random_)];
-        auto const& other = trials[any(random_)];
-        if (one.life == other.life) {
+    auto const singles = std::exchange(trials, {});
+    auto const distance = std::max<std::size_t>(singles.size() / options_.pairs, 1);
+    std::uniform_int_distribution<std::size_t> any(0, singles.size() - 1);
+    for (std::size_t place = 0; place < singles.size(); ++place) {
+        trials.push_back(singles[place]);
+        auto const& one = singles[any(random_)];
+        auto const& other = singles[any(random_)];
+        if (place % distance == distance - 1 && one.life == other.life) {
             trials.push_back({one.life, {one.faults.front(), other.faults.front()}});
-            ++pair;
         }
     }
 }
@@ -242,7 +245,7 @@ Verdict Sweep::lead(Life const& life, std::vector<Fault> const& faults) {
                                             [](Fault const& fault) { return fault.way == Way::is_met_by_a_signal; });
     auto const of_engine =
         std::any_of(faults.begin(), faults.end(), [this](Fault const& fault) { return is_of_engine(site_of(fault)); });
-    auto const verdict = one.lead(may_be_stopped, of_engine);
+    auto verdict = one.lead(may_be_stopped, of_engine);
     await_report();
     ::waitpid(report_.watcher, nullptr, 0);
     bool const is_as_before = verdict.outcome == Outcome::as_ever || verdict.outcome == Outcome::stopped;

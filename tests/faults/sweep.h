@@ -23,7 +23,7 @@ struct Options {
     unsigned seed{1};
     std::string life;     ///< only this one
     std::string match;    ///< only faults whose line has this text
-    unsigned pairs{200};  ///< of faults in one life, after all single ones
+    unsigned pairs{200};  ///< of faults in one life, among the single ones
 };
 
 /// A fault, or two, in one life.

@@ -24,7 +24,7 @@ bool trace(long request, pid_t thread, void* data) {
 }
 
 void* as_data(long value) {
-    return reinterpret_cast<void*>(static_cast<std::intptr_t>(value));
+    return reinterpret_cast<void*>(static_cast<std::intptr_t>(value));  // NOLINT(performance-no-int-to-ptr): ptrace
 }
 
 // What a call on it takes or gives at once is a part of a stream or a whole message.
