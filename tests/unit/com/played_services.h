@@ -84,11 +84,10 @@ class Process {
                                                   ara::com::InstanceIdentifier const& instance = k_app) const {
         return binding_->connect(type, {type.name, instance, ""});
     }
-    /// The same once it is known here that somebody offers the instance.
-    std::shared_ptr<ara::com::Connection> reach(ara::com::Service_type const& type = k_service,
-                                                ara::com::InstanceIdentifier const& instance = k_app) const {
+    /// Returns once it is known here that somebody offers the instance.
+    void await(ara::com::InstanceIdentifier const& instance = k_app) const {
         std::promise<void> found;
-        auto const lookup = binding_->find(type, ara::com::InstanceSpecifier(instance.ToString()),
+        auto const lookup = binding_->find(k_service, ara::com::InstanceSpecifier(instance.ToString()),
                                            [&found, is_found = false](auto const& handles) mutable {
                                                if (!handles.empty() && !std::exchange(is_found, true)) {
                                                    found.set_value();
@@ -96,6 +95,10 @@ class Process {
                                            });
         found.get_future().wait();
         lookup->stop();
+    }
+    std::shared_ptr<ara::com::Connection> reach(ara::com::Service_type const& type = k_service,
+                                                ara::com::InstanceIdentifier const& instance = k_app) const {
+        await(instance);
         return connect(type, instance);
     }
 

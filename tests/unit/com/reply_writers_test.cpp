@@ -94,7 +94,7 @@ TEST(Reply_writers_test, Of_a_service_are_tried_again_when_one_could_not_be_made
     Process const client;
     auto const offer =
         server->offer(k_service, k_app, [](auto const* /*request*/, auto const& answer) { answer_well(answer); });
-    client.reach();
+    client.await();
     // The first is the client's own.
     test_support::played_dds::faults().writers_until_failure = 1;
     test_support::Log_capture log;
