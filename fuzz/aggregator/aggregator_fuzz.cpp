@@ -190,7 +190,7 @@ class Script {
     std::uint8_t take() { return next_ == end_ ? std::uint8_t{0} : *next_++; }
     Bit_vector take_bytes() {
         auto const count = std::min<std::size_t>(take() % 10U, static_cast<std::size_t>(end_ - next_));
-        Bit_vector const bytes(next_, next_ + count);
+        Bit_vector bytes(next_, next_ + count);
         next_ += count;
         return bytes;
     }

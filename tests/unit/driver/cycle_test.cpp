@@ -27,6 +27,7 @@ struct Play {
     std::vector<Virtio_command> offered;
     unsigned next{states::k_stay};  ///< what the current state answers
     bool forced{false};
+    config::State_manager_config const* configuration{nullptr};  ///< the driver's
 };
 Play* play = nullptr;  // that of the test that runs
 
@@ -57,7 +58,10 @@ class Played_state : public states::State_interface {
 
 class Cycle : public testing::Test {
  protected:
-    Cycle() { play = &played; }
+    Cycle() {
+        play = &played;
+        played.configuration = &configuration;
+    }
 
     void start() {
         ASSERT_TRUE(sut.init());
@@ -106,6 +110,7 @@ TEST_F(Cycle, Enters_what_the_state_answers_takes_the_command_along_and_otherwis
         for (unsigned const answer : {8U, first, 8U, 0U, 1U, 2U, 3U, 5U, 6U, 7U}) {
             SCOPED_TRACE(testing::Message() << "state " << current << " answers " << answer);
             played = {};
+            played.configuration = &configuration;
             log.clear();
             played.next = answer;
             input->queue = {Virtio_command::run, Virtio_command::shutdown};
@@ -206,6 +211,7 @@ State_factory::State_factory(config::State_manager_config const& configuration,
     : configuration_(configuration), service_handler_(service_handler), execution_management_(execution_management) {}
 
 std::unique_ptr<State_interface> State_factory::create_state(unsigned id) const {
+    EXPECT_EQ(&configuration_, play->configuration);
     play->asked.push_back("make " + std::to_string(id));
     return std::make_unique<Played_state>(id);
 }
