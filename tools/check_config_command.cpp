@@ -17,7 +17,6 @@ namespace statectl {
 namespace {
 
 using check_config::Answer;
-using check_config::Finding;
 using check_config::seconds_text;
 using check_config::Times;
 

@@ -33,11 +33,6 @@ class Line_counter {
         ++place_;
         return *this;
     }
-    Line_counter operator++(int) {
-        auto const before = *this;
-        ++*this;
-        return before;
-    }
     friend bool operator==(Line_counter const& left, Line_counter const& right) { return left.place_ == right.place_; }
     friend bool operator!=(Line_counter const& left, Line_counter const& right) { return !(left == right); }
 

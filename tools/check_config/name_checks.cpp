@@ -64,7 +64,7 @@ std::set<std::string> check_unknown(Place const& place, Document const& document
             text += ": is " + guess + " meant" + (place.object.contains(guess) ? "" : ", which is missing") + "?";
             guessed.insert(guess);
         } else if (!home.empty()) {
-            text = '"' + name + "\" is ignored here: its place is in " + home;
+            text.assign(1, '"').append(name).append("\" is ignored here: its place is in ").append(home);
             guessed.insert(name);
         }
         findings.push_back({document.line_of(below(place.path, name)), text});

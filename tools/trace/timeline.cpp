@@ -122,7 +122,9 @@ class Drawing {
         auto step = std::pow(10.0, std::floor(std::log10(std::max(length, 0.001))));
         step = length / step < 2 ? step / 5 : length / step < 5 ? step / 2 : step;
         text_ += rectangle("axis", 0, y_, k_width, 1, duration_text(length));
-        for (double time = 0; time <= length - step / 2; time += step) {
+        auto const count = std::lround(length / step);
+        for (long i = 0; i < count; ++i) {
+            auto const time = static_cast<double>(i) * step;
             text_ += rectangle("axis", time * scale_, y_, 1, 4, "");
             text_ += label(time * scale_ + 3, y_ + 12, "dim", "start", duration_text(time));
         }
