@@ -140,6 +140,10 @@ bool Sweep::run() {
         std::printf("%s\n", line.c_str());
     }
     std::fflush(stdout);
+    if (done == 0) {
+        std::fputs("faults: no fault was tried, so nothing is shown\n", stderr);
+        return false;
+    }
     return wrong_.empty();
 }
 
