@@ -4,13 +4,12 @@
 #include "ara/com/dds/entities/endpoints.h"
 #include "client_fixture.h"
 #include "subscribed.h"
+#include "support/eventually.h"
 #include "tarq/udpnm/interface/network_state_interface_type.h"
 
-#include <chrono>
 #include <csignal>
 #include <memory>
 #include <ostream>
-#include <thread>
 
 namespace com_test {
 namespace {
@@ -135,11 +134,7 @@ class Sight {
         return static_cast<int>(writers.current_count + readers.current_count);
     }
     void await_ends(int wanted) const {
-        auto const deadline = std::chrono::steady_clock::now() + k_patience;
-        while (ends() != wanted && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        EXPECT_EQ(ends(), wanted);
+        EXPECT_TRUE(test_support::eventually([&] { return ends() == wanted; })) << ends();
     }
 
  private:

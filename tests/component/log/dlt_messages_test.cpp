@@ -1,8 +1,8 @@
 // What arrives of the messages of a program, and how long it takes.
 
 #include "dlt_fixture.h"
+#include "support/eventually.h"
 
-#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -15,36 +15,37 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-constexpr milliseconds k_short_run{1500};
+// Who waits as long as the log may at the end (2 s), or for the writer's next turn (100 ms), is above these bounds each
+// time. So is who gets no processor for that long, which may happen twice in five times.
+constexpr milliseconds k_short_run{1800};
+constexpr milliseconds k_at_once{90};
+constexpr int k_most_of_five{3};
 
 /// With what a busy program does.
 class Dlt_messages : public Dlt {
  protected:
-    // How long something takes at most when it is given a processor; no more tries after one that is short enough.
+    // How many of five times took less than that.
     template <class Action>
-    static milliseconds quickest_of_five(Action const& action, milliseconds short_enough) {
-        auto quickest = milliseconds::max();
-        for (int round = 0; round < 5 && quickest >= short_enough; ++round) {
-            quickest = std::min(quickest, std::chrono::duration_cast<milliseconds>(action()));
+    static int in_time_of_five(Action const& action, milliseconds limit) {
+        int in_time = 0;
+        for (int round = 0; round < 5; ++round) {
+            in_time += action() < limit ? 1 : 0;
         }
-        return quickest;
+        return in_time;
     }
 
-    milliseconds quickest_run() {
+    int short_runs_of_five() {
         auto const time = [this] {
             auto const before = steady_clock::now();
             run("many");
             return steady_clock::now() - before;
         };
-        return quickest_of_five(time, k_short_run);
+        return in_time_of_five(time, k_short_run);
     }
 
     // From then on nothing is logged any more, and what the log daemon has not taken lies with its client.
     static void await_end_of_writer(pid_t program) {
-        auto const deadline = steady_clock::now() + k_patience;
-        while (has_writer(program) && steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(milliseconds(1));
-        }
+        EXPECT_TRUE(test_support::eventually([program] { return !has_writer(program); }));
     }
 
     static bool has_writer(pid_t program) { return !writer_of(program).empty(); }
@@ -150,17 +151,15 @@ TEST_F(Dlt_messages, Gets_an_error_at_once) {
     Dlt_reader viewer;
     auto program = started("wait");
     EXPECT_THAT(texts_until(viewer, "waiting").back(), HasSubstr("waiting"));
-    EXPECT_LT(quickest_of_five(
-                  [&] {
-                      tell(program, 'x');
-                      texts_until(viewer, "told in detail");
-                      auto const before = steady_clock::now();
-                      tell(program, 'e');
-                      texts_until(viewer, "told of an error");
-                      return steady_clock::now() - before;
-                  },
-                  milliseconds(50)),
-              milliseconds(50));
+    auto const time = [&] {
+        tell(program, 'x');
+        texts_until(viewer, "told in detail");
+        auto const before = steady_clock::now();
+        tell(program, 'e');
+        texts_until(viewer, "told of an error");
+        return steady_clock::now() - before;
+    };
+    EXPECT_GE(in_time_of_five(time, k_at_once), k_most_of_five);
 }
 
 TEST_F(Dlt_messages, Is_fed_by_threads_in_which_no_signal_is_handled) {
@@ -174,13 +173,13 @@ TEST_F(Dlt_messages, Is_fed_by_threads_in_which_no_signal_is_handled) {
 }
 
 TEST_F(Dlt_messages, Is_not_waited_for_at_the_end_of_a_program) {
-    EXPECT_LT(quickest_run(), k_short_run);
+    EXPECT_GE(short_runs_of_five(), k_most_of_five);
 }
 
 TEST_F(Dlt_messages, That_is_stopped_stops_nobody) {
     Dlt_reader viewer;
     viewer.daemon().signal(SIGSTOP);
-    EXPECT_LT(quickest_run(), k_short_run);
+    EXPECT_GE(short_runs_of_five(), k_most_of_five);
     viewer.daemon().signal(SIGCONT);
 }
 

@@ -2,14 +2,13 @@
 
 #include "base/temporary_directory.h"
 #include "bench/process/child_process.h"
+#include "support/eventually.h"
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -45,13 +44,8 @@ TEST(Shipped_log_daemon, Listens_on_the_loopback_and_nowhere_else) {
     constexpr char const* k_loopback = "0000000000000000FFFF00000100007F";  // ::ffff:127.0.0.1
     base::Temporary_directory const pipes;
     bench::Child_process daemon({"dlt-daemon", "-c", PROJECT "/deploy/dlt/dlt.conf", "-t", pipes.path().string()}, {});
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (sockets_of(k_port).empty() && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    while (!std::filesystem::is_fifo(pipes.file("dlt")) && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));  // made after the sockets
-    }
+    EXPECT_TRUE(test_support::eventually(
+        [&] { return !sockets_of(k_port).empty() && std::filesystem::is_fifo(pipes.file("dlt")); }));
     EXPECT_THAT(sockets_of(k_port), testing::ElementsAre(std::string("tcp6 ") + k_loopback));
     daemon.signal(SIGKILL);  // it would take two seconds
 }

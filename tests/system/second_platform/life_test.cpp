@@ -1,6 +1,7 @@
 // The daemon as it is, on a platform that has no log daemon, no service manager and no communication engine.
 
 #include "bench/vehicle/vehicle.h"
+#include "support/eventually.h"
 
 #include <algorithm>
 #include <chrono>
@@ -10,7 +11,6 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -55,21 +55,15 @@ std::vector<std::string> told(std::vector<std::string> const& wanted) {
 
 /// Waits until a line was told so often.
 bool is_told(std::string const& line, long times) {
-    constexpr auto k_patience = std::chrono::seconds(10);
-    auto const deadline = std::chrono::steady_clock::now() + k_patience;
-    while (std::chrono::steady_clock::now() < deadline) {
+    return test_support::eventually([&] {
         std::ifstream file(k_told);
         std::string const text{std::istreambuf_iterator<char>(file), {}};
         long seen = 0;
         for (auto at = text.find(line); at != std::string::npos; at = text.find(line, at + 1)) {
             ++seen;
         }
-        if (seen >= times) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return false;
+        return seen >= times;
+    });
 }
 
 std::vector<std::string> state_words(Machine const& machine) {

@@ -1,5 +1,6 @@
 #include "ara/log/logging.h"
 
+#include "base/hex.h"
 #include "base/mutex.h"
 #include "told/told.h"
 
@@ -37,12 +38,8 @@ LogStream::~LogStream() {
 }
 
 LogStream& LogStream::operator<<(std::vector<std::uint8_t> const& bytes) noexcept {
-    constexpr std::string_view k_digits = "0123456789abcdef";
     add(" ");
-    for (auto const byte : bytes) {
-        add(k_digits.substr(byte >> 4U, 1));
-        add(k_digits.substr(byte & 15U, 1));
-    }
+    add(base::to_hex(bytes, ""));
     return *this;
 }
 
