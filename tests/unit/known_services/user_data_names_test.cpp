@@ -1,5 +1,7 @@
 #include "services/user_data_names.h"
 
+#include "statemanager/config/nm_user_data_config.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -43,6 +45,16 @@ TEST(User_data_names_test, A_car_wake_up_bit_in_the_place_of_another_one_wins) {
 
 TEST(Network_state_names_test, Bits_are_numbered_and_the_one_that_keeps_the_ecu_alive_is_named) {
     EXPECT_THAT(network_state_names({0x01, 0x80, 0x03}), ElementsAre("CAB 0", "CAB 15", "ECU alive", "CAB 17"));
+}
+
+TEST(Layout_test, Is_the_state_managers_by_default) {
+    User_data_layout const sut;
+    ximo::ap::statemanager::config::Nm_user_data_config const the_daemons;
+    EXPECT_EQ(sut.cwu_bit, the_daemons.cwu_bit_position);
+    EXPECT_EQ(sut.ac_offset, the_daemons.ac_offset);
+    EXPECT_EQ(sut.ac_bytes, the_daemons.ac_bytes);
+    EXPECT_EQ(sut.cab_offset, the_daemons.cab_offset);
+    EXPECT_EQ(sut.cab_bytes, the_daemons.cab_bytes);
 }
 
 TEST(Layout_test, Is_read_from_a_configuration) {
