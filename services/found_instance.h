@@ -35,7 +35,7 @@ class Found_instance {
     /// `tarq::com::Invalid_argument_exception` for a name that is none.
     explicit Found_instance(std::string const& name, On_change on_change = {})
         : on_change_(std::move(on_change)),
-          lookup_(Proxy::StartFindService([this](ara::com::ServiceHandleContainer const& found) { take(found); },
+          lookup_(Proxy::StartFindService([this](ara::com::ServiceHandleContainer const& found) { follow(found); },
                                           ara::com::InstanceSpecifier(name))) {}
     ~Found_instance() { Proxy::StopFindService(lookup_); }
     Found_instance(Found_instance const&) = delete;
@@ -55,7 +55,7 @@ class Found_instance {
     }
 
  private:
-    void take(ara::com::ServiceHandleContainer const& found) {
+    void follow(ara::com::ServiceHandleContainer const& found) {
         std::shared_ptr<Proxy> way;
         bool was_offered = false;
         {

@@ -34,7 +34,7 @@ bool Answer::send(Status status, std::string const& reached) {
 
 bool Answer::deliver(Status status, std::string const* reached) {
     auto const receiver = std::exchange(receiver_, {}).lock();
-    return receiver && receiver->take_answer(request_, status, reached);
+    return receiver && receiver->put_answer(request_, status, reached);
 }
 
 }  // namespace component_client

@@ -21,7 +21,7 @@ void Answer_book::forget_requests() {
 }
 
 // An answer that nobody waits for still says in which state the client is, unless a newer request has taken over.
-bool Answer_book::take_answer(std::uint64_t request, Status status, std::string const* reached) {
+bool Answer_book::put_answer(std::uint64_t request, Status status, std::string const* reached) {
     base::Lock_guard const lock(mutex_);
     if (request != newest_ || is_answered_) {
         return false;

@@ -28,7 +28,7 @@ class Answer_book final : public Answer_receiver {
     /// Nobody waits for an answer any more, and those on their way are dropped: the connection is lost.
     void forget_requests();
 
-    bool take_answer(std::uint64_t request, Status status, std::string const* reached) override;
+    bool put_answer(std::uint64_t request, Status status, std::string const* reached) override;
 
     /// The answers to be sent, oldest first.
     std::vector<utilities::Type_length_values> take_messages();

@@ -8,14 +8,14 @@
 
 namespace component_client {
 
-/// Takes answers from any thread.
+/// Receives answers from any thread.
 class Answer_receiver {
  public:
     virtual ~Answer_receiver() = default;
 
     /// `request` is the client's own count of requests, over all its connections. `reached` may be null for the state
     /// that the client is in. False when nobody waits for the answer any more.
-    virtual bool take_answer(std::uint64_t request, Status status, std::string const* reached) = 0;
+    virtual bool put_answer(std::uint64_t request, Status status, std::string const* reached) = 0;
 };
 
 }  // namespace component_client

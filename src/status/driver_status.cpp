@@ -1,3 +1,7 @@
+// All on the driver's thread. `beat` begins each cycle of its loop, and wakes readers, as only the end of the loop
+// does too; the cycle's wait for input tells of keys; a change of the state tells `transition`, then what entering it
+// leads to, then `command_consumed`.
+
 #include "status/driver_status.h"
 
 #include "status/page_writer.h"
@@ -36,7 +40,7 @@ void remove_oldest(Driver<Shared_word>& driver) {
     if (told > 0) {
         put(driver.queue[told - 1], 0U);  // of a longer queue, the last one is not known any more
         put(driver.taken_at[told - 1], 0U);
-        take(driver.waiting);
+        subtract(driver.waiting);
     }
 }
 

@@ -38,7 +38,7 @@ inline std::uint64_t own(Shared_word const& word) {
 inline void add(Shared_word& word, std::uint64_t more = 1) {
     put(word, own(word) + more);
 }
-inline void take(Shared_word& word, std::uint64_t less = 1) {
+inline void subtract(Shared_word& word, std::uint64_t less = 1) {
     put(word, own(word) - less);
 }
 

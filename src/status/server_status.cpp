@@ -112,7 +112,7 @@ void leave(Page& page, Shared_client& client) {
     bool const vanished = is_open(client);
     tell_of(page, client, vanished ? Event_kind::client_vanished : Event_kind::client_left);
     count(page, client, [vanished](Shared_name& name) {
-        take(name.connections);
+        subtract(name.connections);
         add(name.vanished, vanished ? 1 : 0);
     });
     Change const change(client.sequence);
@@ -194,7 +194,7 @@ void client_left(int connection) {
     if (client != nullptr) {
         Change const change(page->server.sequence);
         leave(*page, *client);
-        take(page->server.clients);
+        subtract(page->server.clients);
     }
 }
 
@@ -269,7 +269,7 @@ void client_answered(int connection, std::string_view state, std::uint8_t result
     }
     if (is_open(*client)) {
         Change const change(page->server.sequence);
-        take(page->server.unanswered);
+        subtract(page->server.unanswered);
         record_answer(*page, *client, result);
     } else if (own(client->answer) == static_cast<std::uint64_t>(Answer::timed_out)) {
         record_answer(*page, *client, result);

@@ -49,7 +49,7 @@ class Proxy_event {
     Samples const& GetCachedSamples() const noexcept { return cached_; }
 
  private:
-    void take(void const* sample);
+    void keep(void const* sample);
     std::unique_ptr<Subscription> take_subscription();
 
     std::shared_ptr<Connection> const connection_;
@@ -75,7 +75,7 @@ void Proxy_event<Value>::Subscribe(std::size_t cache) {
         base::Lock_guard const lock(mutex_);
         capacity_ = cache == 0 ? 1 : cache;
     }
-    subscription_ = connection_->subscribe(type_, [this](void const* sample) { handlers_.run([&] { take(sample); }); });
+    subscription_ = connection_->subscribe(type_, [this](void const* sample) { handlers_.run([&] { keep(sample); }); });
 }
 
 template <class Value>
@@ -105,7 +105,7 @@ bool Proxy_event<Value>::Update() {
 }
 
 template <class Value>
-void Proxy_event<Value>::take(void const* sample) {
+void Proxy_event<Value>::keep(void const* sample) {
     auto value = std::make_shared<Value const>(decode_(sample));
     std::function<void()> handler;
     {
