@@ -1,3 +1,6 @@
+// page_commands.cpp calls `clients_text` or `clients_json`, once, or again and again where it watches. Each puts the
+// clients that are connected beside the counts that the page keeps by name.
+
 #include "tools/commands.h"
 #include "tools/page/words.h"
 #include "tools/page_commands.h"

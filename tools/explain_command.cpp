@@ -1,3 +1,6 @@
+// All on one thread, after the command line was read: pieces of the file go into the reader, its whole messages to the
+// narrator, and at the end of the file the narrator's story to the reports that were asked for.
+
 #include "base/descriptor.h"
 #include "tools/commands.h"
 #include "tools/dlt/reader.h"

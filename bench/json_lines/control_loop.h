@@ -4,7 +4,6 @@
 #include "bench/json_lines/command_table.h"
 
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>

@@ -1,3 +1,6 @@
+// A call that was brought to the loop's thread is told and answered there: at once, after the delay that the reactions
+// say, or never. What `close` finds unanswered ends with an exception.
+
 #include "bench/network/pending_calls.h"
 
 #include "base/hex.h"

@@ -5,7 +5,6 @@
 #include "bench/service_manager/bus_methods.h"
 #include "bench/service_manager/manager.h"
 
-#include <list>
 #include <memory>
 
 #include <systemd/sd-bus.h>

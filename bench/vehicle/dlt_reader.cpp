@@ -1,3 +1,7 @@
+// The constructor starts the daemon and connects; from then on a thread of the client's is in libdlt's loop, which
+// calls `received` for each message, and any thread takes what has been kept. The end shuts the socket down, which
+// ends that loop.
+
 #include "bench/vehicle/dlt_reader.h"
 
 #include "base/mutex.h"

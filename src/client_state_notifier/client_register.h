@@ -5,7 +5,6 @@
 #include "client_state_notifier/client_state.h"
 #include "client_state_notifier/client_states.h"
 
-#include <cstdint>
 #include <map>
 #include <string>
 #include <utility>

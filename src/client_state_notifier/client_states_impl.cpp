@@ -1,3 +1,7 @@
+// Callers put a request into the slot, from any thread, and return. The server's thread, which the constructor starts
+// and the destructor ends, runs a server that takes the request and completes it; after one that fails it pauses and
+// makes a new one.
+
 #include "client_state_notifier/client_states_impl.h"
 
 #include "base/signals.h"

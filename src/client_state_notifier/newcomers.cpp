@@ -1,3 +1,6 @@
+// The server's thread alone, in each turn of its loop: `next_deadline` and `add_to` before the poll; after it `add`
+// for a connection that was accepted, then `hear` for all.
+
 #include "client_state_notifier/newcomers.h"
 
 #include "utilities/logger.h"

@@ -5,7 +5,6 @@
 #include "client_state_notifier/client_states.h"
 #include "client_state_notifier/notification_cycle.h"
 
-#include <chrono>
 #include <optional>
 #include <string>
 

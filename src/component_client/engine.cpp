@@ -1,3 +1,7 @@
+// One thread, in `run` or in its owner's loop, calls `dispatch` whenever something is ready: after `stop` it closes,
+// else it connects and introduces itself when the alarm says so, sends the answers that other threads have put into
+// the book, and hands the newest request that has arrived to the handler.
+
 #include "component_client/engine.h"
 
 #include "component_client/socket_path.h"

@@ -1,3 +1,6 @@
+// Who sends calls `serialize` for a whole message. Who receives, frame_assembler.cpp or messages.cpp, reads the header
+// of the list and calls `deserialize_vector` for the rest. Nothing is kept, so any thread may call.
+
 #include "utilities/serialization.h"
 
 #include <cstring>

@@ -1,3 +1,7 @@
+// A server listens, then sends and receives on the sockets that it has accepted; a client connects first. Sending and
+// receiving go on after a signal; what fails is thrown with the operation as its text. Nothing is kept but the
+// descriptor, so any thread may call.
+
 #include "utilities/socket.h"
 
 #include "utilities/close_failure.h"

@@ -1,3 +1,6 @@
+// rules.cpp makes a scene for each rule, which calls it on the thread that checks: the server appears and the program
+// is started, in the order that the rule is about; the program connects, says who it is, is asked, and answers.
+
 #include "tools/check/scene.h"
 
 #include <cerrno>

@@ -1,3 +1,6 @@
+// Called by the subcommands that show the status page, and by reasons.cpp for them. Words stand in the order of the
+// numbers that status/layout.h and the daemon's states give.
+
 #include "tools/page/words.h"
 
 #include <array>

@@ -1,3 +1,5 @@
+// `explain --json` calls `json_report` once, with the whole story; each function before it makes one part of that.
+
 #include "tools/trace/reports.h"
 #include "tools/trace/summary.h"
 

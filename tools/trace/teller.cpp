@@ -1,5 +1,7 @@
 #include "tools/trace/teller.h"
 
+#include "tools/trace/cause.h"
+
 #include <algorithm>
 #include <iterator>
 #include <map>

@@ -2,7 +2,6 @@
 #define TOOLS_TRACE_TELLER_H
 
 #include "tools/dlt/reader.h"
-#include "tools/trace/cause.h"
 #include "tools/trace/life.h"
 
 #include <cstddef>

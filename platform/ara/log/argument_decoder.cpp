@@ -1,3 +1,6 @@
+// text_sink.cpp calls this on the thread of the queue's consumer for each message that it writes: `decode_arguments`,
+// then `to_text`. An argument is its type, the length if it is text or bytes, and its value.
+
 #include "ara/log/argument_decoder.h"
 
 #include "ara/log/argument_encoder.h"

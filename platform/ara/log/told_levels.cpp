@@ -1,5 +1,7 @@
 #include "ara/log/told_levels.h"
 
+#include "ara/log/common.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <utility>

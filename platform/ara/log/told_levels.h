@@ -1,7 +1,6 @@
 #ifndef ARA_LOG_TOLD_LEVELS_H
 #define ARA_LOG_TOLD_LEVELS_H
 
-#include "ara/log/common.h"
 #include "base/mutex.h"
 
 #include <array>

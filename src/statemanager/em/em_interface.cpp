@@ -1,3 +1,6 @@
+// States call this on the driver's thread when they are entered: Running asks for the machine state "Running",
+// Shutting down for "Shutdown". What comes of it is told, and changes nothing.
+
 #include "statemanager/em/em_interface.h"
 
 #include "ara/log/logging.h"

@@ -4,7 +4,6 @@
 #include "statemanager/service_handler/nm_interface_abstract.h"
 
 #include <memory>
-#include <utility>
 
 namespace ximo::ap::statemanager {
 

@@ -1,3 +1,7 @@
+// The driver's thread offers the restart service at the start, and withdraws all at the end. The application services
+// are offered by the binding's thread that completes the search for network management; what it finds after the end is
+// not offered any more.
+
 #include "statemanager/service_handler/provided_services.h"
 
 #include "ara/log/logging.h"

@@ -1,3 +1,7 @@
+// The driver's thread calls `init` once, `get_command` in each cycle, which is the loop's only wait, and
+// `command_consumed` after a change of the state. A key that comes meanwhile goes through `evaluate` and `add_command`
+// into the queue.
+
 #include "statemanager/virtio/virtio_interface.h"
 
 #include "ara/log/logging.h"

@@ -21,6 +21,14 @@ namespace ara::com::dds {
 /// its reply, all within its time. Calls to a server whose offer goes fail with it. A server that is not heard for the
 /// lease may come back in a while: calls wait for it, and those that were under way fail after that time, since nobody
 /// knows whether they have arrived.
+///
+/// Words: an *offer* tells that a server is there, a *path* is the pair of endpoints by which calls go to it, and the
+/// server is *reached* when both are connected with it.
+///
+/// The way of a call, on the thread that calls: wait until a server is reached (`await_server`), put the call among
+/// those that wait for their replies (`begin`), send it. The reply comes on a thread of the engine (`received`); offers
+/// change on the engine's strand (`offers_changed`); the timer ends the calls whose time is over (`expire`). No reply
+/// is ended under the mutex, since that runs user code.
 class Caller : public Connection,
                public Offer_observer,
                public Expiring,

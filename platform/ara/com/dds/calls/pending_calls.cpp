@@ -1,3 +1,7 @@
+// `Caller` uses this under its mutex: `add` on the thread that calls, `take` on the engine's when the reply has come,
+// `lose` and `take_all` on the engine's strand when the server is lost or has gone, `take_late` on the timer's thread.
+// What was taken is ended without the mutex.
+
 #include "ara/com/dds/calls/pending_calls.h"
 
 #include <algorithm>

@@ -19,6 +19,15 @@ namespace ara::com::dds {
 
 /// The server's side of one offered instance: takes the requests, has each handled once, one after the other,
 /// and answers.
+///
+/// Words: a *way* is the writer of replies to one client; the *strand* is the one of this instance, in whose tasks user
+/// code runs; the *engine's strand* is shared by all parts and runs none.
+///
+/// The way of a call: a thread of the engine brings the request (`received`), which is counted and posted to the
+/// strand; there it is left alone if it came before, or else handled (`handle`) and answered on the client's way
+/// (`send`). Clients come and go by themselves: the engine tells that some did, and one look at all of them on the
+/// engine's strand
+/// (`follow_clients_now`) makes and drops ways, again by the timer where one could not be made.
 class Served_instance : public Part, public Expiring, public std::enable_shared_from_this<Served_instance> {
  public:
     Served_instance(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier instance,

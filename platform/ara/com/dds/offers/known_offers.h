@@ -34,6 +34,14 @@ class Offer_observer {
 /// participant was not heard for the lease is awaited for a while before it ends: after a stall of either side they
 /// soon find each other again.
 ///
+/// Words: an *observer* wants the offers of one interface, of one instance or any; an offer is *lost* when its
+/// participant is not heard any more, and *awaited* from then until it is heard again or that has taken too long; it is
+/// *forged* when its writer belongs to another participant than it names.
+///
+/// The first observer has the reader opened. From then on a thread of the engine brings each sample, which goes to the
+/// strand (`received`): it is kept, lost or dropped, and all observers that want it get their whole list. The timer
+/// comes back for offers that are awaited, and for a reader that could not be opened (`look`).
+///
 /// Everything happens on the engine's strand, except where something else is said.
 class Known_offers : public Expiring, public std::enable_shared_from_this<Known_offers> {
  public:
