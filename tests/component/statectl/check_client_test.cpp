@@ -28,10 +28,11 @@ TEST(Check_client, Passes_a_client_on_the_library) {
     EXPECT_EQ(json::parse(result.output).at("passed"), all_rules().size());
 }
 
-TEST(Check_client, Passes_a_client_that_answers_late_and_fails) {
+TEST(Check_client, Finds_nothing_but_failures_in_a_client_that_answers_late_and_fails) {
     auto const result =
         run_statectl(check({STATECTL, "client", "--name", "late", "--answer-after", "50", "--status", "1"}));
-    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_EQ(result.status, 1) << result.output;
+    EXPECT_THAT(rules_with(json::parse(result.output), "fail"), testing::ElementsAre("prepares", "resumes"));
 }
 
 TEST(Check_client, Tells_why_a_rule_is_broken) {
