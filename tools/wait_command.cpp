@@ -2,6 +2,7 @@
 #include "tools/json_text.h"
 #include "tools/page/words.h"
 #include "tools/page_commands.h"
+#include "tools/seconds_option.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -161,7 +162,7 @@ void add_wait_command(CLI::App& program, Action& chosen) {
                             ->excludes(state);
     state->excludes(event);
     command->add_option("--for", options->seconds, "Seconds to wait at most; without limit unless told")
-        ->check(CLI::PositiveNumber);
+        ->check(seconds_from(0.001));
     command->add_option("--page", options->page.path, "The status page's file")->capture_default_str();
     command->add_flag("--json", options->page.as_json, "Print what was seen as JSON");
     command->callback([command, options, &chosen] {

@@ -52,6 +52,15 @@ TEST_F(Commands, Of_a_client_take_numbers_in_their_range) {
     EXPECT_TRUE(accepts("client --name me --status 255 --answer-after 86400000"));
 }
 
+TEST_F(Commands, Take_seconds_that_a_clock_can_count) {
+    for (auto const* const words : {"wait Running --for ", "check-config file --limit "}) {
+        EXPECT_TRUE(accepts(words + std::string("0.5"))) << words;
+        for (auto const* const none : {"nan", "inf", "1e300", "-1", "soon"}) {
+            EXPECT_FALSE(accepts(words + std::string(none))) << words << none;
+        }
+    }
+}
+
 TEST_F(Commands, Leave_the_words_of_a_program_alone) {
     EXPECT_TRUE(accepts("check-client --quiet 10 -- program --json --quiet x"));
 }
