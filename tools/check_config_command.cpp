@@ -44,8 +44,8 @@ constexpr Figure k_figures[] = {
     {"longest_resume", "longest resume, when nobody answers", &Times::resume},
     {"knock_out", "longest wait of Post Run for applications", &Times::knock_out},
     {"cycle", "longest cycle, when no neighbour answers", &Times::cycle},
-    {"watchdog", "WatchdogSec of the unit has to be more than", &Times::watchdog},
-    {"stop", "TimeoutStopSec of the unit has to be more than", &Times::stop},
+    {"watchdog", "WatchdogSec of the unit has to be more than this and what a control file takes", &Times::watchdog},
+    {"stop", "TimeoutStopSec of the unit has to be more than this and what a control file takes", &Times::stop},
 };
 
 int status_of(Answer const& answer) {
