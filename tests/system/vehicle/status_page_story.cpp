@@ -243,7 +243,8 @@ TEST_F(Status_page, Tells_whose_a_client_is_and_marks_one_that_bears_anothers_na
     auto const radio = client("radio");
     auto const second = client("car radio");
     std::ofstream("/tmp/owners") << "# name user\nradio root\ncar radio nobody\n";
-    for (auto const& client : told("clients", {"--owners", "/tmp/owners"}).at("clients")) {
+    auto const page = told("clients", {"--owners", "/tmp/owners"});
+    for (auto const& client : page.at("clients")) {
         EXPECT_EQ(client.at("user"), "root");
         EXPECT_EQ(client.at("pid"), ::getpid());
         EXPECT_EQ(client.at("should_be"), client.at("name") == "radio" ? json() : json("nobody"));
