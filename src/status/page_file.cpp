@@ -111,26 +111,42 @@ void write_life(Life<Shared_word>& life, std::string const& path, Facts const& f
     put(life.magic, k_magic);
 }
 
+// A new page at the path; null when that can't be had. The page before is out of the way in any case: under the held
+// lock it would be taken for this life's.
+Page* published(std::string const& path, Facts const& facts) {
+    auto const new_path = path + ".new";
+    auto* const page = new_page(new_path);
+    if (page != nullptr) {
+        write_life(page->life, path, facts);
+        put(page->driver.since, own(page->life.started));
+        put(page->driver.condition, Condition::network_manager);
+        put(page->services.sending, 1U);
+    }
+    ::rename(path.c_str(), (path + k_previous).c_str());
+    if (page != nullptr && ::rename(new_path.c_str(), path.c_str()) == 0) {
+        return page;
+    }
+    if (page != nullptr) {
+        ::munmap(page, sizeof(Page));
+    }
+    ::unlink(new_path.c_str());
+    return nullptr;
+}
+
 }  // namespace
 
 Page_file::Page_file(std::string const& path, Facts const& facts) : lock_(k_no_lock) {
     ::mkdir(directory_of(path).c_str(), k_directory_mode);
     lock_ = locked(path + k_lock);
-    auto const new_path = path + ".new";
-    auto* const page = lock_ == k_no_lock ? nullptr : new_page(new_path);
-    if (page == nullptr) {
+    if (lock_ == k_no_lock) {
         return;
     }
-    write_life(page->life, path, facts);
-    put(page->driver.since, own(page->life.started));
-    put(page->driver.condition, Condition::network_manager);
-    put(page->services.sending, 1U);
-    ::rename(path.c_str(), (path + k_previous).c_str());
-    if (::rename(new_path.c_str(), path.c_str()) != 0) {
-        ::munmap(page, sizeof(Page));
+    page_ = published(path, facts);
+    if (page_ == nullptr) {
+        ::close(lock_);
+        lock_ = k_no_lock;
         return;
     }
-    page_ = page;
     set_page(page_);
 }
 

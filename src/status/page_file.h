@@ -20,7 +20,8 @@ struct Facts {
 /// directory, no rights, no space, another process that writes this page) leaves the process without a page, silently:
 /// those who want to read it find out.
 ///
-/// Nothing here waits: not for the lock, and not for a file that is a pipe. The page before stays as `.previous`.
+/// Nothing here waits: not for the lock, and not for a file that is a pipe. The page before stays as `.previous`, also
+/// where there is no room for the new one.
 class Page_file {
  public:
     Page_file(std::string const& path, Facts const& facts);

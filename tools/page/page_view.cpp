@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <iterator>
 #include <thread>
@@ -118,6 +119,19 @@ void require_page(status::Page const& page, std::string const& path) {
     }
 }
 
+// A lock for writing, as the page's writer has it: a reader of the group can hold one for reading. Takes none itself.
+bool has_writer(std::string const& path) {
+    base::Descriptor const file(::open((path + status::k_lock).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct flock whole {};
+    whole.l_type = F_RDLCK;
+    whole.l_whence = SEEK_SET;
+    return file.is_open() && ::fcntl(file.number(), F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
+}
+
+bool is_process(Number pid) {
+    return pid > 0 && pid <= INT_MAX && (::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM);
+}
+
 }  // namespace
 
 std::vector<std::uint8_t> bytes_of(status::Bits<Number> const& bits) {
@@ -183,7 +197,7 @@ Page_view::~Page_view() {
 
 Snapshot Page_view::snapshot() const {
     auto copy = snapshot_of(*page_, k_attempts);
-    copy.is_alive = !is_outdated() && is_written(path_, copy.life.pid);
+    copy.is_alive = copy.driver.ended == 0 && !is_outdated() && has_writer(path_) && is_process(copy.life.pid);
     return copy;
 }
 
@@ -198,17 +212,6 @@ void Page_view::await_events(Number seen, std::chrono::nanoseconds time) const {
 bool Page_view::is_outdated() const {
     struct stat about {};
     return ::stat(path_.c_str(), &about) == 0 && about.st_ino != file_;
-}
-
-bool is_written(std::string const& path, Number pid) {
-    base::Descriptor const file(::open((path + status::k_lock).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct flock whole {};
-    whole.l_type = F_WRLCK;
-    whole.l_whence = SEEK_SET;
-    if (file.is_open() && ::fcntl(file.number(), F_OFD_GETLK, &whole) == 0) {
-        return whole.l_type != F_UNLCK;
-    }
-    return ::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM;
 }
 
 }  // namespace statectl

@@ -26,7 +26,7 @@ struct Snapshot {
     std::vector<status::Event<Number>> events;  ///< the newest, in the order of their times
     Number failed_calls{0};
     bool is_half_written{false};  ///< something has an odd sequence, and kept it
-    bool is_alive{false};         ///< somebody writes the page
+    bool is_alive{false};         ///< its daemon runs: the lock is held, the process is there, the loop has not ended
     Number now{0};                ///< CLOCK_MONOTONIC when the copy was begun
 };
 
@@ -82,9 +82,6 @@ class Page_view {
     Number file_{0};
     status::Page const* page_{nullptr};
 };
-
-/// Somebody holds the lock of the page at the path. Takes no lock itself.
-bool is_written(std::string const& path, Number pid);
 
 }  // namespace statectl
 

@@ -1,10 +1,12 @@
 #include "status/page_file.h"
 
+#include "base/descriptor.h"
 #include "base/temporary_directory.h"
 #include "status/driver_status.h"
 #include "status/page_writer.h"
 #include "tools/page/page_view.h"
 
+#include <climits>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -22,6 +24,20 @@ using statectl::No_page;
 using statectl::Page_view;
 
 Facts const k_facts{"/nowhere/ap_statemanager.json", 100, 3, true};
+
+/// Somebody's lock on a file.
+class Lock {
+ public:
+    Lock(std::string const& path, short kind) : file_(::open(path.c_str(), O_RDWR | O_CLOEXEC)) {
+        struct flock whole {};
+        whole.l_type = kind;
+        whole.l_whence = SEEK_SET;
+        EXPECT_EQ(::fcntl(file_.number(), F_OFD_SETLK, &whole), 0);
+    }
+
+ private:
+    base::Descriptor file_;
+};
 
 class Status_page_file : public testing::Test {
  protected:
@@ -97,6 +113,42 @@ TEST_F(Status_page_file, Belongs_to_one_writer) {
     EXPECT_FALSE(can_be_written(path));
     EXPECT_EQ(page(), written);
     EXPECT_FALSE(fs::exists(path + k_previous));
+}
+
+TEST_F(Status_page_file, Is_the_previous_one_of_nobody_when_the_next_one_can_not_be_made) {
+    { Page_file const first(path, k_facts); }
+    fs::create_directories(path + ".new/full");
+    Page_file const second(path, k_facts);
+    EXPECT_FALSE(second.is_written());
+    EXPECT_THAT(refusal(), testing::HasSubstr("there is no status page"));
+    EXPECT_EQ(Page_view(path + k_previous).snapshot().life.number, 1U);
+    fs::remove_all(path + ".new");
+    EXPECT_TRUE(can_be_written(path)) << "the lock is free";
+}
+
+TEST_F(Status_page_file, Is_that_of_a_daemon_that_runs_with_the_writers_lock_and_process_until_the_loop_ends) {
+    auto const is_alive = [this] { return Page_view(path).snapshot().is_alive; };
+    for (std::uint64_t const nobody : {std::uint64_t{0}, std::uint64_t{INT_MAX}, std::uint64_t{INT_MAX} + 1, ~0UL}) {
+        lay([nobody](auto& words) { words[4] = nobody; });
+        Lock const held(path + k_lock, F_WRLCK);
+        EXPECT_FALSE(is_alive()) << "process " << nobody;
+    }
+    lay([](auto&) {});
+    {
+        Lock const held(path + k_lock, F_WRLCK);
+        EXPECT_TRUE(is_alive());
+    }
+    {
+        Lock const held(path + k_lock, F_RDLCK);
+        EXPECT_FALSE(is_alive()) << "a reader's lock";
+    }
+    fs::remove(path + k_lock);
+    EXPECT_FALSE(is_alive()) << "no lock";
+    Page_file const file(path, k_facts);
+    EXPECT_TRUE(is_alive());
+    EXPECT_FALSE(Page_view(path + k_previous).snapshot().is_alive);
+    loop_ended();
+    EXPECT_FALSE(is_alive());
 }
 
 TEST_F(Status_page_file, Leaves_a_reader_of_the_life_before_with_what_he_has) {
