@@ -23,7 +23,7 @@ std::string row(std::string label, std::string const& text) {
 
 // Real time, as long as the machine has not been suspended since.
 std::string clock_text(Snapshot const& page, Number time) {
-    auto const ago = std::chrono::nanoseconds(page.now > time ? page.now - time : 0);
+    auto const ago = std::chrono::nanoseconds(page.silent + (page.now > time ? page.now - time : 0));
     return time_text(std::chrono::system_clock::now() - ago);
 }
 

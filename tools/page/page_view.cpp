@@ -132,6 +132,16 @@ bool is_process(Number pid) {
     return pid > 0 && pid <= INT_MAX && (::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM);
 }
 
+// Nothing that the page tells goes on after what its daemon said last.
+void stop_clock(Snapshot& page) {
+    auto last = std::max({page.life.started, page.driver.beat, page.driver.ended});
+    if (!page.events.empty()) {
+        last = std::max(last, page.events.back().at);
+    }
+    page.silent = page.now > last ? page.now - last : 0;
+    page.now = last;
+}
+
 }  // namespace
 
 std::vector<std::uint8_t> bytes_of(status::Bits<Number> const& bits) {
@@ -198,6 +208,9 @@ Page_view::~Page_view() {
 Snapshot Page_view::snapshot() const {
     auto copy = snapshot_of(*page_, k_attempts);
     copy.is_alive = copy.driver.ended == 0 && !is_outdated() && has_writer(path_) && is_process(copy.life.pid);
+    if (!copy.is_alive) {
+        stop_clock(copy);
+    }
     return copy;
 }
 

@@ -164,6 +164,12 @@ void add_dropped(Snapshot const& page, Reasons& reasons) {
     }
 }
 
+std::string farewell_text(Snapshot const& page) {
+    return std::string(page.driver.ended != 0 ? "the daemon ended by itself "
+                                              : "the daemon has gone without a farewell ") +
+           span_text(page.silent) + " ago; this is what it said last";
+}
+
 }  // namespace
 
 std::vector<Reason> reasons_of(Snapshot const& page) {
@@ -177,9 +183,7 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
     Reasons troubles;
     auto const& driver = page.driver;
     if (!page.is_alive) {
-        troubles.push_back({"not-running", driver.ended != 0
-                                               ? "the daemon ended by itself; this is what it said last"
-                                               : "the daemon has gone without a farewell; this is what it said last"});
+        troubles.push_back({"not-running", farewell_text(page)});
     }
     if (page.is_half_written) {
         troubles.push_back({"half-written", "a part of the page was left half-written"});

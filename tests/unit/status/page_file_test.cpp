@@ -151,6 +151,34 @@ TEST_F(Status_page_file, Is_that_of_a_daemon_that_runs_with_the_writers_lock_and
     EXPECT_FALSE(is_alive());
 }
 
+TEST_F(Status_page_file, Whose_daemon_has_gone_tells_times_up_to_what_it_said_last) {
+    auto const last_said = [this](std::function<void()> const& say) {
+        {
+            Page_file const file(path, k_facts);
+            say();
+        }
+        auto const before = now();
+        auto const page = Page_view(path).snapshot();
+        EXPECT_GE(page.now + page.silent, before);
+        return page;
+    };
+    auto page = last_said([] {});
+    EXPECT_EQ(page.now, page.life.started);
+    page = last_said([] { beat(false, false); });
+    EXPECT_EQ(page.now, page.driver.beat);
+    page = last_said([] {
+        beat(false, false);
+        key_dropped(1);
+    });
+    EXPECT_EQ(page.now, page.events.back().at);
+    page = last_said([] {
+        beat(false, false);
+        loop_ended();
+    });
+    EXPECT_EQ(page.now, page.events.back().at);
+    EXPECT_NE(page.driver.ended, 0U);
+}
+
 TEST_F(Status_page_file, Leaves_a_reader_of_the_life_before_with_what_he_has) {
     auto first = std::make_unique<Page_file>(path, k_facts);
     Page_view const view(path);

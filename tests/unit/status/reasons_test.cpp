@@ -118,7 +118,12 @@ TEST(Troubles, Are_told_each_by_its_sentence) {
         std::string text;
     };
     for (auto const& trouble : std::vector<Trouble>{
-             {"not-running", [](Snapshot& page) { page.is_alive = false; }, "without a farewell"},
+             {"not-running",
+              [](Snapshot& page) {
+                  page.is_alive = false;
+                  page.silent = 12 * k_s;
+              },
+              "without a farewell 12.0 s ago"},
              {"half-written", [](Snapshot& page) { page.is_half_written = true; }, "half-written"},
              {"no-beat", [](Snapshot& page) { page.driver.beat = 90 * k_s; }, "the last cycle began 10.0 s ago"},
              {"no-device", [](Snapshot& page) { page.driver.devices = 0; }, "no command arrives"},
