@@ -21,10 +21,15 @@ std::string row(std::string label, std::string const& text) {
     return label + text + '\n';
 }
 
-// Real time, as long as the machine has not been suspended since.
+// Real time, as long as the machine has not been suspended since; of another boot, not since the daemon's start.
 std::string clock_text(Snapshot const& page, Number time) {
+    using std::chrono::system_clock;
+    if (page.is_foreign) {
+        auto const real = static_cast<std::int64_t>(page.life.started_real + (time - page.life.started));
+        return time_text(system_clock::time_point(std::chrono::nanoseconds(real)));
+    }
     auto const ago = std::chrono::nanoseconds(page.silent + (page.now > time ? page.now - time : 0));
-    return time_text(std::chrono::system_clock::now() - ago);
+    return time_text(system_clock::now() - ago);
 }
 
 std::string cause_of(Snapshot const& page) {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <fstream>
 #include <iterator>
 #include <thread>
 
@@ -132,13 +133,20 @@ bool is_process(Number pid) {
     return pid > 0 && pid <= INT_MAX && (::kill(static_cast<pid_t>(pid), 0) == 0 || errno == EPERM);
 }
 
+// One machine has one such text from boot to boot. What can't be asked for is taken to be the page's.
+bool is_of_another_boot(status::Life<Number> const& life) {
+    std::ifstream file("/proc/sys/kernel/random/boot_id");
+    std::string boot;
+    return std::getline(file, boot) && boot != text_of(life.boot);
+}
+
 // Nothing that the page tells goes on after what its daemon said last.
 void stop_clock(Snapshot& page) {
     auto last = std::max({page.life.started, page.driver.beat, page.driver.ended});
     if (!page.events.empty()) {
         last = std::max(last, page.events.back().at);
     }
-    page.silent = page.now > last ? page.now - last : 0;
+    page.silent = !page.is_foreign && page.now > last ? page.now - last : 0;
     page.now = last;
 }
 
@@ -207,7 +215,9 @@ Page_view::~Page_view() {
 
 Snapshot Page_view::snapshot() const {
     auto copy = snapshot_of(*page_, k_attempts);
-    copy.is_alive = copy.driver.ended == 0 && !is_outdated() && has_writer(path_) && is_process(copy.life.pid);
+    copy.is_foreign = is_of_another_boot(copy.life);
+    copy.is_alive =
+        !copy.is_foreign && copy.driver.ended == 0 && !is_outdated() && has_writer(path_) && is_process(copy.life.pid);
     if (!copy.is_alive) {
         stop_clock(copy);
     }

@@ -27,6 +27,7 @@ struct Snapshot {
     Number failed_calls{0};
     bool is_half_written{false};  ///< something has an odd sequence, and kept it
     bool is_alive{false};         ///< its daemon runs: the lock is held, the process is there, the loop has not ended
+    bool is_foreign{false};       ///< another boot's or machine's, whose times are no times of this one
     Number now{0};     ///< CLOCK_MONOTONIC when the copy was begun; of a dead page when it said something last
     Number silent{0};  ///< nanoseconds that a dead page has said nothing
 };

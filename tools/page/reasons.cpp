@@ -165,7 +165,10 @@ void add_dropped(Snapshot const& page, Reasons& reasons) {
 }
 
 std::string farewell_text(Snapshot const& page) {
-    return std::string(page.driver.ended != 0 ? "the daemon ended by itself "
+    if (page.is_foreign) {
+        return "the page is from another boot or machine; this is what its daemon said last";
+    }
+    return std::string(page.driver.ended != 0 ? "the daemon ended in order "
                                               : "the daemon has gone without a farewell ") +
            span_text(page.silent) + " ago; this is what it said last";
 }

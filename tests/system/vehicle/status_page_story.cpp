@@ -143,7 +143,7 @@ TEST_F(Status_page, Says_a_farewell_where_there_is_one) {
     machine->press("power");
     ASSERT_TRUE(ends_with(0));
     EXPECT_EQ(told("status").at("state"), "Shutting down");
-    EXPECT_THAT(why("not-running"), HasSubstr("ended by itself"));
+    EXPECT_THAT(why("not-running"), HasSubstr("ended in order"));
     EXPECT_THAT(why("power-off"), HasSubstr("execution management was asked"));
 }
 

@@ -7,6 +7,7 @@
 #include "tools/page/page_view.h"
 
 #include <climits>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -177,6 +178,18 @@ TEST_F(Status_page_file, Whose_daemon_has_gone_tells_times_up_to_what_it_said_la
     });
     EXPECT_EQ(page.now, page.events.back().at);
     EXPECT_NE(page.driver.ended, 0U);
+}
+
+TEST_F(Status_page_file, Of_another_boot_or_machine_is_told_as_such_and_nobody_runs) {
+    lay([](auto&) {});
+    EXPECT_FALSE(Page_view(path).snapshot().is_foreign);
+    lay([](auto& words) { words[offsetof(Life<std::uint64_t>, boot) / sizeof(std::uint64_t)] ^= 1U; });
+    Lock const held(path + k_lock, F_WRLCK);
+    auto const page = Page_view(path).snapshot();
+    EXPECT_TRUE(page.is_foreign);
+    EXPECT_FALSE(page.is_alive);
+    EXPECT_EQ(page.now, page.life.started);
+    EXPECT_EQ(page.silent, 0U);
 }
 
 TEST_F(Status_page_file, Leaves_a_reader_of_the_life_before_with_what_he_has) {

@@ -124,6 +124,19 @@ TEST(Troubles, Are_told_each_by_its_sentence) {
                   page.silent = 12 * k_s;
               },
               "without a farewell 12.0 s ago"},
+             {"not-running",
+              [](Snapshot& page) {
+                  page.is_alive = false;
+                  page.driver.ended = page.now;
+                  page.silent = 3 * k_s;
+              },
+              "ended in order 3.0 s ago"},
+             {"not-running",
+              [](Snapshot& page) {
+                  page.is_alive = false;
+                  page.is_foreign = true;
+              },
+              "the page is from another boot or machine"},
              {"half-written", [](Snapshot& page) { page.is_half_written = true; }, "half-written"},
              {"no-beat", [](Snapshot& page) { page.driver.beat = 90 * k_s; }, "the last cycle began 10.0 s ago"},
              {"no-device", [](Snapshot& page) { page.driver.devices = 0; }, "no command arrives"},
