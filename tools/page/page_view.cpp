@@ -24,7 +24,7 @@ namespace {
 
 using status::Shared_word;
 
-constexpr unsigned k_attempts = 400;
+constexpr unsigned k_retries = 400;
 constexpr auto k_pause = std::chrono::microseconds(50);
 
 // Words of one structure, one after the other: layout.h says that there is nothing else in it.
@@ -38,35 +38,27 @@ void copy_words(Structure<Shared_word> const& shared, Structure<Number>& copy) {
     }
 }
 
-// A section or record as it was at one moment; false when there was no such moment.
-template <template <class> class Structure>
-bool copy_section(Structure<Shared_word> const& shared, Structure<Number>& copy, unsigned attempts) {
-    for (unsigned attempt = 0; attempt < attempts; ++attempt) {
-        if (attempt > 0) {
-            std::this_thread::sleep_for(k_pause);
-        }
-        auto const before = shared.sequence.load(std::memory_order_acquire);
-        copy_words(shared, copy);
-        if (before % 2 == 0 && shared.sequence.load(std::memory_order_relaxed) == before) {
-            return true;
-        }
-    }
-    return false;
-}
-
 class Copier {
  public:
-    Copier(unsigned attempts, bool& is_half_written) : attempts_(attempts), is_half_written_(is_half_written) {}
+    explicit Copier(unsigned retries) : retries_(retries) {}
 
+    /// A section or record as it was at one moment, or else as it is.
     template <template <class> class Structure>
-    void operator()(Structure<Shared_word> const& shared, Structure<Number>& copy) const {
-        is_half_written_ = !copy_section(shared, copy, attempts_) || is_half_written_;
+    void operator()(Structure<Shared_word> const& shared, Structure<Number>& copy) {
+        while (!is_copied(shared, copy)) {
+            if (retries_ == 0) {
+                is_half_written_ = true;
+                return;
+            }
+            --retries_;
+            std::this_thread::sleep_for(k_pause);
+        }
     }
 
     /// The records that are in use, by their copies.
     template <template <class> class Structure, class In_use>
     void operator()(Structure<Shared_word> const* records, std::size_t count, std::vector<Structure<Number>>& copies,
-                    In_use const& is_in_use) const {
+                    In_use const& is_in_use) {
         for (std::size_t i = 0; i < count; ++i) {
             Structure<Number> copy{};
             (*this)(records[i], copy);
@@ -76,9 +68,19 @@ class Copier {
         }
     }
 
+    /// Of something there was no such moment.
+    bool is_half_written() const { return is_half_written_; }
+
  private:
-    unsigned const attempts_;
-    bool& is_half_written_;
+    template <template <class> class Structure>
+    static bool is_copied(Structure<Shared_word> const& shared, Structure<Number>& copy) {
+        auto const before = shared.sequence.load(std::memory_order_acquire);
+        copy_words(shared, copy);
+        return before % 2 == 0 && shared.sequence.load(std::memory_order_relaxed) == before;
+    }
+
+    unsigned retries_;  // for all that is copied
+    bool is_half_written_{false};
 };
 
 // What may be overwritten while it is copied is left out.
@@ -160,10 +162,10 @@ std::vector<std::uint8_t> bytes_of(status::Bits<Number> const& bits) {
     return bytes;
 }
 
-Snapshot snapshot_of(status::Page const& page, unsigned attempts) {
+Snapshot snapshot_of(status::Page const& page, unsigned retries) {
     Snapshot copy;
     copy.now = monotonic_now();
-    Copier const copier(attempts, copy.is_half_written);
+    Copier copier(retries);
     copy_words(page.life, copy.life);
     copier(page.driver, copy.driver);
     copier(page.server, copy.server);
@@ -174,6 +176,7 @@ Snapshot snapshot_of(status::Page const& page, unsigned attempts) {
     copier(page.names.data(), page.names.size(), copy.names, [](auto const& name) { return name.used != 0; });
     auto const instances = std::min<Number>(copy.services.instances, status::k_instances);
     copier(page.instances.data(), instances, copy.instances, [](auto const&) { return true; });
+    copy.is_half_written = copier.is_half_written();
     copy.failed_calls = page.failed_calls.load(std::memory_order_acquire);
     for (auto const* const ring : {&page.driver_ring, &page.server_ring, &page.services_ring, &page.network_ring}) {
         add_events(*ring, copy.events);
@@ -214,7 +217,7 @@ Page_view::~Page_view() {
 }
 
 Snapshot Page_view::snapshot() const {
-    auto copy = snapshot_of(*page_, k_attempts);
+    auto copy = snapshot_of(*page_, k_retries);
     copy.is_foreign = is_of_another_boot(copy.life);
     copy.is_alive =
         !copy.is_foreign && copy.driver.ended == 0 && !is_outdated() && has_writer(path_) && is_process(copy.life.pid);

@@ -46,8 +46,9 @@ std::string text_of(status::Text<Number, bytes> const& text) {
 
 std::vector<std::uint8_t> bytes_of(status::Bits<Number> const& bits);
 
-/// A copy of the page. Looks `attempts` times at what is being written, with a short pause in between.
-Snapshot snapshot_of(status::Page const& page, unsigned attempts);
+/// A copy of the page. Looks again at what is being written, after a short pause; no more than `retries` times
+/// altogether.
+Snapshot snapshot_of(status::Page const& page, unsigned retries);
 
 /// No page can be read; the text says why.
 class No_page : public std::runtime_error {

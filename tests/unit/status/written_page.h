@@ -16,7 +16,7 @@ class Written_page : public testing::Test {
     Written_page() : written(std::make_unique<Page>()) { set_page(written.get()); }
     ~Written_page() override { set_page(nullptr); }
 
-    statectl::Snapshot read(unsigned attempts = 3) const { return statectl::snapshot_of(*written, attempts); }
+    statectl::Snapshot read(unsigned retries = 3) const { return statectl::snapshot_of(*written, retries); }
 
     std::unique_ptr<Page> written;
 };
