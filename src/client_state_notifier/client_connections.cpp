@@ -58,7 +58,7 @@ void Client_connections::process_introduction(Introduced_client client) {
     }
     int const connection = client.socket.get_fd();
     clients_.add(std::move(client.socket), client.name, std::move(client.inbox));
-    status::client_connected(connection, client.name);
+    status::client_connected(connection, client.name, client.state);
     poll_set_.forget_clients();
     auto const current_state = clients_.current_state();
     if (client.state != current_state) {

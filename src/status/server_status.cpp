@@ -87,7 +87,7 @@ ucred peer_of(int connection) {
     return peer;
 }
 
-void fill(Page& page, Shared_client& client, int connection, std::string_view name) {
+void fill(Page& page, Shared_client& client, int connection, std::string_view name, std::string_view state) {
     auto const peer = peer_of(connection);
     auto const* const record = name_record(page, name);
     Change const change(client.sequence);
@@ -100,7 +100,7 @@ void fill(Page& page, Shared_client& client, int connection, std::string_view na
     put(client.status, 0U);
     put(client.asked_at, 0U);
     put(client.answered_at, 0U);
-    put(client.state, "unknown");
+    put(client.state, state);
     put(client.name, name);
 }
 
@@ -166,7 +166,7 @@ void close_open(Page& page, Answer how) {
 
 }  // namespace
 
-void client_connected(int connection, std::string_view name) {
+void client_connected(int connection, std::string_view name, std::string_view state) {
     auto* const page = status::page();
     if (page == nullptr) {
         return;
@@ -178,7 +178,7 @@ void client_connected(int connection, std::string_view name) {
         add(page->server.clients_untold);
         return;
     }
-    fill(*page, *client, connection, name);
+    fill(*page, *client, connection, name, state);
     add(page->server.clients);
     if (name_of(*page, *client) == nullptr) {
         add(page->server.names_untold);

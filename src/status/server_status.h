@@ -9,8 +9,8 @@
 /// What happens on the notification server's thread. Clients are named by their connections. See page_writer.h.
 namespace status {
 
-/// A client has introduced itself; whose process it is, the socket says.
-void client_connected(int connection, std::string_view name);
+/// A client has introduced itself, with its name and the state that it is in; whose process it is, the socket says.
+void client_connected(int connection, std::string_view name, std::string_view state);
 
 /// A client has gone.
 void client_left(int connection);

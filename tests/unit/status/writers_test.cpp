@@ -81,9 +81,10 @@ TEST_F(Status_writers, Of_a_queue_that_is_longer_than_the_page_count_what_they_d
 
 TEST_F(Status_writers, Tell_of_a_client_what_became_of_its_request) {
     auto const deadline = std::chrono::steady_clock::now();
-    client_connected(7, "radio");
-    client_connected(8, "navigation");
-    client_connected(9, "gone");
+    client_connected(7, "radio", "kOn");
+    client_connected(8, "navigation", "kOn");
+    client_connected(9, "gone", "kOn");
+    EXPECT_EQ(text_of(read().clients.at(0).state), "kOn") << "as it introduced itself";
     request_began("kPrepSD", deadline);
     for (int const connection : {7, 8, 9}) {
         client_asked(connection);
@@ -117,7 +118,7 @@ TEST_F(Status_writers, Tell_of_a_client_what_became_of_its_request) {
 }
 
 TEST_F(Status_writers, Call_a_request_replaced_that_a_newer_one_found_open) {
-    client_connected(7, "radio");
+    client_connected(7, "radio", "kOn");
     request_began("kPrepSD", std::chrono::steady_clock::now());
     client_asked(7);
     request_began("kOn", std::chrono::steady_clock::now());
@@ -128,19 +129,19 @@ TEST_F(Status_writers, Call_a_request_replaced_that_a_newer_one_found_open) {
 
 TEST_F(Status_writers, Count_clients_and_names_for_which_there_is_no_room) {
     for (int connection = 0; connection < 1'003; ++connection) {
-        client_connected(connection, "client " + std::to_string(connection));
+        client_connected(connection, "client " + std::to_string(connection), "kOn");
     }
     EXPECT_EQ(read().clients.size(), k_clients);
     EXPECT_EQ(read().server.clients_untold, 3U);
     client_left(0);
-    client_connected(5'000, "one more name");
+    client_connected(5'000, "one more name", "kOn");
     client_answered(5'000, "kOn", 0);
     EXPECT_EQ(read().server.names_untold, 1U);
     EXPECT_EQ(read().names.size(), k_names);
 }
 
 TEST_F(Status_writers, Forget_all_clients_when_their_server_fails) {
-    client_connected(7, "radio");
+    client_connected(7, "radio", "kOn");
     server_failed();
     EXPECT_EQ(read().server.clients, 0U);
     EXPECT_EQ(read().server.failures, 1U);
