@@ -2,6 +2,7 @@
 #include "tools/check_config/words.h"
 #include "tools/commands.h"
 #include "tools/json_text.h"
+#include "tools/page/words.h"
 #include "tools/seconds_option.h"
 
 #include <CLI/CLI.hpp>
@@ -93,11 +94,11 @@ void print_text(Check_config_options const& options, Answer const& answer) {
                                                 : coloured("taken", k_yellow) + ", and worth a look";
     std::printf("%s: %s\n", options.file.c_str(), word.c_str());
     if (!verdict.is_taken) {
-        std::printf("  the daemon says  %s\n", verdict.reason.c_str());
+        std::printf("  the daemon says  %s\n", shown(verdict.reason).c_str());
     }
     for (auto const& finding : answer.findings) {
         auto const place = finding.line == 0 ? std::string() : "line " + std::to_string(finding.line);
-        std::printf("  %-9s  %s\n", place.c_str(), finding.text.c_str());
+        std::printf("  %-9s  %s\n", place.c_str(), shown(finding.text).c_str());
     }
     for (auto const& figure : k_figures) {
         if (answer.times) {

@@ -1,6 +1,7 @@
 #include "tools/client_report.h"
 
 #include "tools/json_text.h"
+#include "tools/page/words.h"
 
 #include <array>
 #include <cstdio>
@@ -32,7 +33,7 @@ void Client_report::connected(std::string const& name, std::string const& state)
     if (as_json_) {
         print(json{{"event", "connected"}, {"name", name}, {"state", state}});
     } else {
-        print("connected as " + name + ", state " + state);
+        print("connected as " + shown(name) + ", state " + shown(state));
     }
 }
 
@@ -48,7 +49,7 @@ void Client_report::requested(std::uint32_t number, std::string const& state) co
     if (as_json_) {
         print(json{{"event", "request"}, {"number", number}, {"state", state}});
     } else {
-        print("request " + std::to_string(number) + ": " + state);
+        print("request " + std::to_string(number) + ": " + shown(state));
     }
 }
 
@@ -56,7 +57,7 @@ void Client_report::answered(std::uint32_t number, std::string const& state, std
     if (as_json_) {
         print(json{{"event", "answer"}, {"number", number}, {"state", state}, {"status", status}, {"sent", sent}});
     } else {
-        print("answer " + std::to_string(number) + ": " + describe(status) + ", state " + state +
+        print("answer " + std::to_string(number) + ": " + describe(status) + ", state " + shown(state) +
               (sent ? "" : " (not sent: nobody waits for it any more)"));
     }
 }
@@ -65,7 +66,7 @@ void Client_report::trouble(std::string const& text) const {
     if (as_json_) {
         print(json{{"event", "trouble"}, {"text", text}});
     } else {
-        print("trouble: " + text);
+        print("trouble: " + shown(text));
     }
 }
 

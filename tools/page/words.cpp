@@ -44,6 +44,44 @@ constexpr std::array<std::string_view, 21> k_events{
     "ended",
 };
 
+constexpr std::uint32_t k_no_character = 0xffffffff;
+
+/// A character of UTF-8, or a byte that is of none.
+struct Character {
+    std::size_t bytes;
+    std::uint32_t number;
+};
+
+Character character_at(std::string_view text) {
+    constexpr std::array<std::uint32_t, 5> k_smallest{0, 0, 0x80, 0x800, 0x10000};
+    auto const first = static_cast<unsigned char>(text[0]);
+    std::size_t const bytes = first < 0x80   ? 1
+                              : first < 0xc0 ? 0
+                              : first < 0xe0 ? 2
+                              : first < 0xf0 ? 3
+                              : first < 0xf8 ? 4
+                                             : 0;
+    if (bytes <= 1) {
+        return {1, bytes == 1 ? first : k_no_character};
+    }
+    std::uint32_t number = first & (0x7fU >> bytes);
+    for (std::size_t i = 1; i < bytes; ++i) {
+        auto const next = i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+        if ((next & 0xc0U) != 0x80) {
+            return {1, k_no_character};
+        }
+        number = number << 6U | (next & 0x3fU);
+    }
+    return number < k_smallest[bytes] || number > 0x10ffff ? Character{1, k_no_character} : Character{bytes, number};
+}
+
+// Control characters, and those that turn the order of what stands around them.
+bool is_obeyed(std::uint32_t character) {
+    return character < ' ' || (character >= 0x7f && character <= 0x9f) ||
+           (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069) ||
+           character == k_no_character;
+}
+
 }  // namespace
 
 std::string state_word(Number state) {
@@ -144,11 +182,11 @@ std::string span_text(Number from, Number to) {
 }
 
 std::string shown(std::string const& text) {
-    auto plain = text;
-    for (char& character : plain) {
-        if (static_cast<unsigned char>(character) < ' ' || character == '\x7f') {
-            character = '?';
-        }
+    std::string plain;
+    for (std::string_view rest = text; !rest.empty();) {
+        auto const first = character_at(rest);
+        plain += is_obeyed(first.number) ? "?" : rest.substr(0, first.bytes);
+        rest.remove_prefix(first.bytes);
     }
     return plain;
 }

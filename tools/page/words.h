@@ -29,7 +29,7 @@ std::string span_text(Number nanoseconds);
 /// From one time to a later one.
 std::string span_text(Number from, Number to);
 
-/// What somebody else has written, without the bytes that a terminal would obey; and the same in quotes.
+/// What somebody else has written, without what a terminal would obey or what is no UTF-8; and the same in quotes.
 std::string shown(std::string const& text);
 std::string quoted(std::string const& name);
 

@@ -1,4 +1,6 @@
 #include "command_line.h"
+#include "support/temporary_directory.h"
+#include "tools/client_report.h"
 
 #include <fstream>
 #include <iterator>
@@ -63,6 +65,26 @@ TEST_F(Commands, Take_seconds_that_a_clock_can_count) {
 
 TEST_F(Commands, Leave_the_words_of_a_program_alone) {
     EXPECT_TRUE(accepts("check-client --quiet 10 -- program --json --quiet x"));
+}
+
+TEST_F(Commands, Print_names_of_others_without_bytes_that_a_terminal_would_obey) {
+    test_support::Temporary_directory const directory;
+    auto const file = directory.write("odd.json", R"({"ap_statemanager": {"a\u001b[2J": 1, "b\u009b2J": 1}})");
+    ASSERT_TRUE(accepts("check-config " + std::string(file)));
+    std::string const name = "c\x1b[2J";
+    Client_report const report(false);
+    testing::internal::CaptureStdout();
+    chosen();
+    report.connected(name, name);
+    report.requested(1, name);
+    report.answered(1, name, 0, true);
+    report.trouble(name);
+    auto const text = testing::internal::GetCapturedStdout();
+    for (auto const* const shown : {"\"a?[2J\"", "\"b?2J\"", "connected as c?[2J, state c?[2J", "1: c?[2J",
+                                    "succeeded, state c?[2J", "trouble: c?[2J"}) {
+        EXPECT_THAT(text, HasSubstr(shown));
+    }
+    EXPECT_EQ(text.find('\x1b'), std::string::npos);
 }
 
 }  // namespace

@@ -167,7 +167,18 @@ TEST(Words, Of_spans_are_short) {
 }
 
 TEST(Words, Show_no_bytes_that_a_terminal_would_obey) {
-    EXPECT_EQ(quoted("a\x1b[2Jb\n"), "\"a?[2Jb?\"");
+    for (auto const& [text, plain] : {std::pair<std::string, std::string>{"a\x1b[2Jb\n\x7f", "a?[2Jb??"},
+                                      {"\u0080\u009b2J\u009f", "??2J?"},
+                                      {"\u202a\u202e\u2066\u2069", "????"},
+                                      {"K\u00fcche \u00a0 \u2029 \u202f \u2065 \u206a \U0001f697",
+                                       "K\u00fcche \u00a0 \u2029 \u202f \u2065 \u206a \U0001f697"},
+                                      {"\x9b"
+                                       "2J \xff \xe2\x80 \xc2",
+                                       "?2J ? ?? ?"},
+                                      {"\xc1\x9b \xe0\x82\x9b \xf4\x90\x80\x80", "?? ??? ????"}}) {
+        EXPECT_EQ(shown(text), plain);
+    }
+    EXPECT_EQ(quoted("a\x1b"), "\"a?\"");
 }
 
 }  // namespace
