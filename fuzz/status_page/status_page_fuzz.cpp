@@ -33,7 +33,7 @@ std::vector<std::uint64_t> busy_words() {
     status::set_page(page.get());
     status::provided(status::Hold::com_alive, {"1", "2"});
     status::com_requested("1", {1, 2, 3}, 4);
-    status::client_connected(7, "radio");
+    status::client_connected(7, "radio", "kOn");
     status::request_began("kPrepSD", std::chrono::steady_clock::now());
     status::client_asked(7);
     status::key_taken(1);
