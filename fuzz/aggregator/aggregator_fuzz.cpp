@@ -189,7 +189,8 @@ class Script {
 
     std::uint8_t take() { return next_ == end_ ? std::uint8_t{0} : *next_++; }
     Bit_vector take_bytes() {
-        auto const count = std::min<std::size_t>(take() % 10U, static_cast<std::size_t>(end_ - next_));
+        std::size_t const wanted = take() % 10U;
+        auto const count = std::min(wanted, static_cast<std::size_t>(end_ - next_));
         Bit_vector bytes(next_, next_ + count);
         next_ += count;
         return bytes;

@@ -173,7 +173,8 @@ class World {
 
     std::uint8_t take() { return next_ == end_ ? std::uint8_t{0} : *next_++; }
     Bytes take_bytes() {
-        auto const count = std::min<std::size_t>(take(), static_cast<std::size_t>(end_ - next_));
+        std::size_t const wanted = take();
+        auto const count = std::min(wanted, static_cast<std::size_t>(end_ - next_));
         Bytes bytes(next_, next_ + count);
         next_ += count;
         return bytes;

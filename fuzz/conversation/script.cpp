@@ -87,7 +87,8 @@ void Script::send(Client& client, Bytes const& bytes) {
 }
 
 Bytes Script::take_bytes() {
-    std::size_t const count = std::min<std::size_t>(take(), static_cast<std::size_t>(end_ - next_));
+    std::size_t const wanted = take();
+    std::size_t const count = std::min(wanted, static_cast<std::size_t>(end_ - next_));
     Bytes bytes(next_, next_ + count);
     next_ += count;
     return bytes;
