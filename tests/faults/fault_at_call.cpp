@@ -6,10 +6,10 @@
 // 77, and the reason on standard error, where a process may not be watched.
 
 #include "allocation.h"
+#include "support/watcher.h"
 #include "tracer.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
@@ -17,53 +17,28 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <vector>
 
 #include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int k_not_allowed = 77;
 
-void watch(pid_t program, char const* plan, char const* report, int ready) {
+void watch(pid_t program, char const* plan, char const* report, test_support::Tell_ready const& ready) {
     try {
         faults::Tracer tracer(program, faults::read_plan(plan), report);
-        if (::write(ready, "", 1) != 1) {
-            return;
+        if (ready()) {
+            tracer.run();
         }
-        ::close(ready);
-        tracer.run();
     } catch (std::exception const& error) {
         std::fprintf(stderr, "fault_at_call: %s\n", error.what());
     }
-}
-
-// The watcher is nobody's child, so that the program does not meet it.
-bool start_watcher(char const* plan, char const* report) {
-    std::array<int, 2> ready{};
-    if (::pipe(ready.data()) != 0) {
-        return false;
-    }
-    pid_t const program = ::getpid();
-    pid_t const helper = ::fork();
-    if (helper == 0) {
-        if (::fork() == 0) {
-            ::close(ready[0]);
-            watch(program, plan, report, ready[1]);
-        }
-        ::_exit(0);
-    }
-    ::close(ready[1]);
-    char began = 0;
-    bool const watched = ::read(ready[0], &began, 1) == 1;
-    ::close(ready[0]);
-    ::waitpid(helper, nullptr, 0);
-    return watched;
 }
 
 // From now on each of these calls stops its thread; all others go on as ever.
@@ -94,7 +69,9 @@ int main(int argc, char** argv) {
         ::setenv("LD_PRELOAD",
                  (std::filesystem::read_symlink("/proc/self/exe").parent_path() / "libfailing_new.so").c_str(), 1);
     }
-    if (!start_watcher(argv[1], argv[2]) || !install_filter(numbers)) {
+    bool const is_watched = test_support::start_watcher(
+        [argv](pid_t program, auto const& ready) { watch(program, argv[1], argv[2], ready); });
+    if (!is_watched || !install_filter(numbers)) {
         std::fprintf(stderr, "A process may not be watched here: %s\n", std::strerror(errno));
         return k_not_allowed;
     }

@@ -6,6 +6,8 @@
 // A process beside it watches the program's system calls until that moment, sends the signal, writes the file
 // /tmp/signalled and goes. Exit status 77, and the reason on standard error, where a process may not be watched.
 
+#include "support/watcher.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -88,13 +90,11 @@ bool is_the_moment(std::string_view moment, Watched const& program, ptrace_sysca
            program.has_text_at(call.entry.args[1], first_word);
 }
 
-void signal_at(std::string_view moment, pid_t pid, int ready) {
+void signal_at(std::string_view moment, pid_t pid, test_support::Tell_ready const& ready) {
     Watched const program(pid);
-    char const began = program.begin() ? 1 : 0;
-    if (::write(ready, &began, 1) != 1 || began == 0) {
+    if (!program.begin() || !ready()) {
         return;
     }
-    ::close(ready);
     while (program.next_call()) {
         if (is_the_moment(moment, program, program.call()) && program.next_call()) {
             ::syscall(SYS_tgkill, pid, pid, SIGTERM);
@@ -105,29 +105,6 @@ void signal_at(std::string_view moment, pid_t pid, int ready) {
     }
 }
 
-// The watcher is nobody's child, so that the program does not meet it.
-bool start_watcher(std::string_view moment) {
-    std::array<int, 2> ready{};
-    if (::pipe(ready.data()) != 0) {
-        return false;
-    }
-    pid_t const program = ::getpid();
-    pid_t const helper = ::fork();
-    if (helper == 0) {
-        if (::fork() == 0) {
-            ::close(ready[0]);
-            signal_at(moment, program, ready[1]);
-        }
-        ::_exit(0);
-    }
-    ::close(ready[1]);
-    char began = 0;
-    bool const watched = ::read(ready[0], &began, 1) == 1 && began == 1;
-    ::close(ready[0]);
-    ::waitpid(helper, nullptr, 0);
-    return watched;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -135,7 +112,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: signal_at_call MOMENT PROGRAM...\n");
         return EXIT_FAILURE;
     }
-    if (!start_watcher(argv[1])) {
+    if (!test_support::start_watcher(
+            [argv](pid_t program, auto const& ready) { signal_at(argv[1], program, ready); })) {
         std::fprintf(stderr, "A process may not be watched here: %s\n", std::strerror(errno));
         return k_not_allowed;
     }
