@@ -5,8 +5,8 @@
 #include "tools/commands.h"
 #include "tools/dlt/reader.h"
 #include "tools/json_text.h"
+#include "tools/trace/narrator.h"
 #include "tools/trace/reports.h"
-#include "tools/trace/teller.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -39,7 +39,7 @@ trace::Story read_story(int descriptor, std::string const& name) {
     std::array<char, k_chunk> chunk{};
     auto const hand_over = [&] {
         while (auto message = reader.next()) {
-            narrator.take(std::move(*message));
+            narrator.hear(std::move(*message));
         }
     };
     for (;;) {

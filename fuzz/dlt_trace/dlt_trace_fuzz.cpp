@@ -1,8 +1,8 @@
 // The reader of traces on any bytes: each byte is part of a message or counted as skipped, pieces of any size give the
 // same messages, and a story is told of whatever they say.
 #include "tools/dlt/reader.h"
+#include "tools/trace/narrator.h"
 #include "tools/trace/reports.h"
-#include "tools/trace/teller.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     std::size_t count = 0;
     while (auto message = reader.next()) {
         ++count;
-        narrator.take(std::move(*message));
+        narrator.hear(std::move(*message));
     }
     require(reader.skipped_bytes() + 4 * count <= size);
 

@@ -1,6 +1,6 @@
 #include "story.h"
+#include "tools/trace/narrator.h"
 #include "tools/trace/summary.h"
-#include "tools/trace/teller.h"
 
 #include <sstream>
 #include <utility>
@@ -23,7 +23,7 @@ class Explanation : public Story {
         reader.add(trace.str());
         reader.end();
         while (auto message = reader.next()) {
-            narrator.take(std::move(*message));
+            narrator.hear(std::move(*message));
         }
         return narrator.end(reader);
     }

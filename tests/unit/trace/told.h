@@ -2,7 +2,7 @@
 #define TESTS_UNIT_TRACE_TOLD_H
 
 #include "dlt_bytes.h"
-#include "tools/trace/teller.h"
+#include "tools/trace/narrator.h"
 
 #include <string>
 #include <utility>
@@ -17,7 +17,7 @@ inline statectl::trace::Story story_of(std::string const& bytes) {
     reader.add(bytes);
     reader.end();
     while (auto message = reader.next()) {
-        narrator.take(std::move(*message));
+        narrator.hear(std::move(*message));
     }
     return narrator.end(reader);
 }

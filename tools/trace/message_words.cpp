@@ -1,0 +1,14 @@
+#include "tools/trace/message_words.h"
+
+namespace statectl::trace {
+
+std::string const& argument(dlt::Message const& message, std::size_t index) {
+    static std::string const none;
+    return index < message.arguments.size() ? message.arguments[index] : none;
+}
+
+bool says(dlt::Message const& message, char const* text) {
+    return argument(message, 0) == text;
+}
+
+}  // namespace statectl::trace
