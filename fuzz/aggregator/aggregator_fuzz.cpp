@@ -6,12 +6,12 @@
 //
 //     0 request CAB bits: count, bytes   1 release CAB bits: count, bytes   2 request the CWU
 //     3 release the CWU                  4 set the AC bit: number           5 release the AC bit
+#include "require.h"
 #include "statemanager/config/state_manager_json_parser.h"
 #include "statemanager/nm/nm_data_aggregator.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <set>
 #include <string>
 
@@ -20,6 +20,7 @@
 
 namespace {
 
+using fuzz::require;
 using ximo::ap::statemanager::Bit_vector;
 using ximo::ap::statemanager::config::Nm_user_data_config;
 using ximo::ap::statemanager::config::State_manager_config;
@@ -31,12 +32,6 @@ using Bits = std::set<std::size_t>;
 constexpr std::size_t k_size = 4;        // bytes of all applications together, as the service handler has it
 constexpr std::size_t k_bits_kept = 56;  // of one application
 constexpr std::size_t k_longest = 1024;  // bytes of user data that the service handler takes
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 Nm_user_data_config layout_of(std::uint8_t const* data, std::size_t size) {
     int const file = ::memfd_create("fuzz", MFD_CLOEXEC);

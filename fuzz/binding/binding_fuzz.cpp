@@ -2,36 +2,28 @@
 // octets. Whatever it is, each call ends at once and as a call may end, and a client that behaves is served after it.
 #include "ara/com/dds/dds_binding.h"
 #include "ara/com/dds/entities/endpoints.h"
-#include "ara/com/dds/entities/guid.h"
-#include "ara/com/dds/entities/matched.h"
 #include "ara/com/dds/entities/participant.h"
 #include "ara/com/dds/offers/offer_types.h"
+#include "require.h"
 #include "rpc_headers.h"
 #include "service_offer.h"
-#include "support/played_dds.h"
+#include "services.h"
+#include "stranger.h"
 #include "tarq/com/exception.h"
 #include "tarq/udpnm/interface/network_state_interface_proxy.h"
-#include "tarq/udpnm/interface/network_state_interface_skeleton.h"
 #include "tarq/udpnm/interface/user_data_interface_proxy.h"
-#include "tarq/udpnm/interface/user_data_interface_skeleton.h"
 #include "ximo/ap/statemanager/dsa_interface_proxy.h"
-#include "ximo/ap/statemanager/dsa_interface_skeleton.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
-#include "ximo/ap/statemanager/state_management_alive_interface_skeleton.h"
 #include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
-#include "ximo/ap/statemanager/state_management_com_alive_interface_skeleton.h"
 #include "ximo/ap/statemanager/state_management_cwu_interface_proxy.h"
-#include "ximo/ap/statemanager/state_management_cwu_interface_skeleton.h"
 
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <future>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -39,68 +31,10 @@
 
 namespace {
 
-using namespace ara::com::dds;  // NOLINT(google-build-using-namespace): the stranger speaks for himself with its parts
-using namespace ximo::ap::statemanager;  // NOLINT(google-build-using-namespace): skeletons and proxies
-namespace udpnm = tarq::udpnm::interface;
-
-using Octets = std::vector<std::uint8_t>;
+using namespace ara::com::dds;  // NOLINT(google-build-using-namespace): strangers speak for themselves with its parts
+using namespace fuzz;           // NOLINT(google-build-using-namespace)
 
 constexpr std::chrono::seconds k_patience{10};
-constexpr std::size_t k_most_octets = 1024;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-ximo::com::Future<void> done(Octets const& octets = {}) {
-    require(octets.size() <= k_most_octets);
-    ximo::com::Promise<void> promise;
-    promise.set_value();
-    return promise.get_future();
-}
-
-/// A service as it is offered.
-template <class Skeleton>
-class Served : public Skeleton {
- public:
-    Served() : Skeleton(ara::com::InstanceIdentifier("app"), ara::com::MethodCallProcessingMode::kEvent) {}
-    ~Served() override { this->StopOfferService(); }
-};
-
-struct Alive : Served<skeleton::StateManagementAliveInterfaceSkeleton> {
-    ximo::com::Future<void> ReleaseAlive() override { return done(); }
-    ximo::com::Future<void> RequestAlive() override { return done(); }
-};
-struct Com_alive : Served<skeleton::StateManagementComAliveInterfaceSkeleton> {
-    ximo::com::Future<void> ReleaseComAlive(Octets const& bits) override { return done(bits); }
-    ximo::com::Future<void> RequestComAlive(Octets const& bits, std::uint8_t /*number*/) override { return done(bits); }
-};
-struct Wake_up : Served<skeleton::StateManagementCWUInterfaceSkeleton> {
-    ximo::com::Future<void> ReleaseCarWakeUp() override { return done(); }
-    ximo::com::Future<void> RequestCarWakeUp(std::uint8_t /*number*/) override { return done(); }
-};
-struct Restart : Served<skeleton::DSAInterfaceSkeleton> {
-    ximo::com::Future<void> RequestRestart(std::uint8_t /*type*/) override { return done(); }
-};
-struct Network : Served<udpnm::skeleton::NetworkStateInterfaceSkeleton> {
-    ximo::com::Future<void> RequestNetwork(Octets const& bits) override { return done(bits); }
-    ximo::com::Future<void> ReleaseNetwork(Octets const& bits) override { return done(bits); }
-};
-struct User_data : Served<udpnm::skeleton::UserDataInterfaceSkeleton> {
-    ximo::com::Future<udpnm::GetUserData::Output> GetUserData() override {
-        ximo::com::Promise<udpnm::GetUserData::Output> promise;
-        promise.set_value({data});
-        return promise.get_future();
-    }
-    ximo::com::Future<void> SetUserData(Octets const& octets) override {
-        data = octets;
-        return done(octets);
-    }
-
-    Octets data;
-};
 
 /// Whether the call had a value; it ends soon, and fails as calls may fail.
 template <class Value>
@@ -113,70 +47,6 @@ bool succeeds(ximo::com::Future<Value> future) {
         return false;
     }
 }
-
-/// A stranger's part of one service: requests to ours, an instance of his own, and samples of its events.
-class Stranger {
- public:
-    Stranger(Participant& participant, ara::com::Service_type const& type, ara::com::Event_type const* event)
-        : participant_(participant),
-          type_(type),
-          requests_(participant, {type.request, "app"}, call_quality(k_longest_write)),
-          // So that nobody waits for him.
-          replies_to_him_(participant, {type.reply, to_text(guid_of(requests_.entity()))},
-                          call_quality(k_longest_write), [](auto&&...) {}),
-          served_(
-              participant, {type.request, "strange"}, call_quality(k_longest_write),
-              [this](auto const& sample, auto const& /*info*/) {
-                  answer(*static_cast<dds_rpc_RequestHeader const*>(sample.get()));
-              },
-              [this] { follow(); }) {
-        if (event != nullptr) {
-            samples_.emplace(participant, Channel{event->sample, "strange"}, event_writer_quality(event->is_field));
-        }
-    }
-
-    void request(std::string const& octets) const {
-        test_support::played_dds::write_octets(requests_.entity(), octets);
-    }
-    void sample(std::string const& octets) const {
-        if (samples_) {
-            test_support::played_dds::write_octets(samples_->entity(), octets);
-        }
-    }
-    void answer_next_with(std::string octets) { answer_ = std::move(octets); }
-
- private:
-    // The client's, as soon as it is known.
-    void follow() {
-        if (auto const clients = writers_matched_by(served_.entity()); !clients.empty()) {
-            replies_.emplace(participant_, Channel{type_.reply, to_text(clients.back().identity)},
-                             call_quality(k_longest_write));
-        }
-    }
-
-    // The octets are what follows the request's name, or, when they are no reply, a refusal is.
-    void answer(dds_rpc_RequestHeader const& request) {
-        std::string const id(reinterpret_cast<char const*>(&request.requestId), sizeof request.requestId);
-        if (!test_support::played_dds::write_octets(replies_->entity(), id + answer_)) {
-            auto const reply = make_sample(type_.reply);
-            std::memcpy(static_cast<char*>(reply.get()) + type_.reply_union, &ara::com::k_no_operation,
-                        sizeof ara::com::k_no_operation);
-            auto& header = *static_cast<dds_rpc_ReplyHeader*>(reply.get());
-            header.relatedRequestId = request.requestId;
-            header.remoteEx = dds_rpc_REMOTE_EX_UNSUPPORTED;
-            replies_->write(reply.get());
-        }
-    }
-
-    Participant& participant_;
-    ara::com::Service_type const& type_;
-    std::string answer_;
-    Writer const requests_;
-    Reader const replies_to_him_;
-    std::optional<Writer> replies_;
-    std::optional<Writer> samples_;
-    Reader const served_;
-};
 
 /// One service of ours, clients of it, and the stranger's part of it.
 template <class Skeleton, class Proxy>

@@ -1,25 +1,17 @@
 // The check of a configuration on any bytes: it throws nothing, says of each file what the daemon's parser says, and
 // names a reason for each that is refused.
+#include "require.h"
 #include "statemanager/config/state_manager_json_parser.h"
 #include "tools/check_config/check.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include <sys/mman.h>
 #include <unistd.h>
 
-namespace {
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-}  // namespace
+using fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using ximo::ap::statemanager::config::State_manager_json_parser;

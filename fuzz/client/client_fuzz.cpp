@@ -7,13 +7,13 @@
 //     3 close, the first time          4 close the way out        5 read              6 let the client work
 #include "base/temporary_directory.h"
 #include "component_client/client.h"
+#include "require.h"
 #include "utilities/messages.h"
 #include "utilities/serialization.h"
 #include "utilities/socket.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <utility>
@@ -27,15 +27,10 @@ namespace {
 using component_client::Answer;
 using component_client::Client;
 using component_client::Status;
+using fuzz::require;
 using utilities::Bytes;
 using utilities::Socket;
 using utilities::Type_length_value;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 bool is_readable(int descriptor, int time) {
     pollfd ready{descriptor, POLLIN, 0};

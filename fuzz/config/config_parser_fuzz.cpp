@@ -1,11 +1,11 @@
 // The configuration parser on any bytes: it throws nothing, stays in its bounds, and a configuration that it accepts
 // keeps every rule that its users rely on.
+#include "require.h"
 #include "statemanager/config/configuration_file.h"
 #include "statemanager/config/state_manager_json_parser.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include <sys/mman.h>
@@ -13,14 +13,9 @@
 
 namespace {
 
+using fuzz::require;
 using ximo::ap::statemanager::config::State_manager_config;
 using ximo::ap::statemanager::config::State_manager_json_parser;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// A file without a name that holds the bytes of one run.
 class Memory_file {

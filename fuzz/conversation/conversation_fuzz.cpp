@@ -2,6 +2,7 @@
 // behaves is served after it, everybody who has gone is forgotten, and no request is lost, completes twice or with
 // an outcome that does not fit to its results.
 #include "client_state_notifier/client_states_impl.h"
+#include "require.h"
 #include "script.h"
 #include "utilities/files.h"
 #include "utilities/messages.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <future>
 #include <thread>
 
@@ -21,15 +21,10 @@ using client_state_notifier::Callback_status;
 using client_state_notifier::Client_results;
 using client_state_notifier::Client_states_impl;
 using client_state_notifier::Component_client_return_type;
+using fuzz::require;
 using utilities::Type_length_value;
 
 constexpr std::chrono::seconds k_patience{5};
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void check(Callback_status status, Client_results const& results) {
     bool const all_succeeded = std::all_of(results.begin(), results.end(), [](auto const& result) {

@@ -1,5 +1,6 @@
 // The reader of traces on any bytes: each byte is part of a message or counted as skipped, pieces of any size give the
 // same messages, and a story is told of whatever they say.
+#include "require.h"
 #include "tools/dlt/reader.h"
 #include "tools/trace/narrator.h"
 #include "tools/trace/reports.h"
@@ -7,20 +8,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace {
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
-
-}  // namespace
+using fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::string_view const bytes(reinterpret_cast<char const*>(data), size);

@@ -1,15 +1,16 @@
 // The command reader on devices that send any bytes: it throws nothing, stays in its bounds, reads a record as the
 // kernel's own structure does, and its queue keeps the rules that the states rely on.
+#include "require.h"
 #include "scripted_devices.h"
 #include "statemanager/virtio/virtio_interface.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include <linux/input.h>
 
 namespace {
 
+using fuzz::require;
 using ximo::ap::statemanager::virtio::decode_input_record;
 using ximo::ap::statemanager::virtio::Input_record;
 using ximo::ap::statemanager::virtio::Input_record_bytes;
@@ -17,12 +18,6 @@ using ximo::ap::statemanager::virtio::k_input_record_size;
 using ximo::ap::statemanager::virtio::toString;
 using ximo::ap::statemanager::virtio::Virtio_command;
 using ximo::ap::statemanager::virtio::Virtio_interface;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 /// On the machine that fuzzes, the kernel's structure has the very layout that the decoder takes apart by hand.
 void compare_with_kernel(std::uint8_t const* data, std::size_t size) {

@@ -6,9 +6,9 @@
 //     0 boolean   1 to 8 a number of 8 to 64 bits, unsigned or signed   9 text: count, bytes   10 bytes: count, bytes
 #include "ara/log/argument_decoder.h"
 #include "ara/log/argument_encoder.h"
+#include "require.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -17,12 +17,7 @@ namespace {
 
 using ara::log::Argument;
 using ara::log::Argument_encoder;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
+using fuzz::require;
 
 /// Encodes what a script says, and keeps what was meant.
 class Script {

@@ -3,11 +3,11 @@
 // to the bytes that it came from.
 //
 // The first byte gives the sizes of the pieces; the others are the stream.
+#include "require.h"
 #include "utilities/frame_assembler.h"
 #include "utilities/messages.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <optional>
@@ -16,17 +16,12 @@
 
 namespace {
 
+using fuzz::require;
 using utilities::Bytes;
 using utilities::Frame_assembler;
 using utilities::Type_length_values;
 
 constexpr std::size_t k_longest_stream = 65'536;  // what a socket's buffer takes without a reader
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 enum class End { unfinished, too_long, malformed };
 

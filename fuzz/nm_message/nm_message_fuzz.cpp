@@ -1,20 +1,14 @@
 // A node that hears any bytes: what is taken for a message says the same when it is sent again, and whatever is heard,
 // the node keeps its lengths, sleeps in the end and tells of it.
 #include "bench/network/nm_node.h"
-
-#include <cstdlib>
+#include "require.h"
 
 namespace {
 
+using fuzz::require;
 using namespace bench::network;
 
 constexpr std::size_t k_request_bytes = 6;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 class Environment : public Nm_environment {
  public:

@@ -1,6 +1,7 @@
 // A status page with any words: whoever reads it gets no more records than there is room for, and sentences without
 // bytes that a terminal would obey. The input is pairs of a word's number, four bytes, and what is put there, eight
 // bytes.
+#include "require.h"
 #include "status/driver_status.h"
 #include "status/page_writer.h"
 #include "status/server_status.h"
@@ -9,7 +10,6 @@
 #include "tools/page/reasons.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -17,13 +17,8 @@
 
 namespace {
 
+using fuzz::require;
 using namespace statectl;
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 constexpr std::size_t k_words = sizeof(status::Page) / sizeof(status::Shared_word);
 
