@@ -164,17 +164,17 @@ void device_lost(std::uint64_t left) {
     }
 }
 
-void state_word(std::string_view word, bool written) {
+void state_word(std::string_view word, Word_fate fate) {
     if (auto* const page = status::page()) {
         auto& driver = page->driver;
         {
             Change const change(driver.sequence);
             put(driver.word, word);
             put(driver.word_at, now());
-            put(driver.word_failed, written ? 0U : 1U);
-            add(driver.words_failed, written ? 0 : 1);
+            put(driver.word_failed, static_cast<std::uint64_t>(fate));
+            add(driver.words_failed, fate == Word_fate::written ? 0 : 1);
         }
-        tell(*page, page->driver_ring, Event_kind::word, {written ? 0U : 1U}, word);
+        tell(*page, page->driver_ring, Event_kind::word, {static_cast<std::uint64_t>(fate)}, word);
     }
 }
 

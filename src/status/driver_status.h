@@ -35,8 +35,8 @@ void command_consumed();
 void devices_opened(std::uint64_t count);
 void device_lost(std::uint64_t left);
 
-/// A state word was written, or could not be.
-void state_word(std::string_view word, bool written);
+/// The hypervisor was told a state.
+void state_word(std::string_view word, Word_fate fate);
 
 /// Execution management was asked for a machine state.
 void machine_state(std::string_view state, bool succeeded);

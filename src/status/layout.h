@@ -93,6 +93,13 @@ enum class Blocked : std::uint64_t {
     by_setting = 2,  ///< nor would it, but for the setting StateManagerNMUsage
 };
 
+/// What became of a state word.
+enum class Word_fate : std::uint64_t {
+    written = 0,
+    refused = 1,  ///< by the control file
+    no_file = 2,  ///< the control file could not be opened at the start
+};
+
 enum class Group : std::uint64_t { none = 0, dcm = 1, applications = 2, dem = 3 };
 
 constexpr std::size_t k_queue = 16;
@@ -137,8 +144,8 @@ struct Driver {
     // The control file
     Text<Word, 24> word;
     Word word_at;
-    Word word_failed;   ///< 1: the last one did not get through
-    Word words_failed;  ///< how many did not
+    Word word_failed;   ///< `Word_fate` of the last one
+    Word words_failed;  ///< how many were not written
     // Execution management
     Text<Word, 24> machine_state;  ///< asked for last
     Word machine_state_at;
@@ -269,7 +276,7 @@ enum class Event_kind : std::uint64_t {
     transition = 1,        ///< numbers: from, to, row
     key_taken = 2,         ///< command
     key_dropped = 3,       ///< command
-    word = 4,              ///< 1 failed; text
+    word = 4,              ///< `Word_fate`; text
     machine_state = 5,     ///< 1 failed; text
     group_asked = 6,       ///< group; text: mode
     request_ended = 7,     ///< `Answer`

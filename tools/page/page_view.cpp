@@ -12,6 +12,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <linux/futex.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -106,6 +107,27 @@ Number monotonic_now() {
     throw No_page(kind, path + ": " + text);
 }
 
+/// Who may read what this user may not, as far as he can see.
+std::string readers_text(std::string const& path) {
+    struct stat directory {};
+    if (::stat((path.substr(0, path.rfind('/')) + "/").c_str(), &directory) != 0 ||
+        (directory.st_mode & S_IXGRP) == 0) {
+        return {};
+    }
+    auto const* const group = ::getgrgid(directory.st_gid);
+    return group == nullptr ? std::string()
+                            : std::string(": members of the group \"") + group->gr_name + "\" may read it";
+}
+
+[[noreturn]] void refuse_to_open(std::string const& path, int error) {
+    if (error == ENOENT || error == ENOTDIR) {
+        refuse(No_page::Kind::missing, path,
+               error == ENOENT ? "there is no status page" : base::system_error_text(error));
+    }
+    refuse(No_page::Kind::forbidden, path,
+           base::system_error_text(error) + (error == EACCES ? readers_text(path) : std::string()));
+}
+
 void require_page(status::Page const& page, std::string const& path) {
     auto const magic = page.life.magic.load(std::memory_order_acquire);
     auto const version = page.life.version.load(std::memory_order_acquire);
@@ -189,9 +211,7 @@ Snapshot snapshot_of(status::Page const& page, unsigned retries) {
 Page_view::Page_view(std::string const& path) : path_(path) {
     base::Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.is_open()) {
-        auto const error = errno;
-        refuse(error == ENOENT || error == ENOTDIR ? No_page::Kind::missing : No_page::Kind::forbidden, path,
-               error == ENOENT ? "there is no status page" : base::system_error_text(error));
+        refuse_to_open(path, errno);
     }
     struct stat about {};
     if (::fstat(file.number(), &about) != 0 || !S_ISREG(about.st_mode) ||

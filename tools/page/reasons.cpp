@@ -200,7 +200,11 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
     } else if (driver.devices_lost != 0) {
         troubles.push_back({"device-lost", std::to_string(driver.devices_lost) + " input device(s) failed"});
     }
-    if (driver.word_failed != 0) {
+    if (driver.word_failed == static_cast<Number>(status::Word_fate::no_file)) {
+        troubles.push_back({"word-failed",
+                            "the hypervisor hears no word: its control file could not be opened at the "
+                            "start, and is tried again by the next one"});
+    } else if (driver.word_failed != 0) {
         troubles.push_back(
             {"word-failed", "the state word \"" + shown(text_of(driver.word)) + "\" could not be written"});
     }

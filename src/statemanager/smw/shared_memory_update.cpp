@@ -43,7 +43,8 @@ void Shared_memory_update::resuming() {
 
 void Shared_memory_update::write_state(char const* word, char const* failure) {
     bool const written = write_to_memory(word);
-    status::state_word(word, written);
+    auto const fate = written ? status::Word_fate::written : status::Word_fate::refused;
+    status::state_word(word, has_file() ? fate : status::Word_fate::no_file);
     if (!written) {
         ara::log::LogVerbose() << failure;
     }

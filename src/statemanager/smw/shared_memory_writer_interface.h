@@ -30,6 +30,9 @@ class Shared_memory_writer_interface {
     /// call fails, too.
     void close_file();
 
+ protected:
+    bool has_file() const { return file_.is_open(); }
+
  private:
     std::string const path_;
     Control_file_buffer file_;

@@ -1,8 +1,11 @@
 #include "statemanager/smw/shared_memory_update.h"
 
+#include "status/page_writer.h"
 #include "support/log_capture.h"
 #include "support/temporary_directory.h"
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +16,7 @@ namespace ximo::ap::statemanager::smw {
 namespace {
 
 using ara::log::LogLevel;
+using status::Word_fate;
 using test_support::Log_capture;
 using test_support::logged;
 using test_support::Temporary_directory;
@@ -108,6 +112,19 @@ TEST(Shared_memory_update_test, Where_the_file_could_not_be_opened_no_state_fail
     }
 
     EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST(Shared_memory_update_test, The_status_page_tells_what_became_of_the_word) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
+    for (auto const& [path, fate] : {std::pair<char const*, status::Word_fate>{"/dev/null", Word_fate::written},
+                                     {"/dev/full", Word_fate::refused},
+                                     {"/no/such/file", Word_fate::no_file}}) {
+        Shared_memory_update(path).running();
+        EXPECT_EQ(page->driver.word_failed, static_cast<std::uint64_t>(fate)) << path;
+    }
+    EXPECT_EQ(page->driver.words_failed, 2U);
+    status::set_page(nullptr);
 }
 
 }  // namespace
