@@ -25,17 +25,6 @@ double seconds(Number nanoseconds) {
     return static_cast<double>(nanoseconds) / 1e9;
 }
 
-Name<Number> const* record_of(Snapshot const& page, std::string const& name) {
-    auto const found = std::find_if(page.names.begin(), page.names.end(),
-                                    [&](auto const& record) { return text_of(record.name) == name; });
-    return found == page.names.end() ? nullptr : &*found;
-}
-
-Number mean_of(Name<Number> const& name) {
-    auto const answers = name.in_time + name.failed + name.late;
-    return answers == 0 ? 0 : name.total / answers;
-}
-
 std::string counts_text(Name<Number> const* name) {
     if (name == nullptr) {
         return "";
@@ -90,8 +79,9 @@ std::string clients_text(Snapshot const& page, Owners const& owners) {
                     "ASKED IN TIME FAILED LATE TIMED OUT VANISHED  LONGEST  MEAN");
     for (auto const& client : page.clients) {
         auto const name = text_of(client.name);
-        text += row(quoted(name), std::to_string(client.pid), user_text(owners, client), shown(text_of(client.state)),
-                    span_text(client.since, page.now), answer_word(client.answer), counts_text(record_of(page, name)));
+        text +=
+            row(quoted(name), std::to_string(client.pid), user_text(owners, client), shown(text_of(client.state)),
+                span_text(client.since, page.now), answer_word(client.answer), counts_text(record_of(page, client)));
     }
     for (auto const& name : page.names) {
         if (name.connections == 0) {

@@ -51,6 +51,39 @@ std::string commands_text(Snapshot const& page) {
     return text.empty() ? "none waits" : text;
 }
 
+// What comes from the hypervisor, and what became of it.
+std::string input_text(Snapshot const& page) {
+    auto const& driver = page.driver;
+    auto text = std::to_string(driver.devices) + " of " + std::to_string(driver.devices_found) + " devices; ";
+    if (driver.keys_taken == 0) {
+        return text + "no key yet";
+    }
+    text += std::to_string(driver.keys_taken) + " keys taken, last " + command_word(driver.last_key) + " " +
+            span_text(driver.last_key_at, page.now) + " ago";
+    for (auto const& [count, what] : {std::pair<Number, char const*>{driver.keys_dropped, " dropped"},
+                                      {driver.keys_swallowed, " swallowed"},
+                                      {driver.keys_cleared, " cleared"}}) {
+        if (count != 0) {
+            text += ", " + std::to_string(count) + what;
+        }
+    }
+    return text;
+}
+
+Number restarts_of(Snapshot const& page) {
+    Number sum = 0;
+    for (auto const times : page.counters.restarts) {
+        sum += times;
+    }
+    return sum;
+}
+
+std::string restarts_text(Snapshot const& page) {
+    auto const& counters = page.counters;
+    return std::to_string(restarts_of(page)) + " asked for by diagnostics, the last " +
+           span_text(counters.restart_at, page.now) + " ago (" + restart_word(counters.restart_type) + ")";
+}
+
 std::string network_text(Snapshot const& page) {
     if (page.life.nm_usage == 0) {
         return "not used";
@@ -110,6 +143,7 @@ std::string status_text(Snapshot const& page) {
     }
     text += row("Word", word_text(page));
     text += row("Commands", commands_text(page));
+    text += row("Input", input_text(page));
     text += row("Network", network_text(page));
     text += row("Held by", holders_text(page));
     text += row("Clients", clients_text(page));
@@ -117,6 +151,9 @@ std::string status_text(Snapshot const& page) {
         text += row("Machine", shown(text_of(driver.machine_state)) +
                                    (driver.machine_state_failed != 0 ? ", refused" : "") + ", asked " +
                                    span_text(driver.machine_state_at, page.now) + " ago");
+    }
+    if (restarts_of(page) != 0) {
+        text += row("Restarts", restarts_text(page));
     }
     text += row("Daemon", daemon_text(page));
     for (auto const& trouble : troubles_of(page)) {
@@ -151,6 +188,37 @@ json queue_json(Snapshot const& page) {
     return list;
 }
 
+json input_json(Snapshot const& page) {
+    auto const& driver = page.driver;
+    return {{"devices", driver.devices},
+            {"found", driver.devices_found},
+            {"lost", driver.devices_lost},
+            {"lost_s", ago(page, driver.device_lost_at)},
+            {"taken", driver.keys_taken},
+            {"dropped", driver.keys_dropped},
+            {"swallowed", driver.keys_swallowed},
+            {"cleared", driver.keys_cleared},
+            {"last", driver.last_key == 0 ? json() : json(command_word(driver.last_key))},
+            {"last_s", ago(page, driver.last_key_at)}};
+}
+
+// By type; that of an unknown one is the number 0.
+json restarts_json(Snapshot const& page) {
+    auto const& counters = page.counters;
+    return {{"by_type", counters.restarts},
+            {"last_type", counters.restart_at == 0 ? json() : json(counters.restart_type)},
+            {"last_s", ago(page, counters.restart_at)},
+            {"failed", counters.restarts_failed}};
+}
+
+json failed_calls_json(Snapshot const& page) {
+    auto calls = json::object();
+    for (std::size_t call = 0; call < status::k_network_calls; ++call) {
+        calls[call_word(call)] = page.counters.failed_calls[call];
+    }
+    return calls;
+}
+
 json network_json(Snapshot const& page) {
     auto const bytes = bytes_of(page.network.state);
     return {{"used", page.life.nm_usage != 0},
@@ -159,7 +227,7 @@ json network_json(Snapshot const& page) {
             {"reports", page.network.reports},
             {"state", base::to_hex(bytes)},
             {"needed_by", services::network_state_names(bytes)},
-            {"failed_calls", page.failed_calls}};
+            {"failed_calls", failed_calls_json(page)}};
 }
 
 json request_json(Snapshot const& page) {
@@ -187,9 +255,12 @@ json status_json(Snapshot const& page) {
             {"word", {{"text", text_of(driver.word)}, {"written", driver.word_failed == 0}}},
             {"prepare_sd", driver.prepare_sd != 0},
             {"commands", queue_json(page)},
+            {"input", input_json(page)},
             {"network", network_json(page)},
             {"clients", page.server.clients},
             {"request", request_json(page)},
+            {"restarts", restarts_json(page)},
+            {"log_lost", page.driver.log_lost},
             {"machine_state", text_of(driver.machine_state)},
             {"pid", page.life.pid},
             {"life", page.life.number},

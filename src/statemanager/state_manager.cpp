@@ -58,6 +58,7 @@ void State_manager::run_cyclic_task() {
         return;
     }
     status::beat(states::State_interface::get_prepare_SD_flag(), states::State_interface::get_forced_shutdown_flag());
+    status::log_lost(ara::log::LostMessages());
     supervision_->report_alive_status();
     // The only wait of the loop.
     auto const command = virtual_input_->get_command(configuration_.get_main_function_period());

@@ -44,6 +44,15 @@ void remove_oldest(Driver<Shared_word>& driver) {
     }
 }
 
+// The transition that the command has not caused was told last.
+void put_swallowed(Driver<Shared_word>& driver, std::uint64_t command) {
+    add(driver.keys_swallowed);
+    put(driver.last_swallowed, command);
+    put(driver.last_swallowed_at, now());
+    put(driver.swallowed_from, own(driver.previous));
+    put(driver.swallowed_row, own(driver.row));
+}
+
 }  // namespace
 
 void beat(bool prepare_sd, bool forced_shutdown) {
@@ -74,6 +83,15 @@ void transition(std::uint64_t from, std::uint64_t to, std::uint64_t command) {
             put_condition(*page);
         }
         tell(*page, page->driver_ring, Event_kind::transition, {from, to, row.number});
+    }
+}
+
+void log_lost(std::uint64_t messages) {
+    auto* const page = status::page();
+    if (page != nullptr && own(page->driver.log_lost) != messages) {
+        Change const change(page->driver.sequence);
+        put(page->driver.log_lost, messages);
+        put(page->driver.log_lost_at, now());
     }
 }
 
@@ -127,28 +145,52 @@ void key_dropped(std::uint64_t command) {
 }
 
 void queue_cleared() {
-    if (auto* const page = status::page()) {
-        Change const change(page->driver.sequence);
-        add(page->driver.keys_cleared, own(page->driver.waiting));
-        put(page->driver.waiting, 0U);
+    auto* const page = status::page();
+    if (page == nullptr || own(page->driver.waiting) == 0) {
+        return;
+    }
+    auto& driver = page->driver;
+    auto const oldest = own(driver.queue[0]);
+    auto const count = own(driver.waiting);
+    {
+        Change const change(driver.sequence);
+        add(driver.keys_cleared, count);
+        put(driver.last_cleared, oldest);
+        put(driver.last_cleared_at, now());
+        put(driver.waiting, 0U);
         for (std::size_t place = 0; place < k_queue; ++place) {
-            put(page->driver.queue[place], 0U);
-            put(page->driver.taken_at[place], 0U);
+            put(driver.queue[place], 0U);
+            put(driver.taken_at[place], 0U);
         }
     }
+    tell(*page, page->driver_ring, Event_kind::keys_cleared, {oldest, count});
 }
 
 void command_consumed() {
-    if (auto* const page = status::page()) {
+    auto* const page = status::page();
+    if (page == nullptr) {
+        return;
+    }
+    auto const& driver = page->driver;
+    auto const oldest = own(driver.queue[0]);
+    bool const is_swallowed = own(driver.waiting) > 0 && own(driver.command) == 0;
+    {
         Change const change(page->driver.sequence);
+        if (is_swallowed) {
+            put_swallowed(page->driver, oldest);
+        }
         remove_oldest(page->driver);
         put_condition(*page);
+    }
+    if (is_swallowed) {
+        tell(*page, page->driver_ring, Event_kind::key_swallowed, {oldest, own(driver.previous), own(driver.row)});
     }
 }
 
 void devices_opened(std::uint64_t count) {
     if (auto* const page = status::page()) {
         Change const change(page->driver.sequence);
+        put(page->driver.devices_found, count);
         put(page->driver.devices, count);
     }
 }
@@ -159,6 +201,7 @@ void device_lost(std::uint64_t left) {
             Change const change(page->driver.sequence);
             put(page->driver.devices, left);
             add(page->driver.devices_lost);
+            put(page->driver.device_lost_at, now());
         }
         tell(*page, page->driver_ring, Event_kind::device_lost, {left});
     }

@@ -12,6 +12,9 @@ namespace status {
 /// A cycle begins, with these flags.
 void beat(bool prepare_sd, bool forced_shutdown);
 
+/// How many messages the log has lost so far.
+void log_lost(std::uint64_t messages);
+
 /// One state is left for another one; `command` is the oldest.
 void transition(std::uint64_t from, std::uint64_t to, std::uint64_t command);
 
@@ -28,7 +31,7 @@ void key_dropped(std::uint64_t command);
 /// A power key throws away what waits.
 void queue_cleared();
 
-/// The oldest command is done with.
+/// The oldest command is done with, after a transition, whether or not it was the cause.
 void command_consumed();
 
 /// How many input devices are listened to, from the start and after one has failed.

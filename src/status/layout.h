@@ -29,7 +29,7 @@ constexpr char const* k_previous = ".previous";
 constexpr char const* k_lock = ".lock";
 
 constexpr std::uint64_t k_magic = 0x45474150'4d534d41U;  ///< the bytes "AMSMPAGE"
-constexpr std::uint64_t k_version = 1;                   ///< of this layout; another one is another layout
+constexpr std::uint64_t k_version = 2;                   ///< of this layout; another one is another layout
 
 using Shared_word = std::atomic<std::uint64_t>;
 static_assert(Shared_word::is_always_lock_free && sizeof(Shared_word) == sizeof(std::uint64_t));
@@ -133,14 +133,26 @@ struct Driver {
     std::array<Word, k_queue> queue;     ///< the oldest of them, oldest first
     std::array<Word, k_queue> taken_at;  ///< when each came
     Word keys_taken;
-    Word keys_dropped;  ///< equal to the one taken last
-    Word keys_cleared;  ///< taken, and thrown away for a power key
+    Word keys_dropped;    ///< equal to the one taken last
+    Word keys_cleared;    ///< taken, and thrown away for a power key
+    Word keys_swallowed;  ///< taken, and done with by a transition that something else has caused
     Word last_key;
     Word last_key_at;
     Word last_dropped;
     Word last_dropped_at;
-    Word devices;  ///< that are listened to
+    Word last_cleared;  ///< the oldest of those that the last power key threw away
+    Word last_cleared_at;
+    Word last_swallowed;
+    Word last_swallowed_at;
+    Word swallowed_from;  ///< `State` that was left then
+    Word swallowed_row;
+    Word devices_found;  ///< at the start
+    Word devices;        ///< that are listened to
     Word devices_lost;
+    Word device_lost_at;
+    // The log
+    Word log_lost;  ///< messages that were lost since the queue was full
+    Word log_lost_at;
     // The control file
     Text<Word, 24> word;
     Word word_at;
@@ -199,6 +211,7 @@ struct Client {
     Word pid;         ///< as the daemon's name space has it; 0: unknown
     Word uid;
     Word name_record;  ///< number of the record of its name; k_names: none
+    Word name_digest;  ///< of the whole name, which tells names apart that are cut alike
     Word answer;       ///< `Answer`
     Word status;       ///< that it answered with
     Word asked_at;
@@ -219,8 +232,9 @@ struct Name {
     Word late;
     Word timed_out;  ///< those that were late afterwards are counted here, too
     Word vanished;   ///< gone before an answer
-    Word longest;    ///< nanoseconds
-    Word total;      ///< of in_time, failed and late
+    Word longest;    ///< nanoseconds; also of those that were late
+    Word total;      ///< of in_time and failed
+    Word digest;     ///< FNV-1a, 64 bits, of the whole name
     Text<Word, k_longest_name> name;
 };
 
@@ -271,6 +285,23 @@ struct Network {
     Bits<Word> state;  ///< a bit for each that needs the network
 };
 
+/// What network management is called for.
+enum class Network_call : std::uint64_t { request_network = 0, release_network = 1, set_user_data = 2 };
+constexpr std::size_t k_network_calls = 3;
+
+constexpr std::size_t k_restart_types = 6;
+
+/// Counted by any thread: each word is true by itself, and no sequence holds them together.
+template <class Word>
+struct Counters {
+    std::array<Word, k_network_calls> failed_calls;  ///< by `Network_call`
+    Word call_failed_at;
+    std::array<Word, k_restart_types> restarts;  ///< that diagnostics asked for, by type; 0: one that is unknown
+    Word restart_at;
+    Word restart_type;     ///< of the last one
+    Word restarts_failed;  ///< whose word could not be written
+};
+
 enum class Event_kind : std::uint64_t {
     none = 0,
     transition = 1,        ///< numbers: from, to, row
@@ -292,7 +323,9 @@ enum class Event_kind : std::uint64_t {
     manager_found = 17,
     network_state = 18,  ///< ecu state, first eight bytes
     device_lost = 19,
-    ended = 20,  ///< the loop was left
+    ended = 20,          ///< the loop was left
+    key_swallowed = 21,  ///< command, state that was left, row
+    keys_cleared = 22,   ///< the oldest command, how many
 };
 
 template <class Word>
@@ -317,8 +350,8 @@ struct Ring {
 /// The page.
 struct Page {
     Life<Shared_word> life;
-    Shared_word events;        ///< counts all events; its lower half is what readers may wait at (futex)
-    Shared_word failed_calls;  ///< of network management, from any thread
+    Shared_word events;  ///< counts all events; its lower half is what readers may wait at (futex)
+    Counters<Shared_word> counters;
     Driver<Shared_word> driver;
     Server<Shared_word> server;
     std::array<Client<Shared_word>, k_clients> clients;

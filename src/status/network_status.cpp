@@ -66,9 +66,11 @@ void network_state(std::uint8_t const* bytes, std::size_t count) {
     }
 }
 
-void call_failed() {
+void call_failed(Network_call call) {
     if (auto* const page = status::page()) {
-        page->failed_calls.fetch_add(1, std::memory_order_relaxed);
+        auto& counters = page->counters;
+        put(counters.call_failed_at, now());
+        counters.failed_calls[static_cast<std::size_t>(call)].fetch_add(1, std::memory_order_release);
     }
 }
 

@@ -1,6 +1,8 @@
 #ifndef STATUS_NETWORK_STATUS_H
 #define STATUS_NETWORK_STATUS_H
 
+#include "status/layout.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -15,7 +17,7 @@ void ecu_state(std::uint64_t state);
 void network_state(std::uint8_t const* bytes, std::size_t count);
 
 /// A call of network management failed. Any thread.
-void call_failed();
+void call_failed(Network_call call);
 
 }  // namespace status
 

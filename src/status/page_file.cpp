@@ -58,23 +58,21 @@ std::string first_line(char const* path) {
     return text.substr(0, text.find('\n'));
 }
 
-std::uint64_t digest_of(std::string const& path) {
+std::uint64_t digest_of_file(std::string const& path) {
     base::Descriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat about {};
     if (!file.is_open() || ::fstat(file.number(), &about) != 0 || !S_ISREG(about.st_mode)) {
         return 0;
     }
-    std::uint64_t hash = 0xcbf29ce484222325U;
-    std::array<unsigned char, 4096> bytes;
+    auto digest = k_no_bytes;
+    std::array<char, 4096> bytes;
     std::size_t total = 0;
     for (ssize_t count = 0;
          total < k_largest_configuration && (count = ::read(file.number(), bytes.data(), bytes.size())) > 0;) {
         total += static_cast<std::size_t>(count);
-        for (ssize_t i = 0; i < count; ++i) {
-            hash = (hash ^ bytes[static_cast<std::size_t>(i)]) * 0x100000001b3U;
-        }
+        digest = digest_of({bytes.data(), static_cast<std::size_t>(count)}, digest);
     }
-    return hash;
+    return digest;
 }
 
 // The page of the life before, if it was in this boot. It is nobody's any more, so its words may be read plainly.
@@ -101,7 +99,7 @@ void write_life(Life<Shared_word>& life, std::string const& path, Facts const& f
     put(life.period_ms, facts.period_ms);
     put(life.nm_usage, facts.nm_usage ? 1U : 0U);
     put(life.knockout, facts.knockout_cycles);
-    put(life.digest, digest_of(facts.configuration));
+    put(life.digest, digest_of_file(facts.configuration));
     put(life.boot, first_line("/proc/sys/kernel/random/boot_id"));
     put(life.program, STATUS_PROGRAM_VERSION);
     put(life.configuration, facts.configuration);

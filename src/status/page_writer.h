@@ -20,6 +20,15 @@ Page* page();
 /// The page must be there until another one is set and no thread writes any more.
 void set_page(Page* page);
 
+/// FNV-1a, 64 bits, of bytes that follow those of `before`.
+constexpr std::uint64_t k_no_bytes = 0xcbf29ce484222325U;
+inline std::uint64_t digest_of(std::string_view bytes, std::uint64_t before = k_no_bytes) {
+    for (char const byte : bytes) {
+        before = (before ^ static_cast<std::uint8_t>(byte)) * 0x100000001b3U;
+    }
+    return before;
+}
+
 /// CLOCK_MONOTONIC, in nanoseconds.
 std::uint64_t now();
 

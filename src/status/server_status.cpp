@@ -3,7 +3,6 @@
 #include "status/page_writer.h"
 
 #include <algorithm>
-#include <functional>
 
 #include <sys/socket.h>
 
@@ -39,12 +38,14 @@ Shared_client* client_at(Page& page, int connection) {
 
 // The record of the name, a new one if it has none; null when there is no room.
 Shared_name* name_record(Page& page, std::string_view name) {
-    auto* const record = find_from(page.names, std::hash<std::string_view>{}(name), [name](Shared_name const& known) {
-        return own(known.used) == 0 || holds(known.name, name);
+    auto const digest = digest_of(name);
+    auto* const record = find_from(page.names, digest, [name, digest](Shared_name const& known) {
+        return own(known.used) == 0 || (own(known.digest) == digest && holds(known.name, name));
     });
     if (record != nullptr && own(record->used) == 0) {
         Change const change(record->sequence);
         put(record->name, name);
+        put(record->digest, digest);
         put(record->used, 1U);
         add(page.server.names);
     }
@@ -96,6 +97,7 @@ void fill(Page& page, Shared_client& client, int connection, std::string_view na
     put(client.pid, static_cast<std::uint64_t>(peer.pid));
     put(client.uid, std::uint64_t{peer.uid});
     put(client.name_record, record == nullptr ? k_names : static_cast<std::uint64_t>(record - page.names.data()));
+    put(client.name_digest, digest_of(name));
     put(client.answer, Answer::not_asked);
     put(client.status, 0U);
     put(client.asked_at, 0U);
@@ -134,7 +136,7 @@ void record_answer(Page& page, Shared_client& client, std::uint8_t result) {
     count(page, client, [&](Shared_name& name) {
         add(answer == Answer::late ? name.late : answer == Answer::failed ? name.failed : name.in_time);
         put(name.longest, std::max(own(name.longest), time));
-        add(name.total, time);
+        add(name.total, is_late ? 0 : time);
     });
     tell_of(page, client, is_late ? Event_kind::client_late : Event_kind::client_answered, {result, time});
 }

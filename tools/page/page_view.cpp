@@ -128,20 +128,32 @@ std::string readers_text(std::string const& path) {
            base::system_error_text(error) + (error == EACCES ? readers_text(path) : std::string()));
 }
 
-void require_page(status::Page const& page, std::string const& path) {
-    auto const magic = page.life.magic.load(std::memory_order_acquire);
-    auto const version = page.life.version.load(std::memory_order_acquire);
-    if (magic != status::k_magic) {
+// Its first words are constant, and the same in each layout; other layouts have other sizes.
+void require_page(int file, std::string const& path) {
+    status::Life<Number> life{};
+    struct stat about {};
+    if (::fstat(file, &about) != 0 || !S_ISREG(about.st_mode) || ::pread(file, &life, sizeof life, 0) != sizeof life) {
+        refuse(No_page::Kind::not_a_page, path, "this is no whole status page");
+    }
+    if (life.magic != status::k_magic) {
         refuse(No_page::Kind::not_a_page, path, "this is no status page");
     }
-    if (version != status::k_version) {
+    if (life.version != status::k_version) {
         refuse(No_page::Kind::other_version, path,
-               "the page has layout " + std::to_string(version) + ", and this program reads layout " +
+               "the page has layout " + std::to_string(life.version) + ", and this program reads layout " +
                    std::to_string(status::k_version));
     }
-    if (page.life.bytes.load(std::memory_order_acquire) != sizeof(status::Page)) {
+    if (life.bytes != sizeof(status::Page)) {
         refuse(No_page::Kind::not_a_page, path, "the page has another size than its layout says");
     }
+    if (static_cast<Number>(about.st_size) < sizeof(status::Page)) {
+        refuse(No_page::Kind::not_a_page, path, "this is no whole status page");
+    }
+}
+
+Number inode_of(int file) {
+    struct stat about {};
+    return ::fstat(file, &about) == 0 ? about.st_ino : 0;
 }
 
 // A lock for writing, as the page's writer has it: a reader of the group can hold one for reading. Takes none itself.
@@ -199,7 +211,7 @@ Snapshot snapshot_of(status::Page const& page, unsigned retries) {
     auto const instances = std::min<Number>(copy.services.instances, status::k_instances);
     copier(page.instances.data(), instances, copy.instances, [](auto const&) { return true; });
     copy.is_half_written = copier.is_half_written();
-    copy.failed_calls = page.failed_calls.load(std::memory_order_acquire);
+    copy_words(page.counters, copy.counters);
     for (auto const* const ring : {&page.driver_ring, &page.server_ring, &page.services_ring, &page.network_ring}) {
         add_events(*ring, copy.events);
     }
@@ -213,23 +225,13 @@ Page_view::Page_view(std::string const& path) : path_(path) {
     if (!file.is_open()) {
         refuse_to_open(path, errno);
     }
-    struct stat about {};
-    if (::fstat(file.number(), &about) != 0 || !S_ISREG(about.st_mode) ||
-        static_cast<Number>(about.st_size) < sizeof(status::Page)) {
-        refuse(No_page::Kind::not_a_page, path, "this is no whole status page");
-    }
-    file_ = about.st_ino;
+    require_page(file.number(), path);
+    file_ = inode_of(file.number());
     void* const memory = ::mmap(nullptr, sizeof(status::Page), PROT_READ, MAP_SHARED, file.number(), 0);
     if (memory == MAP_FAILED) {
         refuse(No_page::Kind::forbidden, path, base::system_error_text(errno));
     }
     page_ = static_cast<status::Page const*>(memory);
-    try {
-        require_page(*page_, path);
-    } catch (...) {
-        ::munmap(memory, sizeof(status::Page));
-        throw;
-    }
 }
 
 Page_view::~Page_view() {

@@ -24,7 +24,7 @@ struct Snapshot {
     std::vector<status::Instance<Number>> instances;
     status::Network<Number> network{};
     std::vector<status::Event<Number>> events;  ///< the newest, in the order of their times
-    Number failed_calls{0};
+    status::Counters<Number> counters{};
     bool is_half_written{false};  ///< something has an odd sequence, and kept it
     bool is_alive{false};         ///< its daemon runs: the lock is held, the process is there, the loop has not ended
     bool is_foreign{false};       ///< another boot's or machine's, whose times are no times of this one

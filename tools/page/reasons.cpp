@@ -18,6 +18,7 @@ using status::Hold;
 
 constexpr Number k_second = 1'000'000'000;
 constexpr Number k_ecu_active = 0;
+constexpr Number k_fresh = 300 * k_second;  // a key of longer ago is no reason any more
 
 template <class Enum>
 bool is(Number number, Enum value) {
@@ -32,15 +33,21 @@ std::string client_word(Snapshot const& page, status::Client<Number> const& clie
     return quoted(name) + (namesakes > 1 ? " (process " + std::to_string(client.pid) + ")" : "");
 }
 
+// What may be expected of a client that owes an answer, by those that its name owed before.
 std::string usual_text(Snapshot const& page, status::Client<Number> const& client) {
-    auto const name = text_of(client.name);
-    for (auto const& known : page.names) {
-        auto const answers = known.in_time + known.failed + known.late;
-        if (text_of(known.name) == name && answers > 0) {
-            return "; usually answers in " + span_text(known.total / answers);
-        }
+    auto const* const known = record_of(page, client);
+    auto const open =
+        static_cast<Number>(std::count_if(page.clients.begin(), page.clients.end(), [&](auto const& other) {
+            return is(other.answer, Answer::open) && record_of(page, other) == known;
+        }));
+    if (known == nullptr || known->asked <= open) {
+        return "; was never asked before";
     }
-    return "; has never answered before";
+    auto const answers = known->in_time + known->failed;
+    auto const text = "; of " + std::to_string(known->asked - open) + " answers before, ";
+    return answers == 0
+               ? text + "none came in time"
+               : text + std::to_string(answers) + " came in time, after " + span_text(mean_of(*known)) + " on average";
 }
 
 Reasons held_by(Snapshot const& page, std::vector<Hold> const& holds) {
@@ -155,12 +162,56 @@ void add_blocked(Snapshot const& page, Reasons& reasons) {
     reasons.push_back({"command-blocked", text});
 }
 
-void add_dropped(Snapshot const& page, Reasons& reasons) {
+bool is_fresh(Snapshot const& page, Number time) {
+    return time != 0 && page.now < time + k_fresh;
+}
+
+// What became of keys lately that have led to nothing.
+void add_keys(Snapshot const& page, Reasons& reasons) {
     auto const& driver = page.driver;
+    auto const add = [&](char const* code, Number command, char const* what, Number time, std::string const& why) {
+        if (is_fresh(page, time)) {
+            reasons.push_back({code, quoted(command_word(command)) + what + span_text(time, page.now) + " ago" + why});
+        }
+    };
     if (driver.last_dropped_at > driver.last_key_at) {
-        reasons.push_back({"key-dropped", "the key " + quoted(command_word(driver.last_dropped)) + " pressed " +
-                                              span_text(driver.last_dropped_at, page.now) +
-                                              " ago was dropped: the command taken last is the same"});
+        add("key-dropped", driver.last_dropped, " was dropped ", driver.last_dropped_at,
+            ": the key taken before it is the same");
+    }
+    add("key-swallowed", driver.last_swallowed, " was used up ", driver.last_swallowed_at,
+        " by the transition out of " + state_word(driver.swallowed_from) +
+            ", which had another cause: " + cause_text(driver.swallowed_from, driver.swallowed_row));
+    add("key-cleared", driver.last_cleared, " was thrown away ", driver.last_cleared_at,
+        " with all that waited: the power key overtakes");
+}
+
+std::string times_text(Number times) {
+    return times == 1 ? "once" : std::to_string(times) + " times";
+}
+
+void add_calls(Snapshot const& page, Reasons& troubles) {
+    std::vector<std::string> calls;
+    for (std::size_t call = 0; call < status::k_network_calls; ++call) {
+        if (auto const times = page.counters.failed_calls[call]; times != 0) {
+            calls.push_back(call_word(call) + " " + times_text(times));
+        }
+    }
+    if (!calls.empty()) {
+        troubles.push_back({"calls-failed", "calls of network management failed: " + joined(calls) + ", the last " +
+                                                span_text(page.counters.call_failed_at, page.now) + " ago"});
+    }
+}
+
+void add_restarts(Snapshot const& page, Reasons& troubles) {
+    auto const& counters = page.counters;
+    if (counters.restarts_failed != 0) {
+        troubles.push_back(
+            {"restart-failed", "the word for a restart could not be written " + times_text(counters.restarts_failed)});
+    }
+    if (page.life.number > 1) {
+        troubles.push_back({"restarted", "the daemon was restarted " + times_text(page.life.number - 1) +
+                                             " since the boot, the last time " +
+                                             span_text(page.life.started, page.now) + " ago"});
     }
 }
 
@@ -178,7 +229,7 @@ std::string farewell_text(Snapshot const& page) {
 std::vector<Reason> reasons_of(Snapshot const& page) {
     auto reasons = state_reasons(page);
     add_blocked(page, reasons);
-    add_dropped(page, reasons);
+    add_keys(page, reasons);
     return reasons;
 }
 
@@ -193,12 +244,16 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
     }
     if (page.is_alive && driver.ended == 0 && page.now > driver.beat + k_second && driver.beat != 0 &&
         page.now - driver.beat > k_second + page.life.period_ms * 1'000'000) {
-        troubles.push_back({"no-beat", "the last cycle began " + span_text(driver.beat, page.now) + " ago"});
+        troubles.push_back({"no-beat", "no cycle has begun for " + span_text(driver.beat, page.now) +
+                                           ": the daemon waits for a call, or stands still"});
     }
     if (driver.devices == 0) {
         troubles.push_back({"no-device", "no input device is listened to: no command arrives"});
     } else if (driver.devices_lost != 0) {
-        troubles.push_back({"device-lost", std::to_string(driver.devices_lost) + " input device(s) failed"});
+        troubles.push_back({"device-lost", std::to_string(driver.devices_lost) + " of " +
+                                               std::to_string(driver.devices_found) +
+                                               " input devices failed, the last one " +
+                                               span_text(driver.device_lost_at, page.now) + " ago"});
     }
     if (driver.word_failed == static_cast<Number>(status::Word_fate::no_file)) {
         troubles.push_back({"word-failed",
@@ -212,18 +267,16 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
         troubles.push_back({"machine-state-failed", "execution management did not set the machine state " +
                                                         shown(text_of(driver.machine_state))});
     }
-    if (page.failed_calls != 0) {
-        troubles.push_back(
-            {"calls-failed", std::to_string(page.failed_calls) + " call(s) of network management failed"});
-    }
+    add_calls(page, troubles);
     if (page.server.failures != 0) {
-        troubles.push_back(
-            {"server-failed", "the notification server failed " + std::to_string(page.server.failures) + " time(s)"});
+        troubles.push_back({"server-failed", "the notification server failed " + times_text(page.server.failures) +
+                                                 ", and all clients had to connect again"});
     }
-    if (page.life.number > 1) {
-        troubles.push_back(
-            {"restarted", "it is the daemon's life number " + std::to_string(page.life.number) + " since the boot"});
+    if (driver.log_lost != 0) {
+        troubles.push_back({"log-lost", "the log lost " + std::to_string(driver.log_lost) + " messages, the last " +
+                                            span_text(driver.log_lost_at, page.now) + " ago"});
     }
+    add_restarts(page, troubles);
     return troubles;
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/page/words.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <fstream>
@@ -20,7 +21,7 @@ std::string word_at(std::array<std::string_view, count> const& words, Number num
     return number < count ? std::string(words[number]) : "unknown (" + std::to_string(number) + ")";
 }
 
-constexpr std::array<std::string_view, 21> k_events{
+constexpr std::array<std::string_view, 23> k_events{
     "",
     "transition",
     "key-taken",
@@ -42,6 +43,8 @@ constexpr std::array<std::string_view, 21> k_events{
     "network-state",
     "device-lost",
     "ended",
+    "key-swallowed",
+    "keys-cleared",
 };
 
 constexpr std::uint32_t k_no_character = 0xffffffff;
@@ -116,6 +119,31 @@ std::string hold_word(Number hold) {
 std::string ecu_word(Number ecu_state) {
     constexpr std::array<std::string_view, 3> k_words{"active", "ready sleep", "sleep mode"};
     return word_at(k_words, ecu_state);
+}
+
+std::string call_word(Number call) {
+    constexpr std::array<std::string_view, status::k_network_calls> k_words{"RequestNetwork", "ReleaseNetwork",
+                                                                            "SetUserData"};
+    return word_at(k_words, call);
+}
+
+std::string restart_word(Number type) {
+    constexpr std::array<std::string_view, status::k_restart_types> k_words{
+        "an unknown type",   "this machine",      "type 2, no action",
+        "type 3, no action", "type 4, no action", "the co-processor (M3)"};
+    return std::string(k_words.at(type < k_words.size() ? type : 0));
+}
+
+status::Name<Number> const* record_of(Snapshot const& page, status::Client<Number> const& client) {
+    auto const found = std::find_if(page.names.begin(), page.names.end(), [&](auto const& name) {
+        return name.digest == client.name_digest && name.name.words == client.name.words;
+    });
+    return found == page.names.end() ? nullptr : &*found;
+}
+
+Number mean_of(status::Name<Number> const& name) {
+    auto const answers = name.in_time + name.failed;
+    return answers == 0 ? 0 : name.total / answers;
 }
 
 std::string event_word(Number kind) {

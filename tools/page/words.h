@@ -16,6 +16,16 @@ std::string group_word(Number group);
 std::string answer_word(Number answer);
 std::string hold_word(Number hold);
 std::string ecu_word(Number ecu_state);
+std::string call_word(Number call);
+
+/// What a restart request of this type restarts.
+std::string restart_word(Number type);
+
+/// The record of the client's name; null when it had no room.
+status::Name<Number> const* record_of(Snapshot const& page, status::Client<Number> const& client);
+
+/// What answers in time took; 0 when there was none.
+Number mean_of(status::Name<Number> const& name);
 
 /// The event's name, as `wait --event` takes it; empty for a kind that this program does not know.
 std::string event_word(Number kind);

@@ -55,6 +55,9 @@ class Log_engine {
 
     void submit(Log_context const& context, LogLevel level, Argument_encoder const& arguments) noexcept;
 
+    /// Messages that found the queue full. Any thread.
+    std::uint64_t dropped() const noexcept { return dropped_.load(std::memory_order_relaxed); }
+
     /// Adds a sink that gets everything that is consumed from now on, until it is removed or the process ends.
     void add_sink(std::unique_ptr<Log_sink> sink, LogLevel default_level);
     std::unique_ptr<Log_sink> remove_sink(Log_sink const& sink);

@@ -51,6 +51,10 @@ Logger& CreateLogger(std::string const& context_id, std::string const& descripti
     return Log_engine::instance().logger(context_id, description, level);
 }
 
+std::uint64_t LostMessages() noexcept {
+    return Log_engine::instance().dropped();
+}
+
 LogStream LogFatal() noexcept {
     return Log_engine::instance().default_logger().LogFatal();
 }

@@ -5,6 +5,7 @@
 #include "ara/log/log_stream.h"
 #include "ara/log/logger.h"
 
+#include <cstdint>
 #include <string>
 
 namespace ara::log {
@@ -19,6 +20,9 @@ void InitLogging(std::string const& application_id, std::string const& descripti
 /// wants another. It lives until the process ends; asking again for the same id gives the same logger.
 Logger& CreateLogger(std::string const& context_id, std::string const& description,
                      LogLevel level = LogLevel::kVerbose);
+
+/// How many messages were lost so far, since the queue was full.
+std::uint64_t LostMessages() noexcept;
 
 // One message of the default context each. The message is everything streamed into the returned object and is logged
 // when that object ends, at the end of the full expression.

@@ -10,10 +10,12 @@ namespace ximo::ap::statemanager {
 
 namespace {
 
+using status::Network_call;
+
 template <class Call>
-void make(Call const& call) {
+void make(Network_call which, Call const& call) {
     if (!succeeds(call)) {
-        status::call_failed();
+        status::call_failed(which);
     }
 }
 
@@ -134,19 +136,19 @@ Nm_interface::Network_state_func Nm_interface::network_state_updated_func() cons
 
 void Nm_interface::request_network(std::vector<std::uint8_t> const& bits) {
     if (auto const proxy = network_state_.proxy()) {
-        make([&] { proxy->RequestNetwork(bits).get(); });
+        make(Network_call::request_network, [&] { proxy->RequestNetwork(bits).get(); });
     }
 }
 
 void Nm_interface::release_network(std::vector<std::uint8_t> const& bits) {
     if (auto const proxy = network_state_.proxy()) {
-        make([&] { proxy->ReleaseNetwork(bits).get(); });
+        make(Network_call::release_network, [&] { proxy->ReleaseNetwork(bits).get(); });
     }
 }
 
 void Nm_interface::set_user_data(std::vector<std::uint8_t> const& data) {
     if (auto const proxy = user_data_.proxy()) {
-        make([&] { proxy->SetUserData(data).get(); });
+        make(Network_call::set_user_data, [&] { proxy->SetUserData(data).get(); });
     }
 }
 

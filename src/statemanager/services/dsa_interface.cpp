@@ -2,6 +2,7 @@
 
 #include "ara/log/logging.h"
 #include "statemanager/services/satisfied_future.h"
+#include "status/restart_status.h"
 
 #include <utility>
 
@@ -26,6 +27,7 @@ Dsa_interface::~Dsa_interface() {
 }
 
 ximo::com::Future<void> Dsa_interface::RequestRestart(std::uint8_t RestartType) {
+    status::restart_requested(RestartType);
     switch (RestartType) {
         case 1:
             restart_vm();

@@ -1,5 +1,7 @@
 #include "statemanager/smw/shared_memory_reboot.h"
 
+#include "status/restart_status.h"
+
 #include <utility>
 
 namespace ximo::ap::statemanager::smw {
@@ -17,7 +19,9 @@ void Shared_memory_reboot::restart_m3() {
 void Shared_memory_reboot::try_reboot(std::string const& command) {
     if (!write_to_memory(command)) {
         write_to_memory("cancel");
-        write_to_memory(command);
+        if (!write_to_memory(command)) {
+            status::restart_failed();
+        }
     }
 }
 

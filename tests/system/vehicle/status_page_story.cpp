@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
 
 namespace bench::vehicle {
 namespace {
@@ -99,39 +100,76 @@ TEST_F(Status_page, Tells_state_cause_word_and_the_oldest_command) {
     EXPECT_EQ(then.at("configuration"), "/etc/adaptive/ap_statemanager.json");
 }
 
-/// A way into a state, and what is told of it.
+/// A way into a state: what applications hold, whether a client is there that never answers, and keys, each pressed
+/// once the state before it is told.
 struct Way {
-    std::string keys;
-    std::string state;
+    struct Step {
+        std::string key;
+        std::string state;
+    };
+    std::vector<Step> steps;
+    std::vector<json> held;
+    std::string condition;
+    bool has_client{false};
+    bool has_network{true};
 };
 
-TEST_F(Status_page, Tells_everything_of_a_daemon_that_was_killed_in_any_state) {
-    for (auto const& way : {Way{"", "Running"}, Way{"n", "NM Controlled"}, Way{"p", "PreparedSD"}}) {
-        build();
-        start_and_run();
-        if (!way.keys.empty()) {
-            request("1", com_alive("02"));
-            machine->press(way.keys);
+class Status_page_after_a_kill : public Status_page, public testing::WithParamInterface<Way> {};
+
+TEST_P(Status_page_after_a_kill, Tells_everything) {
+    auto const& way = GetParam();
+    options.with_network = way.has_network;
+    settings()["DefautNMRequestPattern"] = {0, 0, 1, 0, 0, 0};  // its release lets the ECU's own bit go as well
+    settings()["KnockOutTimer"] = 100'000;
+    start();
+    std::optional<Test_client> radio;
+    for (auto const& step : way.steps) {
+        if (step.key == "p" || step.key == "n") {
+            for (auto const& what : way.held) {
+                request("1", what);
+            }
         }
-        ASSERT_TRUE(is_in(way.state));
-        kill();
-        auto const result = statectl({"status", "--json"});
-        EXPECT_EQ(result.status, 1);
-        auto const page = json::parse(result.output);
-        EXPECT_EQ(page.at("state"), way.state);
-        EXPECT_EQ(page.at("running"), false);
-        EXPECT_THAT(why("not-running"), HasSubstr("without a farewell"));
-        finish();
-        std::filesystem::remove_all(k_directory);
+        if (way.has_client && step.state == way.steps.back().state) {
+            radio = client("radio");
+        }
+        if (!step.key.empty()) {
+            machine->press(step.key);
+        }
+        ASSERT_TRUE(is_in(step.state));
     }
+    EXPECT_FALSE(why(way.condition).empty()) << "the reason that it stays";
+    kill();
+    auto const result = statectl({"status", "--json"});
+    EXPECT_EQ(result.status, 1);
+    auto const page = json::parse(result.output);
+    EXPECT_EQ(page.at("state"), way.steps.back().state);
+    EXPECT_EQ(page.at("running"), false);
+    EXPECT_THAT(why("not-running"), HasSubstr("without a farewell"));
+    EXPECT_FALSE(why(way.condition).empty()) << "is still told";
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    In, Status_page_after_a_kill,
+    testing::Values(Way{{{"", "Starting up"}}, {}, "no-network-manager", false, false},
+                    Way{{{"", "Running"}}, {}, "no-command"},
+                    Way{{{"", "Running"}, {"n", "NM Controlled"}}, {com_alive("02")}, "network-needed"},
+                    Way{{{"", "Running"}, {"n", "Post Run"}}, {k_ecu_alive}, "knock-out"},
+                    Way{{{"", "Running"}, {"p", "Preparing"}}, {}, "client-open", true},
+                    Way{{{"", "Running"}, {"p", "PreparedSD"}}, {}, "no-command"},
+                    Way{{{"", "Running"}, {"p", "PreparedSD"}, {"r", "Resuming"}}, {}, "client-open", true},
+                    Way{{{"", "Running"}, {"p", "PreparedSD"}, {"power", "Shutting down"}}, {}, "power-off"}),
+    [](auto const& param) {
+        auto name = param.param.steps.back().state;
+        std::replace(name.begin(), name.end(), ' ', '_');
+        return name;
+    });
 
 TEST_F(Status_page, Stays_as_the_previous_one_when_the_next_life_begins) {
     start_and_run();
     kill();
     auto const first = told("status");
     machine->start_daemon();
-    ASSERT_TRUE(why("restarted").find("number 2") != std::string::npos);
+    EXPECT_THAT(why("restarted"), StartsWith("the daemon was restarted once since the boot"));
     auto const previous = told("status", {"--page", std::string(status::k_page_path) + status::k_previous});
     EXPECT_EQ(previous.at("pid"), first.at("pid"));
     EXPECT_EQ(previous.at("running"), false);
@@ -140,8 +178,10 @@ TEST_F(Status_page, Stays_as_the_previous_one_when_the_next_life_begins) {
 
 TEST_F(Status_page, Says_a_farewell_where_there_is_one) {
     start_and_run();
+    machine->press("r");
     machine->press("power");
     ASSERT_TRUE(ends_with(0));
+    EXPECT_THAT(why("key-cleared"), StartsWith("\"Run\" was thrown away"));
     EXPECT_EQ(told("status").at("state"), "Shutting down");
     EXPECT_THAT(why("not-running"), HasSubstr("ended in order"));
     EXPECT_THAT(why("power-off"), HasSubstr("execution management was asked"));
@@ -163,6 +203,25 @@ TEST_F(Status_page, Says_why_it_did_not_take_a_key) {
     EXPECT_THAT(why("command-blocked"), HasSubstr("which Running never takes; 1 command waits behind it"));
     machine->press("p");
     EXPECT_THAT(why("key-dropped"), HasSubstr("\"PrepareSD\""));
+}
+
+TEST_F(Status_page, Says_which_key_a_transition_used_up) {
+    settings()["KnockOutTimer"] = 100'000;
+    settings()["DefautNMRequestPattern"] = {0, 0, 1, 0, 0, 0};
+    Story::start_and_run();
+    request("1", com_alive("02"));
+    request("2", k_ecu_alive);
+    machine->press("n");
+    ASSERT_TRUE(is_in("NM Controlled"));
+    machine->press("s");
+    EXPECT_THAT(why("command-blocked"), HasSubstr("which NM Controlled never takes"));
+    release("1", com_alive("02"));
+    EXPECT_THAT(why("key-swallowed"),
+                testing::AllOf(StartsWith("\"NMControlledPrepareSD\" was used up "),
+                               HasSubstr("the transition out of NM Controlled, which had another cause: the network "
+                                         "was asleep, and applications kept the ECU alive")));
+    EXPECT_EQ(told("status").at("commands"), json::array());
+    EXPECT_EQ(told("status").at("input").at("swallowed"), 1);
 }
 
 TEST_F(Status_page, Says_which_setting_keeps_a_command_waiting) {
@@ -208,14 +267,14 @@ TEST_F(Status_page, Says_for_whom_a_suspend_waits_and_how_he_answers) {
     auto const asked = radio.receive();
     EXPECT_THAT(why("client-open"),
                 testing::AllOf(StartsWith("\"radio\" (process "), HasSubstr(" left to answer kPrepSD"),
-                               HasSubstr("has never answered before")));
+                               HasSubstr("was never asked before")));
     EXPECT_EQ(told("status").at("request").at("unanswered"), 2);
     radio.answer(asked.number, asked.state);
     namesake.obey();
     ASSERT_TRUE(is_in("PreparedSD"));
     machine->press("r");
     radio.receive();
-    EXPECT_THAT(why("client-open"), HasSubstr("usually answers in"));
+    EXPECT_THAT(why("client-open"), HasSubstr("; of 2 answers before, 2 came in time, after "));
     auto const names = told("clients").at("names");
     ASSERT_EQ(names.size(), 1U);
     EXPECT_EQ(names[0].at("asked"), 4);
@@ -265,6 +324,7 @@ TEST_F(Status_page, Tells_a_client_that_left_without_an_answer) {
 }
 
 TEST_F(Status_page, Says_what_is_wrong) {
+    options.devices = 2;
     build();
     tell_node({{"do", "reaction"}, {"method", "RequestNetwork"}, {"refuse", true}, {"count", 1}});
     machine->service_manager().command({{"do", "reaction"},
@@ -272,12 +332,28 @@ TEST_F(Status_page, Says_what_is_wrong) {
                                         {"unit", "MachineState-Running.target"}});
     Story::start_and_run();
     EXPECT_THAT(why("machine-state-failed"), HasSubstr("Running"));
-    EXPECT_THAT(why("calls-failed"), HasSubstr("network management failed"));
+    EXPECT_THAT(why("calls-failed"), HasSubstr("network management failed: RequestNetwork once"));
     machine->hypervisor().command({{"do", "fault"}, {"file", "set_status"}, {"operation", "write"}, {"errno", "EIO"}});
     machine->press("n");
     EXPECT_THAT(why("word-failed"), HasSubstr("runnmcontrolled"));
     machine->hypervisor().command({{"do", "hang_up"}, {"device", "event0"}});
+    EXPECT_THAT(why("device-lost"), StartsWith("1 of 2 input devices failed"));
+    machine->hypervisor().command({{"do", "hang_up"}, {"device", "event1"}});
     EXPECT_THAT(why("no-device"), HasSubstr("no command arrives"));
+    machine->signal_daemon(SIGSTOP);
+    EXPECT_THAT(why("no-beat"), HasSubstr("waits for a call, or stands still"));
+    machine->signal_daemon(SIGCONT);
+}
+
+TEST_F(Status_page, Counts_the_restarts_that_diagnostics_ask_for) {
+    start_and_run();
+    restart(5);
+    restart(3);
+    restart(77);
+    auto const restarts = told("status").at("restarts");
+    EXPECT_EQ(restarts.at("by_type"), json({1, 0, 0, 1, 0, 1})) << restarts;
+    EXPECT_EQ(restarts.at("last_type"), 77);
+    EXPECT_THAT(statectl({"status"}).output, HasSubstr("3 asked for by diagnostics"));
 }
 
 TEST_F(Status_page, Is_no_matter_to_a_daemon_that_can_not_make_it) {

@@ -1,6 +1,7 @@
 #include "statemanager/state_manager.h"
 
 #include "statemanager/states/state_interface.h"
+#include "status/page_writer.h"
 #include "support/fake_client_states.h"
 #include "support/fake_neighbours.h"
 #include "support/fake_service_handler.h"
@@ -248,6 +249,25 @@ TEST_F(Driver, Reports_before_it_says_that_it_runs_and_after_the_services_are_wi
     EXPECT_EQ(texts[texts.size() - 3], "deinit");
     EXPECT_EQ(texts[texts.size() - 2], "AP_StateManger reporting kTerminating to EM");
     EXPECT_THAT(texts.back(), StartsWith("Application state not reported: "));
+}
+
+/// A driver in a process that has logged more than there was room for.
+class Driver_after_a_flood : public Driver {
+ protected:
+    static void SetUpTestSuite() {
+        for (int message = 0; message < 3'000; ++message) {
+            ara::log::LogInfo() << message;
+        }
+    }
+};
+
+TEST_F(Driver_after_a_flood, Tells_how_many_messages_the_log_has_lost) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
+    start_and_run();
+    status::set_page(nullptr);
+    EXPECT_GT(ara::log::LostMessages(), 0U);
+    EXPECT_EQ(status::own(page->driver.log_lost), ara::log::LostMessages());
 }
 
 TEST_F(Driver, Runs_without_any_collaborator) {

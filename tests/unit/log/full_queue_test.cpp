@@ -18,9 +18,11 @@ TEST(Full_queue, Drops_what_is_new_and_tells_each_time_how_much_was_dropped_once
     Log_engine::instance().add_sink(std::make_unique<Keeping_sink>(lines), LogLevel::kVerbose);
     for (std::size_t const dropped : {976U, 3U}) {
         lines.clear();
+        auto const before = LostMessages();
         for (std::size_t number = 0; number < Message_queue::k_slots + dropped; ++number) {
             LogInfo() << number;
         }
+        EXPECT_EQ(LostMessages() - before, dropped);
         Log_engine::instance().drain();
         ASSERT_EQ(lines.size(), Message_queue::k_slots + 1);
         EXPECT_EQ(lines.front(), "4 0");

@@ -1,9 +1,11 @@
 #include "statemanager/smw/shared_memory_reboot.h"
 
+#include "status/page_writer.h"
 #include "support/log_capture.h"
 #include "support/temporary_directory.h"
 
 #include <deque>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,6 +82,16 @@ TEST(Shared_memory_reboot_test, A_second_failure_is_the_end_of_it) {
     sut.restart_vm();
 
     EXPECT_THAT(sut.words, ElementsAre("restartao", "cancel", "restartao"));
+}
+
+TEST(Shared_memory_reboot_test, Only_a_request_that_never_got_through_is_told_as_failed) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
+    Noting_reboot({false}).restart_vm();
+    EXPECT_EQ(status::own(page->counters.restarts_failed), 0U);
+    Noting_reboot({false, true, false}).restart_vm();
+    status::set_page(nullptr);
+    EXPECT_EQ(status::own(page->counters.restarts_failed), 1U);
 }
 
 TEST(Shared_memory_reboot_test, Any_word_may_be_tried) {

@@ -84,14 +84,21 @@ TEST(Reasons, Of_a_suspend_are_the_clients_that_owe_an_answer) {
     radio.asked_at = 97 * k_s - k_s / 5;
     put(radio.name, "radio");
     page.clients.push_back(radio);
-    EXPECT_EQ(sentence(reasons_of(page), "client-open"),
-              "\"radio\" has 6.8 s left to answer kPrepSD (asked 3.2 s ago; has never answered before)");
     status::Name<Number> name{};
-    name.in_time = 2;
-    name.total = 2 * k_s / 5;
+    name.asked = 1;
     put(name.name, "radio");
     page.names.push_back(name);
-    EXPECT_THAT(sentence(reasons_of(page), "client-open"), HasSubstr("usually answers in 0.2 s"));
+    EXPECT_EQ(sentence(reasons_of(page), "client-open"),
+              "\"radio\" has 6.8 s left to answer kPrepSD (asked 3.2 s ago; was never asked before)");
+    page.names[0].asked = 4;
+    page.names[0].timed_out = 3;
+    page.names[0].late = 1;
+    EXPECT_THAT(sentence(reasons_of(page), "client-open"), HasSubstr("; of 3 answers before, none came in time)"));
+    page.names[0].in_time = 1;
+    page.names[0].failed = 1;
+    page.names[0].total = 2 * k_s / 5;
+    EXPECT_THAT(sentence(reasons_of(page), "client-open"),
+                HasSubstr("; of 3 answers before, 2 came in time, after 0.2 s on average)"));
     page.server.unanswered = 3;
     EXPECT_EQ(sentence(reasons_of(page), "client-vanished"),
               "2 of those that were asked left without an answer; their time is over in 6.8 s");
@@ -105,6 +112,34 @@ TEST(Reasons, Of_a_command_that_waits_are_told_beside_those_of_the_state) {
     page.driver.taken_at[0] = 99 * k_s;
     EXPECT_EQ(sentence(reasons_of(page), "command-blocked"),
               "the oldest command is \"Run\" (1.0 s ago), which Running never takes; 2 commands wait behind it");
+}
+
+TEST(Reasons, Of_keys_that_have_led_to_nothing_are_told_for_five_minutes) {
+    auto page = page_in(State::post_run);
+    page.driver.last_key_at = 40 * k_s;
+    page.driver.last_dropped = 4;
+    page.driver.last_dropped_at = 90 * k_s;
+    page.driver.last_swallowed = 1;
+    page.driver.last_swallowed_at = 95 * k_s;
+    page.driver.swallowed_from = 2;
+    page.driver.swallowed_row = 2;
+    page.driver.last_cleared = 2;
+    page.driver.last_cleared_at = 97 * k_s;
+    auto const reasons = reasons_of(page);
+    EXPECT_EQ(sentence(reasons, "key-dropped"),
+              "\"PrepareSD\" was dropped 10.0 s ago: the key taken before it is the same");
+    EXPECT_EQ(sentence(reasons, "key-swallowed"),
+              "\"Run\" was used up 5.0 s ago by the transition out of NM Controlled, which had another cause: the "
+              "network was asleep, and applications kept the ECU alive");
+    EXPECT_EQ(sentence(reasons, "key-cleared"),
+              "\"NmControlled\" was thrown away 3.0 s ago with all that waited: the power key overtakes");
+    page.now = 396 * k_s;
+    EXPECT_EQ(sentence(reasons_of(page), "key-dropped"), "no key-dropped");
+    EXPECT_EQ(sentence(reasons_of(page), "key-swallowed"), "no key-swallowed");
+    EXPECT_NE(sentence(reasons_of(page), "key-cleared"), "no key-cleared");
+    page.driver.last_key_at = page.driver.last_dropped_at + k_s;
+    page.now = 100 * k_s;
+    EXPECT_EQ(sentence(reasons_of(page), "key-dropped"), "no key-dropped") << "another one was taken since";
 }
 
 TEST(Troubles, Are_none_of_a_daemon_that_is_well) {
@@ -138,17 +173,40 @@ TEST(Troubles, Are_told_each_by_its_sentence) {
               },
               "the page is from another boot or machine"},
              {"half-written", [](Snapshot& page) { page.is_half_written = true; }, "half-written"},
-             {"no-beat", [](Snapshot& page) { page.driver.beat = 90 * k_s; }, "the last cycle began 10.0 s ago"},
+             {"no-beat", [](Snapshot& page) { page.driver.beat = 90 * k_s; }, "no cycle has begun for 10.0 s"},
              {"no-device", [](Snapshot& page) { page.driver.devices = 0; }, "no command arrives"},
-             {"device-lost", [](Snapshot& page) { page.driver.devices_lost = 1; }, "1 input device(s) failed"},
+             {"device-lost",
+              [](Snapshot& page) {
+                  page.driver.devices_found = 2;
+                  page.driver.devices_lost = 1;
+                  page.driver.device_lost_at = 97 * k_s;
+              },
+              "1 of 2 input devices failed, the last one 3.0 s ago"},
              {"word-failed", [](Snapshot& page) { page.driver.word_failed = 1; }, "could not be written"},
              {"word-failed",
               [](Snapshot& page) { page.driver.word_failed = static_cast<Number>(status::Word_fate::no_file); },
               "could not be opened at the start"},
              {"machine-state-failed", [](Snapshot& page) { page.driver.machine_state_failed = 1; }, "did not set"},
-             {"calls-failed", [](Snapshot& page) { page.failed_calls = 2; }, "2 call(s)"},
-             {"server-failed", [](Snapshot& page) { page.server.failures = 1; }, "1 time(s)"},
-             {"restarted", [](Snapshot& page) { page.life.number = 2; }, "life number 2"},
+             {"calls-failed",
+              [](Snapshot& page) {
+                  page.counters.failed_calls = {2, 0, 1};
+                  page.counters.call_failed_at = 96 * k_s;
+              },
+              "failed: RequestNetwork 2 times and SetUserData once, the last 4.0 s ago"},
+             {"server-failed", [](Snapshot& page) { page.server.failures = 1; }, "server failed once"},
+             {"log-lost",
+              [](Snapshot& page) {
+                  page.driver.log_lost = 7;
+                  page.driver.log_lost_at = 90 * k_s;
+              },
+              "lost 7 messages, the last 10.0 s ago"},
+             {"restart-failed", [](Snapshot& page) { page.counters.restarts_failed = 1; }, "not be written once"},
+             {"restarted",
+              [](Snapshot& page) {
+                  page.life.number = 3;
+                  page.life.started = 80 * k_s;
+              },
+              "restarted 2 times since the boot, the last time 20.0 s ago"},
          }) {
         auto page = page_in(State::running);
         trouble.make(page);

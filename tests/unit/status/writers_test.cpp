@@ -2,8 +2,10 @@
 #include "status/driver_status.h"
 #include "status/network_status.h"
 #include "status/page_file.h"
+#include "status/restart_status.h"
 #include "status/server_status.h"
 #include "status/services_status.h"
+#include "tools/page/words.h"
 #include "written_page.h"
 
 #include <algorithm>
@@ -30,6 +32,7 @@ class Status_writers : public Written_page {
 
     static std::uint64_t number(Event_kind kind) { return static_cast<std::uint64_t>(kind); }
     static std::uint64_t number(Answer answer) { return static_cast<std::uint64_t>(answer); }
+    static std::uint64_t number(State state) { return static_cast<std::uint64_t>(state); }
 };
 
 TEST_F(Status_writers, Cut_a_text_that_is_too_long_and_tell_texts_apart_by_what_is_left) {
@@ -66,6 +69,111 @@ TEST_F(Status_writers, Of_the_queue_do_what_the_queue_does) {
     command_consumed();
     command_consumed();
     EXPECT_EQ(read().driver.waiting, 0U);
+}
+
+TEST_F(Status_writers, Tell_what_a_transition_used_up_that_it_was_not_the_cause_of) {
+    put(written->life.nm_usage, 1U);
+    key_taken(4);
+    transition(number(State::running), number(State::preparing), 4);
+    command_consumed();
+    EXPECT_EQ(read().driver.keys_swallowed, 0U) << "the cause";
+    transition(number(State::preparing), number(State::prepared_sd), 0);
+    command_consumed();
+    EXPECT_EQ(read().driver.keys_swallowed, 0U) << "nothing waited";
+    key_taken(1);
+    transition(number(State::nm_controlled), number(State::post_run), 0);
+    command_consumed();
+    auto const page = read();
+    EXPECT_EQ(page.driver.keys_swallowed, 1U);
+    EXPECT_EQ(page.driver.last_swallowed, 1U);
+    EXPECT_NE(page.driver.last_swallowed_at, 0U);
+    EXPECT_EQ(page.driver.swallowed_from, number(State::nm_controlled));
+    EXPECT_EQ(page.driver.swallowed_row, 2U);
+    EXPECT_EQ(page.events.back().kind, number(Event_kind::key_swallowed));
+}
+
+TEST_F(Status_writers, Tell_what_a_power_key_threw_away) {
+    queue_cleared();
+    EXPECT_EQ(read().driver.last_cleared_at, 0U) << "nothing waited";
+    key_taken(1);
+    key_taken(4);
+    queue_cleared();
+    auto const page = read();
+    EXPECT_EQ(page.driver.keys_cleared, 2U);
+    EXPECT_EQ(page.driver.last_cleared, 1U);
+    EXPECT_EQ(page.events.back().numbers[1], 2U);
+}
+
+TEST_F(Status_writers, Count_what_any_thread_tells) {
+    std::vector<std::thread> threads;
+    for (std::uint64_t i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (std::uint64_t type = 0; type < 9; ++type) {
+                restart_requested(type);
+                restart_failed();
+            }
+            call_failed(Network_call::set_user_data);
+        });
+    }
+    for (auto& thread : threads) {
+        thread.join();
+    }
+    auto const counters = read().counters;
+    EXPECT_THAT(counters.restarts, ElementsAre(16, 4, 4, 4, 4, 4));
+    EXPECT_EQ(counters.restarts_failed, 36U);
+    EXPECT_THAT(counters.failed_calls, ElementsAre(0, 0, 4));
+    EXPECT_EQ(own(written->events), 36U) << "watchers look";
+}
+
+TEST_F(Status_writers, Tell_of_devices_how_many_there_were_and_when_the_last_one_failed) {
+    devices_opened(2);
+    device_lost(1);
+    auto const driver = read().driver;
+    EXPECT_THAT((std::array{driver.devices_found, driver.devices, driver.devices_lost}), ElementsAre(2, 1, 1));
+    EXPECT_NE(driver.device_lost_at, 0U);
+}
+
+TEST_F(Status_writers, Tell_when_the_log_has_lost_more) {
+    log_lost(0);
+    EXPECT_EQ(read().driver.log_lost_at, 0U);
+    log_lost(3);
+    auto const first = read().driver.log_lost_at;
+    log_lost(3);
+    EXPECT_EQ(read().driver.log_lost_at, first);
+    EXPECT_EQ(read().driver.log_lost, 3U);
+}
+
+TEST_F(Status_writers, Tell_apart_names_that_are_cut_alike) {
+    std::string const beginning(k_longest_name, 'n');
+    client_connected(7, beginning + "1", "kOn");
+    client_connected(8, beginning + "2", "kOn");
+    client_connected(9, beginning + "2", "kOn");
+    auto const page = read();
+    ASSERT_EQ(page.names.size(), 2U);
+    EXPECT_EQ(text_of(page.names[0].name), text_of(page.names[1].name));
+    for (auto const& client : page.clients) {
+        EXPECT_EQ(statectl::record_of(page, client)->connections, client.connection == 7 ? 1U : 2U);
+    }
+}
+
+TEST_F(Status_writers, Leave_what_was_late_out_of_the_mean) {
+    client_connected(7, "radio", "kOn");
+    auto const ask = [](auto const& answer) {
+        request_began("kOn", std::chrono::steady_clock::now());
+        client_asked(7);
+        answer();
+    };
+    ask([] { client_answered(7, "kOn", 0); });
+    auto const total = read().names.at(0).total;
+    EXPECT_NE(total, 0U);
+    ask([] {
+        request_ended(Answer::timed_out);
+        client_answered(7, "kOn", 0);
+    });
+    auto const name = read().names.at(0);
+    EXPECT_EQ(name.late, 1U);
+    EXPECT_EQ(name.total, total);
+    EXPECT_EQ(statectl::mean_of(name), total);
 }
 
 TEST_F(Status_writers, Of_a_queue_that_is_longer_than_the_page_count_what_they_do_not_tell) {
