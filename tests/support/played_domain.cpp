@@ -8,7 +8,8 @@ namespace test_support::played_dds {
 
 namespace {
 
-bool is_admitted(Thing const& reader, Arrival const& arrival) {
+// Nothing may be thrown through the engine.
+bool is_admitted(Thing const& reader, Arrival const& arrival) noexcept {
     auto const info = info_of(arrival);
     if (reader.filter.f.sample_sampleinfo_arg == nullptr || !info.valid_data) {
         return true;
