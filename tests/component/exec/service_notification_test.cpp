@@ -6,15 +6,35 @@
 #include "support/log_capture.h"
 #include "support/notify_socket.h"
 
+#include <cerrno>
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
+#include <utility>
 
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <unistd.h>
+
+namespace {
+
+std::function<int()> as_it_waits;  // called by the next one that waits, instead of it
+}
+
+/// `poll` of this program.
+extern "C" int own_poll(pollfd* descriptors, nfds_t count, int milliseconds) __asm__("poll");
+extern "C" int own_poll(pollfd* descriptors, nfds_t count, int milliseconds) {
+    if (auto const act = std::exchange(as_it_waits, {})) {
+        return act();
+    }
+    timespec const time{milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
+    return ::ppoll(descriptors, count, milliseconds < 0 ? nullptr : &time, nullptr);
+}
 
 namespace {
 
@@ -126,6 +146,40 @@ TEST(Service_notification, Gives_up_in_time_when_the_queue_of_the_service_manage
     EXPECT_LT(taken, ara::core::k_notification_time_limit + milliseconds(5000));
     EXPECT_THAT(service_manager.received(), testing::Not(IsEmpty()));
     EXPECT_NO_THROW(ara::core::notify_service_manager("WATCHDOG=1"));
+}
+
+/// A service manager whose queue is full.
+class Full_service_manager : public testing::Test {
+ protected:
+    Full_service_manager() {
+        while (!ara::core::beat()) {
+        }
+    }
+
+    std::optional<test_support::Notify_socket> service_manager_{std::in_place};
+};
+
+TEST_F(Full_service_manager, Is_not_waited_for_when_it_goes) {
+    as_it_waits = [this] {
+        service_manager_.reset();
+        return 1;
+    };
+    try {
+        ara::core::notify_service_manager("STOPPING=1");
+        ADD_FAILURE() << "nobody has heard it";
+    } catch (std::system_error const& error) {
+        EXPECT_EQ(error.code().value(), ECONNREFUSED);
+    }
+}
+
+TEST_F(Full_service_manager, Is_told_after_an_interruption) {
+    as_it_waits = [this] {
+        service_manager_->received();
+        errno = EINTR;
+        return -1;
+    };
+    EXPECT_NO_THROW(ara::core::notify_service_manager("STOPPING=1"));
+    EXPECT_THAT(service_manager_->received(), ElementsAre("STOPPING=1"));
 }
 
 }  // namespace
