@@ -12,17 +12,16 @@ namespace {
 
 std::string const k_sanitizer_flags = std::string(SANITIZER).empty() ? "" : " -fsanitize=" SANITIZER;
 
-/// Calls the restart service, which is not there.
+/// Looks for the restart service, which is not there.
 constexpr char const* k_caller = R"(
+#include "services/found_instance.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "ximo/ap/statemanager/dsa_interface_proxy.h"
 
 int main() {
-    using Proxy = ximo::ap::statemanager::proxy::DSAInterfaceProxy;
     tarq::com::runtime::Component_singleton const communication(false, "");
-    auto const lookup = Proxy::StartFindService([](auto const&) {}, ara::com::InstanceSpecifier("DSA_Interface"));
-    Proxy::StopFindService(lookup);
-    return 42;
+    services::Found_instance<ximo::ap::statemanager::proxy::DSAInterfaceProxy> restart("DSA_Interface");
+    return restart.await(std::chrono::milliseconds(1)) ? 1 : 42;
 }
 )";
 
