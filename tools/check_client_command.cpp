@@ -114,7 +114,7 @@ int list_rules() {
 
 int check_client(Check_options const& options) {
     Socket_directory const directory;
-    check::take_along_at_signals(directory.path(), directory.socket());
+    check::remove_at_signals(directory.path(), directory.socket());
     auto const start = start_in(directory, options);
     check::Limits const limits{check::Milliseconds(options.patience_ms), check::Milliseconds(options.quiet_ms)};
     std::vector<Verdict> verdicts;

@@ -12,7 +12,7 @@ Client_player::Client_player(Client_options const& options, Control_loop& loop)
     : name_(options.name),
       loop_(loop),
       client_(
-          options.name, [this](std::string const& state, Answer answer) { take(state, std::move(answer)); },
+          options.name, [this](std::string const& state, Answer answer) { accept(state, std::move(answer)); },
           connection(options)) {
     loop_.watch(client_.descriptor(), [this] { client_.dispatch(); });
 }
@@ -33,7 +33,7 @@ component_client::Options Client_player::connection(Client_options const& option
     return connection;
 }
 
-void Client_player::take(std::string const& state, Answer answer) {
+void Client_player::accept(std::string const& state, Answer answer) {
     loop_.event("request", {{"number", answer.number()}, {"state", state}});
     if (behaviour_.manner == Manner::crashing) {
         loop_.event("crash", {{"state", client_.state()}});

@@ -33,7 +33,7 @@ class Client_player {
 
  private:
     component_client::Options connection(Client_options const& options);
-    void take(std::string const& state, component_client::Answer answer);
+    void accept(std::string const& state, component_client::Answer answer);
     void act_on_what_is_owed();
     void answer(component_client::Status status);
 

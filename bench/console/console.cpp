@@ -115,9 +115,9 @@ class Session {
         while (!is_over_ && noted_end_signal() == 0) {
             machine_.watch(k_frame);
             for (auto const& event : machine_.take_events()) {
-                view_.take(event);
+                view_.hear(event);
             }
-            view_.take_clients(machine_.clients(), monotonic_ns());
+            view_.show_clients(machine_.clients(), monotonic_ns());
             for (int key = ::getch(); key != ERR; key = ::getch()) {
                 try_to_handle(key);
             }
@@ -131,11 +131,11 @@ class Session {
  private:
     // A machine that is off, a client that does not answer: that is told, and the console goes on.
     void try_to_handle(int key) {
-        view_.take_trouble("");
+        view_.show_trouble("");
         try {
             handle(key);
         } catch (std::exception const& error) {
-            view_.take_trouble(error.what());
+            view_.show_trouble(error.what());
         }
     }
 

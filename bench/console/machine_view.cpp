@@ -19,7 +19,7 @@ void keep_newest(std::deque<Item>& items, Item item, std::size_t limit) {
 
 }  // namespace
 
-void Machine_view::take(vehicle::Event const& event) {
+void Machine_view::hear(vehicle::Event const& event) {
     switch (event.kind) {
         case Kind::key:
             keep_newest(keys_, event.text, k_recent);
@@ -45,7 +45,7 @@ void Machine_view::take(vehicle::Event const& event) {
             held_.clear();  // the daemon alone knew of it
             break;
         case Kind::log:
-            take_log(event);
+            hear_log(event);
             break;
         case Kind::bus:
             bus_ = event.text;
@@ -57,7 +57,7 @@ void Machine_view::take(vehicle::Event const& event) {
             user_data_ = event;
             break;
         case Kind::application:
-            take_application(event.act);
+            hear_application(event.act);
             break;
         case Kind::notification:
         case Kind::client:
@@ -65,7 +65,7 @@ void Machine_view::take(vehicle::Event const& event) {
     }
 }
 
-void Machine_view::take_clients(std::vector<vehicle::Client_status> clients, std::int64_t now) {
+void Machine_view::show_clients(std::vector<vehicle::Client_status> clients, std::int64_t now) {
     clients_ = std::move(clients);
     now_ = now;
 }
@@ -74,7 +74,7 @@ void Machine_view::select_next_client() {
     selected_client_ = clients_.empty() ? 0 : (selected_client_ + 1) % clients_.size();
 }
 
-void Machine_view::take_log(vehicle::Event const& event) {
+void Machine_view::hear_log(vehicle::Event const& event) {
     constexpr std::string_view k_ecu_state = "Ecu state based on NM activity: ";
     if (event.text.rfind(k_ecu_state, 0) == 0) {
         ecu_state_ = event.text.substr(k_ecu_state.size());
@@ -86,7 +86,7 @@ void Machine_view::take_log(vehicle::Event const& event) {
     }
 }
 
-void Machine_view::take_application(vehicle::Act const& act) {
+void Machine_view::hear_application(vehicle::Act const& act) {
     if (act.what == "requests") {
         held_.emplace(act.who, act.of);
     } else {

@@ -22,14 +22,14 @@ class Machine_view {
     static constexpr std::size_t k_log_lines = 500;
     static constexpr std::size_t k_recent = 5;
 
-    void take(vehicle::Event const& event);
+    void hear(vehicle::Event const& event);
 
     /// Why the last key did nothing; empty when it did something.
-    void take_trouble(std::string trouble) { trouble_ = std::move(trouble); }
+    void show_trouble(std::string trouble) { trouble_ = std::move(trouble); }
     std::string const& trouble() const { return trouble_; }
 
     /// The clients as they are at the time `now` (nanoseconds of CLOCK_MONOTONIC).
-    void take_clients(std::vector<vehicle::Client_status> clients, std::int64_t now);
+    void show_clients(std::vector<vehicle::Client_status> clients, std::int64_t now);
 
     /// The next client is the one that keys are for.
     void select_next_client();
@@ -61,8 +61,8 @@ class Machine_view {
     void begin_life();
 
  private:
-    void take_log(vehicle::Event const& event);
-    void take_application(vehicle::Act const& act);
+    void hear_log(vehicle::Event const& event);
+    void hear_application(vehicle::Act const& act);
 
     std::string trouble_;
     std::string state_word_;

@@ -61,7 +61,7 @@ void Line_exchange::send(nlohmann::json const& message) {
     }
 }
 
-void Line_exchange::take_input() {
+void Line_exchange::receive() {
     std::array<char, 4096> bytes{};
     ssize_t const count = ::read(input_, bytes.data(), bytes.size());
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
@@ -87,12 +87,12 @@ void Line_exchange::answer_waiting_lines() {
 }
 
 int Line_exchange::on_input(sd_event_source* /*source*/, int /*descriptor*/, std::uint32_t /*events*/, void* self) {
-    static_cast<Line_exchange*>(self)->take_input();
+    static_cast<Line_exchange*>(self)->receive();
     return 0;
 }
 
 int Line_exchange::on_input_always(sd_event_source* /*source*/, void* self) {
-    static_cast<Line_exchange*>(self)->take_input();
+    static_cast<Line_exchange*>(self)->receive();
     return 0;
 }
 

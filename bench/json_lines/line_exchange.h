@@ -31,7 +31,7 @@ class Line_exchange {
  private:
     void attach_input();
     void attach_output();
-    void take_input();
+    void receive();
     void answer_waiting_lines();
     static int on_input(sd_event_source* source, int descriptor, std::uint32_t events, void* self);
     static int on_input_always(sd_event_source* source, void* self);

@@ -32,7 +32,7 @@ class Pending_calls {
         auto promise = std::make_shared<ximo::com::Promise<Answer>>();
         auto future = promise->get_future();
         queue_.post([this, method, bytes, promise = std::move(promise), work = std::move(work)]() mutable {
-            take(method, bytes, promise, work);
+            begin(method, bytes, promise, work);
         });
         return future;
     }
@@ -47,8 +47,8 @@ class Pending_calls {
     using Answering = std::function<void()>;
 
     template <class Answer>
-    void take(std::string const& method, Bits const& bytes, std::shared_ptr<ximo::com::Promise<Answer>> const& promise,
-              std::function<Answer()> const& work);
+    void begin(std::string const& method, Bits const& bytes, std::shared_ptr<ximo::com::Promise<Answer>> const& promise,
+               std::function<Answer()> const& work);
     void tell(std::string const& method, Bits const& bytes);
     void answer(Call_reaction const& reaction, Answering answering);
 
@@ -59,9 +59,9 @@ class Pending_calls {
 };
 
 template <class Answer>
-void Pending_calls::take(std::string const& method, Bits const& bytes,
-                         std::shared_ptr<ximo::com::Promise<Answer>> const& promise,
-                         std::function<Answer()> const& work) {
+void Pending_calls::begin(std::string const& method, Bits const& bytes,
+                          std::shared_ptr<ximo::com::Promise<Answer>> const& promise,
+                          std::function<Answer()> const& work) {
     tell(method, bytes);
     auto const reaction = plan_.take(method);
     try {

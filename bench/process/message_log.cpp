@@ -8,7 +8,7 @@
 
 namespace bench {
 
-bool Message_log::take_in(std::chrono::milliseconds limit) {
+bool Message_log::receive(std::chrono::milliseconds limit) {
     pollfd entry{descriptor_, POLLIN, 0};
     if (::poll(&entry, 1, static_cast<int>(std::max<std::int64_t>(limit.count(), 0))) <= 0) {
         return false;
@@ -34,7 +34,7 @@ std::optional<nlohmann::json> Message_log::await(Condition const& condition, std
     for (std::size_t next = from;; ++next) {
         while (next >= messages_.size()) {
             auto const left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-            if (!take_in(left)) {
+            if (!receive(left)) {
                 return std::nullopt;
             }
         }
@@ -45,7 +45,7 @@ std::optional<nlohmann::json> Message_log::await(Condition const& condition, std
 }
 
 std::vector<nlohmann::json> const& Message_log::messages() {
-    while (take_in(std::chrono::milliseconds(0))) {
+    while (receive(std::chrono::milliseconds(0))) {
     }
     return messages_;
 }

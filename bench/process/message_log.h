@@ -30,7 +30,7 @@ class Message_log {
     std::vector<nlohmann::json> const& messages();
 
  private:
-    bool take_in(std::chrono::milliseconds limit);
+    bool receive(std::chrono::milliseconds limit);
 
     int descriptor_;
     Line_splitter lines_;

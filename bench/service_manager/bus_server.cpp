@@ -52,10 +52,10 @@ Bus_server::~Bus_server() {
 }
 
 int Bus_server::on_call(sd_bus_message* call, void* self, sd_bus_error*) {
-    return static_cast<Bus_server*>(self)->take(call);
+    return static_cast<Bus_server*>(self)->receive(call);
 }
 
-int Bus_server::take(sd_bus_message* call) {
+int Bus_server::receive(sd_bus_message* call) {
     std::string const method = text_or_empty(sd_bus_message_get_member(call));
     std::string const unit = unit_of(call);
     Reaction const reaction = manager_.plan().take(method, unit);

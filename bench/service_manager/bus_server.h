@@ -24,7 +24,7 @@ class Bus_server {
 
  private:
     static int on_call(sd_bus_message* call, void* self, sd_bus_error* error);
-    int take(sd_bus_message* call);
+    int receive(sd_bus_message* call);
     void answer(sd_bus_message* call, Reaction const& reaction);
 
     struct Bus_deleter {

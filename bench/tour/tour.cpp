@@ -42,7 +42,7 @@ class Walk {
  public:
     Walk(vehicle::Machine& machine, std::chrono::milliseconds patience) : machine_(machine), patience_(patience) {}
 
-    void take(Step const& step) {
+    void go(Step const& step) {
         begin_ = machine_.events().size();
         next_[{vehicle::Kind::watchdog, ""}] = begin_;  // beats come all the time; only fresh ones count
         if (step.begins_life) {
@@ -109,7 +109,7 @@ std::vector<Finding> walk(vehicle::Machine& machine, std::vector<Step> const& st
                           std::chrono::milliseconds pause) {
     Walk walk(machine, patience);
     for (auto const& step : steps) {
-        walk.take(step);
+        walk.go(step);
         machine.watch(pause);
     }
     return walk.findings;

@@ -59,8 +59,8 @@ Timeline Client_players::take() {
     Timeline events;
     for (auto& client : clients_) {
         if (client.record.status().is_running) {
-            take_news(client, events);
-            take_end(client, events);
+            hear_news(client, events);
+            note_end(client, events);
         }
     }
     std::stable_sort(events.begin(), events.end(),
@@ -68,19 +68,19 @@ Timeline Client_players::take() {
     return events;
 }
 
-void Client_players::take_news(Client& client, Timeline& events) const {
+void Client_players::hear_news(Client& client, Timeline& events) const {
     auto const& messages = client.player->log().messages();
     for (; client.seen < messages.size(); ++client.seen) {
-        if (auto event = client.record.take(messages[client.seen], limits_)) {
+        if (auto event = client.record.hear(messages[client.seen], limits_)) {
             events.push_back(std::move(*event));
         }
     }
 }
 
-void Client_players::take_end(Client& client, Timeline& events) const {
+void Client_players::note_end(Client& client, Timeline& events) const {
     if (client.player->process().status()) {
-        take_news(client, events);
-        events.push_back(client.record.take_end(monotonic_ns()));
+        hear_news(client, events);
+        events.push_back(client.record.note_end(monotonic_ns()));
     }
 }
 

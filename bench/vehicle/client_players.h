@@ -20,7 +20,7 @@ class Client_players {
     Client_players(std::string program, std::vector<std::string> const& names);
 
     /// How long the state manager waits for their answers, from its configuration.
-    void take_limits(nlohmann::json const& configuration) { limits_ = limits_in(configuration); }
+    void set_limits(nlohmann::json const& configuration) { limits_ = limits_in(configuration); }
 
     bool has(std::string const& name) const;
 
@@ -40,12 +40,12 @@ class Client_players {
     struct Client {
         std::unique_ptr<Player> player;
         Client_record record;
-        std::size_t seen{0};  ///< messages taken so far
+        std::size_t seen{0};  ///< messages heard so far
     };
 
     void start(Client& client) const;
-    void take_news(Client& client, Timeline& events) const;
-    void take_end(Client& client, Timeline& events) const;
+    void hear_news(Client& client, Timeline& events) const;
+    void note_end(Client& client, Timeline& events) const;
 
     std::string program_;
     std::vector<Client> clients_;

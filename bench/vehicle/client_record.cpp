@@ -14,7 +14,7 @@ bool is_diagnosis(std::string const& name) {
     return name == "diag::dcm" || name == "diag::dem";
 }
 
-void take_limit(json const& configuration, char const* place, std::int64_t& limit) {
+void read_limit(json const& configuration, char const* place, std::int64_t& limit) {
     json::json_pointer const pointer(place);
     if (configuration.is_object() && configuration.contains(pointer) && configuration.at(pointer).is_number()) {
         limit = configuration.at(pointer).get<std::int64_t>();
@@ -41,12 +41,12 @@ std::optional<Act> act_of(std::string const& name, json const& message) {
 
 Answer_limits limits_in(json const& configuration) {
     Answer_limits limits;
-    take_limit(configuration, "/ap_statemanager/ApplicationSuspendRequestTimeout", limits.application_s);
-    take_limit(configuration, "/ap_statemanager/DMSuspendRequestTimeout", limits.diagnosis_s);
+    read_limit(configuration, "/ap_statemanager/ApplicationSuspendRequestTimeout", limits.application_s);
+    read_limit(configuration, "/ap_statemanager/DMSuspendRequestTimeout", limits.diagnosis_s);
     return limits;
 }
 
-std::optional<Event> Client_record::take(json const& message, Answer_limits const& limits) {
+std::optional<Event> Client_record::hear(json const& message, Answer_limits const& limits) {
     auto act = act_of(status_.name, message);
     if (!act) {
         return std::nullopt;
@@ -66,7 +66,7 @@ std::int64_t Client_record::deadline_of(json const& request, Answer_limits const
     return request.value("number", 0U) == 0 ? 0 : request.at("t").get<std::int64_t>() + limit * k_ns_per_s;
 }
 
-Event Client_record::take_end(std::int64_t time) {
+Event Client_record::note_end(std::int64_t time) {
     status_.is_running = status_.is_connected = false;
     status_.owed.clear();
     status_.deadline = 0;

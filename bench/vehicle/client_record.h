@@ -25,11 +25,11 @@ class Client_record {
  public:
     explicit Client_record(std::string const& name) { status_.name = name; }
 
-    /// Takes a message of the player's, whose times are this machine's; nothing for what is the player's own business.
-    std::optional<Event> take(nlohmann::json const& message, Answer_limits const& limits);
+    /// A message of the player's, whose times are this machine's; nothing for what is the player's own business.
+    std::optional<Event> hear(nlohmann::json const& message, Answer_limits const& limits);
 
     /// The player has ended; a new one begins.
-    Event take_end(std::int64_t time);
+    Event note_end(std::int64_t time);
     void begin();
 
     void set_manner(std::string const& manner) { status_.manner = manner; }

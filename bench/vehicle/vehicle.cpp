@@ -49,7 +49,7 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
         power_off_ = std::make_unique<Power_off_service>();
     }
     clients_ = std::make_unique<Client_players>(program("client", "bench_client"), options_.clients);
-    clients_->take_limits(nlohmann::json::parse(options_.configuration, nullptr, false));
+    clients_->set_limits(nlohmann::json::parse(options_.configuration, nullptr, false));
     if (options_.with_network) {
         surroundings_ =
             std::make_unique<Surroundings>(options_.programs, nlohmann::json::parse(options_.configuration));
@@ -57,7 +57,7 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
 }
 
 Vehicle::~Vehicle() {
-    take_end();
+    note_end();
     if (daemon_ && !exit_status_) {
         daemon_->signal(SIGTERM);
         auto const status = daemon_->wait(k_stop);
@@ -80,7 +80,7 @@ void Vehicle::change_configuration(nlohmann::json const& changes) {
     auto configuration = nlohmann::json::parse(options_.configuration);
     configuration.merge_patch(changes);
     install_configuration(configuration.dump());
-    clients_->take_limits(configuration);
+    clients_->set_limits(configuration);
 }
 
 std::vector<std::string> Vehicle::applications() const {
@@ -120,19 +120,19 @@ std::optional<int> Vehicle::await_end(std::chrono::milliseconds limit) {
         update(k_poll);
     } while (!exit_status_ && std::chrono::steady_clock::now() < deadline);
     if (exit_status_) {
-        take_the_rest();
+        hear_the_rest();
     }
     is_end_awaited_ = daemon_->wait({}).has_value();
     return exit_status_;
 }
 
 bool Vehicle::has_ended_unawaited() {
-    take_end();
+    note_end();
     return exit_status_ && !is_end_awaited_;
 }
 
 // What the log daemon and the service manager still have to tell when the daemon itself has gone.
-void Vehicle::take_the_rest() {
+void Vehicle::hear_the_rest() {
     auto const start = std::chrono::steady_clock::now();
     auto last_news = start;
     auto seen = events().size();
@@ -152,9 +152,9 @@ void Vehicle::update(std::chrono::milliseconds limit) {
         polled.push_back({source, POLLIN, 0});
     }
     ::poll(polled.data(), polled.size(), static_cast<int>(std::min(limit, k_poll).count()));
-    take_news(*hypervisor_, hypervisor_seen_, &events_of_hypervisor);
+    hear_news(*hypervisor_, hypervisor_seen_, &events_of_hypervisor);
     if (service_manager_) {
-        take_news(*service_manager_, service_manager_seen_, &events_of_service_manager);
+        hear_news(*service_manager_, service_manager_seen_, &events_of_service_manager);
     }
     if (log_) {
         add_all(log_->take());
@@ -168,7 +168,7 @@ void Vehicle::update(std::chrono::milliseconds limit) {
     if (surroundings_) {
         add_all(surroundings_->take());
     }
-    take_end();
+    note_end();
 }
 
 std::vector<int> Vehicle::sources() const {
@@ -185,14 +185,14 @@ std::vector<int> Vehicle::sources() const {
     return descriptors;
 }
 
-void Vehicle::take_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const&)) {
+void Vehicle::hear_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const&)) {
     auto const& messages = player.log().messages();
     for (; seen < messages.size(); ++seen) {
         add_all(meaning(messages[seen]));
     }
 }
 
-void Vehicle::take_end() {
+void Vehicle::note_end() {
     if (daemon_ && !exit_status_) {
         exit_status_ = daemon_->status();
         if (exit_status_) {

@@ -77,9 +77,9 @@ class Vehicle : public Machine {
  private:
     void install_configuration(std::string const& text) const;
     std::vector<int> sources() const;
-    void take_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const& message));
-    void take_end();
-    void take_the_rest();
+    void hear_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const& message));
+    void note_end();
+    void hear_the_rest();
 
     Options options_;
     std::unique_ptr<Private_bus> bus_;

@@ -23,15 +23,15 @@ Timeline events_of(Kind kind, std::vector<std::string> words) {
 
 }  // namespace
 
-Timeline Account::take_state(std::string_view bytes) {
+Timeline Account::hear_state(std::string_view bytes) {
     return events_of(Kind::state_word, state_words_.add(bytes));
 }
 
-Timeline Account::take_restart(std::string_view bytes) {
+Timeline Account::hear_restart(std::string_view bytes) {
     return events_of(Kind::restart_word, restart_words_.add(bytes));
 }
 
-Timeline Account::take_log(std::string_view bytes) {
+Timeline Account::hear_log(std::string_view bytes) {
     auto messages = log_.add(bytes);
     for (auto& message : messages) {
         message.time = to_host_time(message.time);
@@ -39,14 +39,14 @@ Timeline Account::take_log(std::string_view bytes) {
     return messages;
 }
 
-Timeline Account::take_journal(std::string_view bytes, Players& players) {
+Timeline Account::hear_journal(std::string_view bytes, Players& players) {
     Timeline events;
     for (auto& entry : entries_.add(bytes)) {
         if (auto event = to_event(entry)) {
             event->time = to_host_time(event->time);
             events.push_back(std::move(*event));
         }
-        auto told = players.take(entry, [this](std::int64_t time) { return to_host_time(time); });
+        auto told = players.hear(entry, [this](std::int64_t time) { return to_host_time(time); });
         std::move(told.begin(), told.end(), std::back_inserter(events));
         journal_.push_back(std::move(entry));
     }

@@ -17,12 +17,12 @@ namespace bench::vm {
 /// What a machine tells while it is on: the bytes of its lines become events at the times of this machine's clock.
 class Account {
  public:
-    vehicle::Timeline take_state(std::string_view bytes);
-    vehicle::Timeline take_restart(std::string_view bytes);
-    vehicle::Timeline take_log(std::string_view bytes);
+    vehicle::Timeline hear_state(std::string_view bytes);
+    vehicle::Timeline hear_restart(std::string_view bytes);
+    vehicle::Timeline hear_log(std::string_view bytes);
 
     /// The players among the machine's units tell theirs by the journal.
-    vehicle::Timeline take_journal(std::string_view bytes, Players& players);
+    vehicle::Timeline hear_journal(std::string_view bytes, Players& players);
 
     /// The entries so far, with the machine's own times.
     std::vector<Entry> const& journal() const { return journal_; }

@@ -110,14 +110,14 @@ void Players::note(std::string const& name, json const& command) {
     }
 }
 
-Timeline Players::take(Entry const& entry, std::function<std::int64_t(std::int64_t)> const& to_host_time) {
+Timeline Players::hear(Entry const& entry, std::function<std::int64_t(std::int64_t)> const& to_host_time) {
     auto const name = neighbour_of(entry.unit);
     if (name.empty()) {
         return {};
     }
     auto* const found = client(name);
     if (found != nullptr && entry.message.find("Main process exited") != std::string::npos) {
-        return {found->take_end(to_host_time(entry.time))};
+        return {found->note_end(to_host_time(entry.time))};
     }
     if (found != nullptr && entry.job == "start done") {
         found->begin();
@@ -128,16 +128,16 @@ Timeline Players::take(Entry const& entry, std::function<std::int64_t(std::int64
         return {};
     }
     message["t"] = to_host_time(message["t"].get<std::int64_t>());
-    return take_message(name, message);
+    return hear_message(name, message);
 }
 
-Timeline Players::take_message(std::string const& name, json const& message) {
+Timeline Players::hear_message(std::string const& name, json const& message) {
     if (message.contains("answer") && message.contains("id") && message["id"].is_number_unsigned()) {
         answers_[message["id"].get<unsigned>()] = message;
         return {};
     }
     if (auto* const found = client(name)) {
-        auto event = found->take(message, limits_);
+        auto event = found->hear(message, limits_);
         return event ? Timeline{std::move(*event)} : Timeline{};
     }
     return name == "node" ? vehicle::events_of_node(message) : Timeline{};

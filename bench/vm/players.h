@@ -37,13 +37,13 @@ class Players {
     void note(std::string const& name, nlohmann::json const& command);
 
     /// What an entry of the journal means; times are put through `to_host_time`.
-    vehicle::Timeline take(Entry const& entry, std::function<std::int64_t(std::int64_t)> const& to_host_time);
+    vehicle::Timeline hear(Entry const& entry, std::function<std::int64_t(std::int64_t)> const& to_host_time);
 
     /// The machine is off; whoever was there begins anew with it.
     void begin();
 
  private:
-    vehicle::Timeline take_message(std::string const& name, nlohmann::json const& message);
+    vehicle::Timeline hear_message(std::string const& name, nlohmann::json const& message);
     vehicle::Client_record* client(std::string const& name);
 
     std::vector<std::string> applications_;

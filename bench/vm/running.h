@@ -13,15 +13,15 @@ namespace bench::vm {
 
 /// What there is only while the machine is on.
 struct Virtual_machine::Running {
-    /// `take_news` reads what has arrived.
-    Running(Machine_options const& options, std::function<void()> take_news)
+    /// `hear_news` reads what has arrived.
+    Running(Machine_options const& options, std::function<void()> hear_news)
         : emulator(command_line(options, directory.path().string(), this_host()), {}),
           control(directory.file("control")),
           log(directory.file("log")),
           state(directory.file("state")),
           restart(directory.file("restart")),
           journal(directory.file("journal")),
-          shell(directory.file("shell"), std::move(take_news)) {}
+          shell(directory.file("shell"), std::move(hear_news)) {}
 
     base::Temporary_directory directory;
     Child_process emulator;

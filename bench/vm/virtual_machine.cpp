@@ -62,7 +62,7 @@ void Virtual_machine::start_daemon() {
     }
     account_ = {};
     players_.begin();
-    running_ = std::make_unique<Running>(options_, [this] { take_news(); });
+    running_ = std::make_unique<Running>(options_, [this] { hear_news(); });
 }
 
 void Virtual_machine::press(std::string const& key) {
@@ -134,18 +134,18 @@ void Virtual_machine::update(std::chrono::milliseconds limit) {
                                    {running_->journal.descriptor(), POLLIN, 0},
                                    {running_->control.descriptor(), POLLIN, 0}}};
     ::poll(sources.data(), sources.size(), static_cast<int>(limit.count()));
-    take_news();
-    take_end();
+    hear_news();
+    note_end();
 }
 
-void Virtual_machine::take_news() {
-    add_all(account_.take_state(running_->state.take()));
-    add_all(account_.take_restart(running_->restart.take()));
-    add_all(account_.take_log(running_->log.take()));
-    add_all(account_.take_journal(running_->journal.take(), players_));
+void Virtual_machine::hear_news() {
+    add_all(account_.hear_state(running_->state.take()));
+    add_all(account_.hear_restart(running_->restart.take()));
+    add_all(account_.hear_log(running_->log.take()));
+    add_all(account_.hear_journal(running_->journal.take(), players_));
 }
 
-void Virtual_machine::take_end() {
+void Virtual_machine::note_end() {
     end_ = end_in(running_->control.take_events());
     if (end_.empty() && running_->control.is_open()) {
         return;

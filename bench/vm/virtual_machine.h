@@ -74,8 +74,8 @@ class Virtual_machine : public vehicle::Machine {
  private:
     struct Running;
 
-    void take_news();
-    void take_end();
+    void hear_news();
+    void note_end();
 
     Machine_options options_;
     Players players_;

@@ -59,7 +59,7 @@ Verdict One_life::lead(bool may_be_stopped, bool is_of_engine) {
     machine_.take_events();
     for (auto const& step : life_.steps) {
         if (!is_over_) {
-            take(step);
+            go(step);
         }
     }
     await_end();
@@ -76,7 +76,7 @@ Verdict One_life::lead(bool may_be_stopped, bool is_of_engine) {
     return verdict_;
 }
 
-void One_life::take(Step const& step) {
+void One_life::go(Step const& step) {
     from_ = machine_.events().size();
     begin_ = steady_clock::now();
     if (step.checks_health) {

@@ -47,7 +47,7 @@ class One_life {
     std::set<std::string> complaints() const;
 
  private:
-    void take(Step const& step);
+    void go(Step const& step);
     void act(Step const& step);
     void await(Step const& step, Expected const& expected);
     bool is_seen(Expected const& expected) const;

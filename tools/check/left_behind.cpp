@@ -26,7 +26,7 @@ char const* socket_to_remove = nullptr;
 volatile pid_t running_program = 0;
 
 // Only what is allowed in a signal handler. The signal itself comes again when this returns.
-void take_along(int number) {
+void remove_all(int number) {
     if (running_program > 0) {
         ::kill(-running_program, SIGKILL);
     }
@@ -38,13 +38,13 @@ void take_along(int number) {
 
 }  // namespace
 
-void take_along_at_signals(std::string const& directory_path, std::string const& path) {
+void remove_at_signals(std::string const& directory_path, std::string const& path) {
     Signals_held const held;
     directory() = directory_path;
     socket_path() = path;
     directory_to_remove = directory().c_str();
     socket_to_remove = socket_path().c_str();
-    base::handle_end_signals(take_along);
+    base::handle_end_signals(remove_all);
 }
 
 Signals_held::Signals_held() {

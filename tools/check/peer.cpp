@@ -18,13 +18,13 @@ std::optional<Type_length_values> Peer::receive(Milliseconds limit) {
             return message;
         }
         auto const left = std::chrono::ceil<Milliseconds>(deadline - Clock::now());
-        if (is_closed_ || left < Milliseconds::zero() || !take_bytes(left)) {
+        if (is_closed_ || left < Milliseconds::zero() || !receive_bytes(left)) {
             return std::nullopt;
         }
     }
 }
 
-bool Peer::take_bytes(Milliseconds limit) {
+bool Peer::receive_bytes(Milliseconds limit) {
     if (!socket_.poll(POLLIN, limit.count()).second) {
         return false;
     }

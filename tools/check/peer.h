@@ -32,7 +32,7 @@ class Peer {
     bool is_closed() const { return is_closed_; }
 
  private:
-    bool take_bytes(Milliseconds limit);
+    bool receive_bytes(Milliseconds limit);
 
     utilities::Socket socket_;
     utilities::Frame_assembler assembler_;

@@ -67,7 +67,7 @@ void add_paths(std::string const& text, std::string const& folder, Unit& unit) {
     }
 }
 
-void take(std::string const& key, std::string const& value, Unit& unit) {
+void note(std::string const& key, std::string const& value, Unit& unit) {
     if (key == "WatchdogSec") {
         unit.watchdog_seconds = seconds_of(value);
     } else if (key == "TimeoutStopSec" || key == "TimeoutSec") {
@@ -124,7 +124,7 @@ void read_unit(std::string_view text, Unit& unit) {
         if (line.front() == '[') {
             is_service = line == "[Service]";
         } else if (is_service && equals != std::string::npos) {
-            take(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)), unit);
+            note(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)), unit);
         }
     }
 }

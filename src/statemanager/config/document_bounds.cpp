@@ -26,17 +26,17 @@ std::size_t end_of_string(std::string_view text, std::size_t opening_quote) {
 /// wrongly behind its first error, and is refused in any case.
 class Count {
  public:
-    void take(char character) {
+    void count(char character) {
         if (character == ']' || character == '}') {
             --depth_;
         } else if (!is_space(character)) {
             require_depth();
-            take_beginning(character);
+            count_beginning(character);
         }
     }
 
  private:
-    void take_beginning(char character) {
+    void count_beginning(char character) {
         bool const opens = character == '[' || character == '{';
         if (opens) {
             ++depth_;
@@ -67,7 +67,7 @@ class Count {
 void require_bounds(std::string_view text) {
     Count count;
     for (std::size_t position = 0; position < text.size(); ++position) {
-        count.take(text[position]);
+        count.count(text[position]);
         if (text[position] == '"') {
             position = end_of_string(text, position);
         }

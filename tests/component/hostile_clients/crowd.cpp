@@ -41,14 +41,14 @@ unsigned Crowd::rounds() const {
 void Crowd::work(std::size_t thread) {
     while (!stopped_) {
         for (auto& client : clients_[thread]) {
-            take_turn(client);
+            act(client);
         }
         ++rounds_[thread];
         std::this_thread::sleep_for(k_breath);
     }
 }
 
-void Crowd::take_turn(Client& client) {
+void Crowd::act(Client& client) {
     auto& connection = client.connection;
     bool const was_closed = connection.is_closed();
     if (was_closed) {

@@ -32,7 +32,7 @@ class Crowd {
     };
 
     void work(std::size_t thread);
-    void take_turn(Client& client);
+    void act(Client& client);
 
     static constexpr std::size_t k_threads = 3;
 

@@ -31,7 +31,7 @@ inline std::ostream& operator<<(std::ostream& out, Asked const& asked) {
     return out << asked.name << " for " << asked.state;
 }
 
-/// Clients that a test plays on its own thread: they do nothing but in `take_turn`.
+/// Clients that a test plays on its own thread: they do nothing but in `act`.
 class Played_clients {
  public:
     /// Called when a client has been asked, before it answers.
@@ -42,7 +42,7 @@ class Played_clients {
     }
 
     /// Each client takes what has arrived for it.
-    void take_turn() {
+    void act() {
         for (auto client = clients_.begin(); client != clients_.end();) {
             auto const current = client++;
             if (current->connection.has_input() && !react(*current)) {

@@ -68,7 +68,7 @@ class Sequence_test : public testing::Test {
     /// Lets everybody work until no sequence runs.
     void finish() {
         EXPECT_TRUE(eventually([&] {
-            clients.take_turn();
+            clients.act();
             return sut.check_request_status() == 0;
         }));
     }

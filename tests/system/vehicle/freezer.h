@@ -43,7 +43,7 @@ class Freezer {
     Freezer& operator=(Freezer const&) = delete;
 
     /// Takes each process of the world but the test itself, those above it, and one that is left out.
-    void take_all_but(pid_t left_out) {
+    void enclose_all_but(pid_t left_out) {
         for (auto const& entry : std::filesystem::directory_iterator("/proc")) {
             auto const name = entry.path().filename().string();
             if (name.find_first_not_of("0123456789") == std::string::npos && std::stoi(name) > ::getpid() &&

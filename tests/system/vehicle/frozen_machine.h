@@ -35,7 +35,7 @@ class Frozen_machine : public Network_story, public testing::WithParamInterface<
  protected:
     void freeze_at(Place place) {
         if (place == GetParam().place) {
-            freezer.take_all_but(machine->hypervisor().process().pid());
+            freezer.enclose_all_but(machine->hypervisor().process().pid());
             freezer.freeze();
             std::this_thread::sleep_for(GetParam().time);
             freezer.thaw();

@@ -57,10 +57,10 @@ class Network : public testing::Test {
 };
 
 TEST_F(Network, Is_shown_with_each_bit_named) {
-    view.take({1, Kind::bus, "normal operation"});
-    view.take(event_of_octets(2, Kind::network_state, {0x00, 0x00, 0x01, 0x00}));
-    view.take(event_of_octets(3, Kind::user_data, {0xc0, 0x01, 0x00}));
-    view.take({4, Kind::log, "Ecu state based on NM activity: ready sleep", 4});
+    view.hear({1, Kind::bus, "normal operation"});
+    view.hear(event_of_octets(2, Kind::network_state, {0x00, 0x00, 0x01, 0x00}));
+    view.hear(event_of_octets(3, Kind::user_data, {0xc0, 0x01, 0x00}));
+    view.hear({4, Kind::log, "Ecu state based on NM activity: ready sleep", 4});
     EXPECT_EQ(row(12), L"Network    normal operation     others need nothing");
     EXPECT_EQ(row(13), L"State      00 00 01 00          ECU alive");
     EXPECT_EQ(row(14), L"User data  c0 01 00             car wake-up, awake, AC 1");
@@ -68,7 +68,7 @@ TEST_F(Network, Is_shown_with_each_bit_named) {
 }
 
 TEST_F(Network, Shows_what_each_application_holds) {
-    view.take(event_of(1, Kind::application, {"two words", "requests", "com_alive"}));
+    view.hear(event_of(1, Kind::application, {"two words", "requests", "com_alive"}));
     EXPECT_THAT(row(16), HasSubstr(L"1 ECU COM CWU"));
     EXPECT_THAT(row(16), HasSubstr(L"two words ECU COM CWU"));
     EXPECT_TRUE(view.holds("two words", "com_alive"));
@@ -77,14 +77,14 @@ TEST_F(Network, Shows_what_each_application_holds) {
     EXPECT_EQ(style_of(L"1 "), Style::lit) << "the chosen one";
     EXPECT_EQ(style_of(L"two"), Style::plain);
     EXPECT_EQ(style_of(L"COM"), Style::dim) << "of the first one";
-    view.take(event_of(2, Kind::application, {"1", "requests", "com_alive"}));
+    view.hear(event_of(2, Kind::application, {"1", "requests", "com_alive"}));
     EXPECT_EQ(style_of(L"COM"), Style::good);
-    view.take(event_of(3, Kind::application, {"1", "releases", "com_alive"}));
+    view.hear(event_of(3, Kind::application, {"1", "releases", "com_alive"}));
     EXPECT_EQ(style_of(L"COM"), Style::dim);
 }
 
 TEST_F(Network, Is_shown_instead_of_the_clients_on_demand_where_the_terminal_is_small) {
-    view.take_clients({{"radio"}}, 0);
+    view.show_clients({{"radio"}}, 0);
     EXPECT_THAT(row(12, 24), HasSubstr(L"Clients"));
     EXPECT_TRUE(press('d'));
     EXPECT_THAT(row(12, 24), HasSubstr(L"Network"));
@@ -116,8 +116,8 @@ TEST_F(Network, Keys_let_the_chosen_application_request) {
 }
 
 TEST_F(Network, Keys_let_the_chosen_application_release_what_it_holds) {
-    view.take(event_of(1, Kind::application, {"1", "requests", "com_alive"}));
-    view.take(event_of(1, Kind::application, {"1", "requests", "cwu"}));
+    view.hear(event_of(1, Kind::application, {"1", "requests", "com_alive"}));
+    view.hear(event_of(1, Kind::application, {"1", "requests", "cwu"}));
     press('m');
     press('k');
     EXPECT_THAT(machine.told,

@@ -48,7 +48,7 @@ TEST(Screen, Lights_the_state_whose_word_was_written_last) {
           Case{"postrun", L"Post Run"}, Case{"preparing", L"Preparing"}, Case{"prepared4sd", L"PreparedSD"},
           Case{"resuming", L"Resuming"}, Case{"shuttingdown", L"Shutting down"}}) {
         Machine_view view;
-        view.take({1, Kind::state_word, word});
+        view.hear({1, Kind::state_word, word});
         Canvas canvas(30, 100);
         draw(canvas, view, 4);
         EXPECT_THAT(lit_text(canvas), HasSubstr(name));
@@ -58,16 +58,16 @@ TEST(Screen, Lights_the_state_whose_word_was_written_last) {
 
 TEST(Screen, Shows_why_a_key_did_nothing_in_place_of_the_keys) {
     Machine_view view;
-    view.take_trouble("The machine is off");
+    view.show_trouble("The machine is off");
     EXPECT_THAT(drawn(view), AllOf(HasSubstr(L"The machine is off"), Not(HasSubstr(L"q quit"))));
-    view.take_trouble("");
+    view.show_trouble("");
     EXPECT_THAT(drawn(view), HasSubstr(L"q quit"));
 }
 
 TEST(Screen, Lights_no_state_of_a_daemon_that_has_ended) {
     Machine_view view;
-    view.take({1, Kind::state_word, "running"});
-    view.take({2, Kind::ended, "0"});
+    view.hear({1, Kind::state_word, "running"});
+    view.hear({2, Kind::ended, "0"});
     Canvas canvas(30, 100);
     draw(canvas, view, 4);
     EXPECT_EQ(lit_text(canvas), L"");
@@ -76,15 +76,15 @@ TEST(Screen, Lights_no_state_of_a_daemon_that_has_ended) {
 
 TEST(Screen, Says_which_key_starts_a_machine_that_has_ended) {
     Machine_view view;
-    view.take({1, Kind::ended, "0"});
+    view.hear({1, Kind::ended, "0"});
     EXPECT_THAT(drawn(view), AllOf(HasSubstr(L"x start it again"), Not(HasSubstr(L"p suspend"))));
     EXPECT_THAT(drawn(Machine_view()), HasSubstr(L"p suspend"));
 }
 
 TEST(Screen, Shows_the_log_up_to_its_level) {
     Machine_view view;
-    view.take({1, Kind::log, "an error", 2, "DFLT"});
-    view.take({2, Kind::log, "a detail", 6, "DFLT"});
+    view.hear({1, Kind::log, "an error", 2, "DFLT"});
+    view.hear({2, Kind::log, "a detail", 6, "DFLT"});
     EXPECT_THAT(drawn(view, 4), HasSubstr(L"an error"));
     EXPECT_THAT(drawn(view, 4), Not(HasSubstr(L"a detail")));
     EXPECT_THAT(drawn(view, 6), HasSubstr(L"a detail"));
@@ -93,7 +93,7 @@ TEST(Screen, Shows_the_log_up_to_its_level) {
 TEST(Screen, Shows_the_newest_messages_when_there_is_no_room_for_all) {
     Machine_view view;
     for (int number = 0; number < 100; ++number) {
-        view.take({number, Kind::log, "message " + std::to_string(number) + ".", 4, "DFLT"});
+        view.hear({number, Kind::log, "message " + std::to_string(number) + ".", 4, "DFLT"});
     }
     EXPECT_THAT(drawn(view), HasSubstr(L"message 99."));
     EXPECT_THAT(drawn(view), Not(HasSubstr(L"message 1.")));
@@ -119,7 +119,7 @@ vehicle::Client_status radio() {
 
 std::wstring drawn_with(vehicle::Client_status client, std::int64_t now = 0) {
     Machine_view view;
-    view.take_clients({std::move(client)}, now);
+    view.show_clients({std::move(client)}, now);
     return drawn(view);
 }
 
@@ -145,22 +145,22 @@ TEST(Screen, Shows_what_a_client_owes_and_how_long_it_has_left) {
 
 TEST(Screen, Leaves_room_for_the_log_below_four_clients_in_the_smallest_terminal) {
     Machine_view view;
-    view.take_clients({radio(), radio(), radio(), radio()}, 0);
-    view.take({1, Kind::log, "an error", 2, "DFLT"});
+    view.show_clients({radio(), radio(), radio(), radio()}, 0);
+    view.hear({1, Kind::log, "an error", 2, "DFLT"});
     EXPECT_THAT(drawn(view, 4, 20, 80), HasSubstr(L"an error"));
 }
 
 TEST(Screen, Shows_control_characters_as_question_marks) {
     Machine_view view;
-    view.take({1, Kind::log, "bell \a and \xff", 4, "DFLT"});
+    view.hear({1, Kind::log, "bell \a and \xff", 4, "DFLT"});
     EXPECT_THAT(drawn(view), HasSubstr(L"bell ? and ?"));
 }
 
 TEST(Machine_view, Keeps_what_matters_however_many_details_follow) {
     Machine_view view;
-    view.take({0, Kind::log, "an error", 2, "DFLT"});
+    view.hear({0, Kind::log, "an error", 2, "DFLT"});
     for (int number = 1; number <= 5000; ++number) {
-        view.take({number, Kind::log, "detail " + std::to_string(number), 6, "DFLT"});
+        view.hear({number, Kind::log, "detail " + std::to_string(number), 6, "DFLT"});
     }
     ASSERT_EQ(view.log().size(), Machine_view::k_log_lines + 1);
     EXPECT_EQ(view.log().front().text, "an error");

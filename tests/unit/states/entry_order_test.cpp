@@ -77,19 +77,19 @@ class Entry_order : public State_test {
 
     std::vector<std::string> journal_of(State_interface& sut) {
         sut.entering_state();
-        take_log();
+        hear_log();
         return journal_;
     }
 
     Listener note_ = [this](std::string const& what) {
-        take_log();
+        hear_log();
         journal_.push_back(what);
     };
     std::shared_ptr<Listened_status_file> status = std::make_shared<Listened_status_file>(files.file("status"), note_);
     std::shared_ptr<Listened_fast_shutdown> power_off = std::make_shared<Listened_fast_shutdown>(note_);
 
  private:
-    void take_log() {
+    void hear_log() {
         for (auto const& message : log.messages()) {
             journal_.push_back(ara::log::to_text(message.arguments));
         }

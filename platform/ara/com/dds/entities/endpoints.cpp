@@ -120,14 +120,14 @@ Entity Reader::make_own_topic(Participant& participant) {
 
 [[gnu::no_sanitize_thread]] void Reader::on_data(dds_entity_t reader, void* self) {
     try {
-        static_cast<Reader const*>(self)->take(reader);
+        static_cast<Reader const*>(self)->deliver(reader);
     } catch (std::bad_alloc const&) {
         tell_of_no_memory();
     }
 }
 
 // The handler may run before the constructor knows its reader.
-void Reader::take(dds_entity_t reader) const {
+void Reader::deliver(dds_entity_t reader) const {
     for (;;) {
         auto sample = make_sample(type_);
         void* slot = sample.get();

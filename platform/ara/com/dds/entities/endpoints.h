@@ -56,7 +56,7 @@ class Reader {
     static void on_data(dds_entity_t reader, void* self);
     static bool is_admitted(void const* sample, dds_sample_info_t const* info, void* self);
     Entity make_own_topic(Participant& participant);
-    void take(dds_entity_t reader) const;
+    void deliver(dds_entity_t reader) const;
 
     Topic_type const type_;
     Received_handler const received_;
