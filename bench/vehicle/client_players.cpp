@@ -31,24 +31,29 @@ bool Client_players::has(std::string const& name) const {
                        [&](Client const& client) { return client.record.status().name == name; });
 }
 
-json Client_players::tell(std::string const& name, json const& command) {
-    auto const client = std::find_if(clients_.begin(), clients_.end(),
-                                     [&](Client const& candidate) { return candidate.record.status().name == name; });
-    if (client == clients_.end()) {
+Client_players::Client& Client_players::client(std::string const& name) {
+    auto const found = std::find_if(clients_.begin(), clients_.end(),
+                                    [&](Client const& candidate) { return candidate.record.status().name == name; });
+    if (found == clients_.end()) {
         throw std::runtime_error("There is no client \"" + name + "\"");
     }
-    if (!client->record.status().is_running) {
-        start(*client);
+    return *found;
+}
+
+json Client_players::tell(std::string const& name, json const& command) {
+    auto& client = this->client(name);
+    if (!client.record.status().is_running) {
+        start(client);
     }
-    auto answer = client->player->command(command);
+    auto answer = client.player->command(command);
     if (!answer.value("ok", false)) {
         throw std::runtime_error(name + " refused " + command.dump() + ": " + answer.value("error", ""));
     }
     if (command.contains("as")) {
         auto const manner = command.at("as").get<std::string>();
-        client->record.set_manner(manner);
+        client.record.set_manner(manner);
         if (manner == "crashing") {
-            client->player->process().expect(k_signal_status + SIGKILL);
+            client.player->process().expect(k_signal_status + SIGKILL);
         }
     }
     return answer;

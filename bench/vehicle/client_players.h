@@ -28,6 +28,8 @@ class Client_players {
     /// started again first. Throws `std::runtime_error` for a command that is refused.
     nlohmann::json tell(std::string const& name, nlohmann::json const& command);
 
+    Child_process& process(std::string const& name) { return client(name).player->process(); }
+
     /// What has happened since the last call.
     Timeline take();
 
@@ -43,6 +45,7 @@ class Client_players {
         std::size_t seen{0};  ///< messages heard so far
     };
 
+    Client& client(std::string const& name);
     void start(Client& client) const;
     void hear_news(Client& client, Timeline& events) const;
     void note_end(Client& client, Timeline& events) const;

@@ -26,7 +26,7 @@ std::optional<Act> act_of(std::string const& name, json const& message) {
     auto const event = message.value("event", "");
     auto const state = message.value("state", "");
     if (event == "request") {
-        return Act{name, "asked", state};
+        return Act{name, "asked", state, message.value("number", 0)};
     }
     if (event == "answer") {
         return Act{name, "answered", state, message.value("status", 0)};

@@ -78,12 +78,16 @@ void Surroundings::start(std::string const& name) {
     killed.seen = 0;
 }
 
-json Surroundings::tell(std::string const& name, json const& command) {
+Player& Surroundings::running(std::string const& name) {
     auto& player = neighbour(name).player;
     if (!player) {
         throw std::runtime_error(name + " does not run");
     }
-    auto answer = player->command(command);
+    return *player;
+}
+
+json Surroundings::tell(std::string const& name, json const& command) {
+    auto answer = running(name).command(command);
     if (!answer.value("ok", false)) {
         throw std::runtime_error(name + ": " + answer.value("error", "") + ": " + command.dump());
     }

@@ -29,6 +29,9 @@ class Surroundings {
     void kill(std::string const& name);
     void start(std::string const& name);
 
+    /// Throws `std::runtime_error` for a name that nobody has, and for one that is killed.
+    Child_process& process(std::string const& name) { return running(name).process(); }
+
     std::vector<std::string> const& applications() const { return applications_; }
 
     /// What has happened since the last call.
@@ -47,6 +50,7 @@ class Surroundings {
 
     void add(std::string const& name, std::vector<std::string> const& words);
     Neighbour& neighbour(std::string const& name);
+    Player& running(std::string const& name);
 
     std::vector<std::string> applications_;
     std::vector<Neighbour> neighbours_;

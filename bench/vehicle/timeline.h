@@ -31,7 +31,7 @@ struct Act {
     std::string what{};  ///< of a client "connected", "asked", "answered", "disconnected" or "crashed"; of an
                          ///< application "requests" or "releases"
     std::string of{};    ///< the client's state; "com_alive" and the like
-    int status{0};       ///< of an answer
+    int status{0};       ///< of an answer; of "asked" the request's number
 };
 
 /// An act in one line: "radio answered kOn 0", "1 requests com_alive".

@@ -94,6 +94,22 @@ nlohmann::json Vehicle::tell(std::string const& neighbour, nlohmann::json const&
     return surroundings_ ? surroundings_->tell(neighbour, command) : Machine::tell(neighbour, command);
 }
 
+Child_process& Vehicle::process(std::string const& name) {
+    if (name == "daemon") {
+        return daemon();
+    }
+    if (name == "service manager") {
+        return service_manager().process();
+    }
+    if (name == "bus") {
+        return bus().process();
+    }
+    if (name == "log daemon") {
+        return log().daemon();
+    }
+    return clients_->has(name) ? clients_->process(name) : surroundings().process(name);
+}
+
 void Vehicle::start_daemon() {
     std::vector<std::string> environment{"WATCHDOG_USEC=2000000"};
     if (options_.with_service_manager && options_.with_notify_socket) {

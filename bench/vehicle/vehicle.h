@@ -74,6 +74,10 @@ class Vehicle : public Machine {
     Dlt_reader& log() { return *log_; }
     Child_process& daemon() { return *daemon_; }
 
+    /// A process of the machine: "daemon", "service manager", "bus", "log daemon", or one of the neighbours or clients
+    /// by its name. Throws `std::runtime_error` for a name that nobody has, and for one that does not run.
+    Child_process& process(std::string const& name);
+
  private:
     void install_configuration(std::string const& text) const;
     std::vector<int> sources() const;

@@ -1,8 +1,8 @@
 #ifndef TESTS_SYSTEM_VEHICLE_FROZEN_MACHINE_H
 #define TESTS_SYSTEM_VEHICLE_FROZEN_MACHINE_H
 
-#include "freezer.h"
 #include "network_machine.h"
+#include "support/freezer.h"
 
 #include <algorithm>
 #include <chrono>

@@ -4,9 +4,7 @@
 #include "support/eventually.h"
 #include "tool.h"
 
-#include <filesystem>
 #include <future>
-#include <iterator>
 #include <thread>
 
 namespace bench::vehicle {
@@ -18,18 +16,6 @@ class Network_manager : public Network_story {
     void build_without_manager() {
         build();
         tell_node({{"do", "withdraw"}});
-    }
-
-    /// The process of the machine's node.
-    static pid_t node() {
-        for (auto const& entry : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream file(entry.path() / "cmdline");
-            std::string const words{std::istreambuf_iterator<char>(file), {}};
-            if (words.find("bench_network_node") != std::string::npos && words.find("--offer") != std::string::npos) {
-                return std::stoi(entry.path().filename());
-            }
-        }
-        throw std::runtime_error("the machine has no node");
     }
 
     bool logs_a_failed_call() const {
@@ -110,11 +96,11 @@ TEST_P(Network_stalls, Of_a_manager_that_was_just_found_lose_nothing) {
     ASSERT_TRUE(logs("Could not find UserData service"));
     machine->signal_daemon(SIGSTOP);
     tell_node({{"do", "offer"}});
-    ::kill(node(), SIGSTOP);
+    machine->process("node").signal(SIGSTOP);
     machine->signal_daemon(SIGCONT);
     ASSERT_TRUE(logs("Found UserData service"));
     std::this_thread::sleep_for(GetParam());
-    ::kill(node(), SIGCONT);
+    machine->process("node").signal(SIGCONT);
 
     EXPECT_TRUE(sees(Kind::user_data, "80 00 00"));
     EXPECT_TRUE(sees(Kind::state_word, "running"));

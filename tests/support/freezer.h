@@ -1,5 +1,5 @@
-#ifndef TESTS_SYSTEM_VEHICLE_FREEZER_H
-#define TESTS_SYSTEM_VEHICLE_FREEZER_H
+#ifndef TESTS_SUPPORT_FREEZER_H
+#define TESTS_SUPPORT_FREEZER_H
 
 #include "base/temporary_directory.h"
 
