@@ -73,6 +73,23 @@ std::ptrdiff_t count(std::vector<Verdict> const& verdicts, Outcome outcome) {
                          [&](Verdict const& verdict) { return verdict.outcome == outcome; });
 }
 
+/// Under whose rule the longest answer came; null when there was none.
+Verdict const* slowest(std::vector<Verdict> const& verdicts) {
+    auto const found = std::max_element(verdicts.begin(), verdicts.end(), [](auto const& one, auto const& other) {
+        return one.longest_answer < other.longest_answer;
+    });
+    return found == verdicts.end() || !found->longest_answer ? nullptr : &*found;
+}
+
+void print_sum(std::vector<Verdict> const& verdicts) {
+    std::printf("%td of %zu rules hold, %td broken, %td not checked\n", count(verdicts, Outcome::holds),
+                verdicts.size(), count(verdicts, Outcome::broken), count(verdicts, Outcome::not_checked));
+    if (auto const* const slow = slowest(verdicts)) {
+        std::printf("longest answer: %lld ms (%s)\n", static_cast<long long>(slow->longest_answer->count()),
+                    slow->rule.c_str());
+    }
+}
+
 void print_json(std::vector<Verdict> const& verdicts) {
     auto rules = nlohmann::json::array();
     for (auto const& verdict : verdicts) {
@@ -81,10 +98,13 @@ void print_json(std::vector<Verdict> const& verdicts) {
                                                                         : "not checked";
         rules.push_back({{"rule", verdict.rule}, {"text", verdict.text}, {"result", result}, {"why", verdict.why}});
     }
-    nlohmann::json const result{{"rules", rules},
-                                {"passed", count(verdicts, Outcome::holds)},
-                                {"failed", count(verdicts, Outcome::broken)},
-                                {"not_checked", count(verdicts, Outcome::not_checked)}};
+    auto const* const slow = slowest(verdicts);
+    nlohmann::json const result{
+        {"rules", rules},
+        {"passed", count(verdicts, Outcome::holds)},
+        {"failed", count(verdicts, Outcome::broken)},
+        {"not_checked", count(verdicts, Outcome::not_checked)},
+        {"longest_answer_ms", slow == nullptr ? nlohmann::json() : nlohmann::json(slow->longest_answer->count())}};
     std::puts(result.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }
 
@@ -126,14 +146,12 @@ int check_client(Check_options const& options) {
             }
         }
     }
-    auto const holding = count(verdicts, Outcome::holds);
     if (options.as_json) {
         print_json(verdicts);
     } else {
-        std::printf("%td of %zu rules hold, %td broken, %td not checked\n", holding, verdicts.size(),
-                    count(verdicts, Outcome::broken), count(verdicts, Outcome::not_checked));
+        print_sum(verdicts);
     }
-    return holding == static_cast<std::ptrdiff_t>(verdicts.size()) ? k_success : k_failure;
+    return count(verdicts, Outcome::holds) == static_cast<std::ptrdiff_t>(verdicts.size()) ? k_success : k_failure;
 }
 
 std::vector<std::string> rule_names() {

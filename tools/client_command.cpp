@@ -57,7 +57,7 @@ class Session {
 
  private:
     struct Owed {
-        Clock::time_point due;
+        Clock::time_point asked;
         Answer answer;
     };
 
@@ -68,8 +68,7 @@ class Session {
             if (options_.is_silent) {
                 answer.withhold();
             } else {
-                owed_.push_back(
-                    {Clock::now() + std::chrono::milliseconds(options_.answer_after_ms), std::move(answer)});
+                owed_.push_back({Clock::now(), std::move(answer)});
             }
         };
     }
@@ -92,15 +91,20 @@ class Session {
         if (owed_.empty()) {
             return -1;
         }
-        auto const left = std::chrono::ceil<std::chrono::milliseconds>(owed_.front().due - Clock::now());
+        auto const left = std::chrono::ceil<std::chrono::milliseconds>(due(owed_.front()) - Clock::now());
         return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
     }
 
+    Clock::time_point due(Owed const& owed) const {
+        return owed.asked + std::chrono::milliseconds(options_.answer_after_ms);
+    }
+
     void answer_what_is_due() {
-        while (!owed_.empty() && owed_.front().due <= Clock::now()) {
+        while (!owed_.empty() && due(owed_.front()) <= Clock::now()) {
             auto& answer = owed_.front().answer;
             bool const sent = answer.send(static_cast<Status>(options_.status));
-            report_.answered(answer.number(), client_.state(), options_.status, sent);
+            auto const after = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - owed_.front().asked);
+            report_.answered(answer.number(), client_.state(), options_.status, after, sent);
             owed_.pop_front();
         }
     }

@@ -53,12 +53,18 @@ void Client_report::requested(std::uint32_t number, std::string const& state) co
     }
 }
 
-void Client_report::answered(std::uint32_t number, std::string const& state, std::uint32_t status, bool sent) const {
+void Client_report::answered(std::uint32_t number, std::string const& state, std::uint32_t status,
+                             std::chrono::milliseconds after, bool sent) const {
     if (as_json_) {
-        print(json{{"event", "answer"}, {"number", number}, {"state", state}, {"status", status}, {"sent", sent}});
+        print(json{{"event", "answer"},
+                   {"number", number},
+                   {"state", state},
+                   {"status", status},
+                   {"after_ms", after.count()},
+                   {"sent", sent}});
     } else {
-        print("answer " + std::to_string(number) + ": " + describe(status) + ", state " + shown(state) +
-              (sent ? "" : " (not sent: nobody waits for it any more)"));
+        print("answer " + std::to_string(number) + ": " + describe(status) + ", state " + shown(state) + ", after " +
+              std::to_string(after.count()) + " ms" + (sent ? "" : " (not sent: nobody waits for it any more)"));
     }
 }
 

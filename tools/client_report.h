@@ -3,6 +3,7 @@
 
 #include "component_client/answer.h"
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -17,8 +18,9 @@ class Client_report {
     void disconnected() const;
     void requested(std::uint32_t number, std::string const& state) const;
 
-    /// `sent` is false when nobody waited for the answer any more.
-    void answered(std::uint32_t number, std::string const& state, std::uint32_t status, bool sent) const;
+    /// `after` is the time since the request; `sent` is false when nobody waited for the answer any more.
+    void answered(std::uint32_t number, std::string const& state, std::uint32_t status, std::chrono::milliseconds after,
+                  bool sent) const;
     void trouble(std::string const& text) const;
 
  private:

@@ -4,9 +4,9 @@
 #include "tools/commands.h"
 #include "tools/page/words.h"
 #include "tools/page_commands.h"
+#include "tools/table.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <fstream>
@@ -21,30 +21,35 @@ using nlohmann::json;
 using status::Client;
 using status::Name;
 
+std::string digest_text(Number digest) {
+    std::array<char, 17> text{};
+    std::snprintf(text.data(), text.size(), "%016llx", static_cast<unsigned long long>(digest));
+    return text.data();
+}
+
 double seconds(Number nanoseconds) {
     return static_cast<double>(nanoseconds) / 1e9;
 }
 
-std::string counts_text(Name<Number> const* name) {
+std::vector<std::string> counts_of(Name<Number> const* name) {
     if (name == nullptr) {
-        return "";
+        return {};
     }
-    std::array<char, 96> text{};
-    auto const number = [](Number value) { return static_cast<unsigned long long>(value); };
-    std::snprintf(text.data(), text.size(), "%5llu %7llu %6llu %4llu %9llu %8llu  %-8s %s", number(name->asked),
-                  number(name->in_time), number(name->failed), number(name->late), number(name->timed_out),
-                  number(name->vanished), span_text(name->longest).c_str(), span_text(mean_of(*name)).c_str());
-    return text.data();
+    std::vector<std::string> cells;
+    for (auto const count : {name->asked, name->in_time, name->failed, name->late, name->timed_out, name->vanished}) {
+        cells.push_back(std::to_string(count));
+    }
+    bool const has_answered = name->in_time + name->failed + name->late != 0;
+    cells.push_back(has_answered ? span_text(name->longest) : "-");
+    cells.push_back(name->in_time + name->failed != 0 ? span_text(mean_of(*name)) : "-");
+    return cells;
 }
 
-std::string row(std::string const& name, std::string const& pid, std::string const& user, std::string const& state,
-                std::string const& since, std::string const& answer, std::string const& counts) {
-    std::array<char, 320> text{};
-    std::snprintf(text.data(), text.size(), "%-20s %7s %-14s %-9s %-12s %-10s %s", name.c_str(), pid.c_str(),
-                  user.c_str(), state.c_str(), since.c_str(), answer.c_str(), counts.c_str());
-    std::string line(text.data());
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line + '\n';
+void add_row(Table& table, std::vector<std::string> cells, Name<Number> const* name, Mark mark = Mark::plain) {
+    for (auto& cell : counts_of(name)) {
+        cells.push_back(std::move(cell));
+    }
+    table.add(std::move(cells), mark);
 }
 
 /// Which user each name belongs to, as a file tells: "NAME USER" a line.
@@ -74,20 +79,28 @@ std::string user_text(Owners const& owners, Client<Number> const& client) {
     return user_word(client.uid) + (unit.empty() ? "" : " " + unit) + (owner.empty() ? "" : " (not " + owner + "!)");
 }
 
+bool is_bad(Client<Number> const& client) {
+    return client.answer == static_cast<Number>(status::Answer::failed) ||
+           client.answer == static_cast<Number>(status::Answer::timed_out) ||
+           client.answer == static_cast<Number>(status::Answer::late);
+}
+
 std::string clients_text(Snapshot const& page, Owners const& owners) {
-    auto text = row("NAME", "PROCESS", "USER", "STATE", "SINCE", "ANSWER",
-                    "ASKED IN TIME FAILED LATE TIMED OUT VANISHED  LONGEST  MEAN");
+    Table table({"NAME", "PROCESS", "USER", "STATE", "SINCE", "ANSWER", "ASKED", "IN TIME", "FAILED", "LATE",
+                 "TIMED OUT", "VANISHED", "LONGEST", "MEAN"});
     for (auto const& client : page.clients) {
-        auto const name = text_of(client.name);
-        text +=
-            row(quoted(name), std::to_string(client.pid), user_text(owners, client), shown(text_of(client.state)),
-                span_text(client.since, page.now), answer_word(client.answer), counts_text(record_of(page, client)));
+        auto const mark = is_bad(client) || !missing_owner(owners, client).empty() ? Mark::red : Mark::plain;
+        add_row(table,
+                {quoted(text_of(client.name)), std::to_string(client.pid), user_text(owners, client),
+                 shown(text_of(client.state)), span_text(client.since, page.now), answer_word(client.answer)},
+                record_of(page, client), mark);
     }
     for (auto const& name : page.names) {
         if (name.connections == 0) {
-            text += row(quoted(text_of(name.name)), "-", "-", "-", "gone", "-", counts_text(&name));
+            add_row(table, {quoted(text_of(name.name)), "-", "-", "-", "gone", "-"}, &name);
         }
     }
+    auto text = table.text();
     if (page.server.clients_untold + page.server.names_untold != 0) {
         text += std::to_string(page.server.clients_untold) + " clients and " +
                 std::to_string(page.server.names_untold) + " names had no room on the page\n";
@@ -100,6 +113,7 @@ json client_json(Snapshot const& page, Client<Number> const& client, Owners cons
     auto const owner = missing_owner(owners, client);
     return {
         {"name", text_of(client.name)},
+        {"digest", digest_text(client.name_digest)},
         {"pid", client.pid},
         {"uid", client.uid},
         {"user", user_word(client.uid)},
@@ -113,9 +127,16 @@ json client_json(Snapshot const& page, Client<Number> const& client, Owners cons
 }
 
 json name_json(Name<Number> const& name) {
-    return {{"name", text_of(name.name)},      {"connections", name.connections}, {"asked", name.asked},
-            {"in_time", name.in_time},         {"failed", name.failed},           {"late", name.late},
-            {"timed_out", name.timed_out},     {"vanished", name.vanished},       {"longest_s", seconds(name.longest)},
+    return {{"name", text_of(name.name)},
+            {"digest", digest_text(name.digest)},
+            {"connections", name.connections},
+            {"asked", name.asked},
+            {"in_time", name.in_time},
+            {"failed", name.failed},
+            {"late", name.late},
+            {"timed_out", name.timed_out},
+            {"vanished", name.vanished},
+            {"longest_s", seconds(name.longest)},
             {"mean_s", seconds(mean_of(name))}};
 }
 

@@ -5,6 +5,9 @@
 #include "tools/commands.h"
 #include "tools/dlt/reader.h"
 #include "tools/json_text.h"
+#include "tools/signals.h"
+#include "tools/table.h"
+#include "tools/trace/follower.h"
 #include "tools/trace/narrator.h"
 #include "tools/trace/reports.h"
 
@@ -20,6 +23,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace statectl {
@@ -30,19 +34,35 @@ struct Explain_options {
     std::string trace;
     std::string page;
     bool as_json = false;
+    bool follows = false;
 };
 
-trace::Story read_story(int descriptor, std::string const& name) {
+/// Waits for bytes, or for the user's wish to end; false for that one.
+bool awaits_bytes(int descriptor, End_signals const& end) {
+    std::array<pollfd, 2> sources{{{descriptor, POLLIN, 0}, {end.descriptor(), POLLIN, 0}}};
+    while (::poll(sources.data(), sources.size(), -1) < 0 && errno == EINTR) {
+    }
+    return sources[1].revents == 0;
+}
+
+/// Who ends a trace that goes on, has its report all the same.
+trace::Story read_story(int descriptor, std::string const& name, bool follows) {
     constexpr std::size_t k_chunk = 65536;
     dlt::Reader reader;
     trace::Narrator narrator;
+    trace::Follower follower;
+    End_signals const end;
     std::array<char, k_chunk> chunk{};
     auto const hand_over = [&] {
         while (auto message = reader.next()) {
+            if (follows) {
+                std::fputs(follower.hear(*message).c_str(), stdout);
+            }
             narrator.hear(std::move(*message));
         }
     };
-    for (;;) {
+    while (awaits_bytes(descriptor, end)) {
+        std::fflush(stdout);
         auto const count = ::read(descriptor, chunk.data(), chunk.size());
         if (count < 0 && errno != EINTR) {
             throw std::system_error(errno, std::generic_category(), name + " can't be read");
@@ -60,15 +80,15 @@ trace::Story read_story(int descriptor, std::string const& name) {
     return narrator.end(reader);
 }
 
-trace::Story story_of(std::string const& name) {
+trace::Story story_of(std::string const& name, bool follows) {
     if (name == "-") {
-        return read_story(STDIN_FILENO, "standard input");
+        return read_story(STDIN_FILENO, "standard input", follows);
     }
     base::Descriptor const file(::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
     if (!file.is_open()) {
         throw std::system_error(errno, std::generic_category(), name + " can't be opened");
     }
-    return read_story(file.number(), name);
+    return read_story(file.number(), name, follows);
 }
 
 void write_page(trace::Story const& story, Explain_options const& options) {
@@ -82,7 +102,7 @@ void write_page(trace::Story const& story, Explain_options const& options) {
 }
 
 int explain(Explain_options const& options) {
-    auto const story = story_of(options.trace);
+    auto const story = story_of(options.trace, options.follows);
     if (story.messages == 0) {
         throw std::runtime_error(options.trace + " holds no DLT message (" + std::to_string(story.skipped_bytes) +
                                  " bytes)");
@@ -97,7 +117,7 @@ int explain(Explain_options const& options) {
     if (options.as_json) {
         std::puts(json_text(json_report(story), 2).c_str());
     } else if (options.page.empty()) {
-        std::fputs(text_report(story, ::isatty(STDOUT_FILENO) != 0).c_str(), stdout);
+        std::fputs(text_report(story, has_colours()).c_str(), stdout);
     }
     return k_success;
 }
@@ -108,8 +128,9 @@ void add_explain_command(CLI::App& program, Action& chosen) {
     auto const options = std::make_shared<Explain_options>();
     auto* const command = program.add_subcommand("explain", "Tell the power life of a machine from its DLT trace");
     command->add_option("TRACE", options->trace, "DLT file; - for standard input")->required();
-    command->add_flag("--json", options->as_json, "Print one JSON object");
+    auto* const json = command->add_flag("--json", options->as_json, "Print one JSON object");
     command->add_option("--html", options->page, "Write a page for a browser into a file");
+    command->add_flag("--follow", options->follows, "Tell each state as it comes, before the whole")->excludes(json);
     command->callback([options, &chosen] { chosen = [options] { return explain(*options); }; });
 }
 

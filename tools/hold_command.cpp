@@ -7,7 +7,11 @@
 #include "tarq/com/runtime/component_singleton.h"
 #include "tools/cab_options.h"
 #include "tools/commands.h"
+#include "tools/service_call.h"
 #include "ximo/ap/statemanager/keep_awake.h"
+#include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
+#include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
+#include "ximo/ap/statemanager/state_management_cwu_interface_proxy.h"
 
 #include <CLI/CLI.hpp>
 #include <array>
@@ -38,6 +42,7 @@ using ximo::ap::statemanager::Car_wake_up;
 using ximo::ap::statemanager::Com_alive;
 using ximo::ap::statemanager::Ecu_alive;
 using ximo::ap::statemanager::Keep_awake;
+namespace proxy = ximo::ap::statemanager::proxy;
 
 struct Hold_options : Cab_options {
     std::string instance;
@@ -46,7 +51,11 @@ struct Hold_options : Cab_options {
     std::int64_t limit_s = 0;
 };
 
-using Holding = std::function<std::unique_ptr<Keep_awake>(Hold_options const&)>;
+/// How something is held, and why it can't be when nobody offers it.
+struct Holding {
+    std::function<std::unique_ptr<Keep_awake>(Hold_options const&)> keep;
+    std::string (*not_offered)(std::string const& instance);
+};
 
 constexpr char const* k_held = "held";
 constexpr char const* k_watching = "watching";
@@ -101,9 +110,9 @@ void guard(Hold_options const& options, Holding const& holding, Channel const& c
     ::setsid();
     try {
         tarq::com::runtime::Component_singleton const communication(false, "");
-        auto const hold = holding(options);
+        auto const hold = holding.keep(options);
         if (!hold->await(std::chrono::milliseconds(options.wait_ms))) {
-            channel.send("\"" + options.instance + "\" is not offered");
+            channel.send(holding.not_offered(options.instance));
             return;
         }
         channel.send(k_held);
@@ -219,15 +228,18 @@ void add_hold_command(CLI::App& program, Action& chosen) {
     auto* const command = program.add_subcommand("hold", "Keep the machine awake while a command runs");
     command->require_subcommand(1);
     add_hold(*command, "ecu-alive", "Keep the ECU alive", options, chosen,
-             [](auto const& told) { return keep(told, Ecu_alive()); });
-    auto* const com_alive =
-        add_hold(*command, "com-alive", "Keep communication alive", options, chosen, [](auto const& told) {
-            return keep(told, Com_alive{cab_bits(told), told.ac_number});
-        });
+             {[](auto const& told) { return keep(told, Ecu_alive()); },
+              not_offered<proxy::StateManagementAliveInterfaceProxy>});
+    auto* const com_alive = add_hold(*command, "com-alive", "Keep communication alive", options, chosen,
+                                     {[](auto const& told) {
+                                          return keep(told, Com_alive{cab_bits(told), told.ac_number});
+                                      },
+                                      not_offered<proxy::StateManagementComAliveInterfaceProxy>});
     add_cab_options(*com_alive, *options);
     add_ac_option(*com_alive, *options);
     auto* const cwu = add_hold(*command, "cwu", "Keep the car-wake-up request raised", options, chosen,
-                               [](auto const& told) { return keep(told, Car_wake_up{told.ac_number}); });
+                               {[](auto const& told) { return keep(told, Car_wake_up{told.ac_number}); },
+                                not_offered<proxy::StateManagementCWUInterfaceProxy>});
     add_ac_option(*cwu, *options);
 }
 

@@ -2,9 +2,7 @@
 #include "tools/commands.h"
 #include "tools/page/words.h"
 #include "tools/page_commands.h"
-
-#include <array>
-#include <cstdio>
+#include "tools/table.h"
 
 namespace statectl {
 
@@ -32,31 +30,25 @@ std::string bits_text(Instance const& instance, std::size_t hold) {
     return text;
 }
 
-std::string row(std::string const& instance, std::string const& hold, std::string const& since,
-                std::string const& requests, std::string const& releases, std::string const& bits) {
-    std::array<char, 256> text{};
-    std::snprintf(text.data(), text.size(), "%-20s %-12s %-12s %8s %8s  %s", instance.c_str(), hold.c_str(),
-                  since.c_str(), requests.c_str(), releases.c_str(), bits.c_str());
-    std::string line(text.data());
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line + '\n';
-}
-
 std::string holds_text(Snapshot const& page) {
-    auto text = row("INSTANCE", "HOLDS", "SINCE", "REQUESTS", "RELEASES", "BITS");
+    Table table({"INSTANCE", "HOLDS", "SINCE", "REQUESTS", "RELEASES", "BITS"});
     if (page.driver.default_held != 0) {
-        text += row("the states", "network", span_text(page.driver.default_held, page.now), "", "", "default pattern");
+        table.add({"the states", "network", span_text(page.driver.default_held, page.now), "", "", "default pattern"},
+                  Mark::bold);
     }
     for (auto const& instance : page.instances) {
         for (std::size_t hold = 0; hold < instance.since.size(); ++hold) {
             if (instance.provided[hold] != 0) {
-                text += row(quoted(text_of(instance.name)), hold_word(hold),
-                            instance.since[hold] == 0 ? "-" : span_text(instance.since[hold], page.now),
-                            std::to_string(instance.requests[hold]), std::to_string(instance.releases[hold]),
-                            bits_text(instance, hold));
+                bool const is_held = instance.since[hold] != 0;
+                table.add(
+                    {quoted(text_of(instance.name)), hold_word(hold),
+                     is_held ? span_text(instance.since[hold], page.now) : "-", std::to_string(instance.requests[hold]),
+                     std::to_string(instance.releases[hold]), bits_text(instance, hold)},
+                    is_held ? Mark::bold : Mark::plain);
             }
         }
     }
+    auto text = table.text();
     if (page.services.instances_untold != 0) {
         text += std::to_string(page.services.instances_untold) + " instances had no room on the page\n";
     }

@@ -1,6 +1,7 @@
 #include "tools/service_call.h"
 
 #include "tools/json_text.h"
+#include "tools/page/words.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -14,6 +15,15 @@ void add_call_options(CLI::App& command, Call_options& options) {
         ->check(CLI::Range(std::int64_t{0}, k_longest_ms))
         ->capture_default_str();
     command.add_flag("--json", options.as_json, "Tell the result as a JSON object");
+}
+
+std::string not_offered_text(std::string const& instance, std::vector<std::string> const& offered) {
+    std::vector<std::string> names;
+    for (auto const& name : offered) {
+        names.push_back(quoted(name));
+    }
+    return quoted(instance) + " is not offered; " +
+           (names.empty() ? "nor is any other instance of this service" : "offered: " + joined(names));
 }
 
 int report_success(Call_options const& options, std::string const& done, std::chrono::microseconds duration) {

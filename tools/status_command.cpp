@@ -4,6 +4,7 @@
 #include "tools/page/reasons.h"
 #include "tools/page/words.h"
 #include "tools/page_commands.h"
+#include "tools/table.h"
 #include "tools/time_text.h"
 
 #include <chrono>
@@ -16,9 +17,9 @@ using nlohmann::json;
 
 constexpr std::size_t k_label = 13;
 
-std::string row(std::string label, std::string const& text) {
+std::string row(std::string label, std::string const& text, Mark mark = Mark::plain) {
     label.resize(k_label, ' ');
-    return label + text + '\n';
+    return marked(label + text, mark) + '\n';
 }
 
 // Real time, as long as the machine has not been suspended since; of another boot, not since the daemon's start.
@@ -135,8 +136,10 @@ std::string word_text(Snapshot const& page) {
 
 std::string status_text(Snapshot const& page) {
     auto const& driver = page.driver;
-    auto text = row("State", state_word(driver.state) + " since " + span_text(driver.since, page.now) + " (" +
-                                 clock_text(page, driver.since) + ")");
+    auto text = row("State",
+                    state_word(driver.state) + " since " + span_text(driver.since, page.now) + " (" +
+                        clock_text(page, driver.since) + ")",
+                    Mark::bold);
     text += row("Because", cause_of(page));
     for (auto const& reason : reasons_of(page)) {
         text += row("Waits", reason.text);
@@ -157,7 +160,7 @@ std::string status_text(Snapshot const& page) {
     }
     text += row("Daemon", daemon_text(page));
     for (auto const& trouble : troubles_of(page)) {
-        text += row("Trouble", trouble.text);
+        text += row("Trouble", trouble.text, Mark::red);
     }
     return text;
 }
@@ -274,12 +277,13 @@ json status_json(Snapshot const& page) {
 
 std::string why_text(Snapshot const& page) {
     auto const reasons = reasons_of(page);
-    auto text = state_word(page.driver.state) + " since " + span_text(page.driver.since, page.now) + ": ";
+    auto text =
+        marked(state_word(page.driver.state), Mark::bold) + " since " + span_text(page.driver.since, page.now) + ": ";
     for (std::size_t i = 0; i < reasons.size(); ++i) {
         text += (i == 0 ? "" : "  ") + reasons[i].text + '\n';
     }
     for (auto const& trouble : troubles_of(page)) {
-        text += "  " + trouble.text + '\n';
+        text += "  " + marked(trouble.text, Mark::red) + '\n';
     }
     return text;
 }

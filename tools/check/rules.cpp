@@ -14,7 +14,7 @@ std::vector<Rule> const& rules() {
 }
 
 Verdict judge(Rule const& rule, Start const& start, Limits const& limits) {
-    Verdict verdict{rule.name, rule.text, Outcome::holds, ""};
+    Verdict verdict{rule.name, rule.text, Outcome::holds, "", {}};
     Scene scene(start, limits);
     try {
         rule.check(scene);
@@ -31,6 +31,7 @@ Verdict judge(Rule const& rule, Start const& start, Limits const& limits) {
         verdict.outcome = Outcome::broken;
         verdict.why = std::string("what it sends is no message: ") + error.what();
     }
+    verdict.longest_answer = scene.longest_answer();
     return verdict;
 }
 

@@ -80,7 +80,8 @@ Type_length_values Scene::ask(Peer& peer, std::uint32_t number, std::string cons
 
 Type_length_values Scene::await_answer(Peer& peer, std::uint32_t number) {
     std::string others;
-    auto const deadline = std::chrono::steady_clock::now() + limits_.patience;
+    auto const asked = std::chrono::steady_clock::now();
+    auto const deadline = asked + limits_.patience;
     for (;;) {
         auto const left = std::chrono::ceil<Milliseconds>(deadline - std::chrono::steady_clock::now());
         auto message = left.count() > 0 ? peer.receive(left) : std::nullopt;
@@ -89,6 +90,9 @@ Type_length_values Scene::await_answer(Peer& peer, std::uint32_t number) {
         }
         if (!message->empty() && message->front().get_size() >= 4 && message->front().get_uint32() == number) {
             has_answered_ = true;
+            longest_answer_ =
+                std::max(longest_answer_,
+                         std::optional(std::chrono::floor<Milliseconds>(std::chrono::steady_clock::now() - asked)));
             return std::move(*message);
         }
         others += (others.empty() ? "" : ", ") + describe(*message);

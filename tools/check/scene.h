@@ -50,6 +50,9 @@ class Scene {
 
     Type_length_values await_answer(Peer& peer, std::uint32_t number);
 
+    /// The longest time from the last request to the answer that was awaited.
+    std::optional<Milliseconds> longest_answer() const { return longest_answer_; }
+
     Milliseconds patience() const { return limits_.patience; }
     Milliseconds quiet() const { return limits_.quiet; }
     Program& program() { return *program_; }
@@ -62,6 +65,7 @@ class Scene {
     std::optional<utilities::Socket> listener_;
     std::optional<Program> program_;
     bool has_answered_ = false;
+    std::optional<Milliseconds> longest_answer_;
 };
 
 /// "within 5 s" and the like.

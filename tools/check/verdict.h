@@ -1,6 +1,8 @@
 #ifndef TOOLS_CHECK_VERDICT_H
 #define TOOLS_CHECK_VERDICT_H
 
+#include <chrono>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -24,7 +26,8 @@ struct Verdict {
     std::string rule;
     std::string text;  ///< the rule in words
     Outcome outcome;
-    std::string why;  ///< empty when it holds
+    std::string why;                                          ///< empty when it holds
+    std::optional<std::chrono::milliseconds> longest_answer;  ///< of those that were awaited and came
 };
 
 }  // namespace statectl::check

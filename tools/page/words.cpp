@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <fstream>
 #include <map>
-#include <string_view>
 
 #include <pwd.h>
 
@@ -47,13 +46,14 @@ constexpr std::array<std::string_view, 23> k_events{
     "keys-cleared",
 };
 
-constexpr std::uint32_t k_no_character = 0xffffffff;
+// Control characters, and those that turn the order of what stands around them.
+bool is_obeyed(std::uint32_t character) {
+    return character < ' ' || (character >= 0x7f && character <= 0x9f) ||
+           (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069) ||
+           character == k_no_character;
+}
 
-/// A character of UTF-8, or a byte that is of none.
-struct Character {
-    std::size_t bytes;
-    std::uint32_t number;
-};
+}  // namespace
 
 Character character_at(std::string_view text) {
     constexpr std::array<std::uint32_t, 5> k_smallest{0, 0, 0x80, 0x800, 0x10000};
@@ -77,15 +77,6 @@ Character character_at(std::string_view text) {
     }
     return number < k_smallest[bytes] || number > 0x10ffff ? Character{1, k_no_character} : Character{bytes, number};
 }
-
-// Control characters, and those that turn the order of what stands around them.
-bool is_obeyed(std::uint32_t character) {
-    return character < ' ' || (character >= 0x7f && character <= 0x9f) ||
-           (character >= 0x202a && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069) ||
-           character == k_no_character;
-}
-
-}  // namespace
 
 std::string state_word(Number state) {
     constexpr std::array<std::string_view, 8> k_words{"Starting up",   "Running",   "NM Controlled", "Post Run",

@@ -3,7 +3,9 @@
 
 #include "tools/page/page_view.h"
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace statectl {
@@ -38,6 +40,14 @@ std::string cause_text(Number state, Number row);
 std::string span_text(Number nanoseconds);
 /// From one time to a later one.
 std::string span_text(Number from, Number to);
+
+/// The first character of a text, by its number and bytes; a byte that is of none is one by itself, without a number.
+struct Character {
+    std::size_t bytes;
+    std::uint32_t number;
+};
+constexpr std::uint32_t k_no_character = 0xffffffff;
+Character character_at(std::string_view text);
 
 /// What somebody else has written, without what a terminal would obey or what is no UTF-8; and the same in quotes.
 std::string shown(std::string const& text);

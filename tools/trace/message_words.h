@@ -8,6 +8,9 @@
 
 namespace statectl::trace {
 
+/// Whether it is a log message of the state manager.
+bool is_of_state_manager(dlt::Message const& message);
+
 /// The argument at that place of a message; empty where it has none.
 std::string const& argument(dlt::Message const& message, std::size_t index);
 

@@ -15,8 +15,6 @@ namespace {
 
 using dlt::Message;
 
-constexpr char const* k_application = "STMG";
-
 bool tells_nothing(Message const& message) {
     constexpr int k_info = 4;
     return message.level > k_info && !says(message, "State_manager::ecu_alive_release: ");
@@ -27,7 +25,7 @@ bool tells_nothing(Message const& message) {
 // Of what each cycle logs the newest message tells that the process still lived; a day has two million of them.
 void Narrator::hear(Message message) {
     ++count_;
-    if (message.application != k_application || message.level == 0) {
+    if (!is_of_state_manager(message)) {
         return;
     }
     if (tells_nothing(message)) {

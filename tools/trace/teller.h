@@ -35,6 +35,10 @@ class Teller {
     /// The lives, once the last message was heard.
     std::vector<Life> end();
 
+    /// Until then: those that have ended, and the one that is being told, if there is one.
+    std::vector<Life> const& ended() const { return lives_; }
+    Life const* current() const { return telling_ ? &telling_->life : nullptr; }
+
  private:
     bool begins_life(dlt::Message const& message, double time) const;
     void begin_life(dlt::Message const& message);

@@ -33,6 +33,7 @@ TEST(Check_client, Finds_nothing_but_failures_in_a_client_that_answers_late_and_
         run_statectl(check({STATECTL, "client", "--name", "late", "--answer-after", "50", "--status", "1"}));
     EXPECT_EQ(result.status, 1) << result.output;
     EXPECT_THAT(rules_with(json::parse(result.output), "fail"), testing::ElementsAre("prepares", "resumes"));
+    EXPECT_GE(json::parse(result.output).at("longest_answer_ms"), 50);
 }
 
 TEST(Check_client, Tells_why_a_rule_is_broken) {
@@ -41,13 +42,14 @@ TEST(Check_client, Tells_why_a_rule_is_broken) {
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.output, AllOf(HasSubstr("pass  hello"), HasSubstr("FAIL  number"),
                                      HasSubstr("no answer to request 70000 came within 0.3 s; what came: 4464 kOn 0"),
-                                     HasSubstr("1 of 2 rules hold, 1 broken, 0 not checked")));
+                                     HasSubstr("1 of 2 rules hold, 1 broken, 0 not checked\nlongest answer: ")));
 }
 
 TEST(Check_client, Tells_how_a_program_has_ended) {
     auto const result = run_statectl({"check-client", "--rule", "connects", "--patience", "300", "--", "false"});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.output, HasSubstr("the program has ended with status 1"));
+    EXPECT_EQ(result.output.find("longest answer"), std::string::npos) << "there was none";
 }
 
 TEST(Check_client, Finds_a_client_that_knows_only_the_place_on_a_machine) {

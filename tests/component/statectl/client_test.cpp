@@ -4,6 +4,7 @@
 
 #include <future>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,6 +19,11 @@ using test_support::Hello;
 using test_support::Reply;
 using testing::ElementsAre;
 using testing::HasSubstr;
+
+// Times are told, and another one in each run.
+std::string without_times(std::string const& output) {
+    return std::regex_replace(output, std::regex("after [0-9]+ ms"), "after N ms");
+}
 
 /// ap_statectl client, which ends by itself after the requests that it was told.
 class Client : public testing::Test {
@@ -47,12 +53,12 @@ TEST_F(Client, Takes_part_and_tells_each_request) {
     EXPECT_EQ(peer->reply(), (Reply{2, "kOn", 0}));
     auto const ended = result.get();
     EXPECT_EQ(ended.status, 0);
-    EXPECT_EQ(ended.output,
+    EXPECT_EQ(without_times(ended.output),
               "connected as me, state kOn\n"
               "request 1: kPrepSD\n"
-              "answer 1: succeeded, state kPrepSD\n"
+              "answer 1: succeeded, state kPrepSD, after N ms\n"
               "request 2: kOn\n"
-              "answer 2: succeeded, state kOn\n");
+              "answer 2: succeeded, state kOn, after N ms\n");
     EXPECT_EQ(ended.errors, "");
 }
 
@@ -65,6 +71,7 @@ TEST_F(Client, Tells_the_same_in_JSON) {
     for (std::string line; std::getline(output, line);) {
         events.push_back(json::parse(line));
     }
+    EXPECT_EQ(events.back().erase("after_ms"), 1U);
     EXPECT_THAT(
         events,
         ElementsAre(json{{"event", "connected"}, {"name", "me"}, {"state", "kOn"}},
@@ -87,11 +94,13 @@ TEST_F(Client, Answers_with_the_status_that_it_is_told_and_stays_in_its_state) {
 }
 
 TEST_F(Client, Answers_after_the_time_that_it_is_told) {
-    start({"--requests", "1", "--answer-after", "200"});
+    start({"--requests", "1", "--answer-after", "200", "--json"});
     auto const asked = std::chrono::steady_clock::now();
     peer->request(1, "kPrepSD");
     peer->reply();
     EXPECT_GE(std::chrono::steady_clock::now() - asked, std::chrono::milliseconds(200));
+    auto const output = result.get().output;
+    EXPECT_GE(json::parse(output.substr(output.rfind('{'))).at("after_ms"), 200) << output;
 }
 
 TEST_F(Client, Says_when_its_late_answer_is_for_nobody) {
@@ -100,8 +109,8 @@ TEST_F(Client, Says_when_its_late_answer_is_for_nobody) {
     peer->await_read();
     peer->request(2, "kOn");
     EXPECT_EQ(peer->reply().number, 2U);
-    EXPECT_THAT(result.get().output,
-                HasSubstr("answer 1: succeeded, state kOn (not sent: nobody waits for it any more)"));
+    EXPECT_THAT(without_times(result.get().output),
+                HasSubstr("answer 1: succeeded, state kOn, after N ms (not sent: nobody waits for it any more)"));
 }
 
 TEST_F(Client, Is_silent_when_told) {
@@ -120,12 +129,12 @@ TEST_F(Client, Comes_back_and_says_so) {
     peer->hello();
     peer->request(1, "kOn");
     peer->reply();
-    EXPECT_EQ(result.get().output,
+    EXPECT_EQ(without_times(result.get().output),
               "connected as me, state kOn\n"
               "connection lost; waiting for the state manager\n"
               "connected as me, state kOn\n"
               "request 1: kOn\n"
-              "answer 1: succeeded, state kOn\n");
+              "answer 1: succeeded, state kOn, after N ms\n");
 }
 
 TEST_F(Client, Says_what_is_wrong_with_its_words) {

@@ -136,9 +136,10 @@ TEST_F(Holding, Asks_again_after_a_restart_of_the_daemon) {
 
 TEST_F(Holding, Runs_no_command_when_the_instance_is_not_offered) {
     start_and_run();
-    auto const result = statectl({"hold", "cwu", "nobody", "--wait", "50", "--", "echo", "started"});
+    auto const result = run({"/bin/sh", "-c", "exec \"$@\" 2>&1", "-", VEHICLE_BUILD "/tools/ap_statectl", "hold",
+                             "cwu", "nobody", "--wait", "50", "--", "echo", "started"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.output, "ap_statectl: \"nobody\" is not offered; offered: \"1\"\n");
 }
 
 TEST_F(Statectl, Holds_bits_and_gives_them_back) {
@@ -167,8 +168,10 @@ TEST_F(Statectl, Says_when_an_instance_is_not_offered) {
     start_and_run();
     auto const result = statectl({"ecu-alive", "request", "nobody", "--wait", "50", "--json"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(json::parse(result.output),
-              (json{{"ok", false}, {"instance", "nobody"}, {"error", "\"nobody\" is not offered"}}));
+    auto const told = json::parse(result.output);
+    EXPECT_EQ(told.at("ok"), false);
+    EXPECT_EQ(told.at("instance"), "nobody");
+    EXPECT_THAT(told.at("error").get<std::string>(), testing::StartsWith("\"nobody\" is not offered; offered: \"1\""));
 }
 
 TEST_F(Statectl, Lists_what_is_offered_and_since_when) {

@@ -77,7 +77,7 @@ TEST_F(Commands, Print_names_of_others_without_bytes_that_a_terminal_would_obey)
     chosen();
     report.connected(name, name);
     report.requested(1, name);
-    report.answered(1, name, 0, true);
+    report.answered(1, name, 0, std::chrono::milliseconds(0), true);
     report.trouble(name);
     auto const text = testing::internal::GetCapturedStdout();
     for (auto const* const shown : {"\"a?[2J\"", "\"b?2J\"", "connected as c?[2J, state c?[2J", "1: c?[2J",
