@@ -137,7 +137,7 @@ TEST_F(Holding, Asks_again_after_a_restart_of_the_daemon) {
 TEST_F(Holding, Runs_no_command_when_the_instance_is_not_offered) {
     start_and_run();
     auto const result = run({"/bin/sh", "-c", "exec \"$@\" 2>&1", "-", VEHICLE_BUILD "/tools/ap_statectl", "hold",
-                             "cwu", "nobody", "--wait", "50", "--", "echo", "started"});
+                             "cwu", "nobody", "--wait", "1000", "--", "echo", "started"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "ap_statectl: \"nobody\" is not offered; offered: \"1\"\n");
 }
@@ -171,7 +171,7 @@ TEST_F(Statectl, Says_when_an_instance_is_not_offered) {
     auto const told = json::parse(result.output);
     EXPECT_EQ(told.at("ok"), false);
     EXPECT_EQ(told.at("instance"), "nobody");
-    EXPECT_THAT(told.at("error").get<std::string>(), testing::StartsWith("\"nobody\" is not offered; offered: \"1\""));
+    EXPECT_THAT(told.at("error").get<std::string>(), testing::StartsWith("\"nobody\" is not offered; "));
 }
 
 TEST_F(Statectl, Lists_what_is_offered_and_since_when) {
