@@ -306,7 +306,7 @@ void Player::freeze(Step const& step) {
         }
     }
     stall(time);
-    freezer_->take_all_but(machine_->hypervisor().process().pid());
+    freezer_->enclose_all_but(machine_->hypervisor().process().pid());
     freezer_->freeze();
     std::this_thread::sleep_for(time);
     freezer_->thaw();
