@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Whether there is what the pages tell their readers to call: subcommands and options of ap_statectl, options of ./run
-and ./test, presets and targets of the build.
+and ./test, presets, targets and programs of the build.
 
     commands_test.py ROOT BUILD_DIRECTORY STATECTL
 
@@ -78,11 +78,16 @@ def check_cmake(page, command, words):
             require(is_folder or word in targets(), page, command, f"no target {word}")
 
 
+def check_program(page, command, program):
+    require(program.rpartition("/")[2] in targets(), page, command, f"no program {program}")
+
+
 def commands_in(text):
     for block in re.findall(r"^```.*?\n(.*?)^```|((?:^    .*\n)+)", text, re.M | re.S):
         yield from "".join(block).replace("\\\n", " ").split("\n")
-    for span in re.findall(r"(?<!`)`([^`]+)`(?!`)", re.sub(r"^```.*?^```", "", text, flags=re.M | re.S)):
-        yield span
+    for paragraph in re.split(r"\n\s*\n", re.sub(r"^```.*?^```", "", text, flags=re.M | re.S)):
+        if not paragraph.startswith("    "):
+            yield from re.findall(r"`([^`]+)`", paragraph)
 
 
 def simple_commands(line):
@@ -108,6 +113,8 @@ for path in [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs
                 check_script(page, line, program, rest)
             elif program == "cmake":
                 check_cmake(page, line, rest)
+            elif re.fullmatch(f"build/{BUILD.name}/[/\\w]+", program):
+                check_program(page, line, program)
             else:
                 looked_at -= 1
 
