@@ -71,6 +71,7 @@ TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_
 }
 
 TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_next_when_another_has_gone) {
+    test_support::Log_capture log;
     Participant participant;
     Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
     Reply_writers sut(participant, offer_topic());
@@ -81,8 +82,13 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
     sut.follow(requests.entity());
     Client_ends const late(participant);
     sut.follow(requests.entity());
+    sut.follow(requests.entity());
     EXPECT_EQ(clients.back()->times_found(), 1U);
     EXPECT_EQ(late.times_found(), 0U);
+    EXPECT_THAT(log.messages(),
+                testing::ElementsAre(test_support::logged(ara::log::LogLevel::kWarn, "An instance has more than ", 128U,
+                                                          " clients; the others get no replies")))
+        << "once";
 
     clients.erase(clients.begin());
     sut.follow(requests.entity());
