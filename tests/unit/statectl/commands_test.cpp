@@ -2,8 +2,10 @@
 #include "support/temporary_directory.h"
 #include "tools/client_report.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -35,6 +37,54 @@ TEST_F(Commands, Are_in_the_manual_page_each_with_its_options) {
             }
         }
     }
+}
+
+bool has_option(CLI::App const& command, std::string const& name) {
+    auto const below = command.get_subcommands([](CLI::App const*) { return true; });
+    return command.get_option_no_throw(name) != nullptr ||
+           std::any_of(below.begin(), below.end(), [&](CLI::App const* one) { return has_option(*one, name); });
+}
+
+// Each paragraph of the synopsis names one command, or several of which at least one has an option.
+TEST_F(Commands, Have_the_options_of_the_manual_page) {
+    std::ifstream page(MANUAL_PAGE);
+    std::string names;
+    std::size_t options = 0;
+    auto const is_named = [&names](CLI::App const* one) {
+        return names.find(' ' + one->get_name() + ' ') != std::string::npos;
+    };
+    for (std::string line; std::getline(page, line) && line != ".Op Ar SUBCOMMAND";) {
+        if (line.rfind(".Cm ", 0) == 0 && line != ".Cm request | release" && line != ".Cm --") {
+            names = line + ' ';
+        }
+        for (auto at = line.find("Fl -"); at != std::string::npos; at = line.find("Fl -", at + 1)) {
+            auto const name = '-' + line.substr(at + 3, line.find(' ', at + 3) - at - 3);
+            auto const named = program.get_subcommands(is_named);
+            EXPECT_TRUE(
+                std::any_of(named.begin(), named.end(), [&](CLI::App const* one) { return has_option(*one, name); }))
+                << names << name;
+            ++options;
+        }
+    }
+    EXPECT_GT(options, 40U);
+}
+
+TEST_F(Commands, Explain_traces_of_the_state_manager_and_say_what_others_are) {
+    test_support::Temporary_directory const directory;
+    auto const error_of = [this](std::string const& file) {
+        EXPECT_TRUE(accepts("explain --json " + file));
+        testing::internal::CaptureStdout();
+        try {
+            chosen();
+        } catch (std::runtime_error const& error) {
+            testing::internal::GetCapturedStdout();
+            return std::string(error.what());
+        }
+        return testing::internal::GetCapturedStdout().substr(0, 1);
+    };
+    std::string const none = directory.write("none", "no message");
+    EXPECT_EQ(error_of(none), none + " holds no DLT message (10 bytes)");
+    EXPECT_EQ(error_of(TRACE), "{");
 }
 
 TEST_F(Commands, Say_what_is_to_be_done_and_do_not_do_it_yet) {
