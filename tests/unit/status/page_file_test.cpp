@@ -192,6 +192,16 @@ TEST_F(Status_page_file, Of_another_boot_or_machine_is_told_as_such_and_nobody_r
     EXPECT_EQ(page.silent, 0U);
 }
 
+TEST_F(Status_page_file, Of_another_boot_is_known_by_any_word_of_it_and_lives_are_counted_anew) {
+    constexpr auto k_boot = offsetof(Life<std::uint64_t>, boot) / sizeof(std::uint64_t);
+    for (std::size_t word = 0; word < sizeof(Life<std::uint64_t>::boot) / sizeof(std::uint64_t); ++word) {
+        lay([word](auto& words) { words[k_boot + word] ^= 1U; });
+        EXPECT_TRUE(Page_view(path).snapshot().is_foreign) << word;
+        Page_file const next(path, k_facts);
+        EXPECT_EQ(Page_view(path).snapshot().life.number, 1U) << word;
+    }
+}
+
 TEST_F(Status_page_file, Leaves_a_reader_of_the_life_before_with_what_he_has) {
     auto first = std::make_unique<Page_file>(path, k_facts);
     Page_view const view(path);

@@ -4,6 +4,7 @@
 #include "status/services_status.h"
 #include "written_page.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -124,6 +125,14 @@ TEST_F(Status_readers, See_that_a_change_is_not_over) {
         EXPECT_TRUE(read().is_half_written);
     }
     EXPECT_FALSE(read().is_half_written);
+}
+
+// The oldest of a full ring may be written over by the next.
+TEST_F(Status_readers, Are_told_events_but_the_oldest_of_a_full_ring) {
+    for (std::size_t number = 1; number <= 2 * k_events; ++number) {
+        key_dropped(1);
+        EXPECT_EQ(read().events.size(), std::min<std::size_t>(number, k_events - 1)) << number;
+    }
 }
 
 TEST_F(Status_readers, Are_told_what_a_writer_left_half_written_and_see_the_rest) {

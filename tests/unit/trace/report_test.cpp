@@ -44,6 +44,10 @@ TEST(The_page_of_a_trace, Needs_nothing_else) {
     auto const page = html_report(told(suspend_by_key()), "night.dlt");
     EXPECT_THAT(page, HasSubstr("<title>night.dlt</title>"));
     EXPECT_THAT(page, HasSubstr("class=\"late\""));
+    for (auto const* row : {"<td>DCM</td><td>1</td><td>–</td><td>0.100 s</td><td>0.100 s</td>",
+                            "<td>applications</td><td>1</td><td>1</td><td>8.8 s</td><td>8.8 s</td>"}) {
+        EXPECT_THAT(page, HasSubstr(row));
+    }
     EXPECT_THAT(page, HasSubstr("prefers-color-scheme:dark"));
     for (auto const* elsewhere : {"http", "<script", "<link", "src="}) {
         EXPECT_THAT(page, Not(HasSubstr(elsewhere)));
