@@ -176,7 +176,7 @@ TEST(Times, Of_a_configuration_are_those_that_the_unit_needs) {
 TEST(A_unit, Counts_with_its_drop_ins) {
     test_support::Temporary_directory const directory;
     auto const unit = directory.write("own.service",
-                                      "[Service]\n \tWatchdogSec=1min 30s\n \tProtectSystem=strict \t\r\n"
+                                      "[Service]\n \tWatchdogSec=1min 30s\n \tProtectSystem = strict \t\r\n"
                                       "ReadWritePaths=/a -/b\n[Install]\nWatchdogSec=1\n");
     fs::create_directory(unit + ".d");
     std::ofstream(unit + ".d/50-own.conf") << "[Service]\n# slower\nWatchdogSec=500ms\nReadWritePaths=/c\n";
