@@ -55,12 +55,13 @@ std::string commands_text(Snapshot const& page) {
 // What comes from the hypervisor, and what became of it.
 std::string input_text(Snapshot const& page) {
     auto const& driver = page.driver;
-    auto text = std::to_string(driver.devices) + " of " + std::to_string(driver.devices_found) + " devices; ";
+    auto text = std::to_string(driver.devices) + " of " + std::to_string(driver.devices_found) +
+                (driver.devices_found == 1 ? " device; " : " devices; ");
     if (driver.keys_taken == 0) {
         return text + "no key yet";
     }
-    text += std::to_string(driver.keys_taken) + " keys taken, last " + command_word(driver.last_key) + " " +
-            span_text(driver.last_key_at, page.now) + " ago";
+    text += std::to_string(driver.keys_taken) + (driver.keys_taken == 1 ? " key" : " keys") + " taken, last " +
+            command_word(driver.last_key) + " " + span_text(driver.last_key_at, page.now) + " ago";
     for (auto const& [count, what] : {std::pair<Number, char const*>{driver.keys_dropped, " dropped"},
                                       {driver.keys_swallowed, " swallowed"},
                                       {driver.keys_cleared, " cleared"}}) {
@@ -125,11 +126,15 @@ std::string clients_text(Snapshot const& page) {
 
 std::string daemon_text(Snapshot const& page) {
     return "process " + std::to_string(page.life.pid) + " since " + span_text(page.life.started, page.now) +
-           ", last beat " + span_text(page.driver.beat, page.now) + " ago, longest cycle " +
-           span_text(page.driver.longest);
+           (page.driver.beat == 0 ? ", no cycle yet"
+                                  : ", last beat " + span_text(page.driver.beat, page.now) + " ago, longest cycle " +
+                                        span_text(page.driver.longest));
 }
 
 std::string word_text(Snapshot const& page) {
+    if (page.driver.word_at == 0) {
+        return "none yet";
+    }
     return shown(text_of(page.driver.word)) + (page.driver.word_failed != 0 ? ", not written, " : ", written ") +
            span_text(page.driver.word_at, page.now) + " ago";
 }

@@ -159,6 +159,8 @@ void add_blocked(Snapshot const& page, Reasons& reasons) {
         text += "; " + std::to_string(driver.waiting - 1) +
                 (driver.waiting == 2 ? " command waits" : " commands wait") + " behind it";
     }
+    text += is(driver.condition, Condition::command) ? "; only the power key removes it"
+                                                     : "; the next transition uses it up";
     reasons.push_back({"command-blocked", text});
 }
 
@@ -229,6 +231,9 @@ std::string farewell_text(Snapshot const& page) {
 std::vector<Reason> reasons_of(Snapshot const& page) {
     auto reasons = state_reasons(page);
     add_blocked(page, reasons);
+    if (reasons.size() > 1 && is(page.driver.condition, Condition::command)) {
+        reasons.erase(reasons.begin());  // there is a command; it is the wrong one
+    }
     add_keys(page, reasons);
     return reasons;
 }

@@ -38,7 +38,7 @@ class Table {
         is_empty_ = false;
     }
     std::string under(char const* title) const {
-        return is_empty_ ? "" : element("h2", title) + '\n' + text_ + "</table>\n";
+        return is_empty_ ? "" : element("h2", title) + "\n<div>" + text_ + "</table></div>\n";
     }
 
  private:
@@ -161,9 +161,11 @@ std::string html_report(Story const& story, std::string const& title) {
            escaped(title) + "</title>\n<style>" + k_style + "</style>\n</head>\n<body>\n<h1>" + escaped(title) +
            "</h1>\n<p>" + std::to_string(story.lives.size()) + (story.lives.size() == 1 ? " life" : " lives") +
            " of the state manager in " + std::to_string(story.messages) + " messages" +
-           (story.skipped_bytes == 0 ? "" : ", " + std::to_string(story.skipped_bytes) + " bytes skipped") + "</p>\n" +
-           legend() + cycles(story) + offenders(summary) + groups(summary) + clients(summary) + holds(summary) +
-           "</body>\n</html>\n";
+           (story.skipped_bytes == 0 ? ""
+                                     : ", " + std::to_string(story.skipped_bytes) +
+                                           (story.skipped_bytes == 1 ? " byte" : " bytes") + " skipped") +
+           "</p>\n" + "<section>" + legend() + "</section>\n" + cycles(story) + offenders(summary) + groups(summary) +
+           clients(summary) + holds(summary) + "</body>\n</html>\n";
 }
 
 }  // namespace statectl::trace

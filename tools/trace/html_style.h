@@ -12,9 +12,9 @@ constexpr char const* k_style = R"(
 body{background:var(--paper);color:var(--ink);font:15px/1.45 system-ui,sans-serif;max-width:62rem;margin:2rem auto;padding:0 1rem}
 h1{font-size:1.4rem;margin:0}h2{font-size:1.1rem;margin:2rem 0 .4rem}h3{font-size:1rem;margin:1.2rem 0 .2rem}
 h3 span,p,summary{color:var(--dim);font-weight:normal}.bad{color:var(--bad)}.good{color:var(--good);font-weight:normal}
-svg{display:block;width:100%;height:auto}svg text{font:11px system-ui,sans-serif;fill:var(--ink)}svg .dim{fill:var(--dim)}
+section,h2+div{overflow-x:auto}svg{display:block;width:100%;min-width:44rem;height:auto}svg text{font:11px system-ui,sans-serif;fill:var(--ink)}svg .dim{fill:var(--dim)}
 table{border-collapse:collapse;font-variant-numeric:tabular-nums}th{text-align:left;color:var(--dim);font-weight:normal}
-td,th{padding:.15rem 1.2rem .15rem 0;border-bottom:1px solid var(--line);vertical-align:top}ul{margin:.4rem 0;padding-left:1.2rem}
+h2+div td,th{white-space:nowrap}td,th{padding:.15rem 1.2rem .15rem 0;border-bottom:1px solid var(--line);vertical-align:top}ul{margin:.4rem 0;padding-left:1.2rem}
 .s0{fill:var(--s0)}.s1{fill:var(--s1)}.s2{fill:var(--s2)}.s3{fill:var(--s3)}.s4{fill:var(--s4)}.s5{fill:var(--s5)}
 .s6{fill:var(--s6)}.s7{fill:var(--s7)}.hold{fill:var(--hold)}.axis{fill:var(--line)}
 .late{fill:none;stroke:var(--bad);stroke-width:2}

@@ -111,7 +111,18 @@ TEST(Reasons, Of_a_command_that_waits_are_told_beside_those_of_the_state) {
     page.driver.queue[0] = 1;
     page.driver.taken_at[0] = 99 * k_s;
     EXPECT_EQ(sentence(reasons_of(page), "command-blocked"),
-              "the oldest command is \"Run\" (1.0 s ago), which Running never takes; 2 commands wait behind it");
+              "the oldest command is \"Run\" (1.0 s ago), which Running never takes; 2 commands wait behind it; only "
+              "the power key removes it");
+    EXPECT_EQ(reasons_of(page).size(), 1U) << "there is a command, so that none is not what is missing";
+    page = page_in(State::nm_controlled);
+    page.driver.blocked = static_cast<Number>(status::Blocked::by_state);
+    page.driver.waiting = 1;
+    page.driver.queue[0] = 3;
+    page.driver.taken_at[0] = 99 * k_s;
+    EXPECT_EQ(reasons_of(page)[0].code, "network-silent");
+    EXPECT_EQ(sentence(reasons_of(page), "command-blocked"),
+              "the oldest command is \"NMControlledPrepareSD\" (1.0 s ago), which NM Controlled never takes; the next "
+              "transition uses it up");
 }
 
 TEST(Reasons, Of_keys_that_have_led_to_nothing_are_told_for_five_minutes) {
