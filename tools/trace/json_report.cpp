@@ -36,6 +36,9 @@ json groups(Sequence const& sequence) {
         auto answers = json::array();
         for (auto const& answer : group.answers) {
             answers.push_back({{"client", answer.client}, {"status", answer.status}});
+            if (answer.seconds) {
+                answers.back()["seconds"] = *answer.seconds;
+            }
         }
         list.push_back(
             {{"group", group.name}, {"begin", group.begin}, {"end", optional(group.end)}, {"answers", answers}});

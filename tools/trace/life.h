@@ -25,6 +25,7 @@ struct Stay {
 struct Answer {
     std::string client;
     std::string status;
+    std::optional<double> seconds{};  ///< after it was asked; a log does not tell
 };
 
 /// One group of clients that is asked: "DCM", "applications" or "DEM".

@@ -13,6 +13,9 @@ namespace statectl::trace {
 /// For people, in a terminal.
 std::string text_report(Story const& story, bool is_coloured);
 
+/// One life of it, without its heading.
+std::string text_of(Life const& life);
+
 /// For programs.
 nlohmann::json json_report(Story const& story);
 

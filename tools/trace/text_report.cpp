@@ -91,12 +91,7 @@ void sequences(Life const& life, Page& page) {
     remarks("clients asked", all, life, page);
 }
 
-void tell(Life const& life, std::size_t number, Page& page) {
-    auto const who = (life.process ? ", process " + std::to_string(*life.process) : "") +
-                     (life.ecu.empty() ? "" : ", ECU " + life.ecu);
-    page.line("");
-    page.line(page.coloured("life " + std::to_string(number), k_bold) + "  " + begin_text(life) + ", " +
-              duration_text(life.end - life.begin) + who + (life.has_start ? "" : ", begun before the trace"));
+void tell(Life const& life, Page& page) {
     stays(life, page);
     sequences(life, page);
     holds(life, page);
@@ -105,6 +100,15 @@ void tell(Life const& life, std::size_t number, Page& page) {
     remarks("warnings and errors", life.troubles, life, page);
     page.line("  " + offset(life.end, life) + "  " +
               (life.is_orderly ? life.ending : page.coloured(life.ending, k_red)));
+}
+
+void tell(Life const& life, std::size_t number, Page& page) {
+    auto const who = (life.process ? ", process " + std::to_string(*life.process) : "") +
+                     (life.ecu.empty() ? "" : ", ECU " + life.ecu);
+    page.line("");
+    page.line(page.coloured("life " + std::to_string(number), k_bold) + "  " + begin_text(life) + ", " +
+              duration_text(life.end - life.begin) + who + (life.has_start ? "" : ", begun before the trace"));
+    tell(life, page);
 }
 
 void offenders(Summary const& summary, Page& page) {
@@ -119,6 +123,12 @@ void offenders(Summary const& summary, Page& page) {
 }
 
 }  // namespace
+
+std::string text_of(Life const& life) {
+    Page page(false);
+    tell(life, page);
+    return page.take();
+}
 
 std::string text_report(Story const& story, bool is_coloured) {
     Page page(is_coloured);

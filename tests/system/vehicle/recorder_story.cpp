@@ -1,0 +1,154 @@
+// What outlives the machine: the recorder beside the daemon, and what ap_statectl tells of its files afterwards.
+
+#include "network_machine.h"
+#include "status/layout.h"
+#include "support/temporary_directory.h"
+#include "support/test_client.h"
+#include "tool.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+namespace bench::vehicle {
+namespace {
+
+using nlohmann::json;
+using test_support::Test_client;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Recorder_story : public Network_story {
+ protected:
+    Recorder_story() {
+        options.clients.clear();
+        settings()["ApplicationSuspendRequestTimeout"] = 1;
+    }
+
+    void TearDown() override {
+        if (recorder) {
+            stop_recorder();
+        }
+        finish();
+        std::filesystem::remove_all("/run/adaptive/status");
+        std::filesystem::remove_all("/run/adaptive/ara_SM");
+    }
+
+    void start_recorder() {
+        recorder =
+            std::make_unique<Child_process>(std::vector<std::string>{VEHICLE_BUILD "/tools/ap_statemanager_recorder",
+                                                                     "--directory", records(), "--watchdog", "2"},
+                                            std::vector<std::string>{});
+    }
+    void stop_recorder() {
+        recorder->signal(SIGTERM);
+        EXPECT_EQ(recorder->wait(std::chrono::seconds(20)), 0);
+        recorder.reset();
+    }
+    /// Until the recorder has seen the machine there.
+    void await_recorded(std::string const& state) {
+        told_when("history", [&](json const& history) {
+            return history.at("cycles").back().at("end_word") == "running" &&
+                   history.at("cycles").back().at("state") == state;
+        });
+    }
+    void kill_daemon() {
+        machine->signal_daemon(SIGKILL);
+        machine->await_end();
+    }
+    void kill_recorder() {
+        recorder->expect(128 + SIGKILL);
+        recorder->signal(SIGKILL);
+        recorder->wait(std::chrono::seconds(20));
+        recorder.reset();
+    }
+
+    std::string records() const { return directory.path(); }
+
+    Outcome told(std::string const& subcommand, std::vector<std::string> const& more = {}) const {
+        std::vector<std::string> words{subcommand, "--directory", records()};
+        words.insert(words.end(), more.begin(), more.end());
+        return statectl(words);
+    }
+
+    /// What a subcommand tells as soon as it is so.
+    json told_when(std::string const& subcommand, std::function<bool(json const&)> const& is_so) {
+        auto const end = std::chrono::steady_clock::now() + Machine::k_patience;
+        for (;;) {
+            auto const object = json::parse(told(subcommand, {"--json"}).output, nullptr, false);
+            if (object.is_object() && is_so(object)) {
+                return object;
+            }
+            if (std::chrono::steady_clock::now() > end) {
+                ADD_FAILURE() << object.dump(2);
+                return json::object();
+            }
+            machine->watch(std::chrono::milliseconds(50));
+        }
+    }
+
+    json last_that_ended(std::string const& how) {
+        return told_when("last", [&](json const& cycle) { return cycle.value("end_word", "") == how; });
+    }
+
+    std::vector<std::string> ends() const {
+        std::vector<std::string> words;
+        auto const history = json::parse(told("history", {"--json"}).output);
+        for (auto const& cycle : history.at("cycles")) {
+            words.push_back(cycle.at("end_word").get<std::string>() + " in " + cycle.at("state").get<std::string>());
+        }
+        return words;
+    }
+
+    bool is_in(std::string const& state) { return statectl({"wait", state, "--for", "20"}).status == 0; }
+
+    test_support::Temporary_directory directory;
+    std::unique_ptr<Child_process> recorder;
+};
+
+TEST_F(Recorder_story, Tells_that_the_daemon_was_killed_and_what_was_held_then) {
+    build();
+    start_recorder();
+    start_and_run();
+    request("2", k_ecu_alive);
+    machine->press("n");
+    await_recorded("NM Controlled");
+    kill_daemon();
+    auto const cycle = last_that_ended("killed");
+    EXPECT_EQ(cycle.value("state", ""), "NM Controlled");
+    EXPECT_EQ(cycle.at("holds").at(0).at("who"), "2") << cycle;
+    auto const text = told("last").output;
+    EXPECT_THAT(text, HasSubstr("killed in NM Controlled (no farewell"));
+    EXPECT_THAT(text, HasSubstr("2 held ECU alive, and did not release it"));
+}
+
+TEST_F(Recorder_story, Names_each_end_of_a_power_cycle_over_many_lives) {
+    build();
+    start_recorder();
+    start_and_run();
+    machine->press("p");
+    ASSERT_TRUE(is_in("PreparedSD"));
+    machine->press("r");
+    ASSERT_TRUE(is_in("Running"));
+    await_recorded("Running");
+    machine->signal_daemon(SIGTERM);
+    ASSERT_TRUE(ends_with(0));
+    last_that_ended("signal");
+    machine->start_daemon();
+    await_recorded("Running");
+    machine->signal_daemon(SIGSTOP);
+    machine->watch(std::chrono::milliseconds(2'500));
+    kill_daemon();
+    last_that_ended("watchdog");
+    machine->start_daemon();
+    await_recorded("Running");
+    machine->press("power");
+    ASSERT_TRUE(ends_with(0));
+    last_that_ended("normal");
+    EXPECT_THAT(ends(), ElementsAre("suspended in PreparedSD", "signal in Running", "watchdog in Running",
+                                    "normal in Shutting down"));
+}
+
+}  // namespace
+}  // namespace bench::vehicle

@@ -1,0 +1,149 @@
+#include "lines.h"
+
+#include <gmock/gmock.h>
+
+namespace statectl::record {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr char const* k_alive = R"({"line":"alive","at":9000000000,"real":10000000000})";
+constexpr char const* k_left = R"({"line":"left","at":9000000000,"real":10000000000})";
+
+std::string transition(Number second, char const* numbers) {
+    return event_line("transition", second * k_second, numbers);
+}
+
+struct End_row {
+    char const* name;
+    std::vector<std::string> lines;      // behind those of a life that has reached Running
+    std::vector<std::string> endings;    // of its power cycles, after a reboot
+    std::vector<std::string> same_boot;  // and when a daemon was started again in the same boot
+};
+
+std::vector<End_row> end_rows() {
+    auto const prepared = {transition(2, "1,5,3"), transition(3, "5,6,3")};
+    std::vector<std::string> const suspended(prepared);
+    auto then = [](std::vector<std::string> lines, std::vector<std::string> const& more) {
+        lines.insert(lines.end(), more.begin(), more.end());
+        return lines;
+    };
+    return {
+        {"nothing more", {}, {"went down in Running"}, {"no farewell in Running"}},
+        {"alive, and nothing more", {k_alive}, {"went down in Running"}, {"no farewell in Running"}},
+        {"the recorder left", {k_left}, {"no farewell in Running"}, {"no farewell in Running"}},
+        {"in Preparing", {transition(2, "1,5,3")}, {"went down in Preparing"}, {"no farewell in Preparing"}},
+        {"while suspended", suspended, {"went down in PreparedSD"}, {"no farewell in PreparedSD"}},
+        {"resumed",
+         then(suspended, {transition(4, "6,7,1"), transition(5, "7,1,3"), end_line("killed", 6 * k_second)}),
+         {"suspended", "killed in Running"},
+         {"suspended", "killed in Running"}},
+        {"turned back",
+         {transition(2, "1,5,3"), transition(3, "5,7,1"), end_line("watchdog", 6 * k_second)},
+         {"resumed", "watchdog in Resuming"},
+         {"resumed", "watchdog in Resuming"}},
+        {"fast", then(suspended, {transition(4, "6,4,2")}), {"fast"}, {"fast"}},
+        {"fast, seen to the end",
+         then(suspended, {transition(4, "6,4,2"), end_line("fast", 5 * k_second)}),
+         {"fast"},
+         {"fast"}},
+        {"the power key", {transition(2, "1,4,4"), event_line("ended", 2 * k_second, "4,0,0")}, {"normal"}, {"normal"}},
+        {"the power key, and gone at once",
+         {transition(2, "1,4,4")},
+         {"went down in Shutting down"},
+         {"no farewell in Shutting down"}},
+        {"stopped", {event_line("ended", 2 * k_second, "1,0,0")}, {"signal in Running"}, {"signal in Running"}},
+        {"a word that is none",
+         {end_line("eaten", 2 * k_second)},
+         {"no farewell in Running"},
+         {"no farewell in Running"}},
+    };
+}
+
+TEST(Power_cycles, End_as_their_lines_and_what_came_after_them_tell) {
+    for (auto const& row : end_rows()) {
+        SCOPED_TRACE(row.name);
+        std::vector<std::string> lines{life_line("a", 1), transition(1, "0,1,1")};
+        lines.insert(lines.end(), row.lines.begin(), row.lines.end());
+        EXPECT_EQ(endings_of(lines, {"b", {}}), row.endings);
+        EXPECT_EQ(endings_of(lines, {"a", {}}), row.same_boot);
+        auto with_next = row.endings;
+        with_next.emplace_back("running");
+        lines.push_back(life_line("b", 1));
+        EXPECT_EQ(endings_of(lines, {"b", {"b", 1, 7, 0}}), with_next);
+    }
+}
+
+TEST(Power_cycles, Begin_by_the_clock_as_it_was_right_later) {
+    auto const jump = R"({"line":"alive","at":5000000000,"real":1700000000000000000})";
+    auto const cycles = power_cycles(records_of({life_line("a", 1), transition(1, "0,1,1"), jump}), {"b", {}});
+    ASSERT_EQ(cycles.size(), 1U);
+    EXPECT_EQ(cycles[0].told.stored_us, (1'700'000'000 - 5) * std::int64_t{1'000'000});
+    EXPECT_EQ(cycles[0].told.end - cycles[0].told.begin, 5.0);
+}
+
+TEST(Power_cycles, Tell_what_was_held_over_a_suspend_and_who_was_late_in_it) {
+    auto const s = k_second;
+    auto const cycles =
+        power_cycles(records_of({life_line("a", 1), transition(1, "0,1,1"), event_line("held", s, "0,0,0", "nav"),
+                                 event_line("held", s, "1,0,0", "map"), event_line("released", 2 * s, "1,0,0", "map"),
+                                 transition(3, "1,5,3"), event_line("group-asked", 3 * s, "2,0,0", "kPrepSD"),
+                                 event_line("client-answered", 4 * s, "0,200000000,0", "quick"),
+                                 event_line("client-timed-out", 8 * s, "0,0,0", "radio"),
+                                 event_line("request-ended", 8 * s, "4,0,0"), transition(9, "5,6,3"),
+                                 event_line("client-late", 10 * s, "0,7000000000,0", "radio"), transition(11, "6,7,1"),
+                                 transition(12, "7,1,3"), end_line("killed", 13 * s)}),
+                     {});
+    ASSERT_EQ(cycles.size(), 2U);
+    auto const& first = cycles[0].told;
+    ASSERT_EQ(first.sequences.size(), 1U);
+    ASSERT_EQ(first.sequences[0].groups.size(), 1U);
+    EXPECT_EQ(first.sequences[0].end, 9.0);
+    auto const& answers = first.sequences[0].groups[0].answers;
+    ASSERT_EQ(answers.size(), 2U);
+    EXPECT_EQ(answers[0].seconds, 0.2);
+    EXPECT_EQ(answers[1].status, "timed out");
+    EXPECT_EQ(answers[1].seconds, 7.0);
+    EXPECT_EQ(first.clients.at("radio").late, 1U);
+    EXPECT_EQ(first.clients.at("radio").waited, 5.0);
+    for (auto const& cycle : cycles) {
+        std::vector<std::string> open;
+        for (auto const& hold : cycle.told.holds) {
+            if (!hold.end) {
+                open.push_back(hold.who);
+            }
+        }
+        EXPECT_THAT(open, ElementsAre("nav"));
+    }
+}
+
+TEST(Records, Are_those_whole_lines_that_there_are_wherever_a_file_is_torn) {
+    std::string const whole = life_line("a", 1) + "\n" + transition(1, "0,1,1") + "\n" + transition(2, "1,5,3") + "\n";
+    auto const first = life_line("a", 1).size();
+    for (std::size_t cut = 0; cut <= whole.size(); ++cut) {
+        Records records;
+        auto const text = whole.substr(0, cut);
+        for (std::size_t begin = 0; begin < text.size();) {
+            auto const end = std::min(text.find('\n', begin), text.size());
+            take_line(records, text.substr(begin, end - begin));
+            begin = end + 1;
+        }
+        EXPECT_LE(records.damaged, 1U);
+        EXPECT_EQ(records.lives.size(), cut >= first ? 1U : 0U) << cut;
+    }
+}
+
+TEST(Records, Go_on_with_a_life_that_a_new_file_begins_with) {
+    auto const records = records_of({life_line("a", 1), transition(1, "0,1,1"), life_line("a", 1, 2 * k_second, 1),
+                                     transition(3, "1,5,3"), life_line("a", 2)});
+    ASSERT_EQ(records.lives.size(), 2U);
+    EXPECT_EQ(records.lives[0].events.size(), 2U);
+    auto const rest = records_of({life_line("a", 1, 2 * k_second, 1), transition(3, "1,5,3")});
+    auto const cycles = power_cycles(rest, {"b", {}});
+    ASSERT_EQ(cycles.size(), 1U);
+    EXPECT_EQ(cycles[0].told.begin, 2.0);
+    EXPECT_EQ(cycles[0].told.stays[0].state, "Running");
+}
+
+}  // namespace
+}  // namespace statectl::record

@@ -1,0 +1,116 @@
+#include "tools/record/record_files.h"
+
+#include "lines.h"
+#include "support/file_size_limit.h"
+#include "support/temporary_directory.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
+
+namespace statectl::record {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string first_of(std::string const& name) {
+    std::ifstream file(name);
+    std::string line;
+    std::getline(file, line);
+    return line;
+}
+
+class Files_of_records : public testing::Test {
+ protected:
+    std::string path() const { return directory.path(); }
+    std::string text(Number number) const {
+        return directory.read(std::filesystem::path(file_name(path(), number)).filename());
+    }
+
+    test_support::Temporary_directory directory;
+    std::string const first = life_line("a", 1);
+};
+
+TEST_F(Files_of_records, Are_bounded_in_size_and_count_and_each_begins_with_a_life) {
+    Record_files files(path(), {200, 3, 100});
+    for (int i = 0; i < 50; ++i) {
+        files.add(event_line("transition", static_cast<Number>(i), "1,2,3"));
+        files.write(first, false);
+    }
+    EXPECT_EQ(files.trouble(), "");
+    auto const numbers = file_numbers(path());
+    EXPECT_EQ(numbers.size(), 3U);
+    EXPECT_GT(numbers.front(), 1U);
+    for (auto const number : numbers) {
+        EXPECT_EQ(first_of(file_name(path(), number)), first);
+        EXPECT_LT(std::filesystem::file_size(file_name(path(), number)), 500U);
+    }
+    EXPECT_EQ(read_records(path()).damaged, 0U);
+}
+
+TEST_F(Files_of_records, Are_gone_on_with_behind_a_torn_line) {
+    directory.write("record.000004.jsonl", first + "\n" + R"({"line":"eve)");
+    Record_files files(path());
+    files.add(event_line("transition", 1, "0,1,1"));
+    files.write(first, true);
+    EXPECT_EQ(text(4), first + "\n{\"line\":\"eve\n" + event_line("transition", 1, "0,1,1") + "\n");
+    auto const records = read_records(path());
+    EXPECT_EQ(records.damaged, 1U);
+    ASSERT_EQ(records.lives.size(), 1U);
+    EXPECT_EQ(records.lives[0].events.size(), 1U);
+}
+
+TEST_F(Files_of_records, Hold_every_line_once_after_a_disk_that_was_full_has_room_again) {
+    Record_files files(path());
+    {
+        test_support::File_size_limit const full(first.size() + 20);
+        files.add(first, true);
+        files.add(event_line("transition", 1, "0,1,1"));
+        files.write(first, true);
+        EXPECT_THAT(files.trouble(), HasSubstr("nothing can be written"));
+        files.add(event_line("transition", 2, "1,2,1"));
+        files.write(first, true);
+        EXPECT_NE(files.trouble(), "");
+    }
+    files.write(first, true);
+    EXPECT_EQ(files.trouble(), "");
+    EXPECT_EQ(text(1),
+              first + "\n" + event_line("transition", 1, "0,1,1") + "\n" + event_line("transition", 2, "1,2,1") + "\n");
+}
+
+TEST_F(Files_of_records, Count_what_has_no_room_to_wait) {
+    Record_files files(path() + "/missing", {1'000, 3, 5});
+    for (int i = 0; i < 8; ++i) {
+        files.add("{}");
+    }
+    files.write(first, true);
+    EXPECT_EQ(files.lost(), 3U);
+    EXPECT_THAT(files.trouble(), StartsWith(path() + "/missing: the directory can't be opened"));
+}
+
+TEST_F(Files_of_records, Begin_with_what_waited_for_their_directory) {
+    Record_files files(path() + "/later");
+    files.add(first, true);
+    files.add(event_line("transition", 1, "0,1,1"));
+    files.write(life_line("a", 1, 9, 1), true);
+    std::filesystem::create_directory(path() + "/later");
+    files.write(life_line("a", 1, 9, 1), true);
+    EXPECT_EQ(files.trouble(), "");
+    EXPECT_EQ(first_of(file_name(path() + "/later", 1)), first);
+}
+
+TEST_F(Files_of_records, Have_one_writer) {
+    Record_files mine(path());
+    mine.add(first, true);
+    mine.write(first, true);
+    Record_files other(path());
+    other.add(first, true);
+    other.write(first, true);
+    EXPECT_THAT(other.trouble(), HasSubstr("another recorder writes here"));
+    EXPECT_EQ(text(1), first + "\n");
+}
+
+}  // namespace
+}  // namespace statectl::record

@@ -1,0 +1,224 @@
+// By recorder_main.cpp: `look` with each page, the one of the life before first; a life's end is told with the first
+// look at which its daemon is gone.
+
+#include "tools/record/recorder.h"
+
+#include "tools/page/words.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace statectl::record {
+
+namespace {
+
+using nlohmann::json;
+using status::Event_kind;
+using status::State;
+
+constexpr Number k_second = 1'000'000'000;
+constexpr Number k_alive_every = 600 * k_second;
+constexpr Number k_between_beats = 3 * k_second;  // what a cycle may take, and this program to look
+constexpr double k_allowance = 2'000;             // events at once
+constexpr double k_allowance_a_second = 50;
+constexpr std::size_t k_most_holds = 32;
+
+Number number(State state) {
+    return static_cast<Number>(state);
+}
+
+bool is(Number kind, Event_kind other) {
+    return kind == static_cast<Number>(other);
+}
+
+std::string text(json const& value) {
+    return value.dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+// What was held at that moment, and still is.
+json held_json(Snapshot const& page, Number moment) {
+    auto list = json::array();
+    for (auto const& instance : page.instances) {
+        for (std::size_t hold = 0; hold < instance.since.size(); ++hold) {
+            if (instance.since[hold] != 0 && instance.since[hold] < moment && list.size() < k_most_holds) {
+                list.push_back({{"hold", hold}, {"name", text_of(instance.name)}});
+            }
+        }
+    }
+    return list;
+}
+
+Identity identity_of(Snapshot const& page) {
+    return {shown(text_of(page.life.boot)), page.life.number, page.life.pid, page.life.started};
+}
+
+// The beginning of what is told of a life: from that moment on, when it had this state.
+std::string life_line(Snapshot const& page, Number from, Number state) {
+    return text({{"line", "life"},
+                 {"version", 1},
+                 {"boot", text_of(page.life.boot)},
+                 {"life", page.life.number},
+                 {"pid", page.life.pid},
+                 {"started", page.life.started},
+                 {"started_real", page.life.started_real},
+                 {"program", text_of(page.life.program)},
+                 {"configuration", text_of(page.life.configuration)},
+                 {"from", from},
+                 {"state", state},
+                 {"held", held_json(page, from)}});
+}
+
+std::string line_from_now(Snapshot const& page) {
+    return life_line(page, page.now, page.driver.state);
+}
+
+// With all that the page tells of the life.
+std::string line_from_beginning(Snapshot const& page, Number events) {
+    if (events <= page.events.size()) {
+        return life_line(page, page.life.started, number(State::starting_up));
+    }
+    for (auto const& event : page.events) {
+        if (is(event.kind, Event_kind::transition)) {
+            return life_line(page, page.events.front().at, event.numbers[0]);
+        }
+    }
+    return line_from_now(page);
+}
+
+// Another boot's times are no times of this one.
+Number real_of(Snapshot const& page, Number at, Look const& now) {
+    if (page.is_foreign) {
+        return page.life.started_real + (std::max(at, page.life.started) - page.life.started);
+    }
+    return now.real - std::min(now.real, std::max(now.at, at) - at);
+}
+
+}  // namespace
+
+Recorder::Recorder(Record_files& files, Records before, Number watchdog)
+    : files_(files), before_(std::move(before)), watchdog_(watchdog), allowance_(k_allowance) {}
+
+void Recorder::add(char const* line, std::string const& members, Look const& now) {
+    files_.add(std::string(R"({"line":")") + line + R"(","at":)" + std::to_string(now.at) + R"(,"real":)" +
+               std::to_string(now.real) + members + '}');
+}
+
+void Recorder::look(Snapshot const& page, Look const& now) {
+    if (!(identity_ == identity_of(page))) {
+        begin_life(page, identity_of(page), now);
+    }
+    allowance_ = std::min(k_allowance, allowance_ + k_allowance_a_second * static_cast<double>(now.at - looked_) / 1e9);
+    take_events(page, now);
+    tell_missed(now);
+    if (page.is_alive && now.at - told_alive_ >= k_alive_every) {
+        add("alive", "", now);
+        told_alive_ = now.at;
+    }
+    if (!page.is_alive && !is_over_) {
+        tell_end(page, now);
+    }
+    was_alive_ = page.is_alive;
+    looked_ = now.at;
+    first_line_ = line_from_now(page);
+    files_.write(first_line_, std::exchange(is_urgent_, false));
+}
+
+void Recorder::leave(Look const& now) {
+    if (!identity_.boot.empty() && !is_over_) {
+        add("left", "", now);
+    }
+    files_.write(first_line_, true);
+}
+
+// A life that stands in the files is gone on with where they end.
+void Recorder::begin_life(Snapshot const& page, Identity const& identity, Look const& now) {
+    identity_ = identity;
+    seen_.clear();
+    taken_ = missed_ = 0;
+    was_alive_ = is_over_ = false;
+    told_alive_ = page.now;
+    for (auto const& life : before_.lives) {
+        if (life.identity == identity) {
+            is_over_ = life.end.has_value();
+            missed_ = life.missed;
+            taken_ = life.events.size();
+            for (auto const& event : life.events) {
+                seen_.insert({event.at, event.kind, event.numbers, event.text});
+            }
+        }
+    }
+    first_line_ = taken_ != 0 ? line_from_now(page) : line_from_beginning(page, now.events);
+    if (!is_over_) {
+        files_.add(first_line_, true);
+    }
+}
+
+void Recorder::take_events(Snapshot const& page, Look const& now) {
+    std::set<Key> on_page;
+    for (auto const& event : page.events) {
+        Key const key{event.at, event.kind, event.numbers, shown(text_of(event.text))};
+        on_page.insert(key);
+        if (seen_.count(key) != 0 || event_word(event.kind).empty() || is_over_ || !has_allowance(event.kind)) {
+            continue;
+        }
+        ++taken_;
+        is_urgent_ = is_urgent_ || is(event.kind, Event_kind::ended) ||
+                     (is(event.kind, Event_kind::transition) && (event.numbers[1] == number(State::preparing) ||
+                                                                 event.numbers[1] == number(State::shutting_down)));
+        files_.add(text({{"line", "event"},
+                         {"at", event.at},
+                         {"real", real_of(page, event.at, now)},
+                         {"event", event_word(event.kind)},
+                         {"numbers", event.numbers},
+                         {"text", text_of(event.text)}}));
+    }
+    seen_ = std::move(on_page);
+}
+
+// Who floods the page with events does not drive the past out of the files.
+bool Recorder::has_allowance(Number kind) {
+    if (is(kind, Event_kind::transition) || is(kind, Event_kind::ended)) {
+        return true;
+    }
+    allowance_ -= allowance_ >= 1 ? 1 : 0;
+    return allowance_ >= 1;
+}
+
+// Events that had gone from the page before they were seen, or that flooded it, and lines that a disk did not take.
+void Recorder::tell_missed(Look const& now) {
+    auto const missed = now.events > taken_ ? now.events - taken_ : 0;
+    auto const more = (missed > missed_ ? missed - missed_ : 0) + (files_.lost() - lost_);
+    if (more != 0 && !is_over_) {
+        add("missed", R"(,"count":)" + std::to_string(more), now);
+    }
+    missed_ = std::max(missed, missed_);
+    lost_ = files_.lost();
+}
+
+void Recorder::tell_end(Snapshot const& page, Look const& now) {
+    bool const is_watched = was_alive_ && now.at - looked_ < k_between_beats;
+    auto const silent = is_watched && page.driver.ended == 0 ? page.silent : 0;
+    add("end", std::string(R"(,"how":")") + end_of(page, is_watched) + R"(","silent":)" + std::to_string(silent),
+        {page.now, real_of(page, page.now, now), 0});
+    is_over_ = is_urgent_ = true;
+}
+
+char const* Recorder::end_of(Snapshot const& page, bool is_watched) const {
+    auto const& driver = page.driver;
+    if (driver.ended != 0) {
+        auto const pause = driver.ended - std::min(driver.ended, driver.beat);
+        return driver.state == number(State::shutting_down) ? ending::normal
+               : pause >= watchdog_                         ? ending::watchdog
+                                                            : ending::signal;
+    }
+    if (driver.state == number(State::shutting_down) && driver.previous == number(State::prepared_sd)) {
+        return ending::fast;
+    }
+    return !is_watched                                          ? ending::no_farewell
+           : page.silent >= watchdog_                           ? ending::watchdog
+           : page.silent < std::min(k_between_beats, watchdog_) ? ending::killed
+                                                                : ending::no_farewell;
+}
+
+}  // namespace statectl::record

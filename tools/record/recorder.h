@@ -1,0 +1,64 @@
+#ifndef TOOLS_RECORD_RECORDER_H
+#define TOOLS_RECORD_RECORDER_H
+
+#include "tools/record/record_files.h"
+#include "tools/record/records.h"
+
+#include <array>
+#include <set>
+#include <string>
+#include <tuple>
+
+namespace statectl::record {
+
+/// When a look is taken: the same moment by both clocks, and how many events the page counted just before.
+struct Look {
+    Number at;
+    Number real;
+    Number events;
+};
+
+/// Follows the status page of one life after the other, on one thread, and hands what is new to the files.
+///
+///     Recorder recorder(files, read_records(directory, 2), watchdog);
+///     recorder.look(page, {at, real, events});      // again and again
+///     recorder.leave({at, real, events});           // when it is stopped itself
+class Recorder {
+ public:
+    /// `before` is what stands in the files; `watchdog` nanoseconds without a beat are the end of a daemon.
+    Recorder(Record_files& files, Records before, Number watchdog);
+
+    void look(Snapshot const& page, Look const& now);
+    void leave(Look const& now);
+
+ private:
+    using Key = std::tuple<Number, Number, std::array<Number, 3>, std::string>;
+
+    void begin_life(Snapshot const& page, Identity const& identity, Look const& now);
+    void take_events(Snapshot const& page, Look const& now);
+    bool has_allowance(Number kind);
+    void tell_missed(Look const& now);
+    void tell_end(Snapshot const& page, Look const& now);
+    char const* end_of(Snapshot const& page, bool is_watched) const;
+    void add(char const* line, std::string const& members, Look const& now);
+
+    Record_files& files_;
+    Records const before_;
+    Number const watchdog_;
+    Identity identity_;
+    std::string first_line_;  // of the next file
+    std::set<Key> seen_;      // events that stand on the page and were taken
+    Number taken_{0};         // events of this life
+    Number missed_{0};        // of it, as they were told
+    std::size_t lost_{0};     // lines, as they were told
+    bool is_over_{false};     // the life's end was told
+    bool was_alive_{false};   // at the last look
+    bool is_urgent_{false};
+    Number looked_{0};
+    Number told_alive_{0};
+    double allowance_;
+};
+
+}  // namespace statectl::record
+
+#endif

@@ -1,0 +1,105 @@
+#ifndef TOOLS_RECORD_RECORDS_H
+#define TOOLS_RECORD_RECORDS_H
+
+#include "tools/page/page_view.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace statectl::record {
+
+// What outlives a reboot: files of JSON lines, each file beginning with the life that it goes on with. The recorder
+// appends lines as the status page shows news, and reads what it had written when it starts; `ap_statectl history` and
+// its likes read all of it. Times are those of the page: nanoseconds of CLOCK_MONOTONIC, and of CLOCK_REALTIME where
+// the name says so.
+
+constexpr char const* k_directory = "/var/lib/ap_statemanager";
+constexpr std::size_t k_all_files = 1'000'000;
+
+/// How a power cycle ended. These words are all that there are.
+namespace ending {
+constexpr char const* running = "running";          ///< it has not
+constexpr char const* suspended = "suspended";      ///< and was resumed later
+constexpr char const* resumed = "resumed";          ///< from a suspend that was turned back before it was reached
+constexpr char const* normal = "normal";            ///< shut down
+constexpr char const* fast = "fast";                ///< switched off from a suspend
+constexpr char const* signal = "signal";            ///< the daemon was stopped
+constexpr char const* watchdog = "watchdog";        ///< its beat had been silent for the watchdog's time
+constexpr char const* killed = "killed";            ///< it was gone between two beats
+constexpr char const* went_down = "went down";      ///< the machine was, without a farewell
+constexpr char const* no_farewell = "no farewell";  ///< nothing more is known
+}  // namespace ending
+
+/// One daemon's life; two are the same if all of this is.
+struct Identity {
+    std::string boot;
+    Number number{0};
+    Number pid{0};
+    Number started{0};
+
+    bool operator==(Identity const& other) const {
+        return std::tie(boot, number, pid, started) == std::tie(other.boot, other.number, other.pid, other.started);
+    }
+};
+
+struct Recorded_event {
+    Number kind{0};  ///< status::Event_kind
+    Number at{0};
+    Number real{0};
+    std::array<Number, 3> numbers{};
+    std::string text;
+};
+
+struct Recorded_hold {
+    Number hold{0};
+    std::string name;
+};
+
+struct Recorded_end {
+    std::string how;  ///< one of `ending`
+    Number at{0};
+    Number silent{0};  ///< from its last sign of life until it was found gone
+};
+
+struct Recorded_life {
+    Identity identity;
+    Number started_real{0};
+    std::string program;
+    Number from{0};   ///< what was before is not told any more
+    Number state{0};  ///< then
+    std::vector<Recorded_hold> held;
+    std::vector<Recorded_event> events;  ///< in the order of their times
+    std::optional<Recorded_end> end;
+    Number last_at{0};  ///< when something was recorded last
+    Number last_real{0};
+    Number missed{0};     ///< events that were not seen, or had no room
+    bool is_left{false};  ///< the recorder was stopped while the life went on
+};
+
+struct Records {
+    std::vector<Recorded_life> lives;  ///< in the order of the files
+    std::size_t lines{0};
+    std::size_t damaged{0};  ///< lines that are none, as a torn last one; each is left out
+};
+
+/// Takes lines as they stand in the files, one after the other. Whatever they are, they fail nothing.
+void take_line(Records& records, std::string const& line);
+
+/// Puts each life's events into the order of their times.
+void finish(Records& records);
+
+/// The numbers of the files in the directory, the oldest first. Throws std::system_error without a directory that can
+/// be read.
+std::vector<Number> file_numbers(std::string const& directory);
+std::string file_name(std::string const& directory, Number number);
+
+/// What the newest files tell. Throws std::system_error where they can't be read.
+Records read_records(std::string const& directory, std::size_t files = k_all_files);
+
+}  // namespace statectl::record
+
+#endif
