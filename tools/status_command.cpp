@@ -22,6 +22,18 @@ std::string row(std::string label, std::string const& text, Mark mark = Mark::pl
     return marked(label + text, mark) + '\n';
 }
 
+// What is told of a daemon that has gone is told as that, before anything else.
+constexpr char const* k_not_running = "not-running";
+
+std::string farewell_row(Snapshot const& page) {
+    for (auto const& trouble : troubles_of(page)) {
+        if (trouble.code == k_not_running) {
+            return row("Not running", trouble.text, Mark::red);
+        }
+    }
+    return "";
+}
+
 // Real time, as long as the machine has not been suspended since; of another boot, not since the daemon's start.
 std::string clock_text(Snapshot const& page, Number time) {
     using std::chrono::system_clock;
@@ -33,13 +45,22 @@ std::string clock_text(Snapshot const& page, Number time) {
     return time_text(system_clock::now() - ago);
 }
 
+// Where a row is one condition or another, what the page says of the state that was left tells which.
+std::string condition_text(Snapshot const& page) {
+    auto const& driver = page.driver;
+    constexpr auto k_post_run = static_cast<Number>(status::State::post_run);
+    if (driver.previous == k_post_run && driver.command == 0 && (driver.row == 3 || driver.row == 6)) {
+        return driver.knockout == 0 ? "the knock-out time was over" : "nobody kept the ECU alive";
+    }
+    return cause_text(driver.previous, driver.row);
+}
+
 std::string cause_of(Snapshot const& page) {
     auto const& driver = page.driver;
     if (driver.transitions == 0) {
         return "the daemon was started";
     }
-    return cause_text(driver.previous, driver.row) + " (row " + std::to_string(driver.row) + " of " +
-           state_word(driver.previous) + ")";
+    return condition_text(page) + " (row " + std::to_string(driver.row) + " of " + state_word(driver.previous) + ")";
 }
 
 std::string commands_text(Snapshot const& page) {
@@ -141,10 +162,11 @@ std::string word_text(Snapshot const& page) {
 
 std::string status_text(Snapshot const& page) {
     auto const& driver = page.driver;
-    auto text = row("State",
-                    state_word(driver.state) + " since " + span_text(driver.since, page.now) + " (" +
-                        clock_text(page, driver.since) + ")",
-                    Mark::bold);
+    auto text = farewell_row(page);
+    text += row("State",
+                state_word(driver.state) + " since " + span_text(driver.since, page.now) + " (" +
+                    clock_text(page, driver.since) + ")",
+                Mark::bold);
     text += row("Because", cause_of(page));
     for (auto const& reason : reasons_of(page)) {
         text += row("Waits", reason.text);
@@ -165,7 +187,9 @@ std::string status_text(Snapshot const& page) {
     }
     text += row("Daemon", daemon_text(page));
     for (auto const& trouble : troubles_of(page)) {
-        text += row("Trouble", trouble.text, Mark::red);
+        if (trouble.code != k_not_running) {
+            text += row("Trouble", trouble.text, Mark::red);
+        }
     }
     return text;
 }
@@ -282,13 +306,16 @@ json status_json(Snapshot const& page) {
 
 std::string why_text(Snapshot const& page) {
     auto const reasons = reasons_of(page);
-    auto text =
+    auto text = farewell_row(page);
+    text +=
         marked(state_word(page.driver.state), Mark::bold) + " since " + span_text(page.driver.since, page.now) + ": ";
     for (std::size_t i = 0; i < reasons.size(); ++i) {
         text += (i == 0 ? "" : "  ") + reasons[i].text + '\n';
     }
     for (auto const& trouble : troubles_of(page)) {
-        text += "  " + marked(trouble.text, Mark::red) + '\n';
+        if (trouble.code != k_not_running) {
+            text += "  " + marked(trouble.text, Mark::red) + '\n';
+        }
     }
     return text;
 }

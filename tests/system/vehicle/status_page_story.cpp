@@ -257,6 +257,21 @@ TEST_F(Status_page, Says_how_long_applications_may_still_keep_the_ecu_alive) {
     ASSERT_TRUE(is_in("post run"));
     EXPECT_THAT(why("knock-out"), HasSubstr("cycles more"));
     EXPECT_THAT(why("held"), HasSubstr("\"2\" holds ECU alive"));
+    release("2", k_ecu_alive);
+    ASSERT_TRUE(ends_with(0));
+    auto const text = statectl({"status"}).output;
+    EXPECT_THAT(text, StartsWith("Not running  the daemon ended in order "));
+    EXPECT_THAT(text, HasSubstr("Because      nobody kept the ECU alive (row 3 of Post Run)"));
+}
+
+TEST_F(Status_page, Tells_that_the_knock_out_time_was_over) {
+    settings()["KnockOutTimer"] = 1;
+    settings()["DefautNMRequestPattern"] = {0, 0, 1, 0, 0, 0};
+    Story::start_and_run();
+    request("2", k_ecu_alive);
+    machine->press("n");
+    ASSERT_TRUE(ends_with(0));
+    EXPECT_THAT(statectl({"status"}).output, HasSubstr("Because      the knock-out time was over (row 3 of Post Run)"));
 }
 
 TEST_F(Status_page, Says_for_whom_a_suspend_waits_and_how_he_answers) {
