@@ -1,5 +1,7 @@
 #include "services/user_data_names.h"
 
+#include <cstddef>
+
 namespace services {
 
 namespace {
@@ -23,17 +25,17 @@ bool lies_in(std::size_t bit, std::size_t offset, std::size_t bytes) {
 }
 
 std::string user_data_name(std::size_t bit, User_data_layout const& layout) {
-    if (bit == layout.cwu_bit) {
+    if (bit == layout.cwu_bit_position) {
         return "car wake-up";
     }
     if (bit == k_awake_bit) {
         return "awake";
     }
     if (lies_in(bit, layout.ac_offset, layout.ac_bytes)) {
-        return "AC " + std::to_string(bit - layout.ac_offset * 8 + 1);
+        return "AC " + std::to_string(bit - std::size_t{layout.ac_offset} * 8 + 1);
     }
     if (lies_in(bit, layout.cab_offset, layout.cab_bytes)) {
-        return "CAB " + std::to_string(bit - layout.cab_offset * 8);
+        return "CAB " + std::to_string(bit - std::size_t{layout.cab_offset} * 8);
     }
     return "bit " + std::to_string(bit);
 }
@@ -46,13 +48,13 @@ User_data_layout layout_in(nlohmann::json const& configuration) {
     if (!configuration.contains(section) || !configuration.at(section).is_object()) {
         return layout;
     }
-    auto const read = [&](char const* key, std::size_t& value) {
+    auto const read = [&](char const* key, std::uint32_t& value) {
         auto const& members = configuration.at(section);
         if (members.contains(key) && members.at(key).is_number_integer() && members.at(key).get<std::int64_t>() >= 0) {
-            value = members.at(key).get<std::size_t>();
+            value = members.at(key).get<std::uint32_t>();
         }
     };
-    read("CWUBitPosition", layout.cwu_bit);
+    read("CWUBitPosition", layout.cwu_bit_position);
     read("ACOffset", layout.ac_offset);
     read("ACBytes", layout.ac_bytes);
     read("CABOffset", layout.cab_offset);

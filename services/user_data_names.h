@@ -1,7 +1,8 @@
 #ifndef SERVICES_USER_DATA_NAMES_H
 #define SERVICES_USER_DATA_NAMES_H
 
-#include <cstddef>
+#include "statemanager/config/nm_user_data_config.h"
+
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -12,14 +13,8 @@ namespace services {
 /// What the bits of the network mean to people. Bit k is bit k mod 8 of byte k / 8, counted from the least significant.
 using Octets = std::vector<std::uint8_t>;
 
-/// Where the parts of the NM user data lie; the defaults are the state manager's.
-struct User_data_layout {
-    std::size_t cwu_bit{6};
-    std::size_t ac_offset{1};
-    std::size_t ac_bytes{2};
-    std::size_t cab_offset{3};
-    std::size_t cab_bytes{3};
-};
+/// Where the parts of the NM user data lie.
+using User_data_layout = ximo::ap::statemanager::config::Nm_user_data_config;
 
 /// The layout in a configuration of the state manager; what it does not say is the default.
 User_data_layout layout_in(nlohmann::json const& configuration);

@@ -17,7 +17,7 @@ namespace statectl {
 struct Cab_options {
     std::string bits;
     std::vector<unsigned> cabs;
-    std::uint8_t ac_number = 0;
+    std::uint8_t ac_number{0};
 };
 
 /// The bits of both options together.

@@ -7,10 +7,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -30,9 +28,9 @@ struct Check_options {
     std::vector<std::string> chosen_rules;
     std::int64_t patience_ms = check::Limits{}.patience.count();
     std::int64_t quiet_ms = check::Limits{}.quiet.count();
-    bool by_variable_only = false;
-    bool list_rules = false;
-    bool as_json = false;
+    bool by_variable_only{false};
+    bool list_rules{false};
+    bool as_json{false};
 };
 
 /// A directory for the socket, which every user may enter: the program may run as another one.

@@ -10,7 +10,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include <unistd.h>
 
@@ -29,8 +28,8 @@ struct Check_config_options {
     std::optional<std::string> host;
     std::optional<std::string> unit;
     std::optional<double> limit_seconds;
-    bool as_json = false;
-    bool prints_schema = false;
+    bool as_json{false};
+    bool prints_schema{false};
 };
 
 /// One figure: its name in JSON, what it is for people.

@@ -27,11 +27,11 @@ using Clock = std::chrono::steady_clock;
 struct Client_options {
     std::string name;
     component_client::Options connection;
-    std::int64_t answer_after_ms = 0;
-    std::uint32_t status = 0;
-    std::uint64_t requests = 0;
-    bool is_silent = false;
-    bool as_json = false;
+    std::int64_t answer_after_ms{0};
+    std::uint32_t status{0};
+    std::uint64_t requests{0};
+    bool is_silent{false};
+    bool as_json{false};
 };
 
 /// One client on this thread. Answers wait in the order of their requests, which is that of their times.
@@ -115,7 +115,7 @@ class Session {
     Client_report report_;
     End_signals end_;
     std::deque<Owed> owed_;
-    std::uint64_t requests_ = 0;
+    std::uint64_t requests_{0};
     Client client_;
 };
 

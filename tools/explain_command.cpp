@@ -33,8 +33,8 @@ namespace {
 struct Explain_options {
     std::string trace;
     std::string page;
-    bool as_json = false;
-    bool follows = false;
+    bool as_json{false};
+    bool follows{false};
 };
 
 /// Waits for bytes, or for the user's wish to end; false for that one.

@@ -47,8 +47,8 @@ namespace proxy = ximo::ap::statemanager::proxy;
 struct Hold_options : Cab_options {
     std::string instance;
     std::vector<std::string> words;
-    std::int64_t wait_ms = 2000;
-    std::int64_t limit_s = 0;
+    std::int64_t wait_ms{2000};
+    std::int64_t limit_s{0};
 };
 
 /// How something is held, and why it can't be when nobody offers it.

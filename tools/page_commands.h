@@ -19,8 +19,8 @@ namespace statectl {
 
 struct Page_options {
     std::string path{status::k_page_path};
-    bool as_json = false;
-    bool watches = false;
+    bool as_json{false};
+    bool watches{false};
 };
 
 /// How one of them shows the page: for people, and for programs.

@@ -13,7 +13,7 @@ namespace {
 constexpr char const* k_instance = "DSA_Interface";
 
 struct Restart_options : Call_options {
-    std::uint8_t type = 0;
+    std::uint8_t type{0};
 };
 
 int restart(Restart_options const& options) {

@@ -16,8 +16,8 @@ namespace statectl {
 /// What every command that calls one instance of a service is told.
 struct Call_options {
     std::string instance;
-    std::int64_t wait_ms = 2000;  ///< for the instance to be offered
-    bool as_json = false;
+    std::int64_t wait_ms{2000};  ///< for the instance to be offered
+    bool as_json{false};
 };
 
 /// Adds --wait and --json.

@@ -17,7 +17,6 @@
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -28,8 +27,8 @@ namespace {
 using ara::com::ServiceHandleContainer;
 
 struct Services_options {
-    std::int64_t wait_ms = 500;
-    bool as_json = false;
+    std::int64_t wait_ms{500};
+    bool as_json{false};
 };
 
 /// What the lookups have found so far; their reports come on threads of the binding.

@@ -28,7 +28,7 @@ struct Wait_options {
     Page_options page;
     std::string state;
     std::string event;
-    double seconds = 0;
+    double seconds{0};
 };
 
 // "NM Controlled", "nm-controlled" and "nmcontrolled" are one state.

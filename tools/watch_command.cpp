@@ -26,7 +26,7 @@ using tarq::udpnm::interface::proxy::UserDataInterfaceProxy;
 struct Watch_options {
     std::string instance{"*"};
     std::string configuration;
-    bool as_json = false;
+    bool as_json{false};
 };
 
 // A subscription outlives the offer, so the first way to an instance is prepared once.
@@ -75,8 +75,7 @@ services::User_data_layout layout_of(std::string const& configuration) {
     if (!verdict.is_taken) {
         throw std::runtime_error(configuration + " is refused by the state manager: " + verdict.reason);
     }
-    auto const layout = verdict.config->get_nm_user_data_config();
-    return {layout.cwu_bit_position, layout.ac_offset, layout.ac_bytes, layout.cab_offset, layout.cab_bytes};
+    return verdict.config->get_nm_user_data_config();
 }
 
 void await_end(End_signals const& end) {

@@ -24,7 +24,7 @@ char const* name(Means means);
 /// What a request for communication, or to wake the car, carries.
 struct Request {
     std::vector<std::uint8_t> cab_bits;        ///< com_alive only
-    std::uint8_t ac_number = 0;                ///< com_alive and car_wake_up
+    std::uint8_t ac_number{0};                 ///< com_alive and car_wake_up
     std::chrono::milliseconds patience{2000};  ///< for the service to be offered
 };
 

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdio>
 #include <utility>
-#include <vector>
 
 namespace bench::console {
 

@@ -13,12 +13,12 @@ namespace bench::hypervisor {
 
 /// One write of a program to a control file, as the hypervisor saw it.
 struct Request {
-    std::uint64_t number = 0;  ///< 1 for the file's first
-    std::int64_t time = 0;     ///< CLOCK_MONOTONIC nanoseconds at its arrival
-    std::int64_t offset = 0;   ///< where the writer stood in the file; has no meaning to the hypervisor
-    std::string bytes;         ///< all that the program wrote, accepted or not
-    std::size_t accepted = 0;  ///< bytes that the write reports as written
-    int error = 0;             ///< errno that it fails with; 0 for success
+    std::uint64_t number{0};  ///< 1 for the file's first
+    std::int64_t time{0};     ///< CLOCK_MONOTONIC nanoseconds at its arrival
+    std::int64_t offset{0};   ///< where the writer stood in the file; has no meaning to the hypervisor
+    std::string bytes;        ///< all that the program wrote, accepted or not
+    std::size_t accepted{0};  ///< bytes that the write reports as written
+    int error{0};             ///< errno that it fails with; 0 for success
     std::chrono::milliseconds delay{0};
 };
 
@@ -40,7 +40,7 @@ class Control_file {
  private:
     std::string name_;
     Fault_plan faults_;
-    std::uint64_t requests_ = 0;
+    std::uint64_t requests_{0};
     std::deque<Request> journal_;
 };
 

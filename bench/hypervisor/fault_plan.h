@@ -15,7 +15,7 @@ enum class Operation : std::uint8_t { open, read, write, ioctl };
 
 /// How an operation goes wrong. A fault that has only a delay is a slow success.
 struct Fault {
-    int error = 0;                              ///< errno to fail with; 0 for none
+    int error{0};                               ///< errno to fail with; 0 for none
     std::optional<std::size_t> accepted_bytes;  ///< of a write: so many bytes are taken, at most
     std::chrono::milliseconds delay{0};         ///< the answer is held back so long
 };

@@ -16,7 +16,7 @@ namespace bench::hypervisor {
 
 /// One entry of the tree: a directory, an input device or a control file.
 struct Node {
-    std::uint64_t inode = 0;
+    std::uint64_t inode{0};
     std::string name;
     std::shared_ptr<Input_device> device;
     std::shared_ptr<Control_file> control_file;
@@ -44,7 +44,7 @@ class File_tree {
 
     Model const& model_;
     std::map<std::string, std::uint64_t> inodes_;
-    std::uint64_t next_inode_ = k_vmctl + 1;
+    std::uint64_t next_inode_{k_vmctl + 1};
 };
 
 }  // namespace bench::hypervisor

@@ -25,7 +25,7 @@ class Held_answers {
 
     Control_loop& loop_;
     std::map<std::uint64_t, std::function<void()>> held_;
-    std::uint64_t next_ = 0;
+    std::uint64_t next_{0};
 };
 
 }  // namespace bench::hypervisor

@@ -8,7 +8,6 @@
 #include <deque>
 #include <map>
 #include <string>
-#include <vector>
 
 #include <linux/input.h>
 
@@ -16,7 +15,7 @@ namespace bench::hypervisor {
 
 /// What a read, an ioctl or a write gives: bytes or an errno value.
 struct Outcome {
-    int error = 0;
+    int error{0};
     std::string bytes;
     std::chrono::milliseconds delay{0};
 };
@@ -66,7 +65,7 @@ class Input_device {
  private:
     std::string name_;
     std::uint64_t event_types_;
-    bool hung_up_ = false;
+    bool hung_up_{false};
     Fault_plan faults_;
     std::map<Reader, std::deque<input_event>> queues_;
 };

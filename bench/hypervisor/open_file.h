@@ -24,7 +24,7 @@ struct Open_file {
         std::size_t space;
     };
 
-    std::uint64_t handle = 0;
+    std::uint64_t handle{0};
     std::shared_ptr<Input_device> device;  ///< one of the two is set
     std::shared_ptr<Control_file> control_file;
     std::unique_ptr<fuse_pollhandle, Poll_handle_deleter> poll_handle;  ///< whom to wake when the device changes
@@ -42,7 +42,7 @@ class Open_files {
 
  private:
     std::map<std::uint64_t, Open_file> files_;
-    std::uint64_t next_handle_ = 1;
+    std::uint64_t next_handle_{1};
 };
 
 }  // namespace bench::hypervisor

@@ -21,7 +21,7 @@ constexpr std::chrono::milliseconds k_last_words{1000};
 struct Control_loop::Implementation {
     // One descriptor or timer that somebody waits for.
     struct Waiter {
-        Implementation* owner = nullptr;
+        Implementation* owner{nullptr};
         std::function<void()> action;
         Event_source source;
     };
@@ -36,7 +36,7 @@ struct Control_loop::Implementation {
     static int on_descriptor(sd_event_source* source, int descriptor, std::uint32_t events, void* waiter);
     static int on_time(sd_event_source* source, std::uint64_t now, void* waiter);
 
-    sd_event* loop = nullptr;
+    sd_event* loop{nullptr};
     std::list<Waiter> waiters;
     Line_exchange lines;
 };

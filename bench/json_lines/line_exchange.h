@@ -42,8 +42,8 @@ class Line_exchange {
     Command_table const& commands_;
     Output_queue queue_;
     Line_splitter lines_;
-    std::uint64_t reported_drops_ = 0;
-    sd_event* loop_ = nullptr;
+    std::uint64_t reported_drops_{0};
+    sd_event* loop_{nullptr};
     Event_source input_source_;
     Event_source output_source_;  ///< null when the output can't be waited for, as a regular file
 };

@@ -35,7 +35,7 @@ class Output_queue {
 
     int descriptor_;
     std::string bytes_;
-    std::uint64_t dropped_ = 0;
+    std::uint64_t dropped_{0};
 };
 
 }  // namespace bench

@@ -10,8 +10,8 @@ namespace bench::network {
 
 /// How one call of a service goes; a default one goes well.
 struct Call_reaction {
-    bool refuse = false;                 ///< the caller gets an exception, and nothing else happens
-    bool silent = false;                 ///< the caller gets no answer; what was asked for happens
+    bool refuse{false};                  ///< the caller gets an exception, and nothing else happens
+    bool silent{false};                  ///< the caller gets no answer; what was asked for happens
     std::chrono::milliseconds delay{0};  ///< until the answer
 };
 

@@ -9,8 +9,8 @@ namespace bench::network {
 
 /// Where a node is reached: an IPv4 address (first byte in the highest bits) and a UDP port.
 struct Endpoint {
-    std::uint32_t address = 0;
-    std::uint16_t port = 0;
+    std::uint32_t address{0};
+    std::uint16_t port{0};
 };
 
 inline bool operator==(Endpoint const& left, Endpoint const& right) {

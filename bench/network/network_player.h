@@ -18,10 +18,10 @@ namespace bench::network {
 
 /// Who a node is and whom it talks to.
 struct Network_options {
-    std::uint8_t id = 0;
+    std::uint8_t id{0};
     Endpoint own;
     std::vector<Endpoint> others;  ///< each message goes to each of them
-    std::size_t request_bytes = 6;
+    std::size_t request_bytes{6};
     Nm_timing timing;
 };
 

@@ -18,8 +18,8 @@ namespace bench::network {
 ///
 /// n is a property of the network: every node on it is told the same number.
 struct Nm_message {
-    std::uint8_t node = 0;
-    std::uint8_t control = 0;
+    std::uint8_t node{0};
+    std::uint8_t control{0};
     Bits requests;
     Bits user_data;
 

@@ -28,7 +28,7 @@ class Nm_environment {
 struct Nm_peer {
     Bits requests;  ///< zeros once it has been silent for the reset time
     Bits user_data;
-    std::uint8_t control = 0;
+    std::uint8_t control{0};
     Time heard{};
 };
 

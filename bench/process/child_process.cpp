@@ -12,7 +12,6 @@
 #include <thread>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -28,8 +27,8 @@ constexpr std::chrono::milliseconds k_time_to_end{3'000};
 }
 
 struct Pipe {
-    int read_end = -1;
-    int write_end = -1;
+    int read_end{-1};
+    int write_end{-1};
 };
 
 Pipe make_pipe() {

@@ -51,9 +51,9 @@ class Child_process {
     void tell_unasked_end() const;
 
     std::string const name_;
-    pid_t pid_ = -1;
-    int input_ = -1;
-    int output_ = -1;
+    pid_t pid_{-1};
+    int input_{-1};
+    int output_{-1};
     std::optional<int> status_;
     std::vector<int> expected_;
 };

@@ -1,6 +1,5 @@
 #include "bench/process/player.h"
 
-#include <cerrno>
 #include <csignal>
 #include <stdexcept>
 

@@ -44,7 +44,7 @@ class Player {
  private:
     Child_process process_;
     Message_log log_;
-    std::uint64_t next_id_ = 1;
+    std::uint64_t next_id_{1};
 };
 
 /// Whether the message has all of these members with these values.

@@ -13,10 +13,10 @@ namespace bench::service_manager {
 
 /// A request to start or stop a unit, from its acceptance to its end.
 struct Job {
-    std::uint32_t id = 0;
-    Unit* unit = nullptr;
-    bool start = true;
-    std::string result = "done";
+    std::uint32_t id{0};
+    Unit* unit{nullptr};
+    bool start{true};
+    std::string result{"done"};
 };
 
 /// Units, their jobs, the reactions told beforehand and what services reported; all that the service manager knows,
@@ -38,7 +38,7 @@ class Manager {
     Units units_;
     Reaction_plan plan_;
     Reports reports_;
-    std::uint32_t jobs_ = 0;
+    std::uint32_t jobs_{0};
 };
 
 }  // namespace bench::service_manager

@@ -11,8 +11,8 @@ namespace bench::service_manager {
 /// that were started, looked up by LoadUnit, or belong to the group of one that was.
 struct Unit {
     std::string name;
-    std::string active = "inactive";  ///< ActiveState: "active", "activating", "deactivating", "inactive", "failed"
-    bool loaded = false;
+    std::string active{"inactive"};  ///< ActiveState: "active", "activating", "deactivating", "inactive", "failed"
+    bool loaded{false};
 
     /// SubState of a target in that ActiveState.
     std::string sub_state() const { return active == "active" ? "active" : "dead"; }

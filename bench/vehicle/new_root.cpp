@@ -3,7 +3,6 @@
 #include "bench/vehicle/private_mounts.h"
 #include "bench/vehicle/world.h"
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>

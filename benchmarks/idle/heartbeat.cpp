@@ -1,10 +1,11 @@
 // The least that a supervised program can do while nothing happens: every 100 ms wait for input and report that it is
 // alive. The yardstick of the idle daemon. Usage: benchmark_heartbeat INPUT_DEVICE STATUS_FILE, with NOTIFY_SOCKET set.
 
+#include "yardstick.h"
+
 #include <cstdlib>
 #include <cstring>
 
-#include <fcntl.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -29,16 +30,12 @@ int main(int argc, char** argv) {
     if (argc != 3) {
         return 2;
     }
-    int const device = ::open(argv[1], O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    int const status = ::open(argv[2], O_WRONLY | O_TRUNC | O_CLOEXEC);
-    int const epoll = ::epoll_create1(EPOLL_CLOEXEC);
-    epoll_event wanted{};
-    wanted.events = EPOLLIN;
-    if (device < 0 || status < 0 || ::epoll_ctl(epoll, EPOLL_CTL_ADD, device, &wanted) != 0) {
+    Yardstick const files(argv[1], argv[2]);
+    if (!files.is_open) {
         return 1;
     }
     sockaddr_un const address = notify_address();
-    static_cast<void>(!::write(status, "running", std::strlen("running")));
+    static_cast<void>(!::write(files.status, "running", std::strlen("running")));
     for (;;) {
         // A socket for each report, as sd_notify has.
         int const socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
@@ -46,6 +43,6 @@ int main(int argc, char** argv) {
                  sizeof address);
         ::close(socket);
         epoll_event event{};
-        ::epoll_wait(epoll, &event, 1, k_period_ms);
+        ::epoll_wait(files.epoll, &event, 1, k_period_ms);
     }
 }

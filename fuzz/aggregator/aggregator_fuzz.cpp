@@ -65,8 +65,8 @@ class Script {
  private:
     struct Held {
         Bits cab;
-        unsigned ac = 0;
-        bool cwu = false;
+        unsigned ac{0};
+        bool cwu{false};
 
         bool is_active() const { return cwu || !cab.empty(); }
     };

@@ -21,7 +21,6 @@
 #include <array>
 #include <chrono>
 #include <cstring>
-#include <functional>
 #include <future>
 #include <memory>
 #include <set>

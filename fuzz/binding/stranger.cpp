@@ -4,7 +4,6 @@
 #include "ara/com/dds/entities/matched.h"
 #include "support/played_dds.h"
 
-#include <chrono>
 #include <cstring>
 
 namespace fuzz {

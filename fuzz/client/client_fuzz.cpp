@@ -176,14 +176,14 @@ class World {
     }
 
     base::Temporary_directory const directory_;
-    std::string const path_ = directory_.file("socket");
+    std::string const path_{directory_.file("socket")};
     Socket listener_;
     Socket peer_;
     std::optional<Client> client_;
-    bool has_closed_ = false;
-    unsigned handled_ = 0;
-    std::uint8_t const* next_ = nullptr;
-    std::uint8_t const* end_ = nullptr;
+    bool has_closed_{false};
+    unsigned handled_{0};
+    std::uint8_t const* next_{nullptr};
+    std::uint8_t const* end_{nullptr};
 };
 
 }  // namespace

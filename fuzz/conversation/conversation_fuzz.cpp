@@ -100,7 +100,7 @@ class World {
         }
     }
 
-    std::string path_ = utilities::get_static_tmp_dir() + "/socket";
+    std::string path_{utilities::get_static_tmp_dir() + "/socket"};
     Client_states_impl server_{"kOn", [](auto const&, auto, auto const&) {}, path_};
     utilities::Socket good_;
     std::shared_ptr<std::atomic<bool>> newest_;

@@ -3,7 +3,6 @@
 #include "utilities/serialization.h"
 
 #include <algorithm>
-#include <exception>
 
 #include <sys/socket.h>
 

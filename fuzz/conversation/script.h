@@ -38,7 +38,7 @@ class Script {
     struct Client {
         utilities::Socket socket;
         utilities::Frame_assembler frames;
-        std::uint32_t asked = 0;
+        std::uint32_t asked{0};
     };
 
     void step();

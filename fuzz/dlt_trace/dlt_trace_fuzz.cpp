@@ -5,12 +5,10 @@
 #include "tools/trace/narrator.h"
 #include "tools/trace/reports.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 using fuzz::require;
 

@@ -9,8 +9,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
-#include <optional>
 
 #include <sys/socket.h>
 
@@ -28,7 +26,7 @@ enum class End { unfinished, too_long, malformed };
 /// What became of one stream: the messages in front, and why there were no more.
 struct Reading {
     std::vector<Type_length_values> messages;
-    End end = End::unfinished;
+    End end{End::unfinished};
 };
 
 bool operator==(Reading const& left, Reading const& right) {

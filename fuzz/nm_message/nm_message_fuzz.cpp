@@ -19,7 +19,7 @@ class Environment : public Nm_environment {
         last = requests;
     }
 
-    Bits last = Bits(k_request_bytes);
+    Bits last{Bits(k_request_bytes)};
 };
 
 /// Pieces of the input, each as long as its first byte says.

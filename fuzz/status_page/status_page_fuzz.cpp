@@ -12,7 +12,6 @@
 #include <chrono>
 #include <cstring>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace {

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <chrono>
-#include <optional>
 
 #include <fcntl.h>
 #include <sys/mman.h>

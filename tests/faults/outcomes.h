@@ -28,7 +28,7 @@ class Outcomes {
     using Table = std::map<std::string, std::map<std::size_t, std::map<std::string, unsigned>>>;
 
     Table table_;
-    std::vector<unsigned> totals_ = std::vector<unsigned>(k_outcomes);
+    std::vector<unsigned> totals_{std::vector<unsigned>(k_outcomes)};
     std::vector<std::string> wrong_;
 };
 

@@ -1,6 +1,5 @@
 #include "plan.h"
 
-#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>

@@ -21,7 +21,7 @@ class Fake_client_states : public client_state_notifier::Client_states {
     std::string default_state;
     client_state_notifier::Status_callback report;
     std::vector<Request> requests;
-    bool can_be_told = true;
+    bool can_be_told{true};
 
     std::vector<std::pair<std::string, std::string>> get_connected_clients() const override { return {}; }
     void set_default_state(std::string const& state) override { default_state = state; }

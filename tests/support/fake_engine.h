@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <optional>
 #include <utility>
 
 namespace test_support {
@@ -33,7 +32,7 @@ class Fake_lookup : public ara::com::Lookup {
     std::string const interface_;
     ara::com::InstanceSpecifier const wanted_;
     ara::com::FindServiceHandler const handler_;
-    bool stopped_ = false;
+    bool stopped_{false};
 };
 
 /// What stands behind `Fake_binding`. Samples of events and fields are sequences of octets in all interfaces.
@@ -76,7 +75,7 @@ class Fake_binding::Engine : public ara::com::Binding {
     std::map<Key, std::vector<Handler>> subscribers;
     std::map<Key, std::pair<std::vector<std::uint8_t>, Set_time>> newest_values;
     std::function<void(std::string const&, std::string const&)> observer;
-    bool holds_reports = false;
+    bool holds_reports{false};
 };
 
 }  // namespace test_support

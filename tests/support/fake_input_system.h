@@ -76,15 +76,15 @@ class Fake_input_system final : public virtio::Input_system {
     };
     struct Device {
         std::string name;
-        std::uint64_t types = 0;
-        bool listed = true;
-        bool open_refused = false;
-        bool types_refused = false;
-        bool watch_refused = false;
-        bool hung_up = false;
-        int next_descriptor = -1;
-        int descriptor = -1;
-        std::uint32_t raised = 0;
+        std::uint64_t types{0};
+        bool listed{true};
+        bool open_refused{false};
+        bool types_refused{false};
+        bool watch_refused{false};
+        bool hung_up{false};
+        int next_descriptor{-1};
+        int descriptor{-1};
+        std::uint32_t raised{0};
         std::deque<Read_outcome> reads;
     };
 
@@ -101,10 +101,10 @@ class Fake_input_system final : public virtio::Input_system {
     std::vector<int> closes_;
     std::vector<std::string> paths_;
     std::vector<std::string> directories_;
-    bool directory_refused_ = false;
-    int epoll_error_ = 0;
-    int wait_error_ = 0;
-    int last_descriptor_ = 100;
+    bool directory_refused_{false};
+    int epoll_error_{0};
+    int wait_error_{0};
+    int last_descriptor_{100};
 };
 
 }  // namespace test_support

@@ -1,6 +1,5 @@
 #include "tools/check/peer.h"
 
-#include <algorithm>
 #include <array>
 #include <system_error>
 

@@ -36,7 +36,7 @@ class Peer {
 
     utilities::Socket socket_;
     utilities::Frame_assembler assembler_;
-    bool is_closed_ = false;
+    bool is_closed_{false};
 };
 
 /// The bytes of a request.

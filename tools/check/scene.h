@@ -64,7 +64,7 @@ class Scene {
     Limits limits_;
     std::optional<utilities::Socket> listener_;
     std::optional<Program> program_;
-    bool has_answered_ = false;
+    bool has_answered_{false};
     std::optional<Milliseconds> longest_answer_;
 };
 

@@ -14,7 +14,7 @@ struct Question {
     std::string file;
     std::optional<std::string> host;      ///< that is to read it
     std::optional<double> limit_seconds;  ///< that a suspend may take
-    Unit unit = shipped_unit();
+    Unit unit{shipped_unit()};
 };
 
 /// The answer.

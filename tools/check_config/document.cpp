@@ -5,7 +5,6 @@
 
 #include "statemanager/config/json_conversion.h"
 
-#include <iterator>
 #include <utility>
 
 namespace statectl::check_config {
@@ -44,7 +43,7 @@ class Line_counter {
 /// Notes on which line each value stands, and which names stand twice in an object.
 class Line_reader : public nlohmann::json_sax<json> {
  public:
-    std::size_t line = 1;
+    std::size_t line{1};
     std::map<std::string, std::size_t> lines;
     std::vector<Document::Repeated> repeated;
 

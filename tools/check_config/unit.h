@@ -13,8 +13,8 @@ struct Unit {
     std::string name;
     std::optional<double> watchdog_seconds;
     std::optional<double> stop_seconds{90};  ///< the service manager's own
-    bool is_strict = false;                  ///< nothing but the paths below may be written
-    bool has_private_tmp = false;
+    bool is_strict{false};                   ///< nothing but the paths below may be written
+    bool has_private_tmp{false};
     std::vector<std::string> writable;
 };
 

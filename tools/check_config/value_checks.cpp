@@ -1,7 +1,6 @@
 #include "tools/check_config/finding.h"
 #include "tools/check_config/words.h"
 
-#include <limits>
 #include <string>
 
 namespace statectl::check_config {

@@ -10,9 +10,9 @@ namespace statectl::check_config {
 
 /// What the daemon makes of a configuration file.
 struct Verdict {
-    bool is_parsed = false;  ///< its parser takes the file
-    bool is_taken = false;   ///< and the start goes on with it
-    std::string reason;      ///< for one that is refused: the daemon's own words
+    bool is_parsed{false};  ///< its parser takes the file
+    bool is_taken{false};   ///< and the start goes on with it
+    std::string reason;     ///< for one that is refused: the daemon's own words
     std::unique_ptr<Config> config =
         std::make_unique<Config>();  ///< what it has of the file; of a refused one only what came before the reason
 };

@@ -1,6 +1,5 @@
 #include "tools/dlt/payload.h"
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
 

@@ -24,7 +24,7 @@ class Cursor {
  private:
     std::string_view bytes_;
     bool is_big_endian_;
-    bool good_ = true;
+    bool good_{true};
 };
 
 /// The arguments of a verbose message, as text: up to the first one that is cut or of an unknown type.

@@ -3,7 +3,6 @@
 #include "tools/dlt/payload.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace dlt {
 

@@ -18,7 +18,7 @@ struct Message {
     std::string application;
     std::string context;
     std::optional<std::uint32_t> session;  ///< the process, where the sender says it
-    int level = 0;                         ///< 1 fatal to 6 verbose; 0 for what is no log message
+    int level{0};                          ///< 1 fatal to 6 verbose; 0 for what is no log message
     std::vector<std::string> arguments;    ///< as log viewers show them
 };
 
@@ -57,11 +57,11 @@ class Reader {
     void skip(std::size_t bytes);
 
     std::string waiting_;
-    std::size_t place_ = 0;  ///< of what was not looked at yet
-    Framing framing_ = Framing::unknown;
-    bool has_ended_ = false;
-    bool is_cut_ = false;
-    std::size_t skipped_ = 0;
+    std::size_t place_{0};  ///< of what was not looked at yet
+    Framing framing_{Framing::unknown};
+    bool has_ended_{false};
+    bool is_cut_{false};
+    std::size_t skipped_{0};
 };
 
 }  // namespace dlt

@@ -8,7 +8,6 @@
 #include <climits>
 #include <csignal>
 #include <fstream>
-#include <iterator>
 #include <thread>
 
 #include <fcntl.h>

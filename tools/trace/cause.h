@@ -9,7 +9,7 @@ namespace statectl::trace {
 /// What is known of the machine at a transition.
 struct Situation {
     std::string command;  ///< the oldest one that waits; empty for none
-    bool uses_network = true;
+    bool uses_network{true};
     std::vector<std::string> ecu;      ///< who keeps the ECU alive
     std::vector<std::string> network;  ///< who keeps communication alive
     std::vector<std::string> late;     ///< who has not answered in time

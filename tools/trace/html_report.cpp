@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <initializer_list>
 
 namespace statectl::trace {
 
@@ -43,7 +42,7 @@ class Table {
 
  private:
     std::string text_;
-    bool is_empty_ = true;
+    bool is_empty_{true};
 };
 
 std::string number(unsigned value) {

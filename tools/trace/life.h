@@ -61,24 +61,24 @@ struct Remark {
 
 /// How a client fared over the life.
 struct Client_account {
-    unsigned asked = 0;
-    unsigned succeeded = 0;
-    unsigned failed = 0;
-    unsigned late = 0;         ///< timed out
-    unsigned out_of_turn = 0;  ///< answers that nobody waited for any more
-    unsigned dropped = 0;      ///< thrown out, or gone while it was asked
-    double waited = 0;         ///< time of the groups in which it was late, in seconds
+    unsigned asked{0};
+    unsigned succeeded{0};
+    unsigned failed{0};
+    unsigned late{0};         ///< timed out
+    unsigned out_of_turn{0};  ///< answers that nobody waited for any more
+    unsigned dropped{0};      ///< thrown out, or gone while it was asked
+    double waited{0};         ///< time of the groups in which it was late, in seconds
 };
 
 struct Life {
     std::string ecu;
     std::optional<std::uint32_t> process;
     std::optional<std::int64_t> stored_us;  ///< when its first message was stored
-    double begin = 0;
-    double end = 0;
-    bool has_start = false;  ///< its first message is that of a start
-    std::string ending;      ///< in words: "went down", "no farewell, last seen in Running"
-    bool is_orderly = true;
+    double begin{0};
+    double end{0};
+    bool has_start{false};  ///< its first message is that of a start
+    std::string ending;     ///< in words: "went down", "no farewell, last seen in Running"
+    bool is_orderly{true};
     std::vector<Stay> stays;
     std::vector<Sequence> sequences;
     std::vector<Hold> holds;
@@ -86,15 +86,15 @@ struct Life {
     std::vector<Remark> requests;  ///< of a restart
     std::vector<Remark> troubles;  ///< warnings, errors and fatal messages
     std::map<std::string, Client_account> clients;
-    std::size_t messages = 0;
+    std::size_t messages{0};
 };
 
 /// A trace as a whole.
 struct Story {
     std::vector<Life> lives;
-    std::size_t messages = 0;  ///< all that were read
-    std::size_t skipped_bytes = 0;
-    bool is_cut = false;
+    std::size_t messages{0};  ///< all that were read
+    std::size_t skipped_bytes{0};
+    bool is_cut{false};
 };
 
 }  // namespace statectl::trace

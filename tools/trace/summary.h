@@ -25,17 +25,17 @@ std::vector<Cycle> cycles_of(Life const& life);
 
 /// How long a group was asked, over all lives.
 struct Group_total {
-    unsigned times = 0;
-    unsigned late = 0;  ///< times in which somebody did not answer in time
-    double total = 0;
-    double longest = 0;
+    unsigned times{0};
+    unsigned late{0};  ///< times in which somebody did not answer in time
+    double total{0};
+    double longest{0};
 };
 
 /// What an application has held, over all lives.
 struct Hold_total {
-    unsigned times = 0;
-    double total = 0;
-    double awake = 0;  ///< of that, while the machine would have gone to sleep: in NM Controlled and Post Run
+    unsigned times{0};
+    double total{0};
+    double awake{0};  ///< of that, while the machine would have gone to sleep: in NM Controlled and Post Run
 };
 
 /// What cost the machine time, the dearest first.

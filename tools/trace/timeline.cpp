@@ -134,7 +134,7 @@ class Drawing {
     Cycle const& cycle_;
     Life const& life_;
     double const scale_;
-    double y_ = 0;
+    double y_{0};
     std::string text_;
 };
 

@@ -112,8 +112,9 @@ std::unique_ptr<StateClient::Connection::Call> StateClient::Connection::send(Mes
     return call;
 }
 
-bool StateClient::Connection::is_greeted(Deadline deadline) {
-    while (sd_bus_is_ready(bus_.get()) == 0) {
+template <class Condition>
+bool StateClient::Connection::progress_until(Condition const& is_met, Deadline deadline) {
+    while (!is_met()) {
         if (!progress(deadline)) {
             return false;
         }
@@ -121,13 +122,12 @@ bool StateClient::Connection::is_greeted(Deadline deadline) {
     return true;
 }
 
+bool StateClient::Connection::is_greeted(Deadline deadline) {
+    return progress_until([this] { return sd_bus_is_ready(bus_.get()) != 0; }, deadline);
+}
+
 bool StateClient::Connection::is_answered(Call const& call, Deadline deadline) {
-    while (!call.answer) {
-        if (!progress(deadline)) {
-            return false;
-        }
-    }
-    return true;
+    return progress_until([&call] { return call.answer != nullptr; }, deadline);
 }
 
 bool StateClient::Connection::is_answered(Call const& call, std::chrono::microseconds patience) {

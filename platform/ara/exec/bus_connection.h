@@ -105,6 +105,8 @@ class StateClient::Connection {
     void open();
     void close();
     bool progress(Deadline deadline);
+    template <class Condition>
+    bool progress_until(Condition const& is_met, Deadline deadline);
     Message new_call(char const* method);
     std::unique_ptr<Call> send(Message message, std::string name);
     Answer answer_to(std::unique_ptr<Call>& call, Deadline deadline);

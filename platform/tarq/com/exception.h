@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <stdexcept>
-#include <string>
 
 namespace tarq::com {
 

@@ -34,8 +34,8 @@ class Application_stats {
     static constexpr unsigned k_ac_bytes = 2;
 
     bool cwu_active_{false};
-    Bit_vector application_bits_ = Bit_vector(k_application_bytes, 0);
-    Bit_vector ac_bits_ = Bit_vector(k_ac_bytes, 0);
+    Bit_vector application_bits_{Bit_vector(k_application_bytes, 0)};
+    Bit_vector ac_bits_{Bit_vector(k_ac_bytes, 0)};
 };
 
 }  // namespace ximo::ap::statemanager::nm

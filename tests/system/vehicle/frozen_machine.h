@@ -89,8 +89,8 @@ class Frozen_machine : public Network_story, public testing::WithParamInterface<
     }
 
     Freezer freezer;
-    pid_t daemon = 0;
-    std::size_t before_resume = 0;
+    pid_t daemon{0};
+    std::size_t before_resume{0};
 };
 
 }  // namespace bench::vehicle

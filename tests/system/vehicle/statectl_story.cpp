@@ -86,10 +86,10 @@ class Holding : public Statectl {
     bool is_requested() { return sees_new_log("State_manager::ecu_alive_request:  2"); }
     bool is_released() { return sees_new_log("State_manager::ecu_alive_release:  2"); }
 
-    pid_t command = 0;
+    pid_t command{0};
 
  private:
-    std::size_t seen_ = 0;
+    std::size_t seen_{0};
 };
 
 TEST_F(Holding, Keeps_the_machine_awake_until_its_command_ends_and_has_its_status) {

@@ -1,7 +1,5 @@
 #include "services/user_data_names.h"
 
-#include "statemanager/config/nm_user_data_config.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,7 +26,7 @@ TEST(User_data_names_test, Nothing_set_has_no_names) {
 
 TEST(User_data_names_test, The_layout_decides) {
     User_data_layout layout;
-    layout.cwu_bit = 0;
+    layout.cwu_bit_position = 0;
     layout.ac_offset = 2;
     layout.ac_bytes = 1;
     layout.cab_offset = 3;
@@ -39,7 +37,7 @@ TEST(User_data_names_test, The_layout_decides) {
 
 TEST(User_data_names_test, A_car_wake_up_bit_in_the_place_of_another_one_wins) {
     User_data_layout layout;
-    layout.cwu_bit = 7;
+    layout.cwu_bit_position = 7;
     EXPECT_THAT(user_data_names({0x80}, layout), ElementsAre("car wake-up"));
 }
 
@@ -47,20 +45,10 @@ TEST(Network_state_names_test, Bits_are_numbered_and_the_one_that_keeps_the_ecu_
     EXPECT_THAT(network_state_names({0x01, 0x80, 0x03}), ElementsAre("CAB 0", "CAB 15", "ECU alive", "CAB 17"));
 }
 
-TEST(Layout_test, Is_the_state_managers_by_default) {
-    User_data_layout const sut;
-    ximo::ap::statemanager::config::Nm_user_data_config const the_daemons;
-    EXPECT_EQ(sut.cwu_bit, the_daemons.cwu_bit_position);
-    EXPECT_EQ(sut.ac_offset, the_daemons.ac_offset);
-    EXPECT_EQ(sut.ac_bytes, the_daemons.ac_bytes);
-    EXPECT_EQ(sut.cab_offset, the_daemons.cab_offset);
-    EXPECT_EQ(sut.cab_bytes, the_daemons.cab_bytes);
-}
-
 TEST(Layout_test, Is_read_from_a_configuration) {
     json const section{{"CWUBitPosition", 5}, {"ACOffset", 2}, {"ACBytes", 1}, {"CABOffset", 4}, {"CABBytes", 2}};
     auto const layout = layout_in({{"ap_statemanager", {{"NmUserDataConfig", section}}}});
-    EXPECT_EQ(layout.cwu_bit, 5U);
+    EXPECT_EQ(layout.cwu_bit_position, 5U);
     EXPECT_EQ(layout.ac_offset, 2U);
     EXPECT_EQ(layout.ac_bytes, 1U);
     EXPECT_EQ(layout.cab_offset, 4U);
@@ -72,7 +60,7 @@ TEST(Layout_test, What_a_configuration_does_not_say_is_the_default) {
                              R"({"ap_statemanager":{"NmUserDataConfig":[]}})",
                              R"({"ap_statemanager":{"NmUserDataConfig":{"ACOffset":"1","CABOffset":-3}}})"}) {
         auto const layout = layout_in(json::parse(text));
-        EXPECT_EQ(layout.cwu_bit, 6U) << text;
+        EXPECT_EQ(layout.cwu_bit_position, 6U) << text;
         EXPECT_EQ(layout.ac_offset, 1U) << text;
         EXPECT_EQ(layout.ac_bytes, 2U) << text;
         EXPECT_EQ(layout.cab_offset, 3U) << text;

@@ -14,10 +14,10 @@ namespace ximo::ap::statemanager {
 struct Ecu_alive {};
 struct Com_alive {
     std::vector<std::uint8_t> cab_bits;
-    std::uint8_t ac_number = 0;
+    std::uint8_t ac_number{0};
 };
 struct Car_wake_up {
-    std::uint8_t ac_number = 0;
+    std::uint8_t ac_number{0};
 };
 
 /// Keeps the machine awake for one application from its construction to its destruction:

@@ -24,7 +24,7 @@ struct Lookup {
     std::string interface;
     InstanceSpecifier wanted;
     FindServiceHandler handler;
-    bool is_stopped = false;
+    bool is_stopped{false};
 };
 
 /// The way of an event or a field from one instance to its subscribers.

@@ -86,9 +86,9 @@ class Proxy_event {
  private:
     void receive(Octets const& value);
 
-    bool is_subscribed_ = false;
+    bool is_subscribed_{false};
     std::list<std::function<void(Octets const&)>>::iterator subscriber_;
-    std::size_t capacity_ = 1;
+    std::size_t capacity_{1};
     std::deque<std::shared_ptr<Octets const>> arrived_;
     std::function<void()> handler_;
     Samples cached_;

@@ -29,7 +29,7 @@ class Skeleton {
  private:
     std::string const interface_;
     std::string const instance_;
-    bool is_offered_ = false;
+    bool is_offered_{false};
 };
 
 /// The sending end of an event.

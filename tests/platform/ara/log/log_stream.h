@@ -46,7 +46,7 @@ class LogStream {
     void add(std::string_view text) noexcept;
 
     bool const is_wanted_;
-    std::size_t length_ = 0;
+    std::size_t length_{0};
     std::array<char, 1500> text_;
 };
 

@@ -4,7 +4,6 @@
 #include "ara/com/dds/events/event_receiver.h"
 #include "tarq/com/exception.h"
 
-#include <chrono>
 #include <utility>
 
 namespace ara::com::dds {

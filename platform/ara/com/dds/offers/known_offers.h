@@ -16,8 +16,6 @@
 #include <string>
 #include <vector>
 
-#include <sys/types.h>
-
 namespace ara::com::dds {
 
 /// Who wants to know what is offered.

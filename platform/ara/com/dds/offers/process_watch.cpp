@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstdint>
 #include <system_error>
 
 #include <pthread.h>
