@@ -120,6 +120,9 @@ TEST_F(Known_offers_test, Those_who_come_and_go_leave_nothing_behind_although_no
         observe(std::allocate_shared<Observer>(Counting_allocator<Observer>(blocks)));
     }
     EXPECT_LE(blocks, 1);
+    server_.write(server_.of(k_interface, "app"));
+    settle();
+    EXPECT_EQ(blocks, 0) << "and when one changes, nothing at all";
     observe(sut_);
 }
 
