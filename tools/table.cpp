@@ -49,14 +49,17 @@ std::string padded(std::string const& cell, std::size_t width) {
 
 }  // namespace
 
-bool has_colours() {
-    std::string_view const unwanted = std::getenv("NO_COLOR") == nullptr ? "" : std::getenv("NO_COLOR");
-    std::string_view const terminal = std::getenv("TERM") == nullptr ? "" : std::getenv("TERM");
-    return unwanted.empty() && !terminal.empty() && terminal != "dumb" && ::isatty(STDOUT_FILENO) == 1;
+bool allows_colours(bool is_terminal, char const* type, char const* unwanted) {
+    std::string_view const terminal = type == nullptr ? "" : type;
+    return is_terminal && !terminal.empty() && terminal != "dumb" && (unwanted == nullptr || *unwanted == '\0');
 }
 
-std::string marked(std::string const& text, Mark mark) {
-    if (mark == Mark::plain || !has_colours()) {
+bool has_colours() {
+    return allows_colours(::isatty(STDOUT_FILENO) == 1, std::getenv("TERM"), std::getenv("NO_COLOR"));
+}
+
+std::string marked(std::string const& text, Mark mark, bool is_coloured) {
+    if (mark == Mark::plain || !is_coloured) {
         return text;
     }
     return (mark == Mark::bold ? "\x1b[1m" : "\x1b[31m") + text + "\x1b[0m";

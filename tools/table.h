@@ -12,8 +12,11 @@ enum class Mark { plain, bold, red };
 /// Standard output is a terminal that has colours, and nobody wants none (NO_COLOR).
 bool has_colours();
 
+/// The same, of a terminal of this type and what NO_COLOR is; null: not set.
+bool allows_colours(bool is_terminal, char const* type, char const* unwanted);
+
 /// The text in its colour, where there are colours.
-std::string marked(std::string const& text, Mark mark);
+std::string marked(std::string const& text, Mark mark, bool is_coloured = has_colours());
 
 /// Columns that the text takes in a terminal. Nothing in it is obeyed (see `shown`).
 std::size_t width_of(std::string const& text);
