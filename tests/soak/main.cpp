@@ -89,6 +89,8 @@ bool holds(soak::Script const& script, std::string const& name, Options const& o
     {
         soak::Player player(script, options.programs, options.example);
         findings = player.play();
+        std::printf("%s: %zu steps, %u daemons, %u suspends\n", name.c_str(), script.steps.size(), player.lives(),
+                    player.suspends());
         sum.daemons += player.lives();
         sum.suspends += player.suspends();
         last_events = player.last_events();

@@ -43,6 +43,7 @@ constexpr std::int64_t k_late_ms = 100;  // a process that is to go on waits for
 constexpr std::uint32_t k_never_asked = 7;
 constexpr std::size_t k_last_events = 60;
 constexpr char const* k_socket = "/var/run/adaptive/ara_SM/ara_SM.socket";
+constexpr char const* k_last_words = "AP_StateManger daemon shutting down";
 constexpr char const* k_cycle = "Starting AP_StateManager run_cyclic_task";
 
 bench::vehicle::Options options_for(std::string programs, json const& configuration) {
@@ -147,6 +148,7 @@ void Player::begin() {
     lost_ = Lost::nothing;
     first_use_.reset();
     circumstances_.stalls.clear();
+    has_ended_log_ = false;
     suspends_before_ = suspends_;
     last_news_ = Clock::now();
     quiet_cycles_ = 0;
@@ -176,6 +178,14 @@ void Player::end(int signal) {
     }
     auto const status = machine_->await_end(k_end);
     take_in();
+    // The log may be late.
+    for (auto const begin = Clock::now(); status == 0 && !has_ended_log_ && Clock::now() - begin < k_start;) {
+        machine_->update(k_poll);
+        take_in();
+    }
+    if (status == 0 && !has_ended_log_) {
+        find("the log's last words are missing");
+    }
     auto const expected = signal == SIGKILL ? k_by_signal + SIGKILL : 0;
     if (status != expected) {
         find("the daemon ended " + (status ? "with status " + std::to_string(*status) : std::string("not at all")));
@@ -236,12 +246,13 @@ void Player::act_on_application(Step const& step) {
         lasts(Verb::kill, name)) {
         return;
     }
+    auto const life = lives_;
     try {
         machine_->tell(name, command);
         holds_.take(step.words[1], told);
     } catch (std::runtime_error const& error) {
         wait(milliseconds(0));
-        if (way_->state() != State::shutting_down && way_->state() != State::starting_up) {
+        if (lives_ == life && way_->state() != State::shutting_down && way_->state() != State::starting_up) {
             find(error.what());
         }
     }
@@ -420,6 +431,7 @@ void Player::take_in() {
         if (event.kind == Kind::log && event.text.rfind("infrastructure exception", 0) == 0) {
             lost_ = Lost::something;
         }
+        has_ended_log_ = has_ended_log_ || (event.kind == Kind::log && event.text == k_last_words);
         if (event.kind == Kind::state_word) {
             follow_losses(event.text);
         }

@@ -109,6 +109,7 @@ class Player {
     Lost lost_{Lost::nothing};
     std::int64_t lossy_until_{0};
     Clock::time_point last_news_;
+    bool has_ended_log_{false};
     int quiet_cycles_{0};  ///< since then
     std::optional<Used> first_use_;
     unsigned lives_{0};

@@ -146,7 +146,7 @@ class Drawing {
                 {"StateManagerMainPeriod", draws_.one_of<std::string>({"10", "20", "50", "100"})},
                 {"ApplicationSuspendRequestTimeout", std::to_string(draws_.between(1, 2))},
                 {"DMSuspendRequestTimeout", std::to_string(draws_.between(1, 2))},
-                {"KnockOutTimer", draws_.one_of<std::string>({"0", "3", "30", "200"})}};
+                {"KnockOutTimer", draws_.one_of<std::string>({"0", "3", "30", "100"})}};
     }
 
     Step step() {
@@ -198,10 +198,10 @@ class Drawing {
 
     std::string key() {
         static std::map<std::string, Words> const next{
-            {"p", {"r", "r", "r", "r", "r", "r", "r", "r", "power", "p", "n"}},
-            {"r", {"p", "p", "p", "p", "p", "n", "s", "s", "power", "r"}},
-            {"n", {"r", "r", "r", "p", "p", "power", "s"}},
-            {"s", {"r", "r", "r", "p", "p", "power", "n"}},
+            {"p", {"r", "r", "r", "r", "r", "r", "r", "r", "r", "r", "r", "r", "r", "power", "p", "n"}},
+            {"r", {"p", "p", "p", "p", "p", "p", "p", "p", "p", "p", "n", "n", "s", "s", "power", "r"}},
+            {"n", {"r", "r", "r", "r", "r", "p", "p", "power", "s"}},
+            {"s", {"r", "r", "r", "p", "p", "n"}},
             {"power", {"p", "p", "p", "n", "s"}},
         };
         return last_key_ = draws_.one_of(next.at(last_key_));
