@@ -31,19 +31,13 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
     set_host_name(options_.host_name);
     install_configuration(options_.configuration);
     fs::create_directories("/run/dbus");
-    auto const program = [this](char const* folder, char const* name) {
-        return (fs::path(options_.programs) / "bench" / folder / name).string();
-    };
     hypervisor_ = std::make_unique<Player>(std::vector<std::string>{
         program("hypervisor", "bench_hypervisor"), "--devices", std::to_string(options_.devices), k_hypervisor});
     if (options_.with_service_manager) {
-        bus_ = std::make_unique<Private_bus>("/run/dbus");
-        service_manager_ = std::make_unique<Player>(
-            std::vector<std::string>{program("service_manager", "bench_service_manager"), k_notify_socket},
-            std::vector<std::string>{"DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address()});
+        start_bus();
     }
     if (options_.with_log) {
-        log_ = std::make_unique<Dlt_reader>(k_all_levels, options_.trace);
+        start_log();
     }
     if (options_.with_power_off_service) {
         power_off_ = std::make_unique<Power_off_service>();
@@ -54,6 +48,22 @@ Vehicle::Vehicle(Options options) : options_(std::move(options)) {
         surroundings_ =
             std::make_unique<Surroundings>(options_.programs, nlohmann::json::parse(options_.configuration));
     }
+}
+
+std::string Vehicle::program(char const* folder, char const* name) const {
+    return (fs::path(options_.programs) / "bench" / folder / name).string();
+}
+
+void Vehicle::start_bus() {
+    bus_ = std::make_unique<Private_bus>("/run/dbus");
+    service_manager_ = std::make_unique<Player>(
+        std::vector<std::string>{program("service_manager", "bench_service_manager"), k_notify_socket},
+        std::vector<std::string>{"DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address()});
+    service_manager_seen_ = 0;
+}
+
+void Vehicle::start_log() {
+    log_ = std::make_unique<Dlt_reader>(k_all_levels, options_.trace);
 }
 
 Vehicle::~Vehicle() {
@@ -98,16 +108,41 @@ Child_process& Vehicle::process(std::string const& name) {
     if (name == "daemon") {
         return daemon();
     }
-    if (name == "service manager") {
+    if (service_manager_ && name == "service manager") {
         return service_manager().process();
     }
-    if (name == "bus") {
+    if (bus_ && name == "bus") {
         return bus().process();
     }
-    if (name == "log daemon") {
+    if (log_ && name == "log daemon") {
         return log().daemon();
     }
     return clients_->has(name) ? clients_->process(name) : surroundings().process(name);
+}
+
+void Vehicle::kill(std::string const& name) {
+    update({});
+    if (name == "bus") {
+        service_manager_->process().signal(SIGKILL);
+        bus_->process().signal(SIGKILL);
+        service_manager_.reset();
+        bus_.reset();
+    } else if (name == "log daemon") {
+        log_->daemon().signal(SIGKILL);
+        log_.reset();
+    } else {
+        surroundings().kill(name);
+    }
+}
+
+void Vehicle::revive(std::string const& name) {
+    if (name == "bus") {
+        start_bus();
+    } else if (name == "log daemon") {
+        start_log();
+    } else {
+        surroundings().start(name);
+    }
 }
 
 void Vehicle::start_daemon() {

@@ -78,7 +78,15 @@ class Vehicle : public Machine {
     /// by its name. Throws `std::runtime_error` for a name that nobody has, and for one that does not run.
     Child_process& process(std::string const& name);
 
+    /// Ends one of the neighbours on the network or applications, the "log daemon", or the "bus" and the service
+    /// manager with it, at once, as if it had crashed, and starts it again.
+    void kill(std::string const& name);
+    void revive(std::string const& name);
+
  private:
+    std::string program(char const* folder, char const* name) const;
+    void start_bus();
+    void start_log();
     void install_configuration(std::string const& text) const;
     std::vector<int> sources() const;
     void hear_news(Player& player, std::size_t& seen, Timeline (*meaning)(nlohmann::json const& message));

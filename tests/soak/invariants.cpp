@@ -93,6 +93,9 @@ void Words::take(Event const& event, Finding const& finding) {
 }
 
 void Way::take(Event const& event, Finding const& finding) {
+    if (circumstances_.log_has_hole) {
+        return;
+    }
     if (event.kind == Kind::key) {
         press(event.text);
     } else if (event.kind == Kind::state_word) {
@@ -224,10 +227,13 @@ Situation Way::situation() const {
 }
 
 bool Way::is_held_up() const {
-    return !queue_.empty() || state_ == State::shutting_down;
+    return circumstances_.log_has_hole || !queue_.empty() || state_ == State::shutting_down;
 }
 
 std::string Way::missing_at_rest() {
+    if (circumstances_.log_has_hole) {
+        return {};
+    }
     if (!coming_.empty()) {
         return "the command " + coming_.front() + " was not taken";
     }
@@ -245,6 +251,9 @@ std::string Way::missing_at_rest() {
 }
 
 void Asking::take(Event const& event, Finding const& finding) {
+    if (circumstances_.log_has_hole) {
+        return;
+    }
     if (event.kind == Kind::client) {
         take_act(event, finding);
     } else if (is_of_daemon(event)) {
@@ -320,6 +329,9 @@ Asking::Connection& Asking::at(Client& client, std::size_t count) {
 }
 
 std::string Asking::missing_at_rest() {
+    if (circumstances_.log_has_hole) {
+        return {};
+    }
     for (auto const& [name, client] : clients_) {
         for (auto const& connection : client.all) {
             auto const& sent = connection.sent;
@@ -353,15 +365,19 @@ void Budget::take(Event const& event, Finding const& finding) {
     since_ = event.time;
 }
 
+// Each cycle is logged and reported. Reports that fail end for good, so that nothing is said after a service manager's
+// end.
 void Beats::take(Event const& event, Finding const& finding) {
-    if (event.kind != Kind::watchdog) {
+    bool const is_beat = event.kind == Kind::watchdog;
+    bool const is_cycle = is_of_daemon(event) && event.text == "Starting AP_StateManager run_cyclic_task";
+    if (!is_beat && !is_cycle) {
         return;
     }
     auto const limit = circumstances_.period_ms * k_ns_per_ms + k_slack + circumstances_.stalled_in(last_, event.time);
-    if (last_ != 0 && event.time - last_ > limit) {
+    if (last_ != 0 && event.time - last_ > limit && circumstances_.is_supervised) {
         finding("no sign of life for " + in_ms(event.time - last_));
     }
-    last_ = event.time;
+    last_ = is_beat || last_ == 0 ? event.time : last_;
 }
 
 namespace {
@@ -381,7 +397,10 @@ std::vector<Explained> const& explained() {
         {"client dropped: ", {Verb::behave, Verb::report}},
         {"connection dropped before it introduced itself", {Verb::behave, Verb::report}},
         {"A reply of ", {Verb::kill}},
-        {"StateClient::", {Verb::stop, Verb::freeze, Verb::busy}},
+        {"StateClient::", {Verb::stop, Verb::freeze, Verb::busy, Verb::kill}},
+        {"AliveSupervision: caught ", {Verb::kill}},
+        {"Stopping AliveSupervision reporting to PHM!", {Verb::kill}},
+        {"Application state not reported: ", {Verb::kill}},
     };
     return all;
 }

@@ -34,6 +34,8 @@ struct Circumstances {
     };
     std::vector<Stall> stalls{};  ///< something stood still, or the processors were busy
     std::set<Verb> happened{};    ///< to the machine
+    bool log_has_hole{false};     ///< since the daemon was started
+    bool is_supervised{true};     ///< by the service manager that was there at the start
 
     /// How much of a time was part of stalls.
     std::int64_t stalled_in(std::int64_t begin, std::int64_t end) const;

@@ -142,8 +142,16 @@ void Player::play_steps() {
     }
 }
 
+State Player::state() const {
+    return words_->state().value_or(State::starting_up);
+}
+
 void Player::begin() {
+    mend(Clock::time_point::max());
     ++lives_;
+    circumstances_.log_has_hole = false;
+    circumstances_.is_supervised = true;
+    may_resume_ = false;
     holds_ = {};
     lost_ = Lost::nothing;
     first_use_.reset();
@@ -153,7 +161,9 @@ void Player::begin() {
     last_news_ = Clock::now();
     quiet_cycles_ = 0;
     invariants_.clear();
-    invariants_.push_back(std::make_unique<Words>());
+    auto words = std::make_unique<Words>();
+    words_ = words.get();
+    invariants_.push_back(std::move(words));
     auto way = std::make_unique<Way>(circumstances_, holds_);
     way_ = way.get();
     invariants_.push_back(std::move(way));
@@ -179,11 +189,12 @@ void Player::end(int signal) {
     auto const status = machine_->await_end(k_end);
     take_in();
     // The log may be late.
-    for (auto const begin = Clock::now(); status == 0 && !has_ended_log_ && Clock::now() - begin < k_start;) {
+    for (auto const begin = Clock::now();
+         status == 0 && !has_ended_log_ && !circumstances_.log_has_hole && Clock::now() - begin < k_start;) {
         machine_->update(k_poll);
         take_in();
     }
-    if (status == 0 && !has_ended_log_) {
+    if (status == 0 && !has_ended_log_ && !circumstances_.log_has_hole) {
         find("the log's last words are missing");
     }
     auto const expected = signal == SIGKILL ? k_by_signal + SIGKILL : 0;
@@ -195,7 +206,7 @@ void Player::end(int signal) {
 void Player::act(Step const& step) {
     switch (step.verb) {
         case Verb::key:
-            machine_->press(step.words.back());
+            press(step.words.back());
             break;
         case Verb::behave:
         case Verb::late:
@@ -217,6 +228,14 @@ void Player::act(Step const& step) {
             break;
         default:
             act_on_road(step);
+    }
+}
+
+// A new daemon would never take "Run", and nothing behind it.
+void Player::press(std::string const& key) {
+    may_resume_ = may_resume_ || key != "r";
+    if (may_resume_) {
+        machine_->press(key);
     }
 }
 
@@ -242,7 +261,7 @@ void Player::act_on_application(Step const& step) {
     }
     auto const told = command;
     command["wait_ms"] = k_service_wait_ms;
-    if (!circumstances_.nm_usage || way_->state() == State::starting_up || way_->state() == State::shutting_down ||
+    if (!circumstances_.nm_usage || state() == State::starting_up || state() == State::shutting_down ||
         lasts(Verb::kill, name)) {
         return;
     }
@@ -252,7 +271,7 @@ void Player::act_on_application(Step const& step) {
         holds_.take(step.words[1], told);
     } catch (std::runtime_error const& error) {
         wait(milliseconds(0));
-        if (lives_ == life && way_->state() != State::shutting_down && way_->state() != State::starting_up) {
+        if (lives_ == life && state() != State::shutting_down && state() != State::starting_up) {
             find(error.what());
         }
     }
@@ -342,11 +361,14 @@ void Player::kill(Step const& step) {
     if (lasts(Verb::kill, name) || (name == "node" && lasts(Verb::withdraw))) {
         return;
     }
-    machine_->surroundings().kill(name);
+    machine_->kill(name);
+    stall(milliseconds(number_at_end(step)));
     bool const is_manager = name == "node";
     lost_ = is_manager ? Lost::something : lost_;
+    circumstances_.log_has_hole = circumstances_.log_has_hole || name == "log daemon";
+    circumstances_.is_supervised = circumstances_.is_supervised && name != "bus";
     for_a_while(step, [this, name, is_manager] {
-        machine_->surroundings().start(name);
+        machine_->revive(name);
         if (is_manager) {
             lose();
         }
@@ -418,7 +440,7 @@ void Player::wait(Clock::duration time) {
 
 void Player::end_by_itself() {
     end(0);
-    if (way_->state() != State::shutting_down) {
+    if (state() != State::shutting_down) {
         find("the daemon ended by itself");
     }
     if (findings_.empty()) {
@@ -507,16 +529,16 @@ std::string Player::missing() {
 }
 
 std::string Player::missing_of_network() {
-    auto const state = way_->state();
+    auto const now = state();
     auto const node = machine_->tell("node", {{"do", "list"}});
     auto const requests = bytes_of(node.at("requests"));
     auto const user_data = bytes_of(node.at("user_data"));
-    if (lost_ == Lost::something || lost_ == Lost::until_resumed || state == State::starting_up) {
+    if (lost_ == Lost::something || lost_ == Lost::until_resumed || now == State::starting_up) {
         return {};
     }
-    bool const is_suspended = state == State::preparing || state == State::prepared_sd || state == State::shutting_down;
+    bool const is_suspended = now == State::preparing || now == State::prepared_sd || now == State::shutting_down;
     auto wanted = circumstances_.nm_usage && !is_suspended ? holds_.requests() : Holds::Bytes{};
-    if (circumstances_.nm_usage && state == State::running) {
+    if (circumstances_.nm_usage && now == State::running) {
         wanted[0] |= k_default_bit;
     }
     for (std::size_t place = 0; place < Holds::k_bytes; ++place) {
@@ -539,7 +561,7 @@ std::string Player::missing_of_network() {
 
 // Compared with the first rest in the same state after a suspend, when all that is made at the first time is there.
 std::string Player::missing_of_resources() {
-    if (way_->state() != State::running || suspends_ == suspends_before_) {
+    if (state() != State::running || suspends_ == suspends_before_) {
         return {};
     }
     auto const now = used();

@@ -67,7 +67,9 @@ class Player {
     void begin();
     void end(int signal);
     void end_by_itself();
+    bench::rules::State state() const;
     void act(Step const& step);
+    void press(std::string const& key);
     void act_on_client(Step const& step);
     void act_on_application(Step const& step);
     void act_on_road(Step const& step);
@@ -101,7 +103,8 @@ class Player {
     Circumstances circumstances_;
     Holds holds_;
     std::vector<std::unique_ptr<Invariant>> invariants_;
-    Way* way_{nullptr};  ///< one of them
+    Words* words_{nullptr};  ///< one of them, and another
+    Way* way_{nullptr};
     std::vector<Mend> mends_;
     std::deque<Event> last_;
     std::vector<std::string> findings_;
@@ -109,6 +112,7 @@ class Player {
     Lost lost_{Lost::nothing};
     std::int64_t lossy_until_{0};
     Clock::time_point last_news_;
+    bool may_resume_{false};  ///< this daemon was told something else first
     bool has_ended_log_{false};
     int quiet_cycles_{0};  ///< since then
     std::optional<Used> first_use_;
