@@ -1,5 +1,6 @@
 #include "bench/tour/tour.h"
 #include "story.h"
+#include "tool.h"
 
 #include <csignal>
 
