@@ -19,6 +19,7 @@ namespace {
 using nlohmann::json;
 
 constexpr std::size_t k_longest_line = 16'384;
+constexpr std::size_t k_recent_lives = 8;  // among which one is that goes on
 constexpr char const* k_prefix = "record.";
 constexpr char const* k_suffix = ".jsonl";
 
@@ -34,7 +35,7 @@ std::string text_in(json const& object, char const* name) {
 }
 
 std::optional<Number> kind_named(std::string const& word) {
-    auto const words = event_words();
+    static auto const& words = *new std::vector<std::string>(event_words());
     auto const found = std::find(words.begin(), words.end(), word);
     return found == words.end() ? std::nullopt : std::optional<Number>(found - words.begin() + 1);
 }
