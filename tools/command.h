@@ -9,9 +9,9 @@ class App;
 
 namespace statectl {
 
-// A subcommand is one file with one function, which stands in CMakeLists.txt, commands.h, and commands.cpp in the order
-// of the help. The function describes the subcommand, from which help and completion are made, and says what it does
-// when it is chosen:
+// A subcommand is a function in the file of its subject; its name stands in commands.h, and in commands.cpp in the
+// order of the help. The function describes the subcommand, from which help and completion are made, and says what it
+// does when it is chosen:
 //
 //     void add_greet_command(CLI::App& program, Action& chosen) {
 //         auto options = std::make_shared<Greet_options>();
