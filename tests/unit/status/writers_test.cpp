@@ -156,6 +156,17 @@ TEST_F(Status_writers, Tell_apart_names_that_are_cut_alike) {
     }
 }
 
+TEST_F(Status_writers, Give_a_name_no_record_of_another_one_that_is_cut_alike_when_there_is_no_room) {
+    std::string const beginning(k_longest_name, 'n');
+    client_connected(0, beginning + "1", "kOn");
+    for (int connection = 1; connection < static_cast<int>(k_names); ++connection) {
+        client_connected(connection, std::to_string(connection), "kOn");
+    }
+    client_left(1);
+    client_connected(1, beginning + "2", "kOn");
+    EXPECT_EQ(read().server.names_untold, 1U);
+}
+
 TEST_F(Status_writers, Leave_what_was_late_out_of_the_mean) {
     client_connected(7, "radio", "kOn");
     auto const ask = [](auto const& answer) {
