@@ -19,8 +19,7 @@ using status::State;
 
 constexpr Number k_second = 1'000'000'000;
 constexpr Number k_alive_every = 600 * k_second;
-constexpr Number k_between_beats = 3 * k_second;  // what a cycle may take, and this program to look
-constexpr double k_allowance = 2'000;             // events at once
+constexpr double k_allowance = 2'000;  // events at once
 constexpr double k_allowance_a_second = 50;
 constexpr std::size_t k_most_holds = 32;
 
@@ -197,8 +196,8 @@ void Recorder::tell_missed(Look const& now) {
 }
 
 void Recorder::tell_end(Snapshot const& page, Look const& now) {
-    bool const is_watched = was_alive_ && now.at - looked_ < k_between_beats;
-    auto const silent = is_watched && page.driver.ended == 0 ? page.silent : 0;
+    bool const is_watched = was_alive_ && now.at - looked_ < watchdog_;
+    auto const silent = page.driver.ended == 0 ? page.silent : 0;
     add("end", std::string(R"(,"how":")") + end_of(page, is_watched) + R"(","silent":)" + std::to_string(silent),
         {page.now, real_of(page, page.now, now), 0});
     is_over_ = is_urgent_ = true;
@@ -215,10 +214,8 @@ char const* Recorder::end_of(Snapshot const& page, bool is_watched) const {
     if (driver.state == number(State::shutting_down) && driver.previous == number(State::prepared_sd)) {
         return ending::fast;
     }
-    return !is_watched                                          ? ending::no_farewell
-           : page.silent >= watchdog_                           ? ending::watchdog
-           : page.silent < std::min(k_between_beats, watchdog_) ? ending::killed
-                                                                : ending::no_farewell;
+    // The watchdog lets a daemon live for its time. How long a silence was that nobody watched can't be known.
+    return page.silent < watchdog_ ? ending::killed : is_watched ? ending::watchdog : ending::no_farewell;
 }
 
 }  // namespace statectl::record

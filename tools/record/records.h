@@ -29,7 +29,7 @@ constexpr char const* normal = "normal";            ///< shut down
 constexpr char const* fast = "fast";                ///< switched off from a suspend
 constexpr char const* signal = "signal";            ///< the daemon was stopped
 constexpr char const* watchdog = "watchdog";        ///< its beat had been silent for the watchdog's time
-constexpr char const* killed = "killed";            ///< it was gone between two beats
+constexpr char const* killed = "killed";            ///< it was gone, and had not been silent for so long
 constexpr char const* went_down = "went down";      ///< the machine was, without a farewell
 constexpr char const* no_farewell = "no farewell";  ///< nothing more is known
 }  // namespace ending

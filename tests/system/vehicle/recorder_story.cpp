@@ -38,7 +38,7 @@ class Recorder_story : public Network_story {
     void start_recorder() {
         recorder =
             std::make_unique<Child_process>(std::vector<std::string>{VEHICLE_BUILD "/tools/ap_statemanager_recorder",
-                                                                     "--directory", records(), "--watchdog", "2"},
+                                                                     "--directory", records(), "--watchdog", watchdog},
                                             std::vector<std::string>{});
     }
     void stop_recorder() {
@@ -105,6 +105,7 @@ class Recorder_story : public Network_story {
 
     test_support::Temporary_directory directory;
     std::unique_ptr<Child_process> recorder;
+    std::string watchdog{"20"};
 };
 
 TEST_F(Recorder_story, Tells_that_the_daemon_was_killed_and_what_was_held_then) {
@@ -124,6 +125,7 @@ TEST_F(Recorder_story, Tells_that_the_daemon_was_killed_and_what_was_held_then) 
 }
 
 TEST_F(Recorder_story, Names_each_end_of_a_power_cycle_over_many_lives) {
+    watchdog = "5";
     build();
     start_recorder();
     start_and_run();
@@ -138,7 +140,7 @@ TEST_F(Recorder_story, Names_each_end_of_a_power_cycle_over_many_lives) {
     machine->start_daemon();
     await_recorded("Running");
     machine->signal_daemon(SIGSTOP);
-    machine->watch(std::chrono::milliseconds(2'500));
+    machine->watch(std::chrono::seconds(6));
     kill_daemon();
     last_that_ended("watchdog");
     machine->start_daemon();
