@@ -259,7 +259,7 @@ int offenders(History_options const& options) {
 
 std::shared_ptr<History_options> add(CLI::App& program, Action& chosen, char const* name, char const* description,
                                      int (*tell)(History_options const&)) {
-    auto const options = std::make_shared<History_options>();
+    auto options = std::make_shared<History_options>();
     auto* const command = program.add_subcommand(name, description);
     command->add_option("--directory", options->directory, "Where the records lie")->capture_default_str();
     command->add_option("--page", options->page, "The status page's file, for what runs now")->capture_default_str();
