@@ -11,9 +11,17 @@
 
 namespace client_state_notifier {
 
+namespace {
+
+Status_callback or_nobody(Status_callback callback) {
+    return callback ? std::move(callback) : [](auto const& /*name*/, auto /*status*/, auto const& /*state*/) {};
+}
+
+}  // namespace
+
 Client_connections::Client_connections(std::string const& path, Status_callback status_callback,
                                        Client_register& clients)
-    : status_callback_(std::move(status_callback)), clients_(clients), listener_(path) {}
+    : status_callback_(or_nobody(std::move(status_callback))), clients_(clients), listener_(path) {}
 
 std::optional<Client_connections::Clock::time_point> Client_connections::next_deadline(Clock::time_point now) const {
     auto const pause_end = listener_.pause_end(now);
@@ -54,7 +62,7 @@ void Client_connections::process_introduction(Introduced_client client) {
     utilities::get_logger().LogInfo() << "client connected: name = " << client.name
                                       << ", current state = " << client.state;
     if (clients_.has(client.name)) {
-        report(client.name, Client_status::connected_under_known_name, client.state);
+        status_callback_(client.name, Client_status::connected_under_known_name, client.state);
     }
     int const connection = client.socket.get_fd();
     clients_.add(std::move(client.socket), client.name, std::move(client.inbox));
@@ -104,17 +112,11 @@ void Client_connections::process_messages(int connection, std::vector<Answer_in_
                 answers.push_back({connection, answer->status});
             } else {
                 status::client_out_of_turn(clients_.name_of(connection));
-                report(clients_.name_of(connection), Client_status::answered_out_of_turn, answer->state);
+                status_callback_(clients_.name_of(connection), Client_status::answered_out_of_turn, answer->state);
             }
         }
     } catch (std::exception const& error) {
         leaving_.emplace(connection, error.what());
-    }
-}
-
-void Client_connections::report(std::string const& name, Client_status status, std::string const& state) const {
-    if (status_callback_) {
-        status_callback_(name, status, state);
     }
 }
 

@@ -66,7 +66,6 @@ class Client_connections {
     void send_current_state(int connection, std::string const& state);
     void process_readable_client(int connection, std::vector<Answer_in_turn>& answers);
     void process_messages(int connection, std::vector<Answer_in_turn>& answers);
-    void report(std::string const& name, Client_status status, std::string const& state) const;
 
     Status_callback const status_callback_;
     Client_register& clients_;

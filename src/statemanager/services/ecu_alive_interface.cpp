@@ -4,10 +4,26 @@
 
 namespace ximo::ap::statemanager::services {
 
+namespace {
+
+/// Whom nothing is told.
+class Nobody : public Ecu_alive_interface_callback {
+ public:
+    void ecu_alive_request(std::string const& /*instance_id*/) override {}
+    void ecu_alive_release(std::string const& /*instance_id*/) override {}
+};
+
+Ecu_alive_interface_callback& or_nobody(Ecu_alive_interface_callback* callback) {
+    static Nobody nobody;
+    return callback == nullptr ? nobody : *callback;
+}
+
+}  // namespace
+
 Ecu_alive_interface::Ecu_alive_interface(std::string const& instance_id, Ecu_alive_interface_callback* callback)
     : StateManagementAliveInterfaceSkeleton(ara::com::InstanceIdentifier(instance_id),
                                             ara::com::MethodCallProcessingMode::kEvent),
-      callback_(callback),
+      callback_(or_nobody(callback)),
       instance_id_(instance_id) {}
 
 // No call comes in while the members go.
@@ -17,17 +33,13 @@ Ecu_alive_interface::~Ecu_alive_interface() {
 
 ximo::com::Future<void> Ecu_alive_interface::ReleaseAlive() {
     keeps_ecu_alive_ = false;
-    if (callback_ != nullptr) {
-        callback_->ecu_alive_release(instance_id_);
-    }
+    callback_.ecu_alive_release(instance_id_);
     return promise_release_alive();
 }
 
 ximo::com::Future<void> Ecu_alive_interface::RequestAlive() {
     keeps_ecu_alive_ = true;
-    if (callback_ != nullptr) {
-        callback_->ecu_alive_request(instance_id_);
-    }
+    callback_.ecu_alive_request(instance_id_);
     return promise_request_alive();
 }
 

@@ -32,7 +32,7 @@ class Ecu_alive_interface : public skeleton::StateManagementAliveInterfaceSkelet
     virtual ximo::com::Future<void> promise_release_alive();
 
  private:
-    Ecu_alive_interface_callback* const callback_;
+    Ecu_alive_interface_callback& callback_;
     std::atomic<bool> keeps_ecu_alive_{false};
     std::string const instance_id_;
 };
