@@ -52,6 +52,9 @@ class Busy_server {
     std::promise<void> end_;
 };
 
+/// The time limit in ms with which the server's thread waits, or waited last; -1 for none.
+long last_time_limit();
+
 /// A real server on a socket in a directory of the test's own.
 class Server_test : public testing::Test {
  protected:

@@ -49,6 +49,7 @@ TEST_F(Thread_of_the_server, Waits_without_a_time_limit_while_there_is_nothing_t
         std::this_thread::sleep_for(50ms);
         return std::exchange(last, status_of(sut_thread, "voluntary_ctxt_switches")) == last && !last.empty();
     }));
+    EXPECT_EQ(last_time_limit(), -1);
     std::this_thread::sleep_for(300ms);
     EXPECT_EQ(status_of(sut_thread, "voluntary_ctxt_switches"), last);
 }

@@ -37,6 +37,22 @@ class Flood : public Client {
                              environment());
     }
 
+    // Sorted, of at least 2000 calls, and of all until something is over.
+    template <class Condition>
+    static std::vector<double> times_of_calls(User_data_proxy& proxy, Condition const& is_over) {
+        std::vector<double> times;
+        while (!is_over() || times.size() < 2000) {
+            auto const begin = steady_clock::now();
+            if (!succeeds(proxy.SetUserData({1}))) {
+                ADD_FAILURE() << "after " << times.size() << " calls";
+                return {0};
+            }
+            times.push_back(duration<double, std::milli>(steady_clock::now() - begin).count());
+        }
+        std::sort(times.begin(), times.end());
+        return times;
+    }
+
     bench::Player peer_ = server({"app"});
 };
 
@@ -87,23 +103,18 @@ TEST_F(Flood, That_goes_makes_room_again) {
 
 TEST_F(Flood, Of_twenty_thousand_offers_takes_no_memory_and_no_call) {
     User_data_proxy proxy(found<User_data_proxy>("app"));
-    EXPECT_TRUE(succeeds(proxy.SetUserData({1})));
+    auto const usual = times_of_calls(proxy, [] { return true; });
     auto const before = ::mallinfo2().uordblks;
     bench::Child_process const flood({FLOOD_PROGRAM, "1", "20000", "an::interface::Of_a_stranger"}, environment());
     bench::Message_log ready(flood.output());
-    std::vector<duration<double, std::milli>> times;
-    while (ready.messages().empty() || times.size() < 2000) {
-        auto const begin = steady_clock::now();
-        ASSERT_TRUE(succeeds(proxy.SetUserData({1})));
-        times.push_back(steady_clock::now() - begin);
-    }
+    auto const times = times_of_calls(proxy, [&ready] { return !ready.messages().empty(); });
     auto const after = ::mallinfo2().uordblks;
     auto const more = after > before ? after - before : 0;
-    std::sort(times.begin(), times.end());
-    auto const most = times[times.size() * 99 / 100];
-    std::cout << times.size() << " calls, of a hundred 99 took less than " << most.count() << " ms, and the longest "
-              << times.back().count() << " ms; " << more / 1024 << " KiB more in use\n";
-    EXPECT_LT(most.count(), 100) << "on a busy machine a few may take longer for another reason";
+    auto const most = [](auto const& sorted) { return sorted[sorted.size() * 99 / 100]; };
+    std::cout << times.size() << " calls, of a hundred 99 took less than " << most(times) << " ms, before that "
+              << most(usual) << " ms, and the longest " << times.back() << " ms; " << more / 1024
+              << " KiB more in use\n";
+    EXPECT_LT(most(times), 10 * most(usual) + 100) << "on a busy machine both take longer";
     EXPECT_LT(more, k_engine_buffers + 2 * 1024 * 1024);
 }
 

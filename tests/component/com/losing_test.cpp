@@ -1,5 +1,6 @@
 #include "client_fixture.h"
 #include "peer_numbers.h"
+#include "service_offer.h"
 
 #include <chrono>
 #include <csignal>
@@ -7,6 +8,8 @@
 #include <optional>
 #include <string>
 #include <thread>
+
+#include <dds/dds.h>
 
 namespace com_test {
 namespace {
@@ -21,6 +24,47 @@ constexpr milliseconds k_sooner_than_lease{700};
 
 // Faster than a call that nobody ends.
 constexpr milliseconds k_faster_than_timeout{1500};
+
+/// What the engine in this process hears and loses from sight, seen by a reader beside the binding's own. No other
+/// process than the peer has offers here.
+class Offers_in_sight {
+ public:
+    Offers_in_sight() {
+        auto* const quality = dds_create_qos();
+        dds_qset_reliability(quality, DDS_RELIABILITY_RELIABLE, DDS_SECS(10));
+        dds_qset_durability(quality, DDS_DURABILITY_TRANSIENT_LOCAL);
+        auto const topic =
+            dds_create_topic(participant_, &ara_com_ServiceOffer_desc, "ara/com/ServiceOffer", nullptr, nullptr);
+        reader_ = dds_create_reader(participant_, topic, quality, nullptr);
+        dds_delete_qos(quality);
+    }
+    ~Offers_in_sight() { dds_delete(participant_); }
+    Offers_in_sight(Offers_in_sight const&) = delete;
+    Offers_in_sight& operator=(Offers_in_sight const&) = delete;
+
+    bool come() const { return has_one(DDS_ALIVE_INSTANCE_STATE); }
+    bool get_lost() const { return has_one(DDS_NOT_ALIVE_NO_WRITERS_INSTANCE_STATE); }
+
+ private:
+    bool has_one(std::uint32_t state) const {
+        auto const deadline = steady_clock::now() + k_patience;
+        while (steady_clock::now() < deadline) {
+            void* sample = nullptr;
+            dds_sample_info_t info;
+            auto const count =
+                dds_read_mask(reader_, &sample, &info, 1, 1, DDS_ANY_SAMPLE_STATE | DDS_ANY_VIEW_STATE | state);
+            if (count > 0) {
+                dds_return_loan(reader_, &sample, count);
+                return true;
+            }
+            std::this_thread::sleep_for(milliseconds(1));
+        }
+        return false;
+    }
+
+    dds_entity_t const participant_{dds_create_participant(DDS_DOMAIN_DEFAULT, nullptr, nullptr)};
+    dds_entity_t reader_;
+};
 
 class Losing : public Client {
  protected:
@@ -189,8 +233,10 @@ TEST_F(Losing, A_server_that_is_killed_while_it_is_awaited_fails_calls_at_once) 
     restart_given_up_soon();
     expect_working();
     auto pending = waiting_call();
+    Offers_in_sight const offers;
+    ASSERT_TRUE(offers.come());
     peer_->process().signal(SIGSTOP);
-    std::this_thread::sleep_for(milliseconds(1400));
+    ASSERT_TRUE(offers.get_lost());
     auto const begin = steady_clock::now();
     peer_->process().signal(SIGKILL);
     EXPECT_EQ(error_of(std::move(pending)), k_not_available);
@@ -202,8 +248,10 @@ TEST_F(Losing, A_server_that_was_lost_from_sight_for_a_moment_serves_the_next_ca
     expect_working();
     auto pending = waiting_call();
     auto const seen = peer_->position();
+    Offers_in_sight const offers;
+    ASSERT_TRUE(offers.come());
     peer_->process().signal(SIGSTOP);
-    std::this_thread::sleep_for(milliseconds(1400));
+    ASSERT_TRUE(offers.get_lost());
     peer_->process().signal(SIGCONT);
     auto next = proxy_.RequestComAlive({3}, 0);
     EXPECT_EQ(error_of(std::move(pending)), k_not_available);

@@ -182,6 +182,8 @@ TEST_F(Shutdown, The_runtime_ends_with_the_last_of_several_objects) {
     EXPECT_THROW(proxy.GetUserData().get(), tarq::com::Infrastructure_exception);
 }
 
+// Nothing is expected but that the calls end with the runtime: a fault in it crashes, hangs or is a sanitizer's
+// finding.
 TEST_F(Shutdown, Calls_may_go_on_until_the_end) {
     User_data service("app");
     service.OfferService();

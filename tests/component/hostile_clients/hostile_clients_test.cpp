@@ -112,8 +112,9 @@ class Server_with_hostile_clients : public Hostile_clients {
 
     static constexpr int k_cycles = 100;
     static constexpr seconds k_time_out{5};
-    // Some fifty times what docs/reliability.md tells of it, which leaves room for a sanitizer.
-    static constexpr double k_most_among_hostile_ms = 50;
+    /// What the middle one may take among the hostile, who keep all processors busy. On a busy machine it took 2 ms
+    /// where alone it took 0.05 ms, and under ThreadSanitizer 173 ms where alone it took 11 ms.
+    static double most_among_hostile(std::vector<double> const& alone) { return 50 * alone[alone.size() / 2] + 20; }
 
     Client_states_impl sut{"kOn", nullptr, path};
     Obedient_clients good{path, k_good};
@@ -137,7 +138,7 @@ TEST_F(Server_with_hostile_clients, Serves_those_that_behave_as_if_they_were_alo
                     all_misbehaviours().size() * k_of_each_kind, crowd.connected());
         print("one request, alone", alone);
         print("one request, among hostile ones", among_hostile);
-        EXPECT_LT(among_hostile[among_hostile.size() / 2], k_most_among_hostile_ms);
+        EXPECT_LT(among_hostile[among_hostile.size() / 2], most_among_hostile(alone));
     }
     EXPECT_TRUE(test_support::eventually([&] { return sut.get_connected_clients().size() == k_good.size(); }));
     EXPECT_TRUE(test_support::eventually([&] { return open_descriptors() == descriptors; })) << open_descriptors();

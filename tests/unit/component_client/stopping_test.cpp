@@ -1,6 +1,5 @@
 #include "client_test.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <optional>
@@ -21,15 +20,15 @@ TEST_F(Stopping, Does_not_wait_for_a_server) {
     using std::chrono::steady_clock;
     constexpr std::chrono::milliseconds k_until_next_try{100};
     server.reset();
-    auto fastest = steady_clock::duration::max();
+    int swift = 0;
     for (int life = 0; life < 5; ++life) {
         std::optional<Client> sut(std::in_place, "me", succeed, options);
         std::this_thread::sleep_for(k_until_next_try / 5);  // it has tried by then, and waits until it tries again
         auto const begin = steady_clock::now();
         sut.reset();
-        fastest = std::min(fastest, steady_clock::now() - begin);
+        swift += steady_clock::now() - begin < k_until_next_try / 2 ? 1 : 0;
     }
-    EXPECT_LT(fastest, k_until_next_try / 2);
+    EXPECT_GE(swift, 4) << "on a busy machine one of five may be slow for another reason";
 }
 
 TEST_F(Stopping, Sends_the_answers_that_were_given) {
@@ -104,6 +103,7 @@ TEST_F(Stopping, Is_final) {
     EXPECT_FALSE(sut.connected());
 }
 
+// Nothing is expected but that it ends: a fault in it crashes, hangs or is a sanitizer's finding.
 TEST_F(Stopping, From_many_threads_in_the_middle_of_everything_is_clean) {
     for (int round = 0; round < 30; ++round) {
         auto sut = connected_client(keep_answers());
