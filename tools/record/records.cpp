@@ -149,8 +149,13 @@ void finish(Records& records) {
 }
 
 std::vector<Number> file_numbers(std::string const& directory) {
+    std::error_code error;
+    std::filesystem::directory_iterator const files(directory, error);
+    if (error) {
+        throw std::system_error(error, directory + ": the records can't be read");
+    }
     std::vector<Number> numbers;
-    for (auto const& entry : std::filesystem::directory_iterator(directory)) {
+    for (auto const& entry : files) {
         auto const name = entry.path().filename().string();
         auto const digits = name.find_first_not_of("0123456789", std::string(k_prefix).size());
         bool const is_record = name.rfind(k_prefix, 0) == 0 && digits != std::string::npos &&
