@@ -35,7 +35,11 @@ constexpr int k_service_wait_ms = 6'000;
 constexpr int k_by_signal = 128;
 constexpr int k_info = 4;
 constexpr unsigned k_busy_processes = 3;
+#ifdef SANITIZED
+constexpr long k_growth_kb = 1'000'000;  // a sanitizer keeps what was freed
+#else
 constexpr long k_growth_kb = 3'072;
+#endif
 constexpr std::int64_t k_ns_per_ms = 1'000'000;
 constexpr std::uint8_t k_default_bit = 0x01;  // of the first byte
 constexpr std::int64_t k_until_found = 3'000 * k_ns_per_ms;
