@@ -63,6 +63,7 @@ TEST_F(Clients, Are_asked_before_a_suspend_in_their_order_and_after_it_in_the_op
 TEST_F(Clients, Connect_again_to_a_daemon_that_was_killed) {
     listen();
     machine().signal_daemon(SIGKILL);
+    ASSERT_TRUE(ends_by("code=killed, status=9/KILL"));
     ASSERT_TRUE(shows("startingup"));
     EXPECT_TRUE(says("application", "\"event\":\"connected\""));
     machine().press("p");

@@ -54,6 +54,7 @@ TEST_F(Machine_with_a_fast_watchdog, Ends_a_daemon_that_hangs_and_starts_it_agai
 
 TEST_F(Machine_faults, A_daemon_that_is_killed_is_started_again) {
     machine().signal_daemon(SIGKILL);
+    ASSERT_TRUE(ends_by("code=killed, status=9/KILL"));
     ASSERT_TRUE(shows("startingup"));
     EXPECT_TRUE(shows("running"));
 }

@@ -65,11 +65,17 @@ void Target::TearDown() {
     if (!may_calls_fail_) {
         EXPECT_THAT(failed_calls(), testing::IsEmpty());
     }
+    EXPECT_THAT(bad_ends(), testing::ElementsAreArray(ends_seen_));
     if (!HasFailure()) {
         return;
     }
     tell_events();
     tell_state();
+}
+
+bool Target::ends_by(std::string const& how) {
+    ends_seen_.push_back(how);
+    return sees(Kind::ended, how);
 }
 
 void Target::tell_events() const {
@@ -128,6 +134,17 @@ std::vector<std::string> Target::failed_calls() const {
         }
     });
     return failures;
+}
+
+std::vector<std::string> Target::bad_ends() const {
+    auto const& events = machine().events();
+    std::vector<std::string> ends;
+    std::for_each(events.begin() + static_cast<std::ptrdiff_t>(story_begin_), events.end(), [&](auto const& event) {
+        if (event.kind == Kind::ended && event.text != "0" && event.text != Virtual_machine::k_power_off) {
+            ends.push_back(event.text);
+        }
+    });
+    return ends;
 }
 
 std::vector<std::string> Target::calls_at_manager() {

@@ -37,8 +37,9 @@ class Target : public testing::Test {
 
     void SetUp() override;
 
-    /// No call of the daemon has failed, unless the story says that they may. After a failure, tells what the machine
-    /// told, and in what state it is.
+    /// No call of the daemon has failed, unless the story says that they may, and the daemon has ended in no other way
+    /// than in order, with the machine's power, or as the story has seen. After a failure, tells what the machine told,
+    /// and in what state it is.
     void TearDown() override;
 
     /// For stories that take a neighbour away while the daemon needs it.
@@ -53,6 +54,9 @@ class Target : public testing::Test {
     bool shows(std::string const& word) { return sees(Kind::state_word, word); }
     bool logs(std::string const& text) { return sees(Kind::log, text); }
 
+    /// For stories that have the daemon ended: whether it comes to end so, as the service manager tells it.
+    bool ends_by(std::string const& how);
+
     /// The last that the machine has written.
     static std::string last_word();
 
@@ -64,6 +68,9 @@ class Target : public testing::Test {
 
     /// What the daemon logged of calls that failed, since the story's begin.
     std::vector<std::string> failed_calls() const;
+
+    /// How the daemon has ended other than in order or with the machine's power, since the story's begin.
+    std::vector<std::string> bad_ends() const;
 
     /// What the network manager was called for, since the machine was switched on: "ReleaseNetwork ff ff ff 01".
     static std::vector<std::string> calls_at_manager();
@@ -92,6 +99,7 @@ class Target : public testing::Test {
     std::size_t begin_{0};
     std::size_t story_begin_{0};
     bool may_calls_fail_{false};
+    std::vector<std::string> ends_seen_;
 };
 
 }  // namespace bench::vm
