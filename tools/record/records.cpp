@@ -19,7 +19,6 @@ namespace {
 using nlohmann::json;
 
 constexpr std::size_t k_longest_line = 16'384;
-constexpr std::size_t k_recent_lives = 8;  // among which one is that goes on
 constexpr char const* k_prefix = "record.";
 constexpr char const* k_suffix = ".jsonl";
 
