@@ -66,6 +66,10 @@ Logger& CreateLogger(std::string const& context_id, std::string const& /*descrip
     return entry->second;
 }
 
+std::uint64_t LostMessages() noexcept {
+    return 0;
+}
+
 LogStream LogFatal() noexcept {
     return default_logger().LogFatal();
 }

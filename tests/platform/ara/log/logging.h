@@ -18,6 +18,9 @@ void InitLogging(std::string const& application_id, std::string const& descripti
 Logger& CreateLogger(std::string const& context_id, std::string const& description,
                      LogLevel level = LogLevel::kVerbose);
 
+/// None: a message is told where it is logged.
+std::uint64_t LostMessages() noexcept;
+
 // One message of the context "DFLT".
 LogStream LogFatal() noexcept;
 LogStream LogError() noexcept;
