@@ -4,6 +4,7 @@
 #include "tools/page/words.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -18,10 +19,8 @@ void add_call_options(CLI::App& command, Call_options& options) {
 }
 
 std::string not_offered_text(std::string const& instance, std::vector<std::string> const& offered) {
-    std::vector<std::string> names;
-    for (auto const& name : offered) {
-        names.push_back(quoted(name));
-    }
+    std::vector<std::string> names(offered.size());
+    std::transform(offered.begin(), offered.end(), names.begin(), quoted);
     return quoted(instance) + " is not offered; " +
            (names.empty() ? "nor is any other instance of this service" : "offered: " + joined(names));
 }
