@@ -31,6 +31,18 @@ Timeline Account::hear_restart(std::string_view bytes) {
     return events_of(Kind::restart_word, restart_words_.add(bytes));
 }
 
+Timeline Account::hear_power_off(std::string_view bytes) {
+    constexpr std::string_view command = "Command: ";
+    power_off_lines_.add(bytes);
+    std::vector<std::string> commands;
+    while (auto const line = power_off_lines_.next()) {
+        if (line->rfind(command, 0) == 0) {
+            commands.push_back(line->substr(command.size()));
+        }
+    }
+    return events_of(Kind::power_off, std::move(commands));
+}
+
 Timeline Account::hear_log(std::string_view bytes) {
     auto messages = log_.add(bytes);
     for (auto& message : messages) {

@@ -1,6 +1,7 @@
 #ifndef BENCH_VM_ACCOUNT_H
 #define BENCH_VM_ACCOUNT_H
 
+#include "bench/json_lines/line_splitter.h"
 #include "bench/vehicle/timeline.h"
 #include "bench/vm/dlt_stream.h"
 #include "bench/vm/journal.h"
@@ -19,6 +20,10 @@ class Account {
  public:
     vehicle::Timeline hear_state(std::string_view bytes);
     vehicle::Timeline hear_restart(std::string_view bytes);
+
+    /// What the power-off service writes, a line for each command and each thing that it does.
+    vehicle::Timeline hear_power_off(std::string_view bytes);
+
     vehicle::Timeline hear_log(std::string_view bytes);
 
     /// The players among the machine's units tell theirs by the journal.
@@ -35,6 +40,7 @@ class Account {
 
     Word_splitter state_words_;
     Word_splitter restart_words_;
+    Line_splitter power_off_lines_;
     Dlt_stream log_;
     Journal entries_;
     std::vector<Entry> journal_;

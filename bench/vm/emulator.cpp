@@ -76,6 +76,7 @@ std::vector<std::string> command_line(Machine_options const& options, std::strin
     append(words, line("log", "virtconsole", directory));
     append(words, line("state", "virtserialport,name=vmctl.state", directory));
     append(words, line("restart", "virtserialport,name=vmctl.restart", directory));
+    append(words, line("poweroff", "virtserialport,name=vehicle.poweroff", directory));
     append(words, line("shell", "virtserialport,name=vehicle.shell", directory));
     append(words, line("journal", "virtserialport,name=vehicle.journal", directory));
     append(words,

@@ -11,7 +11,6 @@ using vehicle::Kind;
 
 constexpr std::int64_t k_ns_per_us = 1'000;
 constexpr char const* k_daemon = "ap_statemanager.service";
-constexpr char const* k_power_off = "ap_power_off.service";
 
 // Messages that are no UTF-8 come as arrays of numbers, which nobody here needs.
 std::string text(nlohmann::json const& object, char const* member) {
@@ -52,14 +51,6 @@ std::optional<Event> of_daemon(Entry const& entry) {
     return std::nullopt;
 }
 
-std::optional<Event> of_power_off_service(Entry const& entry) {
-    constexpr std::string_view command = "Command: ";
-    if (entry.message.rfind(command, 0) != 0) {
-        return std::nullopt;
-    }
-    return Event{entry.time, Kind::power_off, entry.message.substr(command.size())};
-}
-
 }  // namespace
 
 std::vector<Entry> Journal::add(std::string_view bytes) {
@@ -77,9 +68,6 @@ std::vector<Entry> Journal::add(std::string_view bytes) {
 std::optional<Event> to_event(Entry const& entry) {
     if (entry.unit == k_daemon) {
         return of_daemon(entry);
-    }
-    if (entry.unit == k_power_off) {
-        return of_power_off_service(entry);
     }
     auto const state = machine_state_of(entry.unit);
     if (state && entry.job == "start done") {

@@ -20,6 +20,7 @@ struct Virtual_machine::Running {
           log(directory.file("log")),
           state(directory.file("state")),
           restart(directory.file("restart")),
+          power_off(directory.file("poweroff")),
           journal(directory.file("journal")),
           shell(directory.file("shell"), std::move(hear_news)) {}
 
@@ -29,6 +30,7 @@ struct Virtual_machine::Running {
     Port log;
     Port state;
     Port restart;
+    Port power_off;
     Port journal;
     Shell shell;
 };

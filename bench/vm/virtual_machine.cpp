@@ -128,9 +128,10 @@ void Virtual_machine::update(std::chrono::milliseconds limit) {
         ::poll(nullptr, 0, static_cast<int>(limit.count()));
         return;
     }
-    std::array<pollfd, 5> sources{{{running_->log.descriptor(), POLLIN, 0},
+    std::array<pollfd, 6> sources{{{running_->log.descriptor(), POLLIN, 0},
                                    {running_->state.descriptor(), POLLIN, 0},
                                    {running_->restart.descriptor(), POLLIN, 0},
+                                   {running_->power_off.descriptor(), POLLIN, 0},
                                    {running_->journal.descriptor(), POLLIN, 0},
                                    {running_->control.descriptor(), POLLIN, 0}}};
     ::poll(sources.data(), sources.size(), static_cast<int>(limit.count()));
@@ -141,6 +142,7 @@ void Virtual_machine::update(std::chrono::milliseconds limit) {
 void Virtual_machine::hear_news() {
     add_all(account_.hear_state(running_->state.take()));
     add_all(account_.hear_restart(running_->restart.take()));
+    add_all(account_.hear_power_off(running_->power_off.take()));
     add_all(account_.hear_log(running_->log.take()));
     add_all(account_.hear_journal(running_->journal.take(), players_));
 }
@@ -152,6 +154,7 @@ void Virtual_machine::note_end() {
     }
     end_ = end_.empty() ? "the emulator is gone" : end_;
     running_->emulator.wait(k_emulator_end);
+    hear_news();  // what came between the last look and the end
     running_.reset();
     players_.begin();
     add({monotonic_ns(), Kind::ended, end_});
