@@ -4,6 +4,8 @@
 #include "tarq/com/exception.h"
 #include "told/told.h"
 
+#include <algorithm>
+
 namespace ara::com {
 
 InstanceIdentifier::InstanceIdentifier(std::string_view name) : name_(name) {
@@ -34,6 +36,8 @@ Skeleton* Hub::offered(std::string const& interface, std::string const& instance
 
 std::shared_ptr<Lookup> Hub::find(Lookup lookup) {
     told::tell({"com", "find " + lookup.interface});
+    auto const is_stopped = [](auto const& known) { return known->is_stopped; };
+    lookups_.erase(std::remove_if(lookups_.begin(), lookups_.end(), is_stopped), lookups_.end());
     auto const kept = lookups_.emplace_back(std::make_shared<Lookup>(std::move(lookup)));
     report(*kept);
     return kept;

@@ -49,10 +49,12 @@ class Skeleton_event {
     Channel& channel_;
 };
 
-/// A field: who subscribes gets the newest value at once.
+/// A field: who subscribes gets the newest value at once. One that is made has none.
 class Skeleton_field : public Skeleton_event {
  public:
-    using Skeleton_event::Skeleton_event;
+    Skeleton_field(Skeleton const& skeleton, char const* name) : Skeleton_event(skeleton, name) {
+        channel_.newest.reset();
+    }
 
     void Update(Octets const& value) {
         channel_.newest = value;

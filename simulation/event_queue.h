@@ -1,0 +1,32 @@
+#ifndef SIMULATION_EVENT_QUEUE_H
+#define SIMULATION_EVENT_QUEUE_H
+
+#include "simulation/time.h"
+
+#include <functional>
+#include <map>
+
+namespace simulation {
+
+/// What is to happen, by its time; what has one time happens in the order in which it was put in.
+class Event_queue {
+ public:
+    using Action = std::function<void()>;
+
+    Time now() const { return now_; }
+
+    /// A time that has passed is now.
+    void at(Time when, Action action);
+    void after(Time delay, Action action) { at(now_ + delay, std::move(action)); }
+
+    /// Lets everything happen that is due until then. Ends early, as soon as `is_done`; it is `end` otherwise.
+    void run_until(Time end, std::function<bool()> const& is_done);
+
+ private:
+    std::multimap<Time, Action> actions_;
+    Time now_{0};
+};
+
+}  // namespace simulation
+
+#endif

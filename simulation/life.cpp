@@ -1,0 +1,312 @@
+#include "simulation/life.h"
+
+#include "simulation/log.h"
+#include "simulation/rules.h"
+#include "statemanager/config/json_conversion.h"
+#include "statemanager/config/state_manager_config.h"
+#include "statemanager/config/state_manager_json_parser.h"
+#include "statemanager/em/em_interface.h"
+#include "statemanager/service_handler/nm_interface.h"
+#include "statemanager/service_handler/service_handler.h"
+#include "statemanager/services/state_manager_com_alive_interface.h"
+#include "statemanager/services/state_manager_cwu_interface.h"
+#include "statemanager/state_manager.h"
+#include "statemanager/states/state_interface.h"
+#include "statemanager/virtio/virtio_interface.h"
+
+#include <algorithm>
+#include <exception>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <utility>
+
+namespace simulation {
+
+namespace sm = ximo::ap::statemanager;
+
+namespace {
+
+constexpr char const* k_power_off_channel = "/run/adaptive/poweroff";
+
+Clients* clients_of_life = nullptr;
+
+sm::config::State_manager_config& parse(std::string const& text, sm::config::State_manager_config& configuration) {
+    try {
+        auto const root = sm::config::parse_document(text);
+        auto const member = sm::config::State_manager_json_parser::get_json_object(root, "ap_statemanager");
+        if (!sm::config::State_manager_json_parser::read_state_manager_configuration(member, configuration)) {
+            throw std::runtime_error("the daemon refuses it");
+        }
+    } catch (std::exception const& error) {
+        throw std::runtime_error(std::string("the configuration can't be used: ") + error.what());
+    }
+    return configuration;
+}
+
+/// The real queue of commands; what it offers is remembered, and a wait can be heard of.
+class Input final : public sm::virtio::Virtio_interface_abstract {
+ public:
+    Input(Hypervisor& hypervisor, std::function<void()> on_wait, sm::virtio::Virtio_command& offered)
+        : queue_(hypervisor), on_wait_(std::move(on_wait)), offered_(offered) {}
+
+    bool init(std::string device_directory) override { return queue_.init(std::move(device_directory)); }
+    sm::virtio::Virtio_command get_command(unsigned int timeout_ms) override {
+        if (on_wait_) {
+            on_wait_();
+        }
+        return offered_ = queue_.get_command(timeout_ms);
+    }
+    void command_consumed() override { queue_.command_consumed(); }
+
+ private:
+    sm::virtio::Virtio_interface queue_;
+    std::function<void()> on_wait_;
+    sm::virtio::Virtio_command& offered_;
+};
+
+/// The real one, up to its request.
+class Execution_management final : public sm::Em_interface {
+ public:
+    explicit Execution_management(Service_manager& service_manager) : service_manager_(service_manager) {}
+
+    ara::exec::State_client_result StateClient_SetState(std::string const& function_group,
+                                                        std::string const& state) override {
+        switch (service_manager_.answer(state)) {
+            case Service_manager::Manner::grants:
+                return Em_interface::StateClient_SetState(function_group, state);
+            case Service_manager::Manner::refuses:
+                return ara::exec::State_client_result::kRefused;
+            default:
+                throw std::runtime_error("nobody answers");
+        }
+    }
+
+ private:
+    Service_manager& service_manager_;
+};
+
+/// Notes how long the driver's cycles take.
+class Supervision final : public sm::phm::Supervision_manager_interface {
+ public:
+    Supervision(Stage const& stage, std::uint64_t& cycles, Time& longest)
+        : stage_(stage), cycles_(cycles), longest_(longest) {}
+
+    void report_alive_status() override {
+        longest_ = std::max(longest_, stage_.now() - last_);
+        last_ = stage_.now();
+        ++cycles_;
+    }
+
+ private:
+    Stage const& stage_;
+    std::uint64_t& cycles_;
+    Time& longest_;
+    Time last_{0};
+};
+
+template <class Service, class Abstract>
+std::vector<std::unique_ptr<Abstract>> services_of(std::vector<std::string> const& instances) {
+    std::vector<std::unique_ptr<Abstract>> services;
+    services.reserve(instances.size());
+    for (auto const& instance : instances) {
+        services.push_back(std::make_unique<Service>(instance));
+    }
+    return services;
+}
+
+}  // namespace
+
+class Life::Daemon {
+ public:
+    explicit Daemon(Life_options options);
+    ~Daemon();
+
+    void run(Time until);
+    void terminate();
+
+    Life_options const options_;
+    Timeline timeline_;
+    Stage stage_{[this](Entry entry) { note(std::move(entry)); }};
+    Log_listener log_{[this](std::string_view level, std::string_view text) { heard(level, text); }};
+    sm::config::State_manager_config configuration_;
+    Control_files files_;
+    Hypervisor hypervisor_{stage_};
+    Clients clients_{stage_};
+    Network network_{stage_};
+    Applications applications_{stage_};
+    Service_manager service_manager_{stage_};
+    std::string state_;
+    std::uint64_t cycles_{0};
+    Time longest_cycle_{0};
+
+ private:
+    void note(Entry entry);
+    void add_control_files();
+    void heard(std::string_view level, std::string_view text);
+    void enter(std::string_view from, std::string_view to);
+    void power_off_line(std::string_view line);
+
+    sm::virtio::Virtio_command offered_{sm::virtio::Virtio_command::none};
+    std::string power_off_text_;
+    std::unique_ptr<sm::State_manager> driver_;
+};
+
+Life::Daemon::Daemon(Life_options options) : options_(std::move(options)) {
+    parse(options_.configuration, configuration_);
+    clients_of_life = &clients_;
+    sm::states::State_interface::set_prepare_SD_flag(false);
+    sm::states::State_interface::set_forced_shutdown_flag(false);
+    add_control_files();
+    auto service_handler = std::make_shared<sm::Service_handler>(
+        configuration_, std::make_unique<sm::Nm_interface>(),
+        services_of<sm::State_manager_com_alive_interface, sm::State_manager_com_alive_interface_abstract>(
+            configuration_.get_apps_comalive()),
+        services_of<sm::State_manager_cwu_interface, sm::State_manager_cwu_interface_abstract>(
+            configuration_.get_apps_cwu()));
+    driver_ = std::make_unique<sm::State_manager>(configuration_, service_handler,
+                                                  std::make_shared<Execution_management>(service_manager_),
+                                                  std::make_unique<Input>(hypervisor_, options_.on_wait, offered_),
+                                                  std::make_unique<Supervision>(stage_, cycles_, longest_cycle_));
+}
+
+Life::Daemon::~Daemon() {
+    driver_.reset();
+    clients_of_life = nullptr;
+}
+
+void Life::Daemon::add_control_files() {
+    auto const word = [this](Kind kind) {
+        return [this, kind](std::string_view bytes, bool is_taken) {
+            stage_.note(kind, is_taken ? "written" : "refused", std::string(bytes));
+        };
+    };
+    files_.add(configuration_.get_smw_update_status_path(), word(Kind::word));
+    files_.add(configuration_.get_smw_restart_command_path(), word(Kind::restart));
+    files_.add(k_power_off_channel, [this](std::string_view bytes, bool /*is_taken*/) { power_off_line(bytes); });
+    if (!options_.channel_is_there) {
+        files_.behave(k_power_off_channel, Control_files::Manner::missing);
+    }
+}
+
+void Life::Daemon::note(Entry entry) {
+    if (options_.observer) {
+        options_.observer(entry);
+    }
+    timeline_.push_back(std::move(entry));
+}
+
+// The driver's log tells of its transitions.
+void Life::Daemon::heard(std::string_view level, std::string_view text) {
+    constexpr std::string_view k_transition = "AP_StateManger transition from ";
+    if (text.substr(0, k_transition.size()) == k_transition) {
+        auto const states = text.substr(k_transition.size());
+        auto const middle = states.find("  to  ");
+        enter(states.substr(0, middle), states.substr(middle + 6));
+    }
+    if (options_.with_log) {
+        stage_.note(Kind::log, std::string(level), std::string(text));
+    }
+}
+
+void Life::Daemon::enter(std::string_view from, std::string_view to) {
+    state_ = to;
+    stage_.note(
+        Kind::state, state_,
+        cause_of(std::string(from), state_, static_cast<unsigned>(offered_), configuration_.is_nm_usage_allowed()));
+}
+
+void Life::Daemon::power_off_line(std::string_view line) {
+    std::string const text(line.substr(0, line.find('\n')));
+    stage_.note(Kind::power_off, "", text);
+    if (text.rfind("poweroff", 0) == 0) {
+        stage_.events().after(options_.power_off_takes, [this] {
+            stage_.end("power off");
+            driver_->shutdown();
+        });
+    }
+}
+
+void Life::Daemon::run(Time until) {
+    state_ = "Starting up";
+    stage_.note(Kind::state, state_, "the start");
+    if (options_.manager_is_there) {
+        network_.offer();
+    }
+    stage_.events().at(until, [this] {
+        stage_.end("the end of the look");
+        driver_->shutdown();
+    });
+    if (driver_->init()) {
+        driver_->run();
+    }
+    stage_.end("the daemon has ended");
+}
+
+void Life::Daemon::terminate() {
+    stage_.note(Kind::neighbour, "service manager", "stops the daemon");
+    driver_->shutdown();
+}
+
+Life::Life(Life_options options) : daemon_(std::make_unique<Daemon>(std::move(options))) {}
+Life::~Life() = default;
+
+void Life::run(Time until) {
+    daemon_->run(until);
+}
+void Life::terminate() {
+    daemon_->terminate();
+}
+Event_queue& Life::events() {
+    return daemon_->stage_.events();
+}
+Hypervisor& Life::hypervisor() {
+    return daemon_->hypervisor_;
+}
+Clients& Life::clients() {
+    return daemon_->clients_;
+}
+Network& Life::network() {
+    return daemon_->network_;
+}
+Applications& Life::applications() {
+    return daemon_->applications_;
+}
+Service_manager& Life::service_manager() {
+    return daemon_->service_manager_;
+}
+void Life::status_file(Control_files::Manner manner) {
+    daemon_->files_.behave(daemon_->configuration_.get_smw_update_status_path(), manner);
+}
+void Life::restart_file(Control_files::Manner manner) {
+    daemon_->files_.behave(daemon_->configuration_.get_smw_restart_command_path(), manner);
+}
+void Life::note(std::string const& who, std::string const& what) {
+    daemon_->stage_.note(Kind::neighbour, who, what);
+}
+Timeline const& Life::timeline() const {
+    return daemon_->timeline_;
+}
+std::string const& Life::state() const {
+    return daemon_->state_;
+}
+bool Life::intends_to_suspend() const {
+    return sm::states::State_interface::get_prepare_SD_flag();
+}
+std::uint64_t Life::cycles() const {
+    return daemon_->cycles_;
+}
+Time Life::longest_cycle() const {
+    return daemon_->longest_cycle_;
+}
+
+}  // namespace simulation
+
+namespace client_state_notifier {
+
+// The notifier's server, in this program.
+std::unique_ptr<Client_states> create_client_states(std::string const& current_state,
+                                                    Status_callback const& status_callback) {
+    return simulation::clients_of_life->serve(current_state, status_callback);
+}
+
+}  // namespace client_state_notifier

@@ -1,0 +1,41 @@
+#ifndef SIMULATION_STAGE_H
+#define SIMULATION_STAGE_H
+
+#include "simulation/event_queue.h"
+#include "simulation/timeline.h"
+
+#include <string>
+#include <utility>
+
+namespace simulation {
+
+/// What all players of one life share: its time and its timeline. Nothing is noted any more once the life is over.
+class Stage {
+ public:
+    explicit Stage(Observer observer) : observer_(std::move(observer)) {}
+
+    Event_queue& events() { return events_; }
+    Time now() const { return events_.now(); }
+
+    void note(Kind kind, std::string who, std::string what) {
+        if (!is_over_) {
+            observer_({now(), kind, std::move(who), std::move(what)});
+        }
+    }
+
+    /// The life is over: this is its last entry.
+    void end(std::string why) {
+        note(Kind::end, "", std::move(why));
+        is_over_ = true;
+    }
+    bool is_over() const { return is_over_; }
+
+ private:
+    Observer observer_;
+    Event_queue events_;
+    bool is_over_{false};
+};
+
+}  // namespace simulation
+
+#endif
