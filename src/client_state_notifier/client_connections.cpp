@@ -20,8 +20,13 @@ Status_callback or_nobody(Status_callback callback) {
 }  // namespace
 
 Client_connections::Client_connections(std::string const& path, Status_callback status_callback,
-                                       Client_register& clients)
-    : status_callback_(or_nobody(std::move(status_callback))), clients_(clients), listener_(path) {}
+                                       Client_register& clients, Surroundings& surroundings)
+    : surroundings_(surroundings),
+      status_callback_(or_nobody(std::move(status_callback))),
+      clients_(clients),
+      listener_(path, surroundings),
+      newcomers_(surroundings),
+      poll_set_(surroundings.calls()) {}
 
 std::optional<Client_connections::Clock::time_point> Client_connections::next_deadline(Clock::time_point now) const {
     auto const pause_end = listener_.pause_end(now);
@@ -106,7 +111,7 @@ void Client_connections::process_readable_client(int connection, std::vector<Ans
 
 void Client_connections::process_messages(int connection, std::vector<Answer_in_turn>& answers) {
     try {
-        while (auto const answer = clients_.take_answer(connection)) {
+        while (auto const answer = clients_.take_answer(connection, surroundings_.now())) {
             if (answer->is_in_turn) {
                 status::client_answered(connection, answer->state, static_cast<std::uint8_t>(answer->status));
                 answers.push_back({connection, answer->status});

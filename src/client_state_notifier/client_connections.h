@@ -7,6 +7,7 @@
 #include "client_state_notifier/newcomers.h"
 #include "client_state_notifier/poll_set.h"
 #include "client_state_notifier/request_slot.h"
+#include "client_state_notifier/surroundings.h"
 
 #include <chrono>
 #include <map>
@@ -24,7 +25,7 @@ namespace client_state_notifier {
 /// with a line in the log; until then it is still a client. One thread, which waits in `wait` and nowhere else.
 class Client_connections {
  public:
-    using Clock = std::chrono::steady_clock;
+    using Clock = Surroundings::Clock;
 
     /// Connections at the same time; one more is closed at once.
     static constexpr std::size_t k_most_connections = 1'000;
@@ -35,8 +36,9 @@ class Client_connections {
         Component_client_return_type status;
     };
 
-    /// Listens at the path. The register must outlive the connections.
-    Client_connections(std::string const& path, Status_callback status_callback, Client_register& clients);
+    /// Listens at the path. The register and the surroundings must outlive the connections.
+    Client_connections(std::string const& path, Status_callback status_callback, Client_register& clients,
+                       Surroundings& surroundings);
 
     /// When there is something to do without an event, as of now; nothing when there is no such time.
     std::optional<Clock::time_point> next_deadline(Clock::time_point now) const;
@@ -67,6 +69,7 @@ class Client_connections {
     void process_readable_client(int connection, std::vector<Answer_in_turn>& answers);
     void process_messages(int connection, std::vector<Answer_in_turn>& answers);
 
+    Surroundings& surroundings_;
     Status_callback const status_callback_;
     Client_register& clients_;
     Listening_socket listener_;

@@ -136,10 +136,10 @@ void Client_register::receive(int connection) {
     client.inbox.receive(socket);
 }
 
-std::optional<Client_answer> Client_register::take_answer(int connection) {
+std::optional<Client_answer> Client_register::take_answer(int connection, Inbox::Clock::time_point now) {
     base::Lock_guard const lock(mutex_);
     auto& client = clients_.find(connection)->second;
-    auto const message = client.inbox.take();
+    auto const message = client.inbox.take(now);
     if (!message) {
         return std::nullopt;
     }

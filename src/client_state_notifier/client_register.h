@@ -64,9 +64,9 @@ class Client_register {
     /// Receives once from the client, see Inbox.
     void receive(int connection);
 
-    /// The next whole answer of the client, if there is one; an answer in turn is taken over as the client's state.
+    /// The next whole answer of the client as of now, if there is one; one in turn is taken over as the client's state.
     /// Throws what Inbox::take does, and std::out_of_range for an answer that is too short.
-    std::optional<Client_answer> take_answer(int connection);
+    std::optional<Client_answer> take_answer(int connection, Inbox::Clock::time_point now);
 
  private:
     mutable base::Mutex mutex_;

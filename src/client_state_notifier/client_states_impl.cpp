@@ -15,8 +15,10 @@
 namespace client_state_notifier {
 
 Client_states_impl::Client_states_impl(std::string const& current_state, Status_callback status_callback,
-                                       std::string socket_path)
-    : status_callback_(std::move(status_callback)), socket_path_(std::move(socket_path)), clients_(current_state) {
+                                       std::string socket_path, Surroundings& surroundings)
+    : Client_states_front(current_state, surroundings),
+      status_callback_(std::move(status_callback)),
+      socket_path_(std::move(socket_path)) {
     base::All_signals_blocked const blocked;  // signals are for the main thread
     thread_ = std::thread([this] { thread_main_exception_handling(); });
 }
@@ -24,26 +26,6 @@ Client_states_impl::Client_states_impl(std::string const& current_state, Status_
 Client_states_impl::~Client_states_impl() {
     requests_.stop();
     thread_.join();
-}
-
-std::vector<std::pair<std::string, std::string>> Client_states_impl::get_connected_clients() const {
-    return clients_.list();
-}
-
-void Client_states_impl::set_default_state(std::string const& state) {
-    clients_.set_current_state(state);
-}
-
-bool Client_states_impl::request_state_change(std::string const& state, Client_predicate const& predicate,
-                                              Completion_callback const& completed, std::chrono::seconds timeout) {
-    if (!predicate || !completed) {
-        return false;
-    }
-    if (!requests_.put({state, predicate, completed, std::chrono::steady_clock::now() + timeout, 0})) {
-        utilities::get_logger().LogError() << "the server can't be told to ask clients for " << state;
-        return false;
-    }
-    return true;
 }
 
 void Client_states_impl::thread_main_exception_handling() {
@@ -62,7 +44,7 @@ void Client_states_impl::thread_main_exception_handling() {
 }
 
 void Client_states_impl::thread_main() {
-    Notification_server server(socket_path_, status_callback_, requests_, clients_);
+    Notification_server server(socket_path_, status_callback_, requests_, clients_, surroundings_);
     try {
         server.run();
     } catch (...) {
@@ -74,7 +56,7 @@ void Client_states_impl::thread_main() {
 }
 
 void Client_states_impl::pause() {
-    auto const end = std::chrono::steady_clock::now() + k_pause;
+    auto const end = surroundings_.now() + k_pause;
     while (auto request = requests_.wait(end)) {
         request->completed(Callback_status::timed_out, {});
     }

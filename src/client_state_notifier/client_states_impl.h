@@ -1,9 +1,7 @@
 #ifndef CLIENT_STATE_NOTIFIER_CLIENT_STATES_IMPL_H
 #define CLIENT_STATE_NOTIFIER_CLIENT_STATES_IMPL_H
 
-#include "client_state_notifier/client_register.h"
-#include "client_state_notifier/client_states.h"
-#include "client_state_notifier/request_slot.h"
+#include "client_state_notifier/client_states_front.h"
 
 #include <chrono>
 #include <string>
@@ -15,20 +13,16 @@ namespace client_state_notifier {
 ///
 /// When the server itself fails, that is logged and all connections are closed. After a pause it is started again;
 /// requests in the pause complete as timed out, at once and without results, so that nobody waits for ever.
-class Client_states_impl : public Client_states {
+class Client_states_impl : public Client_states_front {
  public:
     /// How long the server is not there after it has failed: a failure that stays is told once a second.
     static constexpr std::chrono::milliseconds k_pause{1000};
 
-    Client_states_impl(std::string const& current_state, Status_callback status_callback, std::string socket_path);
+    Client_states_impl(std::string const& current_state, Status_callback status_callback, std::string socket_path,
+                       Surroundings& surroundings = machine_surroundings());
 
     /// Ends and joins the thread; the socket file has gone when it returns.
     ~Client_states_impl() override;
-
-    std::vector<std::pair<std::string, std::string>> get_connected_clients() const override;
-    void set_default_state(std::string const& state) override;
-    bool request_state_change(std::string const& state, Client_predicate const& predicate,
-                              Completion_callback const& completed, std::chrono::seconds timeout) override;
 
  private:
     void thread_main_exception_handling();
@@ -37,8 +31,6 @@ class Client_states_impl : public Client_states {
 
     Status_callback const status_callback_;
     std::string const socket_path_;
-    Request_slot requests_;
-    Client_register clients_;
     std::thread thread_;
 };
 

@@ -26,7 +26,7 @@ class Inbox {
 
     /// The next whole message, if there is one, as of now. Throws what Frame_assembler::take does, and
     /// std::runtime_error in a flood; after that the connection is of no use.
-    std::optional<utilities::Type_length_values> take(Clock::time_point now = Clock::now());
+    std::optional<utilities::Type_length_values> take(Clock::time_point now);
 
  private:
     void count_message(Clock::time_point now);

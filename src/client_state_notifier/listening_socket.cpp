@@ -6,29 +6,11 @@
 #include <cerrno>
 #include <system_error>
 
-#include <sys/socket.h>
-
 namespace client_state_notifier {
 
-using Clock = std::chrono::steady_clock;
+using Clock = Surroundings::Clock;
 
 namespace {
-
-constexpr mode_t k_directory_mode = 0755;
-constexpr int k_backlog = 10;
-
-std::string const& with_free_place(std::string const& path) {
-    utilities::make_dirs(utilities::get_containing_directory(path), k_directory_mode);
-    utilities::delete_file(path);
-    return path;
-}
-
-void bind_to(utilities::Socket const& socket, std::string const& path) {
-    auto const address = utilities::create_unix_address(path);
-    if (::bind(socket.get_fd(), reinterpret_cast<sockaddr const*>(&address), sizeof address) != 0) {
-        throw std::system_error(errno, std::generic_category(), "Socket::bind(...)");
-    }
-}
 
 // Nothing has failed: there is no connection (any more), or the call was interrupted.
 bool is_nothing(int error) {
@@ -43,15 +25,13 @@ bool is_passing(int error) {
 
 }  // namespace
 
-Listening_socket::Listening_socket(std::string const& path)
-    : socket_(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0), socket_file_(with_free_place(path), false) {
-    bind_to(socket_, path);
-    socket_.listen(k_backlog);
+Listening_socket::Listening_socket(std::string const& path, Surroundings& surroundings)
+    : surroundings_(surroundings), bound_(surroundings.listen(path)) {
     utilities::get_logger().LogInfo() << "socket created: " << path;
 }
 
 pollfd Listening_socket::poll_entry(Clock::time_point now) const {
-    return {pause_end(now) ? -1 : socket_.get_fd(), POLLIN, 0};
+    return {pause_end(now) ? -1 : bound_.socket.get_fd(), POLLIN, 0};
 }
 
 std::optional<Clock::time_point> Listening_socket::pause_end(Clock::time_point now) const {
@@ -59,9 +39,9 @@ std::optional<Clock::time_point> Listening_socket::pause_end(Clock::time_point n
 }
 
 std::optional<utilities::Socket> Listening_socket::accept() {
-    int const connection = ::accept4(socket_.get_fd(), nullptr, nullptr, SOCK_CLOEXEC);
+    int const connection = surroundings_.accept(bound_.socket);
     if (connection >= 0) {
-        return utilities::Socket(connection);
+        return utilities::Socket(connection, surroundings_.calls());
     }
     if (is_passing(errno)) {
         pause(errno);
@@ -72,7 +52,7 @@ std::optional<utilities::Socket> Listening_socket::accept() {
 }
 
 void Listening_socket::pause(int error) {
-    paused_until_ = Clock::now() + k_pause;
+    paused_until_ = surroundings_.now() + k_pause;
     utilities::get_logger().LogError() << "no connection can be taken: " << base::system_error_text(error);
 }
 

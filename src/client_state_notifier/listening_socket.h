@@ -1,8 +1,7 @@
 #ifndef CLIENT_STATE_NOTIFIER_LISTENING_SOCKET_H
 #define CLIENT_STATE_NOTIFIER_LISTENING_SOCKET_H
 
-#include "utilities/files.h"
-#include "utilities/socket.h"
+#include "client_state_notifier/surroundings.h"
 
 #include <chrono>
 #include <optional>
@@ -20,8 +19,9 @@ class Listening_socket {
     /// log.
     static constexpr std::chrono::milliseconds k_pause{100};
 
-    /// Makes the directories of the path, replaces a socket file that an earlier process left, binds and listens.
-    explicit Listening_socket(std::string const& path);
+    /// Makes the directories of the path, replaces a socket file that an earlier process left, binds and listens. The
+    /// surroundings must outlive the socket.
+    Listening_socket(std::string const& path, Surroundings& surroundings);
 
     /// The entry of the poll set as of now; it waits for nothing during a pause.
     pollfd poll_entry(std::chrono::steady_clock::time_point now) const;
@@ -36,8 +36,8 @@ class Listening_socket {
  private:
     void pause(int error);
 
-    utilities::Socket socket_;
-    utilities::Deleter socket_file_;
+    Surroundings& surroundings_;
+    Bound_socket bound_;
     std::chrono::steady_clock::time_point paused_until_;
 };
 

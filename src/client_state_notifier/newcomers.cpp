@@ -10,10 +10,10 @@
 
 namespace client_state_notifier {
 
-using Clock = std::chrono::steady_clock;
+using Clock = Surroundings::Clock;
 
 void Newcomers::add(utilities::Socket socket) {
-    newcomers_.push_back({std::move(socket), {}, Clock::now() + k_time_to_introduce});
+    newcomers_.push_back({std::move(socket), {}, surroundings_.now() + k_time_to_introduce});
 }
 
 std::optional<Clock::time_point> Newcomers::next_deadline() const {
@@ -50,9 +50,9 @@ std::vector<Introduced_client> Newcomers::hear(pollfd const* entries, std::size_
     return introduced;
 }
 
-std::optional<Introduced_client> Newcomers::hear(Newcomer& newcomer) {
+std::optional<Introduced_client> Newcomers::hear(Newcomer& newcomer) const {
     newcomer.inbox.receive(newcomer.socket);
-    auto const introduction = newcomer.inbox.take();
+    auto const introduction = newcomer.inbox.take(surroundings_.now());
     if (!introduction) {
         return std::nullopt;
     }
@@ -61,8 +61,8 @@ std::optional<Introduced_client> Newcomers::hear(Newcomer& newcomer) {
     return Introduced_client{std::move(newcomer.socket), std::move(newcomer.inbox), std::move(name), std::move(state)};
 }
 
-void Newcomers::check_time(Newcomer const& newcomer) {
-    if (Clock::now() >= newcomer.deadline) {
+void Newcomers::check_time(Newcomer const& newcomer) const {
+    if (surroundings_.now() >= newcomer.deadline) {
         throw std::runtime_error("no complete message in time");
     }
 }

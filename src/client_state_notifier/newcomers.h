@@ -2,7 +2,7 @@
 #define CLIENT_STATE_NOTIFIER_NEWCOMERS_H
 
 #include "client_state_notifier/inbox.h"
-#include "utilities/socket.h"
+#include "client_state_notifier/surroundings.h"
 
 #include <chrono>
 #include <optional>
@@ -28,6 +28,9 @@ class Newcomers {
     /// How long a connection may take for its first message.
     static constexpr std::chrono::seconds k_time_to_introduce{5};
 
+    /// The surroundings must outlive the object.
+    explicit Newcomers(Surroundings& surroundings = machine_surroundings()) : surroundings_(surroundings) {}
+
     void add(utilities::Socket socket);
     std::size_t size() const { return newcomers_.size(); }
 
@@ -48,9 +51,10 @@ class Newcomers {
         std::chrono::steady_clock::time_point deadline;
     };
 
-    static std::optional<Introduced_client> hear(Newcomer& newcomer);
-    static void check_time(Newcomer const& newcomer);
+    std::optional<Introduced_client> hear(Newcomer& newcomer) const;
+    void check_time(Newcomer const& newcomer) const;
 
+    Surroundings& surroundings_;
     std::vector<Newcomer> newcomers_;  ///< in the order of their arrival
 };
 

@@ -18,22 +18,25 @@ long milliseconds_between(std::chrono::steady_clock::time_point now, std::chrono
 }  // namespace
 
 Notification_server::Notification_server(std::string const& path, Status_callback status_callback,
-                                         Request_slot& requests, Client_register& clients)
-    : requests_(requests), clients_(clients), connections_(path, std::move(status_callback), clients) {}
+                                         Request_slot& requests, Client_register& clients, Surroundings& surroundings)
+    : surroundings_(surroundings),
+      requests_(requests),
+      clients_(clients),
+      connections_(path, std::move(status_callback), clients, surroundings) {}
 
 // Whoever has introduced itself when a request is taken is asked. What is waited for, and how long, is decided by one
 // reading of the clock: whoever is left out for a time is so until this time is over.
-void Notification_server::run() {
-    for (;;) {
-        auto const now = Clock::now();
-        connections_.wait(now, calculate_timeout(now), requests_);
-        if (!hear_wake_ups()) {
-            return;
-        }
-        process_client_responses();
-        delete_hangup_clients();
-        process_timeout();
+bool Notification_server::turn() {
+    auto const now = surroundings_.now();
+    auto const deadline = next_deadline(now);
+    connections_.wait(now, deadline ? milliseconds_between(now, *deadline) : -1, requests_);
+    if (!hear_wake_ups()) {
+        return false;
     }
+    process_client_responses();
+    delete_hangup_clients();
+    process_timeout();
+    return true;
 }
 
 std::optional<Notification_cycle> Notification_server::take_cycle() {
@@ -56,13 +59,13 @@ bool Notification_server::hear_wake_ups() {
     return !requests_.is_stopped();
 }
 
-// Milliseconds to the next moment at which there is something to do without an event; -1 when there is none.
-long Notification_server::calculate_timeout(Clock::time_point now) const {
+std::optional<Surroundings::Clock::time_point> Notification_server::next_deadline(
+    Surroundings::Clock::time_point now) const {
     auto next = connections_.next_deadline(now);
     if (cycle_ && (!next || cycle_->request().deadline < *next)) {
         next = cycle_->request().deadline;
     }
-    return next ? milliseconds_between(now, *next) : -1;
+    return next;
 }
 
 void Notification_server::process_state_change_request() {
@@ -121,7 +124,7 @@ void Notification_server::call_callback_after_all_clients_responded() {
 }
 
 void Notification_server::process_timeout() {
-    if (is_in_progress() && Clock::now() >= cycle_->request().deadline) {
+    if (is_in_progress() && surroundings_.now() >= cycle_->request().deadline) {
         utilities::get_logger().LogInfo() << "calling callback after some clients timed out";
         status::request_ended(status::Answer::timed_out);
         take_cycle()->time_out();

@@ -20,20 +20,27 @@ namespace client_state_notifier {
 /// All of it runs on one thread. Exceptions are failures of the server itself.
 class Notification_server {
  public:
-    /// Listens at the path. The register and the slot must outlive the server.
+    /// Listens at the path. The slot, the register and the surroundings must outlive the server.
     Notification_server(std::string const& path, Status_callback status_callback, Request_slot& requests,
-                        Client_register& clients);
+                        Client_register& clients, Surroundings& surroundings = machine_surroundings());
 
     /// Serves until the slot says to stop.
-    void run();
+    void run() {
+        while (turn()) {
+        }
+    }
+
+    /// One turn of the loop; false when the slot says to stop. For who has no thread for the server: a turn when a
+    /// descriptor is ready or the deadline has come finds nothing to wait for.
+    bool turn();
+
+    /// When there is something to do without an event, as of now; nothing when there is no such time.
+    std::optional<Surroundings::Clock::time_point> next_deadline(Surroundings::Clock::time_point now) const;
 
     /// The request in progress when `run` was left by an exception.
     std::optional<Notification_cycle> take_cycle();
 
  private:
-    using Clock = Client_connections::Clock;
-
-    long calculate_timeout(Clock::time_point now) const;
     bool hear_wake_ups();
     void process_state_change_request();
     void process_client_responses();
@@ -42,6 +49,7 @@ class Notification_server {
     bool is_in_progress();
     void call_callback_after_all_clients_responded();
 
+    Surroundings& surroundings_;
     Request_slot& requests_;
     Client_register& clients_;
     Client_connections connections_;

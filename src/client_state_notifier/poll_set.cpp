@@ -20,7 +20,7 @@ void Poll_set::fill(std::chrono::steady_clock::time_point now, Listening_socket 
 }
 
 bool Poll_set::wait(long timeout_ms) {
-    return utilities::poll(entries_, timeout_ms);
+    return utilities::poll(entries_, timeout_ms, calls_);
 }
 
 std::vector<int> Poll_set::ready_clients() const {

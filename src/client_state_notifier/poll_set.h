@@ -18,6 +18,8 @@ namespace client_state_notifier {
 /// order. In each turn: fill, wait, and ask what is ready.
 class Poll_set {
  public:
+    explicit Poll_set(utilities::Socket_calls& calls) : calls_(calls) {}
+
     /// A client has come or gone. Their entries stay from turn to turn until then.
     void forget_clients() { has_clients_ = false; }
 
@@ -44,6 +46,7 @@ class Poll_set {
     static constexpr std::size_t k_wake_up = 1;
     static constexpr std::size_t k_clients = 2;
 
+    utilities::Socket_calls& calls_;
     std::vector<pollfd> entries_;
     std::size_t clients_{0};  ///< how many of the entries are theirs
     bool has_clients_{false};

@@ -13,10 +13,10 @@
 
 namespace client_state_notifier {
 
-Request_slot::Request_slot() : Request_slot(utilities::socket_pair()) {}
+Request_slot::Request_slot(Surroundings& surroundings) : Request_slot(surroundings.socket_pair(), surroundings) {}
 
-Request_slot::Request_slot(std::pair<utilities::Socket, utilities::Socket> channel)
-    : wake_up_end_(std::move(channel.first)), callers_end_(std::move(channel.second)) {}
+Request_slot::Request_slot(std::pair<utilities::Socket, utilities::Socket> channel, Surroundings& surroundings)
+    : wake_up_end_(std::move(channel.first)), callers_end_(std::move(channel.second)), bell_(surroundings.bell()) {}
 
 bool Request_slot::put(State_change_request request) {
     std::uint32_t number = 0;
@@ -27,7 +27,7 @@ bool Request_slot::put(State_change_request request) {
         request_ = std::move(request);
     }
     changed_.notify_one();
-    return send({utilities::Type_length_value(utilities::get_state_change_request_added())}) || bell_.ring() ||
+    return send({utilities::Type_length_value(utilities::get_state_change_request_added())}) || bell_->ring() ||
            !withdraw(number);
 }
 
@@ -38,7 +38,7 @@ void Request_slot::stop() {
     }
     changed_.notify_one();
     send(utilities::create_terminate_command());
-    bell_.ring();
+    bell_->ring();
 }
 
 bool Request_slot::receive_wake_up() {
@@ -47,7 +47,7 @@ bool Request_slot::receive_wake_up() {
 }
 
 void Request_slot::forget_wake_ups() {
-    bell_.clear();
+    bell_->clear();
     std::array<std::uint8_t, 4096> words;
     try {
         for (;;) {

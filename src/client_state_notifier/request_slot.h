@@ -1,15 +1,15 @@
 #ifndef CLIENT_STATE_NOTIFIER_REQUEST_SLOT_H
 #define CLIENT_STATE_NOTIFIER_REQUEST_SLOT_H
 
-#include "base/bell.h"
 #include "base/mutex.h"
 #include "client_state_notifier/state_change_request.h"
-#include "utilities/socket.h"
+#include "client_state_notifier/surroundings.h"
 #include "utilities/type_length_value.h"
 
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -20,7 +20,8 @@ namespace client_state_notifier {
 /// wake-up is a hint: the request is taken once, and one that a newer has replaced before is gone.
 class Request_slot {
  public:
-    Request_slot();
+    /// The surroundings must outlive the slot.
+    explicit Request_slot(Surroundings& surroundings = machine_surroundings());
 
     /// Callers: puts a request, over one that has not been taken yet. Never waits. False when the thread can't be
     /// woken; then the request is out again, as if it had been put and replaced.
@@ -33,7 +34,7 @@ class Request_slot {
     utilities::Socket const& wake_up_end() const { return wake_up_end_; }
 
     /// Thread: becomes readable when a word could not be sent, and at the end.
-    base::Bell const& bell() const { return bell_; }
+    Wake_up_bell const& bell() const { return *bell_; }
 
     /// Thread: takes one wake-up from the channel; false when it says to end.
     bool receive_wake_up();
@@ -56,7 +57,7 @@ class Request_slot {
     std::optional<State_change_request> wait(std::chrono::steady_clock::time_point end);
 
  private:
-    explicit Request_slot(std::pair<utilities::Socket, utilities::Socket> channel);
+    Request_slot(std::pair<utilities::Socket, utilities::Socket> channel, Surroundings& surroundings);
 
     std::optional<State_change_request> take_locked() REQUIRES(mutex_);
     bool send(utilities::Type_length_values const& message) const;
@@ -64,7 +65,7 @@ class Request_slot {
 
     utilities::Socket wake_up_end_;
     utilities::Socket callers_end_;
-    base::Bell bell_;
+    std::unique_ptr<Wake_up_bell> bell_;
     mutable base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::optional<State_change_request> request_ GUARDED_BY(mutex_);

@@ -6,10 +6,10 @@
 
 namespace utilities {
 
-bool poll(std::vector<pollfd>& descriptors, long timeout_ms) {
+bool poll(std::vector<pollfd>& descriptors, long timeout_ms, Socket_calls& calls) {
     timespec const timeout{timeout_ms / 1000, timeout_ms % 1000 * 1'000'000};
     for (;;) {
-        int const ready = ::ppoll(descriptors.data(), descriptors.size(), timeout_ms < 0 ? nullptr : &timeout, nullptr);
+        int const ready = calls.poll(descriptors.data(), descriptors.size(), timeout_ms < 0 ? nullptr : &timeout);
         if (ready >= 0) {
             return ready > 0;
         }

@@ -11,7 +11,7 @@ namespace utilities {
 
 /// Waits until at least one descriptor is ready and returns true, or until the time has passed and returns false. A
 /// negative time waits without limit. Interruptions are waited out; each starts the time anew.
-bool poll(std::vector<pollfd>& descriptors, long timeout_ms);
+bool poll(std::vector<pollfd>& descriptors, long timeout_ms, Socket_calls& calls = system_socket_calls());
 
 /// One entry of a poll set.
 pollfd create_pollfd_helper(short events, Socket const& socket);

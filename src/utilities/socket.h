@@ -1,6 +1,8 @@
 #ifndef UTILITIES_SOCKET_H
 #define UTILITIES_SOCKET_H
 
+#include "utilities/socket_calls.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -24,7 +26,7 @@ class ExceptionSocketClosed : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Owns one descriptor of a stream socket, or none (-1).
+/// Owns one descriptor of a stream socket, or none (-1). It is one of the system's, unless other calls came with it.
 ///
 /// A server binds and listens; a client connects by `try_connect`; then both send by `sendl` and receive by `recv` or
 /// `recvl`. A system call that fails throws std::system_error with the operation as its text, unless told otherwise.
@@ -36,10 +38,10 @@ class Socket {
     /// How long a client waits between two tries to connect, as the protocol has it.
     static constexpr std::chrono::milliseconds k_connect_retry{100};
 
-    Socket() noexcept = default;
+    Socket() noexcept : m_calls(&system_socket_calls()) {}
 
     /// Takes ownership of a descriptor; throws when it is -1.
-    explicit Socket(int fd);
+    explicit Socket(int fd, Socket_calls& calls = system_socket_calls());
 
     /// A new socket, arguments as those of socket(2).
     Socket(int domain, int type, int protocol);
@@ -47,9 +49,10 @@ class Socket {
     /// A failed close is reported, see close_failure.h.
     ~Socket();
 
-    Socket(Socket&& other) noexcept : m_socket(std::exchange(other.m_socket, k_none)) {}
+    Socket(Socket&& other) noexcept : m_socket(std::exchange(other.m_socket, k_none)), m_calls(other.m_calls) {}
     Socket& operator=(Socket&& other) noexcept {
         std::swap(m_socket, other.m_socket);
+        std::swap(m_calls, other.m_calls);
         return *this;
     }
     Socket(Socket const&) = delete;
@@ -79,6 +82,7 @@ class Socket {
 
  private:
     std::int32_t m_socket{k_none};
+    Socket_calls* m_calls;
 };
 
 /// The address of a path of at most 108 bytes; a longer one throws std::runtime_error.

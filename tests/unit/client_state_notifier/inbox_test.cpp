@@ -51,14 +51,14 @@ class Inbox_of_a_connection : public testing::Test {
 
 TEST_F(Inbox_of_a_connection, Waits_for_nothing) {
     EXPECT_NO_THROW(sut.receive(pair.first));
-    EXPECT_EQ(sut.take(), std::nullopt);
+    EXPECT_EQ(sut.take(Inbox::Clock::now()), std::nullopt);
 }
 
 TEST_F(Inbox_of_a_connection, Hands_out_what_has_arrived) {
     arrive();
     sut.receive(pair.first);
-    EXPECT_EQ(sut.take(), utilities::Type_length_values{Type_length_value("kOn")});
-    EXPECT_EQ(sut.take(), std::nullopt);
+    EXPECT_EQ(sut.take(Inbox::Clock::now()), utilities::Type_length_values{Type_length_value("kOn")});
+    EXPECT_EQ(sut.take(Inbox::Clock::now()), std::nullopt);
 }
 
 TEST_F(Inbox_of_a_connection, Takes_so_many_messages_in_a_second_and_no_more) {
@@ -95,7 +95,7 @@ TEST_F(Inbox_of_a_connection, Tells_of_a_peer_that_has_closed_when_all_before_th
     arrive();
     { utilities::Socket const gone(std::move(pair.second)); }
     sut.receive(pair.first);
-    EXPECT_NE(sut.take(), std::nullopt);
+    EXPECT_NE(sut.take(Inbox::Clock::now()), std::nullopt);
     EXPECT_THROW(sut.receive(pair.first), utilities::ExceptionSocketClosed);
 }
 
