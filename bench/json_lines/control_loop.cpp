@@ -1,5 +1,6 @@
 #include "bench/json_lines/control_loop.h"
 
+#include "base/end_signals.h"
 #include "bench/json_lines/clock.h"
 #include "bench/json_lines/line_exchange.h"
 
@@ -43,14 +44,14 @@ struct Control_loop::Implementation {
 
 void Control_loop::Implementation::set_up() {
     ::signal(SIGPIPE, SIG_IGN);
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGTERM);
-    sigaddset(&ends, SIGINT);
+    auto const ends = base::heeded_end_signals();
     require(-::pthread_sigmask(SIG_BLOCK, &ends, nullptr), "pthread_sigmask");
     require(sd_event_new(&loop), "sd_event_new");
-    require(sd_event_add_signal(loop, nullptr, SIGTERM, nullptr, nullptr), "sd_event_add_signal");
-    require(sd_event_add_signal(loop, nullptr, SIGINT, nullptr, nullptr), "sd_event_add_signal");
+    for (int const number : base::k_end_signals) {
+        if (sigismember(&ends, number) == 1) {
+            require(sd_event_add_signal(loop, nullptr, number, nullptr, nullptr), "sd_event_add_signal");
+        }
+    }
     lines.attach(loop);
 }
 

@@ -16,8 +16,9 @@ namespace bench {
 /// The one thread of a player: reads commands line by line, answers them, sends events, and calls whoever waits for a
 /// descriptor or for a time. Everything happens on the thread that calls `run()`.
 ///
-/// The loop ends when the input ends, with SIGTERM or SIGINT (which construction blocks for the calling thread) or by
-/// `stop()`. Construction also ignores SIGPIPE: a reader of the events that went away is not the end.
+/// The loop ends when the input ends, with a signal of base/end_signals.h that is not ignored (construction blocks them
+/// for the calling thread) or by `stop()`. Construction also ignores SIGPIPE: a reader of the events that went away is
+/// not the end.
 class Control_loop {
  public:
     /// Reads commands from one descriptor and writes to the other; both stay the caller's. The table must outlive the

@@ -54,8 +54,12 @@ Action change(nlohmann::json const& settings) {
     return [settings](Machine& machine) { machine.change_configuration({{"ap_statemanager", settings}}); };
 }
 
+Expectation requested(std::string const& application, std::string const& what) {
+    return {Kind::application, "", false, {{application, "requests", what}}};
+}
+
 Expectation seen(vehicle::Act const& act) {
-    return {Kind::client, text_of(act), false, act.who};
+    return {Kind::client, "", false, act};
 }
 
 Expectation asked(std::string const& client, std::string const& state) {

@@ -37,6 +37,9 @@ Action hold_answers(bool held);
 Expectation transition(std::string const& from, std::string const& to);
 Expectation word(std::string const& text);
 
+/// An application requests something.
+Expectation requested(std::string const& application, std::string const& what);
+
 /// A client does something; is asked for a state; what the log says of its answer.
 Expectation seen(vehicle::Act const& act);
 Expectation asked(std::string const& client, std::string const& state);

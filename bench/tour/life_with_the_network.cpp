@@ -48,7 +48,7 @@ std::vector<Step> leave_it_to_the_network() {
          press("r"),
          {transition("NM Controlled", "Running"), word("running"), {Kind::network_state, "80 00 01 00 00 00"}},
          {"NM Controlled 1"}},
-        {"An application keeps the ECU alive", keep_ecu_alive(true), {{Kind::application, "2 requests ecu_alive"}}},
+        {"An application keeps the ECU alive", keep_ecu_alive(true), {requested("2", "ecu_alive")}},
         {"Nobody needs the network any more",
          both(others_need_network(false), press("n")),
          sleeps_into_post_run(),

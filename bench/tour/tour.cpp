@@ -17,14 +17,23 @@ std::string describe(Expectation const& expectation) {
     if (expectation.is_absence) {
         return std::string("no ") + vehicle::name(expectation.kind);
     }
-    return std::string(vehicle::name(expectation.kind)) + " \"" + expectation.text + "\"";
+    auto const& act = expectation.act;
+    return std::string(vehicle::name(expectation.kind)) + " \"" + (act ? text_of(*act) : expectation.text) + "\"";
 }
 
 /// A kind of event, and for clients which of them.
 using Thread = std::pair<vehicle::Kind, std::string>;
 
 Thread thread_of(Expectation const& expectation) {
-    return {expectation.kind, expectation.who};
+    bool const is_of_client = expectation.kind == vehicle::Kind::client && expectation.act;
+    return {expectation.kind, is_of_client ? expectation.act->who : ""};
+}
+
+// A request's number is not expected.
+bool is_act(vehicle::Event const& event, Expectation const& expectation) {
+    auto act = event.act;
+    act.status = act.what == "asked" ? 0 : act.status;
+    return event.kind == expectation.kind && act == *expectation.act;
 }
 
 double seconds_since(std::int64_t start, std::int64_t time) {
@@ -71,7 +80,10 @@ class Walk {
 
     std::optional<std::int64_t> await(Expectation const& expectation) {
         auto& from = next_.try_emplace(thread_of(expectation), life_).first->second;
-        auto const position = machine_.await(expectation.kind, expectation.text, from, patience_);
+        auto const position =
+            expectation.act
+                ? machine_.await([&](auto const& event) { return is_act(event, expectation); }, from, patience_)
+                : machine_.await(expectation.kind, expectation.text, from, patience_);
         if (!position) {
             return std::nullopt;
         }

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,8 +19,8 @@ inline constexpr std::chrono::milliseconds k_spectators_pause{700};
 struct Expectation {
     vehicle::Kind kind;
     std::string text;
-    bool is_absence{false};  ///< no event of the kind, whatever its text, from the step's begin to its end
-    std::string who{};       ///< of a client: which
+    bool is_absence{false};             ///< no event of the kind, whatever its text, from the step's begin to its end
+    std::optional<vehicle::Act> act{};  ///< of a client or an application, instead of a text; an answer's status is 0
 };
 
 /// One step of the tour: something is done, and each expectation must be seen after it.

@@ -4,17 +4,6 @@
 
 namespace bench::vehicle {
 
-namespace {
-
-bool fits(Event const& event, Kind kind, std::string const& text) {
-    if (event.kind != kind) {
-        return false;
-    }
-    return kind == Kind::log ? event.text.rfind(text, 0) == 0 : event.text == text;
-}
-
-}  // namespace
-
 nlohmann::json Machine::tell(std::string const& neighbour, nlohmann::json const& /*command*/) {
     throw std::runtime_error("This machine has no neighbour \"" + neighbour + "\"");
 }
@@ -32,11 +21,20 @@ void Machine::watch(std::chrono::milliseconds duration) {
 
 std::optional<std::size_t> Machine::await(Kind kind, std::string const& text, std::size_t from,
                                           std::chrono::milliseconds limit) {
+    auto const fits = [&](Event const& event) {
+        bool const is_text = kind == Kind::log ? event.text.rfind(text, 0) == 0 : event.text == text;
+        return event.kind == kind && is_text;
+    };
+    return await(fits, from, limit);
+}
+
+std::optional<std::size_t> Machine::await(std::function<bool(Event const&)> const& fits, std::size_t from,
+                                          std::chrono::milliseconds limit) {
     auto const deadline = std::chrono::steady_clock::now() + limit;
     for (auto next = from;;) {
         update(k_poll);
         for (; next < events_.size(); ++next) {
-            if (fits(events_[next], kind, text)) {
+            if (fits(events_[next])) {
                 return next;
             }
         }

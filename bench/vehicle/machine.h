@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -61,6 +62,10 @@ class Machine {
     /// Position of the first event of a kind, from position `from` on, whose text is (a log message: begins with)
     /// `text`. Waits up to `limit` for it; nothing when it did not come.
     std::optional<std::size_t> await(Kind kind, std::string const& text, std::size_t from = 0,
+                                     std::chrono::milliseconds limit = k_patience);
+
+    /// The same of the first event for which `fits` holds.
+    std::optional<std::size_t> await(std::function<bool(Event const&)> const& fits, std::size_t from = 0,
                                      std::chrono::milliseconds limit = k_patience);
 
  protected:

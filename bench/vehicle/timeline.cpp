@@ -2,9 +2,15 @@
 
 #include "base/hex.h"
 
+#include <tuple>
 #include <utility>
 
 namespace bench::vehicle {
+
+bool operator==(Act const& left, Act const& right) {
+    return std::tie(left.who, left.what, left.of, left.status) ==
+           std::tie(right.who, right.what, right.of, right.status);
+}
 
 std::string text_of(Act const& act) {
     auto text = act.who + ' ' + act.what;

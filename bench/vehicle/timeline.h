@@ -34,6 +34,8 @@ struct Act {
     int status{0};       ///< of an answer; of "asked" the request's number
 };
 
+bool operator==(Act const& left, Act const& right);
+
 /// An act in one line: "radio answered kOn 0", "1 requests com_alive".
 std::string text_of(Act const& act);
 

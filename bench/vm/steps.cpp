@@ -12,6 +12,7 @@ using tour::keep_ecu_alive;
 using tour::nothing;
 using tour::others_need_network;
 using tour::press;
+using tour::requested;
 using tour::start;
 using tour::Step;
 using tour::transition;
@@ -44,7 +45,7 @@ std::vector<Step> network() {
         {"The rest of the vehicle needs the network",
          others_need_network(true),
          {{Kind::network_state, "80 00 01 00 00 00"}}},
-        {"An application keeps the ECU alive", keep_ecu_alive(true), {{Kind::application, "2 requests ecu_alive"}}},
+        {"An application keeps the ECU alive", keep_ecu_alive(true), {requested("2", "ecu_alive")}},
         {"The hypervisor leaves it to the network, to suspend",
          press("s"),
          {transition("Running", "NM Controlled"), word("runnmcontrolled"), {Kind::network_state, "80 00 00 00 00 00"}}},

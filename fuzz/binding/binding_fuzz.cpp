@@ -31,7 +31,7 @@
 namespace {
 
 using namespace ara::com::dds;  // NOLINT(google-build-using-namespace): strangers speak for themselves with its parts
-using namespace fuzz;           // NOLINT(google-build-using-namespace)
+using namespace fuzz;           // NOLINT(google-build-using-namespace): a part of theirs
 
 constexpr std::chrono::seconds k_patience{10};
 

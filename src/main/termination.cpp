@@ -1,3 +1,6 @@
+// A signal interrupts any thread. The handler reaches the manager through the holder, which keeps it until the process
+// exits, and sets its flag; the driver sees it in its next cycle and returns to `main`.
+
 #include "main/termination.h"
 
 #include "ara/log/logging.h"

@@ -9,8 +9,7 @@
 
 #include <unistd.h>
 
-// The library's own delete gives back what malloc gave.
-void* operator new(std::size_t size) {  // NOLINT(cert-dcl54-cpp,misc-new-delete-overloads)
+void* operator new(std::size_t size) {  // NOLINT(cert-dcl54-cpp,misc-new-delete-overloads): its delete is free
     int const saved_errno = errno;
     bool const fails = ::syscall(faults::k_allocation) == -1 && errno == ENOMEM;
     errno = saved_errno;

@@ -43,7 +43,7 @@ No_memory::~No_memory() {
     given = -1;
 }
 
-bool No_memory::was_met() const {  // NOLINT(readability-convert-member-functions-to-static)
+bool No_memory::was_met() const {  // NOLINT(readability-convert-member-functions-to-static): of the one that lives
     return was_refused;
 }
 

@@ -1,5 +1,7 @@
 #include "tools/dlt/payload.h"
 
+#include "base/hex.h"
+
 #include <cstring>
 #include <optional>
 
@@ -25,18 +27,6 @@ constexpr std::size_t k_type_field = 4;
 std::size_t bytes_of(std::uint64_t type) {
     auto const length = type & k_length;
     return length == 0 || length > 4 ? 0 : std::size_t{1} << (length - 1);
-}
-
-std::string hex(std::string_view bytes) {
-    constexpr char const* k_digits = "0123456789abcdef";
-    std::string text;
-    for (char const character : bytes) {
-        auto const byte = static_cast<unsigned char>(character);
-        text += text.empty() ? "" : " ";
-        text += k_digits[byte >> 4U];
-        text += k_digits[byte & 0xFU];
-    }
-    return text;
 }
 
 std::int64_t as_signed(std::uint64_t value, std::size_t size) {
@@ -77,7 +67,7 @@ std::optional<std::string> argument(Cursor& payload) {
             payload.bytes(payload.number(k_length_field));
         }
         auto const bytes = payload.bytes(length);
-        return (type & k_text) != 0 ? text_without_end(bytes) : hex(bytes);
+        return (type & k_text) != 0 ? text_without_end(bytes) : base::to_hex(bytes);
     }
     if ((type & k_named) != 0) {
         skip_names(type, payload);

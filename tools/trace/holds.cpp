@@ -1,9 +1,10 @@
 #include "tools/trace/holds.h"
 
+#include "base/hex.h"
 #include "tools/trace/message_words.h"
 
 #include <algorithm>
-#include <sstream>
+#include <cstdint>
 
 namespace statectl::trace {
 
@@ -16,14 +17,9 @@ std::string trimmed(std::string const& text) {
     return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
-// "07 00 01" as bytes.
-std::vector<unsigned> bytes_of(std::string const& text) {
-    std::vector<unsigned> bytes;
-    std::istringstream words(text);
-    for (unsigned byte = 0; words >> std::hex >> byte;) {
-        bytes.push_back(byte);
-    }
-    return bytes;
+// "07 00 01" as bytes; none when a trace has something else there.
+std::vector<std::uint8_t> bytes_of(std::string const& text) {
+    return base::from_hex(text).value_or(std::vector<std::uint8_t>());
 }
 
 // Both texts' bytes, combined one by one; the shorter one goes on with zeros.
@@ -33,15 +29,8 @@ std::string combined(std::string const& left, std::string const& right, Operatio
     auto others = bytes_of(right);
     all.resize(std::max(all.size(), others.size()));
     others.resize(all.size());
-    std::string text;
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        constexpr char const* k_digits = "0123456789abcdef";
-        auto const byte = operation(all[i], others[i]);
-        text += text.empty() ? "" : " ";
-        text += k_digits[byte >> 4U & 0xFU];
-        text += k_digits[byte & 0xFU];
-    }
-    return text;
+    std::transform(all.begin(), all.end(), others.begin(), all.begin(), operation);
+    return base::to_hex(all);
 }
 
 bool is_empty(std::string const& bits) {
@@ -81,7 +70,8 @@ void Holds::hold(std::string const& what, std::string const& who, std::string co
     if (open == holds_.end()) {
         holds_.push_back({what, who, bits, now, std::nullopt});
     } else {
-        open->bits = combined(open->bits, bits, [](unsigned held, unsigned added) { return held | added; });
+        open->bits = combined(open->bits, bits,
+                              [](unsigned held, unsigned added) { return static_cast<std::uint8_t>(held | added); });
     }
 }
 
@@ -90,7 +80,9 @@ void Holds::release(std::string const& what, std::string const& who, std::string
         if (one.end || one.what != what || one.who != who) {
             continue;
         }
-        auto const rest = combined(one.bits, bits, [](unsigned held, unsigned released) { return held & ~released; });
+        auto const rest = combined(one.bits, bits, [](unsigned held, unsigned released) {
+            return static_cast<std::uint8_t>(held & ~released);
+        });
         if (is_empty(rest)) {
             one.end = now;
         } else {

@@ -34,8 +34,8 @@ class Argument_encoder {
     /// Payload of a DLT message in libdlt's default configuration.
     static constexpr std::size_t k_capacity = 1390;
 
-    // The buffer stays uninitialised: only what has been encoded is ever read.
-    Argument_encoder() noexcept {}  // NOLINT(modernize-use-equals-default,cppcoreguidelines-pro-type-member-init)
+    // NOLINTNEXTLINE(modernize-use-equals-default,cppcoreguidelines-pro-type-member-init): only what is written is read
+    Argument_encoder() noexcept {}
 
     void add_text(std::string_view text) noexcept;
     void add_bytes(std::uint8_t const* bytes, std::size_t size) noexcept;

@@ -68,8 +68,7 @@ class Dlt_sink : public Log_sink {
         auto* const context = static_cast<DltContext*>(message.header.context->remote);
         auto const level = static_cast<DltLogLevelType>(message.header.level);
         DltContextData data{};
-        // libdlt does not write through the pointer.
-        auto* const arguments = const_cast<char*>(message.arguments.data());  // NOLINT(*-const-cast)
+        auto* const arguments = const_cast<char*>(message.arguments.data());  // NOLINT(*-const-cast): not written to
         if (!started_ || ::dlt_user_log_write_start_w_given_buffer(context, &data, level, arguments,
                                                                    message.header.size, message.header.count) <= 0) {
             return;

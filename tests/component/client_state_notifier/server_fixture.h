@@ -19,7 +19,7 @@
 
 namespace client_state_notifier {
 
-using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace)
+using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace): of its literals
 
 /// How a request ended.
 struct Outcome {

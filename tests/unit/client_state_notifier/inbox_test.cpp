@@ -10,7 +10,7 @@
 namespace client_state_notifier {
 namespace {
 
-using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace)
+using namespace std::chrono_literals;  // NOLINT(google-build-using-namespace): of its literals
 using utilities::Type_length_value;
 
 class Inbox_of_a_connection : public testing::Test {
