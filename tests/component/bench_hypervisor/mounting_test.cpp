@@ -1,3 +1,4 @@
+#include "base/end_signals.h"
 #include "mounted_fixture.h"
 
 #include <chrono>
@@ -37,10 +38,17 @@ TEST_F(Mounting_test, The_end_of_the_commands_unmounts_and_ends_with_status_0) {
     EXPECT_FALSE(is_mounted());
 }
 
-TEST_F(Mounting_test, A_termination_signal_unmounts_and_ends_with_status_0) {
-    sut->process().signal(SIGTERM);
-    EXPECT_EQ(sut->process().wait(10s), 0);
-    EXPECT_FALSE(is_mounted());
+TEST_F(Mounting_test, A_signal_that_ends_programs_unmounts_and_ends_with_status_0) {
+    auto const heeded = base::heeded_end_signals();
+    for (int const number : base::k_end_signals) {
+        base::Temporary_directory const other;
+        Player player({BENCH_HYPERVISOR, other.path()});
+        EXPECT_TRUE(is_mounted(other.path()));
+        bool const is_heeded = sigismember(&heeded, number) == 1;
+        player.process().signal(is_heeded ? number : SIGTERM);
+        EXPECT_EQ(player.process().wait(10s), 0) << number;
+        EXPECT_FALSE(is_mounted(other.path())) << number;
+    }
 }
 
 TEST_F(Mounting_test, The_death_of_whoever_started_it_unmounts_too) {
