@@ -21,9 +21,9 @@ constexpr int k_usage_error = 2;
 
 /// The services with the communication that carries them.
 struct Offering {
-    Offering(std::string const& instance, players::Network_player& player, bench::Control_loop& loop,
+    Offering(players::Node_options const& options, players::Network_player& player, bench::Control_loop& loop,
              bench::Command_table& commands)
-        : services(instance, player, loop) {
+        : services(*options.offered, options.tells_first_state, player, loop) {
         players::add_service_commands(commands, services);
     }
 
@@ -41,7 +41,7 @@ int serve(players::Node_options const& options) {
     players::add_commands(commands, player);
     std::optional<Offering> offering;
     if (options.offered) {
-        offering.emplace(*options.offered, player, loop, commands);
+        offering.emplace(options, player, loop, commands);
     }
     loop.event("ready", {{"node", options.network.id}, {"port", options.network.own.port}});
     return loop.run();

@@ -20,7 +20,8 @@ char const* const k_usage =
     "  --wait-bus-sleep MS  from there to bus sleep (default 300)\n"
     "  --reset MS           how long a request of another node counts unrepeated (default 300)\n"
     "  --capture FILE       write what is sent and received (pcap)\n"
-    "  --offer INSTANCE     offer the network services under that name\n";
+    "  --offer INSTANCE     offer the network services under that name\n"
+    "  --offer-silent INSTANCE  the same, and tell no network state before it changes\n";
 
 namespace {
 
@@ -74,7 +75,11 @@ std::map<std::string, Setter> const& setters() {
         {"--wait-bus-sleep", milliseconds_of("--wait-bus-sleep", &Nm_timing::wait_bus_sleep)},
         {"--reset", milliseconds_of("--reset", &Nm_timing::reset)},
         {"--capture", [](Node_options& options, std::string const& word) { options.capture = word; }},
-        {"--offer", [](Node_options& options, std::string const& word) { options.offered = word; }}};
+        {"--offer", [](Node_options& options, std::string const& word) { options.offered = word; }},
+        {"--offer-silent", [](Node_options& options, std::string const& word) {
+             options.offered = word;
+             options.tells_first_state = false;
+         }}};
     return all;
 }
 

@@ -16,6 +16,7 @@ struct Node_options {
     Network_options network;
     std::string capture;                 ///< file to begin a capture in; empty for none
     std::optional<std::string> offered;  ///< instance of the services that are offered; nothing for a node without
+    bool tells_first_state{true};        ///< a subscriber gets the network state before it has changed
 };
 
 /// Throws `std::invalid_argument`, whose text says what is wrong.

@@ -75,12 +75,14 @@ class Services::User_data_service : public skeletons::UserDataInterfaceSkeleton 
     Pending_calls& calls_;
 };
 
-Services::Services(std::string const& instance, Network_player& player, Control_loop& loop)
+Services::Services(std::string const& instance, bool tells_first_state, Network_player& player, Control_loop& loop)
     : player_(player),
       calls_(loop),
       network_state_(std::make_unique<Network_state_service>(InstanceIdentifier(instance), player, calls_)),
       user_data_(std::make_unique<User_data_service>(InstanceIdentifier(instance), player, calls_)) {
-    network_state_->NetworkState.Update(player_.node().network_state());
+    if (tells_first_state) {
+        network_state_->NetworkState.Update(player_.node().network_state());
+    }
     player_.on_network_state([this, &loop](Bits const& requests) {
         try {
             network_state_->NetworkState.Update(requests);

@@ -15,7 +15,7 @@ class Services {
  public:
     /// Offers them under that name. The player must outlive this. Throws `tarq::com::Infrastructure_exception`, and
     /// `tarq::com::Invalid_argument_exception` for a name that is none.
-    Services(std::string const& instance, Network_player& player, Control_loop& loop);
+    Services(std::string const& instance, bool tells_first_state, Network_player& player, Control_loop& loop);
     ~Services();
     Services(Services const&) = delete;
     Services& operator=(Services const&) = delete;

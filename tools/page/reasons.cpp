@@ -115,8 +115,11 @@ Reasons client_reasons(Snapshot const& page) {
                                     span_text(page.now, page.server.deadline)});
     }
     if (reasons.empty()) {
-        reasons.push_back({"next-step", "all of the " + group_word(page.driver.group) +
-                                            " have answered or had their time, and the next step follows"});
+        auto const has_asked = page.driver.group_at != 0 && page.driver.group_at >= page.driver.since;
+        reasons.push_back({"next-step", (has_asked ? "all of the " + group_word(page.driver.group) +
+                                                         " have answered or had their time"
+                                                   : std::string("nobody has been asked yet")) +
+                                            ", and the next step follows"});
     }
     return reasons;
 }
@@ -247,9 +250,9 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
     if (page.is_half_written) {
         troubles.push_back({"half-written", "a part of the page was left half-written"});
     }
-    if (page.is_alive && driver.ended == 0 && page.now > driver.beat + k_second && driver.beat != 0 &&
-        page.now - driver.beat > k_second + page.life.period_ms * 1'000'000) {
-        troubles.push_back({"no-beat", "no cycle has begun for " + span_text(driver.beat, page.now) +
+    auto const beat = driver.beat != 0 ? driver.beat : page.life.started;  // which the first cycle is still to follow
+    if (page.is_alive && driver.ended == 0 && page.now > beat + k_second + page.life.period_ms * 1'000'000) {
+        troubles.push_back({"no-beat", "no cycle has begun for " + span_text(beat, page.now) +
                                            ": the daemon waits for a call, or stands still"});
     }
     if (driver.devices == 0) {

@@ -17,6 +17,13 @@ TEST(Options_test, Everything_can_be_told) {
     EXPECT_EQ(options.network.request_bytes, 4U);
     EXPECT_EQ(options.capture, "/tmp/x");
     EXPECT_EQ(options.offered, "udpnm");
+    EXPECT_TRUE(options.tells_first_state);
+}
+
+TEST(Options_test, A_node_may_offer_a_state_that_it_tells_with_its_first_change) {
+    auto const options = parse_options({"127.0.0.11", "--offer-silent", "udpnm"});
+    EXPECT_EQ(options.offered, "udpnm");
+    EXPECT_FALSE(options.tells_first_state);
 }
 
 TEST(Options_test, Every_timer_can_be_told) {

@@ -55,7 +55,7 @@ TEST(Reasons, Have_a_sentence_for_each_state) {
         ASSERT_EQ(reasons.size(), 1U) << state;
         EXPECT_NE(reasons[0].code, "unknown") << state;
     }
-    EXPECT_EQ(reasons_of(page_in(static_cast<State>(8)))[0].code, "unknown");
+    EXPECT_EQ(reasons_of(page_in(static_cast<State>(8)))[0].code, "unknown") << "a state that no daemon is ever in";
 }
 
 TEST(Reasons, Of_the_network_are_its_reports) {
@@ -74,7 +74,15 @@ TEST(Reasons, Of_the_network_are_its_reports) {
 
 TEST(Reasons, Of_a_suspend_are_the_clients_that_owe_an_answer) {
     auto page = page_in(State::preparing);
-    EXPECT_THAT(sentence(reasons_of(page), "next-step"), HasSubstr("the next step follows"));
+    page.driver.since = 90 * k_s;
+    EXPECT_EQ(sentence(reasons_of(page), "next-step"), "nobody has been asked yet, and the next step follows");
+    page.driver.group = static_cast<Number>(status::Group::dem);
+    page.driver.group_at = 80 * k_s;
+    EXPECT_EQ(sentence(reasons_of(page), "next-step"), "nobody has been asked yet, and the next step follows")
+        << "the group is that of the suspend before";
+    page.driver.group_at = page.driver.since;
+    EXPECT_EQ(sentence(reasons_of(page), "next-step"),
+              "all of the diagnostic events have answered or had their time, and the next step follows");
     page.server.in_progress = 1;
     page.server.deadline = 106 * k_s + k_s * 8 / 10;
     page.server.unanswered = 1;
@@ -185,6 +193,12 @@ TEST(Troubles, Are_told_each_by_its_sentence) {
               "the page is from another boot or machine"},
              {"half-written", [](Snapshot& page) { page.is_half_written = true; }, "half-written"},
              {"no-beat", [](Snapshot& page) { page.driver.beat = 90 * k_s; }, "no cycle has begun for 10.0 s"},
+             {"no-beat",
+              [](Snapshot& page) {
+                  page.driver.beat = 0;
+                  page.life.started = 97 * k_s;
+              },
+              "no cycle has begun for 3.0 s"},
              {"no-device", [](Snapshot& page) { page.driver.devices = 0; }, "no command arrives"},
              {"device-lost",
               [](Snapshot& page) {
