@@ -106,13 +106,18 @@ int tour(fs::path const& build, Kept_file& picture, std::ostream* trace) {
     return all_seen ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-/// A user's own program among the vehicle's; it ends with it.
+/// A user's own program among the vehicle's; it ends with it. All processes of the command, a group of their own, get
+/// SIGTERM; the shell among them waits for the one that it runs.
 class Guest {
  public:
     Guest(std::string const& command, fs::path const& log)
-        : process_({"sh", "-c", "exec >\"$0\" 2>&1; exec sh -c \"$1\"", log.string(), command}, {}) {}
+        : process_(
+              {"setsid", "sh", "-c", "exec >\"$0\" 2>&1; trap 'exit 143' TERM; eval \"$1\"", log.string(), command},
+              {}) {}
     ~Guest() {
-        process_.signal(SIGTERM);
+        if (::kill(-process_.pid(), SIGTERM) != 0) {
+            process_.signal(SIGTERM);  // it is no group yet
+        }
         process_.wait(Vehicle::k_patience);
     }
     Guest(Guest const&) = delete;
