@@ -21,7 +21,7 @@ std::uint32_t bits_in(nlohmann::json const& command) {
 
 }  // namespace
 
-void Holds::take(std::string const& application, nlohmann::json const& command) {
+void Holds::hear(std::string const& application, nlohmann::json const& command) {
     auto& one = all_[application];
     bool const requests = command.at("do") == "request";
     auto const what = command.at("what").get<std::string>();

@@ -17,7 +17,7 @@ class Holds {
     using Bytes = std::array<std::uint8_t, k_bytes>;
 
     /// A call of an application's that was answered: the command it was given.
-    void take(std::string const& application, nlohmann::json const& command);
+    void hear(std::string const& application, nlohmann::json const& command);
 
     bool keep_ecu_alive() const;
     bool keep_com_alive() const;

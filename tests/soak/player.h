@@ -4,14 +4,15 @@
 #include "bench/vehicle/vehicle.h"
 #include "holds.h"
 #include "invariants.h"
+#include "losses.h"
+#include "rest.h"
+#include "road.h"
 #include "script.h"
-#include "support/freezer.h"
+#include "way.h"
 
 #include <chrono>
 #include <deque>
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,7 @@ namespace soak {
 class Player {
  public:
     /// `programs` is the build's directory, `example` the configuration that the script's settings change.
-    Player(Script script, std::string programs, std::string const& example);
-    ~Player();
+    Player(Script const& script, std::string programs, std::string const& example);
 
     /// What was found, each with the step in which it was; empty when all is well. The first one ends the life.
     std::vector<std::string> play();
@@ -35,33 +35,12 @@ class Player {
     unsigned suspends() const { return suspends_; }
 
     /// Why nothing could be frozen; empty when all could.
-    std::string const& cannot_freeze() const { return cannot_freeze_; }
+    std::string const& cannot_freeze() const { return road_.cannot_freeze(); }
 
  private:
-    using Clock = std::chrono::steady_clock;
+    using Clock = Road::Clock;
 
-    /// What puts an end to something that lasts.
-    struct Mend {
-        Clock::time_point at;
-        Verb verb;
-        std::string name;  ///< of whom it happened to
-        std::function<void()> action;
-    };
-
-    /// What the daemon has of the kernel's.
-    struct Used {
-        long descriptors{0};
-        long threads{0};
-        long memory_kb{0};
-    };
-
-    /// Calls to the network manager that may not have reached it.
-    enum class Lost {
-        nothing,
-        something,
-        until_resumed,  ///< a resume asks again just now
-        releases,       ///< what is held was asked for again, what is not may still be
-    };
+    Player(nlohmann::json const& configuration, Script script, std::string programs);
 
     void play_steps();
     void begin();
@@ -72,50 +51,29 @@ class Player {
     void press(std::string const& key);
     void act_on_client(Step const& step);
     void act_on_application(Step const& step);
-    void act_on_road(Step const& step);
-    void stop(Step const& step);
-    void freeze(Step const& step);
-    void make_busy(Step const& step);
-    void kill(Step const& step);
-    void withdraw(Step const& step);
-    void lose();
-    void stall(std::chrono::milliseconds time);
-    bool runs(std::string const& name);
-    void for_a_while(Step const& step, std::function<void()> action);
-    bool lasts(Verb verb, std::string const& name = {}) const;
-    void mend(Clock::time_point now);
     void wait(Clock::duration time);
-    void take_in();
-    void follow_losses(std::string const& word);
+    void hear();
     void settle();
     std::string missing();
-    std::string missing_of_network();
-    std::string missing_of_resources();
-    Used used();
-    bool tell(std::string const& neighbour, nlohmann::json const& command);
     void find(std::string const& what);
 
     Script script_;
-    nlohmann::json settings_;  ///< of the daemon
-    std::unique_ptr<bench::vehicle::Vehicle> machine_;
-    std::optional<bench::vehicle::Freezer> freezer_;
-    std::string cannot_freeze_;
+    bench::vehicle::Vehicle machine_;
     Circumstances circumstances_;
     Holds holds_;
+    Losses losses_;
+    Road road_{machine_, circumstances_, losses_};
+    Rest rest_;
     std::vector<std::unique_ptr<Invariant>> invariants_;
     Words* words_{nullptr};  ///< one of them, and another
     Way* way_{nullptr};
-    std::vector<Mend> mends_;
     std::deque<Event> last_;
     std::vector<std::string> findings_;
     std::string step_{"the start"};
-    Lost lost_{Lost::nothing};
-    std::int64_t lossy_until_{0};
     Clock::time_point last_news_;
     bool may_resume_{false};  ///< this daemon was told something else first
     bool has_ended_log_{false};
     int quiet_cycles_{0};  ///< since then
-    std::optional<Used> first_use_;
     unsigned lives_{0};
     unsigned suspends_{0};
     unsigned suspends_before_{0};  ///< this daemon

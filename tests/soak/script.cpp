@@ -218,6 +218,10 @@ Script drawn(std::uint64_t seed) {
     return Drawing(seed).script();
 }
 
+unsigned number_at_end(Step const& step) {
+    return static_cast<unsigned>(std::stoul(step.words.back()));
+}
+
 std::string joined(Words const& words) {
     std::string text;
     for (auto const& word : words) {

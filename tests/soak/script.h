@@ -62,6 +62,9 @@ struct Script {
 
 Script drawn(std::uint64_t seed);
 
+/// Its last word.
+unsigned number_at_end(Step const& step);
+
 std::string joined(std::vector<std::string> const& words);
 std::string text_of(Step const& step);
 std::string text_of(Script const& script);

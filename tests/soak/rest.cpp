@@ -1,0 +1,110 @@
+#include "rest.h"
+
+#include "base/hex.h"
+
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+namespace soak {
+
+namespace {
+
+using bench::rules::State;
+using nlohmann::json;
+
+#ifdef SANITIZED
+constexpr long k_growth_kb = 1'000'000;  // a sanitizer keeps what was freed
+#else
+constexpr long k_growth_kb = 3'072;
+#endif
+
+std::vector<std::uint8_t> bytes_of(json const& hex) {
+    return base::from_hex(hex.get<std::string>()).value_or(std::vector<std::uint8_t>());
+}
+
+std::string hex(Holds::Bytes const& bytes) {
+    return base::to_hex(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+}
+
+}  // namespace
+
+std::string Rest::missing(State now, bool has_suspended) {
+    for (auto const& client : machine_.clients()) {
+        if (!client.is_connected || !client.owed.empty()) {
+            return client.name + (client.is_connected ? "'s answer" : "'s connection");
+        }
+    }
+    auto missing = missing_of_network(now);
+    return missing.empty() && now == State::running && has_suspended ? missing_of_resources() : missing;
+}
+
+std::string Rest::missing_of_network(State now) const {
+    auto const node = machine_.tell("node", {{"do", "list"}});
+    auto const requests = bytes_of(node.at("requests"));
+    auto const user_data = bytes_of(node.at("user_data"));
+    if (losses_.may_miss_holds() || now == State::starting_up) {
+        return {};
+    }
+    bool const is_suspended = now == State::preparing || now == State::prepared_sd || now == State::shutting_down;
+    auto wanted = circumstances_.nm_usage && !is_suspended ? holds_.requests() : Holds::Bytes{};
+    if (circumstances_.nm_usage && now == State::running) {
+        wanted[0] |= k_default_bit;
+    }
+    for (std::size_t place = 0; place < Holds::k_bytes; ++place) {
+        unsigned const may_be = is_suspended && place == 2 && holds_.have_kept_ecu_alive() ? 1U : 0U;
+        unsigned const is_more = requests.at(place) & ~wanted.at(place) & ~may_be;
+        unsigned const is_less = wanted.at(place) & ~requests.at(place);
+        if (is_less != 0 || (is_more != 0 && !losses_.may_miss_releases())) {
+            return "the network is asked for " + base::to_hex(requests) + ", not " + hex(wanted);
+        }
+    }
+    auto const data = circumstances_.nm_usage && !is_suspended ? holds_.user_data() : Holds::Bytes{};
+    std::size_t const sent = with_cab_bits_ ? 6 : 3;
+    for (std::size_t place = 0; place < sent; ++place) {
+        if ((place < user_data.size() ? user_data[place] : 0) != data.at(place)) {
+            return "the user data is " + base::to_hex(user_data) + ", not " + hex(data);
+        }
+    }
+    return {};
+}
+
+// Compared with the first rest in the same state after a suspend, when all that is made at the first time is there.
+std::string Rest::missing_of_resources() {
+    auto const now = used();
+    if (!first_use_) {
+        first_use_ = now;
+    }
+    if (now.descriptors > first_use_->descriptors) {
+        return "a descriptor: there are " + std::to_string(now.descriptors) + ", first were " +
+               std::to_string(first_use_->descriptors);
+    }
+    if (now.threads > first_use_->threads) {
+        return "a thread: there are " + std::to_string(now.threads) + ", first were " +
+               std::to_string(first_use_->threads);
+    }
+    if (now.memory_kb > first_use_->memory_kb + k_growth_kb) {
+        return "memory: there are " + std::to_string(now.memory_kb) + " KiB, first were " +
+               std::to_string(first_use_->memory_kb);
+    }
+    return {};
+}
+
+Rest::Used Rest::used() const {
+    auto const folder = "/proc/" + std::to_string(machine_.daemon().pid());
+    Used used;
+    for (auto const& entry : std::filesystem::directory_iterator(folder + "/fd")) {
+        used.descriptors += entry.path().empty() ? 0 : 1;
+    }
+    std::ifstream status(folder + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("Threads:", 0) == 0) {
+            used.threads = std::stol(line.substr(8));
+        } else if (line.rfind("RssAnon:", 0) == 0) {
+            used.memory_kb = std::stol(line.substr(8));
+        }
+    }
+    return used;
+}
+
+}  // namespace soak
