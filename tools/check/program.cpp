@@ -46,6 +46,7 @@ namespace {
 
 // What keeps the child from becoming the program comes through a pipe that closes when it has.
 pid_t start_child(Start const& start) {
+    ::signal(SIGCHLD, SIG_DFL);  // one that is ignored, which is handed down, would take along how the program ends
     Signals_held const held;
     auto [ours, childs] = utilities::socket_pair();
     pid_t const child = ::fork();
@@ -89,7 +90,8 @@ std::optional<std::string> Program::await_end(std::chrono::milliseconds limit) {
     }
     utilities::Socket const process(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)));
     int status = 0;
-    if (process.poll(POLLIN, limit.count()).second && ::waitpid(pid_, &status, 0) == pid_) {
+    if (process.poll(POLLIN, limit.count()).second) {
+        ::waitpid(pid_, &status, 0);
         end_ = WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
                                    : "status " + std::to_string(WEXITSTATUS(status));
     }

@@ -103,7 +103,7 @@ void Scene::fail_without_answer(Peer const& peer, std::uint32_t number, std::str
     if (!has_answered_ && others.empty()) {
         throw Not_checkable("it does not answer (see answers)");
     }
-    constexpr Milliseconds k_to_end{100};
+    constexpr Milliseconds k_to_end{1000};
     auto const end = program_->await_end(peer.is_closed() ? k_to_end : Milliseconds::zero());
     auto const how = end                ? ": the program has ended with " + *end
                      : peer.is_closed() ? std::string(": it has closed the connection")

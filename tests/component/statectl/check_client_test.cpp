@@ -52,6 +52,13 @@ TEST(Check_client, Tells_how_a_program_has_ended) {
     EXPECT_EQ(result.output.find("longest answer"), std::string::npos) << "there was none";
 }
 
+// Who starts it may not care for its children, which would be handed down.
+TEST(Check_client, Tells_how_a_program_has_ended_also_where_children_are_ignored) {
+    auto const result = run_shell("env --ignore-signal=CHLD " STATECTL
+                                  " check-client --rule ends --patience 1500 -- " MISBEHAVING_CLIENT);
+    EXPECT_EQ(result.status, 0) << result.output;
+}
+
 TEST(Check_client, Finds_a_client_that_knows_only_the_place_on_a_machine) {
     auto const result = run_statectl({"check-client", "--rule", "comes-back", "--patience", "1500", "--", "env", "-u",
                                       "AP_STATEMANAGER_SOCKET", MISBEHAVING_CLIENT});
