@@ -1,4 +1,5 @@
 #include "tools/check_config/finding.h"
+#include "tools/check_config/rights.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -37,7 +38,8 @@ std::string trouble_of(std::string const& path, Unit const& unit) {
         auto const folder = std::filesystem::path(plain).parent_path().string();
         return "is " + path + ", where " + unit.name + " may not write" + drop_in("ReadWritePaths=-" + folder);
     }
-    return {};
+    auto const right = missing_right(plain, unit);
+    return right.empty() ? right : "is " + path + ", and " + right;
 }
 
 }  // namespace

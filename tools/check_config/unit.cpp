@@ -66,6 +66,23 @@ void add_paths(std::string const& text, std::string const& folder, Unit& unit) {
     }
 }
 
+void add_prefixes(std::string const& command, Unit& unit) {
+    constexpr std::string_view k_prefix = "--prefix=";
+    std::istringstream words(command);
+    for (std::string word; words >> word;) {
+        if (word.rfind(k_prefix, 0) == 0 && command.find("systemd-tmpfiles") != std::string::npos) {
+            unit.prefixes.push_back(word.substr(k_prefix.size()));
+        }
+    }
+}
+
+void add_groups(std::string const& text, Unit& unit) {
+    std::istringstream words(text);
+    for (std::string word; words >> word;) {
+        unit.groups.push_back(word);
+    }
+}
+
 void note(std::string const& key, std::string const& value, Unit& unit) {
     if (key == "WatchdogSec") {
         unit.watchdog_seconds = seconds_of(value);
@@ -79,6 +96,14 @@ void note(std::string const& key, std::string const& value, Unit& unit) {
         unit.writable.clear();
     } else if (key == "ReadWritePaths") {
         add_paths(value, "", unit);
+    } else if (key == "User") {
+        unit.user = value;
+    } else if (key == "Group") {
+        unit.groups.insert(unit.groups.begin(), value);
+    } else if (key == "SupplementaryGroups") {
+        add_groups(value, unit);
+    } else if (key == "ExecStartPre") {
+        add_prefixes(value, unit);
     } else if (key == "RuntimeDirectory") {
         add_paths(value, "/run/", unit);
     } else if (key == "StateDirectory") {

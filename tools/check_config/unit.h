@@ -16,6 +16,9 @@ struct Unit {
     bool is_strict{false};                   ///< nothing but the paths below may be written
     bool has_private_tmp{false};
     std::vector<std::string> writable;
+    std::string user{"root"};
+    std::vector<std::string> groups;    ///< its own first, then the supplementary ones
+    std::vector<std::string> prefixes;  ///< below which systemd-tmpfiles(8) sets rights at each start
 };
 
 /// Takes over the directives of a unit or of a drop-in, as the service manager does: the last one counts, lists grow.

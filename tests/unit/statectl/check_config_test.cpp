@@ -24,8 +24,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-// CONFIGURATIONS is a folder of configurations, all but "good.json" with one mistake each, and the file "sentences"
-// with what is to be said of each of them; CORPUS is that of the parser's fuzz target.
+// CONFIGURATIONS is a folder of configurations, all but "good.json" with one mistake each, the file "sentences" with
+// what is to be said of each of them, and a unit beside the one that is no mistake under the shipped unit; CORPUS is
+// that of the parser's fuzz target.
 
 std::string content(fs::path const& path) {
     std::ifstream file(path);
@@ -45,6 +46,10 @@ std::set<fs::path> files_in(fs::path const& folder, std::string const& extension
 Answer answer_for(fs::path const& file) {
     Question question;
     question.file = file.string();
+    if (auto const unit = fs::path(file).replace_extension(".service"); fs::exists(unit)) {
+        question.unit = unit_named(unit.string());
+        question.unit.name = "the unit";
+    }
     return check(question);
 }
 
@@ -193,6 +198,9 @@ TEST(A_unit, That_is_shipped_is_known) {
     EXPECT_EQ(shipped_unit().watchdog_seconds, 20);
     EXPECT_EQ(shipped_unit().stop_seconds, 45);
     EXPECT_THAT(shipped_unit().writable, testing::Contains("/sys/vmctl"));
+    EXPECT_EQ(shipped_unit().user, "ap-statemanager");
+    EXPECT_THAT(shipped_unit().groups, ElementsAre("ap-statemanager", "input"));
+    EXPECT_THAT(shipped_unit().prefixes, ElementsAre("/sys/vmctl"));
 }
 
 TEST(A_unit, That_is_not_there_is_told) {
