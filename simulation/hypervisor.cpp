@@ -1,5 +1,6 @@
 #include "simulation/hypervisor.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <utility>
@@ -71,7 +72,8 @@ int Hypervisor::watch(int /*epoll*/, int /*device*/) {
 }
 
 int Hypervisor::wait(int /*epoll*/, virtio::Epoll_events& events, int timeout_ms) {
-    auto const end = stage_.now() + std::chrono::milliseconds(timeout_ms);
+    // A daemon that doesn't wait would stop time.
+    auto const end = stage_.now() + std::chrono::milliseconds(std::max(timeout_ms, 1));
     stage_.events().run_until(end, [this] { return !unread_.empty() || stage_.is_over(); });
     if (unread_.empty()) {
         return 0;

@@ -30,17 +30,11 @@ constexpr char const* k_power_off_channel = "/run/adaptive/poweroff";
 
 Clients* clients_of_life = nullptr;
 
-sm::config::State_manager_config& parse(std::string const& text, sm::config::State_manager_config& configuration) {
-    try {
-        auto const root = sm::config::parse_document(text);
-        auto const member = sm::config::State_manager_json_parser::get_json_object(root, "ap_statemanager");
-        if (!sm::config::State_manager_json_parser::read_state_manager_configuration(member, configuration)) {
-            throw std::runtime_error("the daemon refuses it");
-        }
-    } catch (std::exception const& error) {
-        throw std::runtime_error(std::string("the configuration can't be used: ") + error.what());
-    }
-    return configuration;
+/// False, and a reason in the log, for a configuration that the daemon refuses.
+bool parse(std::string const& text, sm::config::State_manager_config& configuration) {
+    auto const root = sm::config::parse_document(text);
+    auto const member = sm::config::State_manager_json_parser::get_json_object(root, "ap_statemanager");
+    return sm::config::State_manager_json_parser::read_state_manager_configuration(member, configuration);
 }
 
 /// The real queue of commands; what it offers is remembered, and a wait can be heard of.
@@ -141,18 +135,19 @@ class Life::Daemon {
 
  private:
     void note(Entry entry);
+    void read_configuration();
     void add_control_files();
     void heard(std::string_view level, std::string_view text);
     void enter(std::string_view from, std::string_view to);
     void power_off_line(std::string_view line);
 
     sm::virtio::Virtio_command offered_{sm::virtio::Virtio_command::none};
-    std::string power_off_text_;
+    std::string last_message_;  ///< that was logged while the configuration was read
     std::unique_ptr<sm::State_manager> driver_;
 };
 
 Life::Daemon::Daemon(Life_options options) : options_(std::move(options)) {
-    parse(options_.configuration, configuration_);
+    read_configuration();
     clients_of_life = &clients_;
     sm::states::State_interface::set_prepare_SD_flag(false);
     sm::states::State_interface::set_forced_shutdown_flag(false);
@@ -172,6 +167,20 @@ Life::Daemon::Daemon(Life_options options) : options_(std::move(options)) {
 Life::Daemon::~Daemon() {
     driver_.reset();
     clients_of_life = nullptr;
+}
+
+// What the daemon would have logged last is the reason.
+void Life::Daemon::read_configuration() {
+    std::string why;
+    try {
+        if (parse(options_.configuration, configuration_)) {
+            return;
+        }
+        why = last_message_;
+    } catch (std::exception const& error) {
+        why = error.what();
+    }
+    throw std::runtime_error("the daemon refuses the configuration: " + why);
 }
 
 void Life::Daemon::add_control_files() {
@@ -202,6 +211,9 @@ void Life::Daemon::heard(std::string_view level, std::string_view text) {
         auto const states = text.substr(k_transition.size());
         auto const middle = states.find("  to  ");
         enter(states.substr(0, middle), states.substr(middle + 6));
+    }
+    if (level != "verbose" && driver_ == nullptr) {
+        last_message_ = text;
     }
     if (options_.with_log) {
         stage_.note(Kind::log, std::string(level), std::string(text));

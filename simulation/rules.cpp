@@ -19,6 +19,10 @@ unsigned number_of(std::string const& state) {
 
 }  // namespace
 
+bool is_state(std::string const& name) {
+    return number_of(name) != static_cast<unsigned>(State::stay);
+}
+
 std::string cause_of(std::string const& from, std::string const& to, unsigned command, bool nm_usage) {
     auto const found = status::row_of(number_of(from), number_of(to), command, nm_usage);
     for (auto const& row : bench::rules::rows()) {

@@ -9,6 +9,9 @@ namespace simulation {
 /// state was offered.
 std::string cause_of(std::string const& from, std::string const& to, unsigned command, bool nm_usage);
 
+/// Whether there is a state of this name.
+bool is_state(std::string const& name);
+
 }  // namespace simulation
 
 #endif

@@ -1,0 +1,36 @@
+#ifndef SIMULATION_PLAY_H
+#define SIMULATION_PLAY_H
+
+#include "simulation/script.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace simulation {
+
+/// How an expectation came out.
+struct Verdict {
+    Script::Expectation expectation;
+    bool is_kept;
+    std::string found;  ///< in words: when it was seen, or what was seen instead
+};
+
+struct Outcome {
+    Timeline timeline;
+    std::vector<Verdict> verdicts;
+    Time longest_cycle{0};
+
+    bool is_kept() const;
+};
+
+/// The configuration of a script: a file's text, or a built-in one whose instances are those that the script calls,
+/// with the script's settings. Throws `std::runtime_error`; for a setting that there is not, with its line.
+std::string configuration_of(Script const& script, std::optional<std::string> const& file);
+
+/// Plays a script. Throws `std::runtime_error` for a configuration that the daemon refuses.
+Outcome play(Script const& script, std::string const& configuration, bool with_log = false);
+
+}  // namespace simulation
+
+#endif

@@ -1,0 +1,70 @@
+// ap_whatif: plays a script of events against the daemon's decisions, in virtual time.
+
+#include "simulation/play.h"
+#include "simulation/report.h"
+
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr int k_missed = 1;
+constexpr int k_bad_input = 2;
+
+struct Options {
+    std::string script;
+    std::string configuration;
+    bool with_json{false};
+    bool with_log{false};
+};
+
+std::string read(std::string const& path) {
+    if (path == "-") {
+        return {std::istreambuf_iterator<char>(std::cin), {}};
+    }
+    std::ifstream file(path);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!file) {
+        throw std::runtime_error("it can't be read");
+    }
+    return text;
+}
+
+int play(Options const& options) {
+    auto subject = options.script;
+    try {
+        auto const script = simulation::parse_script(read(options.script));
+        subject = options.configuration.empty() ? subject : options.configuration;
+        auto const file = options.configuration.empty() ? std::nullopt : std::optional(read(options.configuration));
+        auto const configuration = simulation::configuration_of(script, file);
+        auto const outcome = simulation::play(script, configuration, options.with_log);
+        std::cout << (options.with_json ? json_of(outcome) : text_of(outcome)) << std::flush;
+        return outcome.is_kept() ? 0 : k_missed;
+    } catch (simulation::Script_error const& error) {
+        std::cerr << "ap_whatif: " << options.script << ':' << error.what() << '\n';
+    } catch (std::exception const& error) {
+        std::cerr << "ap_whatif: " << subject << ": " << error.what() << '\n';
+    }
+    return k_bad_input;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App application{"Tells what the state manager would do: plays a script in virtual time"};
+    Options options;
+    application.add_option("SCRIPT", options.script, "What happens, a line an event; - is standard input")->required();
+    application.add_option("--config", options.configuration, "Configuration file of the daemon (default: built in)");
+    application.add_flag("--json", options.with_json, "Print JSON");
+    application.add_flag("--log", options.with_log, "Show what the daemon logs as well");
+    try {
+        application.parse(argc, argv);
+    } catch (CLI::ParseError const& error) {
+        return application.exit(error) == 0 ? 0 : k_bad_input;
+    }
+    return play(options);
+}
