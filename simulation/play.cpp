@@ -51,10 +51,12 @@ json built_in_for(Script const& script) {
 }
 
 void set(json& settings, Script::Setting const& setting) {
+    constexpr std::string_view k_name = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz.";
+    bool const is_name = setting.key.find_first_not_of(k_name) == std::string::npos;
     auto path = "/" + setting.key;
     std::replace(path.begin(), path.end(), '.', '/');
-    json::json_pointer const place(path);
-    if (path.find('~') != std::string::npos || !json::parse(k_built_in).contains(place)) {
+    json::json_pointer const place(is_name ? path : std::string());
+    if (!is_name || !json::parse(k_built_in).contains(place)) {
         throw Script_error(setting.line, 1, "there is no setting \"" + setting.key + '"');
     }
     auto const value = json::parse(setting.value, nullptr, false);

@@ -67,6 +67,16 @@ std::uint8_t ac_number(Script_line& line) {
     return static_cast<std::uint8_t>(line.take("ac") ? line.whole_number("an AC number", 255) : 0);
 }
 
+/// An event that would not be seen by itself: its words are noted.
+Act noted(Script_line words, Act act) {
+    auto const who = words.next("who");
+    auto const what = words.rest("what");
+    return [who, what, act = std::move(act)](Life& life) {
+        life.note(who, what);
+        act(life);
+    };
+}
+
 Act key(Script_line& line) {
     auto const key = line.next("a key");
     if (!Hypervisor::has_key(key)) {
@@ -126,17 +136,12 @@ Act network(Script_line& line) {
 Act others(Script_line& line) {
     bool const needed = line.one_of("what the others do", {"need", "release"}) == 0;
     line.one_of("what they need", {"network"});
-    return [needed](Life& life) {
-        life.note("others", needed ? "need the network" : "release the network");
-        life.network().others_need(needed);
-    };
+    return [needed](Life& life) { life.network().others_need(needed); };
 }
 
 Act manager(Script_line& line) {
     auto const does = line.one_of("what the network manager does", {"offers", "withdraws", "fails", "works"});
     return [does](Life& life) {
-        constexpr std::array k_notes{"offers its services", "withdraws its services", "fails", "works"};
-        life.note("network manager", k_notes.at(does));
         switch (does) {
             case 0:
                 return life.network().offer();
@@ -154,11 +159,11 @@ Script::Client coming_client(Script_line& line, std::string const& name) {
     return {client_name(name), how, state};
 }
 
-Act client(Script_line& line) {
+Act client(Script_line& line, Script_line const& words) {
     auto const name = client_name(line.next("a client"));
     if (is_manner(line.peek())) {
         auto const how = manner(line);
-        return [name, how](Life& life) { life.clients().behave(name, how); };
+        return noted(words, [name, how](Life& life) { life.clients().behave(name, how); });
     }
     switch (line.one_of("what a client does", {"connects", "disconnects", "reports", "after", "silent", "fails",
                                                "invalid", "crashes", "succeeds"})) {
@@ -192,8 +197,29 @@ Act service_manager(Script_line& line) {
     return [how = k_manners.at(does), after](Life& life) { life.service_manager().behave(how, after); };
 }
 
+/// One that changes how a neighbour behaves.
+Act change(Script_line& line) {
+    auto const words = line;
+    switch (
+        line.one_of("an event", {"network", "others", "manager", "status-file", "restart-file", "service-manager"})) {
+        case 0:
+            return noted(words, network(line));
+        case 1:
+            return noted(words, others(line));
+        case 2:
+            return noted(words, manager(line));
+        case 3:
+            return noted(words, control_file(line, &Life::status_file));
+        case 4:
+            return noted(words, control_file(line, &Life::restart_file));
+        default:
+            return noted(words, service_manager(line));
+    }
+}
+
 Act act(Script_line& line, Script& script) {
-    switch (line.one_of("an event", {"key", "application", "diagnostics", "network", "others", "manager", "client",
+    auto changed = line;
+    switch (line.one_of("an event", {"key", "application", "diagnostics", "client", "network", "others", "manager",
                                      "status-file", "restart-file", "service-manager"})) {
         case 0:
             return key(line);
@@ -202,19 +228,10 @@ Act act(Script_line& line, Script& script) {
         case 2:
             return diagnostics(line);
         case 3:
-            return network(line);
-        case 4:
-            return others(line);
-        case 5:
-            return manager(line);
-        case 6:
-            return client(line);
-        case 7:
-            return control_file(line, &Life::status_file);
-        case 8:
-            return control_file(line, &Life::restart_file);
+            return client(line, changed);
         default:
-            return service_manager(line);
+            line = changed;
+            return change(line);
     }
 }
 

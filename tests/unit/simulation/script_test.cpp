@@ -1,0 +1,192 @@
+// Scripts of ap_whatif: what is read, what is refused and where, and what is told of a life.
+
+#include "simulation/script.h"
+
+#include "simulation/play.h"
+#include "simulation/report.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace simulation {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Bad_script {
+    char const* script;
+    char const* complaint;
+};
+
+class Bad_scripts : public testing::TestWithParam<Bad_script> {};
+
+std::string complaint_about(std::string const& text) {
+    try {
+        configuration_of(parse_script(text), std::nullopt);
+    } catch (Script_error const& error) {
+        return error.what();
+    }
+    return "none";
+}
+
+TEST_P(Bad_scripts, Are_refused_with_their_place_and_one_sentence) {
+    EXPECT_EQ(complaint_about(GetParam().script), GetParam().complaint);
+}
+
+constexpr char const* k_line =
+    "1:1: \"press\" is not what a line begins with: config, clients, at, expect, until, "
+    "manager, power-off";
+constexpr char const* k_event =
+    "1:7: \"press\" is not an event: key, application, diagnostics, client, network, "
+    "others, manager, status-file, restart-file, service-manager";
+constexpr char const* k_wanted =
+    "1:8: \"Nowhere\" is neither a state nor word, client, machine-state, power-off, "
+    "restart, network-state, user-data or end";
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, Bad_scripts,
+    testing::Values(
+        Bad_script{"press n", k_line}, Bad_script{"at 1s press n", k_event},
+        Bad_script{"# first\n\n  at 1s key x", "3:13: there is no key \"x\": r, n, s, p, power"},
+        Bad_script{"at 1s key", "1:10: here a key is missing"}, Bad_script{"at", "1:3: here a time is missing"},
+        Bad_script{"at 1 key n", "1:4: \"1\" is no time of at most a day, like 100ms, 1.5s or 2min"},
+        Bad_script{"at 1.2.3s key n", "1:4: \"1.2.3s\" is no time of at most a day, like 100ms, 1.5s or 2min"},
+        Bad_script{"at 86401s key n", "1:4: \"86401s\" is no time of at most a day, like 100ms, 1.5s or 2min"},
+        Bad_script{"at 99999999min key n",
+                   "1:4: \"99999999min\" is no time of at most a day, like 100ms, 1.5s or 2min"},
+        Bad_script{"at 1s key n twice", "1:13: \"twice\" is more than this line has"},
+        Bad_script{"clients dcm,, dem", "1:13: here a client is missing"},
+        Bad_script{"clients dcm late", "1:13: \"late\" is more than this line has"},
+        Bad_script{"at 1s application a requests com", "1:33: here the bits are missing, bytes like 00 01"},
+        Bad_script{"at 1s application a requests com 0g", "1:34: \"0g\" is no byte of two digits 0 to 9 and a to f"},
+        Bad_script{"at 1s application a requests com 01 ac 256",
+                   "1:40: \"256\" is not an AC number, a whole number of at most 255"},
+        Bad_script{"at 1s diagnostics restart vm",
+                   "1:27: \"vm\" is not a kind of restart, a whole number of at most 255"},
+        Bad_script{"expect Nowhere", k_wanted},
+        Bad_script{"expect Running within 1s", "1:25: here what follows is missing"},
+        Bad_script{"config KnockOutTimer", "1:21: here its value, in JSON is missing"},
+        Bad_script{"\nconfig Knockout 3", "2:1: there is no setting \"Knockout\""},
+        Bad_script{"config KnockOutTimer three", "1:1: the value of KnockOutTimer is not JSON"},
+        Bad_script{"config a/~ 3", "1:1: there is no setting \"a/~\""}));
+
+TEST(A_script, Has_at_most_ten_thousand_lines) {
+    EXPECT_EQ(complaint_about(std::string(10000, '\n')), "none");
+    EXPECT_EQ(complaint_about(std::string(10001, '\n')), "10001:1: a script has at most 10000 lines");
+}
+
+Outcome played(std::string const& text) {
+    auto const script = parse_script(text);
+    return play(script, configuration_of(script, std::nullopt));
+}
+
+TEST(A_script, Is_told_as_a_timeline) {
+    EXPECT_EQ(text_of(played("config StateManagerNMUsage false\n"
+                             "clients radio after 3s\n"
+                             "at 1s key p   # a suspend\n"
+                             "at 9s key power\n"
+                             "expect PreparedSD within 100ms of 4.2s\n"
+                             "expect no Running after 1s\n"
+                             "expect Shutting down before 9s\n"
+                             "expect words startingup, running\n")),
+              "     0.000 s  Starting up for 0.100 s: the start\n"
+              "     0.000 s    word startingup\n"
+              "     0.000 s    client radio connected in kOn\n"
+              "     0.100 s  Running for 0.900 s: network management is not used (Starting up 1)\n"
+              "     0.100 s    word running\n"
+              "     0.100 s    machine state Running, granted\n"
+              "     1.000 s    key p\n"
+              "     1.000 s  Preparing for 3.200 s: command PrepareSD (Running 3)\n"
+              "     1.000 s    word preparing\n"
+              "     1.000 s    power-off service: lookup vyn_per_daemon\n"
+              "     1.100 s    client radio asked kPrepSD\n"
+              "     4.100 s    client radio answered kPrepSD\n"
+              "     4.200 s  PreparedSD for 4.800 s: all have answered (Preparing 3)\n"
+              "     4.200 s    word prepared4sd\n"
+              "     9.000 s    key power\n"
+              "     9.000 s  Shutting down for 0.000 s: command Shutdown (PreparedSD 2)\n"
+              "     9.000 s    word shuttingdown\n"
+              "     9.000 s    power-off service: terminate\n"
+              "     9.000 s    power-off service: poweroff 60000\n"
+              "     9.000 s  end: power off\n"
+              "\n"
+              "kept    line 5: PreparedSD within 100ms of 4.2s (at 4.200 s)\n"
+              "kept    line 6: no Running after 1s (only at 0.100 s)\n"
+              "MISSED  line 7: Shutting down before 9s (only at 9.000 s)\n"
+              "MISSED  line 8: words startingup, running (they were startingup, running, preparing, prepared4sd, "
+              "shuttingdown)\n");
+}
+
+TEST(A_script, Is_played_with_neighbours_that_fail) {
+    auto const text =
+        text_of(played("clients dcm crashes after 1s, radio invalid, dem fails\n"
+                       "config DMSuspendRequestTimeout 5\n"
+                       "manager absent\n"
+                       "power-off absent\n"
+                       "at 1s manager offers\n"
+                       "at 2s status-file refuses\n"
+                       "at 2s manager fails\n"
+                       "at 2s service-manager refuses\n"
+                       "at 2s client stranger connects in kPrepSD\n"
+                       "at 2s client stranger reports kOff\n"
+                       "at 2s diagnostics restart 1\n"
+                       "at 3s key p\n"
+                       "at 20s service-manager silent\n"
+                       "at 20s key power\n"));
+    for (auto const* const line :
+         {"1.000 s  Running for 2.000 s", "2.000 s    restart word restartao", "3.000 s    word preparing, refused",
+          "network management: release 00 00 00 00, failed", "4.000 s    client diag::dcm crashed",
+          "8.000 s    client stranger asked kPrepSD", "client radio answered kPrepSD, invalid",
+          "diag::dem answered kPrepSD, failed", "20.000 s  Shutting down for 1.000 s",
+          "21.000 s    machine state Shutdown, unanswered"}) {
+        EXPECT_THAT(text, HasSubstr(line));
+    }
+}
+
+TEST(A_script, Is_not_played_with_a_configuration_that_the_daemon_refuses) {
+    auto const script = parse_script("config KnockOutTimer \"soon\"");
+    try {
+        play(script, configuration_of(script, std::nullopt));
+        FAIL();
+    } catch (std::runtime_error const& error) {
+        EXPECT_THAT(error.what(), StartsWith("the daemon refuses the configuration: "));
+        EXPECT_THAT(error.what(), HasSubstr("type must be number"));
+    }
+    EXPECT_THROW(configuration_of(parse_script(""), "[]"), std::runtime_error);
+}
+
+std::vector<std::string> examples() {
+    std::vector<std::string> names;
+    for (auto const& entry : std::filesystem::directory_iterator(WHATIF_EXAMPLES)) {
+        names.push_back(entry.path().stem().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class Examples : public testing::TestWithParam<std::string> {};
+
+TEST_P(Examples, Are_kept_and_the_same_each_time) {
+    std::ifstream file(WHATIF_EXAMPLES "/" + GetParam() + ".whatif");
+    std::string const text{std::istreambuf_iterator<char>(file), {}};
+    auto const outcome = played(text);
+    EXPECT_FALSE(outcome.verdicts.empty());
+    EXPECT_TRUE(outcome.is_kept()) << text_of(outcome);
+    EXPECT_EQ(json_of(outcome), json_of(played(text)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, Examples, testing::ValuesIn(examples()), [](auto const& example) {
+    auto name = example.param;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+});
+
+}  // namespace
+}  // namespace simulation
