@@ -84,10 +84,10 @@ class Services_fixture : public testing::Test {
     Command_table commands_;
     Control_loop loop_{input_.ends[0], output_.ends[1], commands_};
     Network_player player_{options(), loop_};
-    Services services_{"NM", player_, loop_};
+    Services services_{"NM", true, player_, loop_};
     Message_log log_{output_.ends[0]};
     std::thread thread_;
-    int last_id_ = 0;
+    int last_id_{0};
 
  protected:
     tarq::udpnm::interface::proxy::NetworkStateInterfaceProxy network_state { handle(k_network_state) };
