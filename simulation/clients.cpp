@@ -1,5 +1,7 @@
 #include "simulation/clients.h"
 
+#include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace simulation {
@@ -34,26 +36,23 @@ char const* outcome(Answer answer) {
 
 }  // namespace
 
-/// The notifier's end.
-class Modelled_server : public notifier::Client_states {
+/// The real one. Who has not answered in time is noted.
+class Clients::Server final : public Memory_server {
  public:
-    explicit Modelled_server(Clients& clients) : clients_(clients) {}
+    Server(std::string const& current_state, notifier::Status_callback const& status_callback, Clients& clients)
+        : Memory_server(current_state, status_callback, clients.sockets_), clients_(clients) {}
+    ~Server() override { clients_.server_ = nullptr; }
 
-    std::vector<std::pair<std::string, std::string>> get_connected_clients() const override {
-        std::vector<std::pair<std::string, std::string>> list;
-        for (auto const& [id, client] : clients_.clients_) {
-            list.emplace_back(client.name, client.known_state);
-        }
-        return list;
-    }
-    void set_default_state(std::string const& state) override { clients_.current_state_ = state; }
     bool request_state_change(std::string const& state, notifier::Client_predicate const& predicate,
                               notifier::Completion_callback const& completed, std::chrono::seconds timeout) override {
-        if (!predicate || !completed) {
-            return false;
-        }
-        clients_.request(state, predicate, completed, timeout);
-        return true;
+        auto const noted = [this, completed](notifier::Callback_status status,
+                                             notifier::Client_results const& results) {
+            if (status == notifier::Callback_status::timed_out) {
+                clients_.note_silent(results);
+            }
+            completed(status, results);
+        };
+        return Memory_server::request_state_change(state, predicate, noted, timeout);
     }
 
  private:
@@ -62,107 +61,103 @@ class Modelled_server : public notifier::Client_states {
 
 std::unique_ptr<notifier::Client_states> Clients::serve(std::string const& current_state,
                                                         notifier::Status_callback const& status_callback) {
-    current_state_ = current_state;
-    status_callback_ = status_callback;
-    is_serving_ = true;
-    return std::make_unique<Modelled_server>(*this);
+    auto server = std::make_unique<Server>(current_state, status_callback, *this);
+    server_ = server.get();
+    sockets_.on_change([this] { arm(); });
+    for (auto& [id, client] : clients_) {
+        client.end.emplace(sockets_, client.name, client.state);
+    }
+    return server;
 }
 
 void Clients::connect(std::string const& name, Client_manner manner, std::string const& state) {
-    bool const is_known = has(name);
-    auto const id = next_id_++;
-    clients_[id] = {name, state, manner, "unknown"};
+    auto& client = clients_[next_id_++];
+    client = {name, state, manner};
     stage_.note(Kind::client, name, "connected in " + state);
-    if (is_known && status_callback_) {
-        status_callback_(name, notifier::Client_status::connected_under_known_name, state);
-    }
-    if (is_serving_ && state != current_state_) {
-        ask(id, current_state_);
+    if (server_ != nullptr) {
+        client.end.emplace(sockets_, name, state);
     }
 }
 
 void Clients::disconnect(std::string const& name) {
-    std::vector<std::uint64_t> gone;
-    for (auto const& [id, client] : clients_) {
-        if (client.name == name) {
-            gone.push_back(id);
-        }
-    }
-    for (auto const id : gone) {
+    for (auto const id : all(name)) {
         go(id, "disconnected");
     }
 }
 
 void Clients::behave(std::string const& name, Client_manner manner) {
-    for (auto& [id, client] : clients_) {
-        if (client.name == name) {
-            client.manner = manner;
-            if (client.has_to_answer) {
-                react(id);
-            }
+    for (auto const id : all(name)) {
+        auto& client = clients_.at(id);
+        client.manner = manner;
+        if (client.request) {
+            react(id);
         }
     }
 }
 
 void Clients::report(std::string const& name, std::string const& state) {
-    for (auto& [id, client] : clients_) {
-        if (client.name == name) {
-            stage_.note(Kind::client, name, "reported " + state + " out of turn");
-            if (status_callback_) {
-                status_callback_(name, notifier::Client_status::answered_out_of_turn, state);
-            }
+    constexpr std::uint32_t k_never_asked = ~0U;
+    for (auto const id : all(name)) {
+        stage_.note(Kind::client, name, "reported " + state + " out of turn");
+        if (auto const& end = clients_.at(id).end) {
+            end->answer({k_never_asked, state}, 0);
         }
     }
 }
 
 bool Clients::has(std::string const& name) const {
+    return !all(name).empty();
+}
+
+std::vector<std::uint64_t> Clients::all(std::string const& name) const {
+    std::vector<std::uint64_t> ids;
     for (auto const& [id, client] : clients_) {
         if (client.name == name) {
-            return true;
+            ids.push_back(id);
         }
     }
-    return false;
+    return ids;
 }
 
-// The server's thread takes the request up; the notifier, which holds its mutex, has gone on by then. A request that
-// was replaced before that is never heard of.
-void Clients::request(std::string const& state, notifier::Client_predicate const& predicate,
-                      notifier::Completion_callback const& completed, Time timeout) {
-    auto const number = ++request_number_;
-    auto const deadline = stage_.now() + timeout;
-    stage_.events().after(Time(0), [this, state, predicate, completed, number, deadline] {
-        if (number == request_number_) {
-            begin(state, predicate, {completed, {}, {}, {}, number}, deadline);
-        }
-    });
-}
-
-void Clients::begin(std::string const& state, notifier::Client_predicate const& predicate, Cycle cycle, Time deadline) {
-    auto const number = cycle.number;
-    std::vector<std::uint64_t> asked;
-    for (auto const& [id, client] : clients_) {
-        if (predicate(client.name)) {
-            asked.push_back(id);
-        }
+// Something has changed on a socket. The server's turn comes when whoever did that is done: the notifier asks under a
+// mutex that its callbacks take.
+void Clients::arm() {
+    if (!std::exchange(is_due_, true)) {
+        stage_.events().after(Time(0), [this] { turn(); });
     }
-    cycle.open.insert(asked.begin(), asked.end());
-    cycle.unanswered = cycle.open;
-    cycle_ = std::move(cycle);
-    stage_.events().at(deadline, [this, number] { time_out(number); });
-    for (auto const id : asked) {
-        ++clients_.at(id).number;
-        ask(id, state);
-    }
-    complete_if_all_answered();
 }
 
-void Clients::ask(std::uint64_t id, std::string const& state) {
+void Clients::turn() {
+    is_due_ = false;
+    if (server_ == nullptr) {
+        return;
+    }
+    server_->serve();
+    for (auto place = clients_.begin(); place != clients_.end();) {
+        hear((place++)->first);
+    }
+    auto const next = server_->next_deadline();
+    if (next != deadline_ && next) {
+        stage_.events().at(*next, [this] { arm(); });
+    }
+    deadline_ = next;
+}
+
+// What a client is asked, or that the server has dropped it.
+void Clients::hear(std::uint64_t id) {
     auto& client = clients_.at(id);
-    client.is_asked = true;
-    client.requested = state;
-    client.has_to_answer = true;
-    stage_.note(Kind::client, client.name, "asked " + state);
-    react(id);
+    if (!client.end) {
+        return;
+    }
+    while (auto request = client.end->take_request()) {
+        client.request = std::move(request);
+        ++client.requests;
+        stage_.note(Kind::client, client.name, "asked " + client.request->state);
+        react(id);
+    }
+    if (client.end->has_ended()) {
+        go(id, "was dropped");
+    }
 }
 
 // A client answers the newest request that it was sent; one before that it forgets.
@@ -171,11 +166,11 @@ void Clients::react(std::uint64_t id) {
     if (client.manner.answer == Answer::silent) {
         return;
     }
-    auto const number = client.number;
+    auto const number = client.requests;
     auto const manner = client.manner.answer;
     stage_.events().after(client.manner.after, [this, id, number, manner] {
         auto const found = clients_.find(id);
-        bool const is_due = found != clients_.end() && found->second.has_to_answer && found->second.number == number &&
+        bool const is_due = found != clients_.end() && found->second.request && found->second.requests == number &&
                             found->second.manner.answer == manner;
         if (is_due) {
             manner == Answer::crashes ? go(id, "crashed") : answer(id);
@@ -185,54 +180,24 @@ void Clients::react(std::uint64_t id) {
 
 void Clients::answer(std::uint64_t id) {
     auto& client = clients_.at(id);
-    client.has_to_answer = false;
-    client.state = client.known_state = client.requested;
+    auto const request = *std::exchange(client.request, std::nullopt);
+    client.state = request.state;
     stage_.note(Kind::client, client.name, "answered " + client.state + outcome(client.manner.answer));
-    if (cycle_ && cycle_->open.erase(id) != 0) {
-        cycle_->unanswered.erase(id);
-        record(client.name, result_of(client.manner.answer));
-    }
-    complete_if_all_answered();
+    client.end->answer(request, static_cast<std::uint32_t>(result_of(client.manner.answer)));
 }
 
-// Whoever has gone without an answer is waited for until the deadline.
 void Clients::go(std::uint64_t id, char const* how) {
     stage_.note(Kind::client, clients_.at(id).name, how);
-    if (cycle_ && cycle_->open.erase(id) != 0) {
-        record(clients_.at(id).name, Result::timed_out);
-    }
     clients_.erase(id);
 }
 
-void Clients::complete_if_all_answered() {
-    if (!cycle_ || cycle_->number != request_number_ || !cycle_->unanswered.empty()) {
-        return;
+void Clients::note_silent(notifier::Client_results const& results) {
+    for (auto const& [id, client] : clients_) {
+        auto const result = results.find(client.name);
+        if (client.request && result != results.end() && result->second == Result::timed_out) {
+            stage_.note(Kind::client, client.name, "has not answered in time");
+        }
     }
-    auto const cycle = std::move(*cycle_);
-    cycle_.reset();
-    auto status = notifier::Callback_status::succeeded;
-    for (auto const& [name, result] : cycle.results) {
-        status = result == Result::succeeded ? status : notifier::Callback_status::failed;
-    }
-    cycle.completed(status, cycle.results);
-}
-
-void Clients::time_out(std::uint64_t number) {
-    if (!cycle_ || cycle_->number != number || number != request_number_) {
-        return;
-    }
-    for (auto const id : cycle_->open) {
-        stage_.note(Kind::client, clients_.at(id).name, "has not answered in time");
-        record(clients_.at(id).name, Result::timed_out);
-    }
-    auto const cycle = std::move(*cycle_);
-    cycle_.reset();
-    cycle.completed(notifier::Callback_status::timed_out, cycle.results);
-}
-
-void Clients::record(std::string const& name, Result result) {
-    auto& kept = cycle_->results.try_emplace(name, result).first->second;
-    kept = kept < result ? result : kept;
 }
 
 }  // namespace simulation

@@ -1,13 +1,13 @@
 #ifndef SIMULATION_CLIENTS_H
 #define SIMULATION_CLIENTS_H
 
-#include "client_state_notifier/client_states.h"
+#include "simulation/notification/memory_server.h"
 #include "simulation/stage.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -21,9 +21,8 @@ struct Client_manner {
     Time after{0};  ///< from the request to the answer, or to the crash
 };
 
-/// The clients of the machine, and a model of the server between them and the notifier: connections, who is asked, the
-/// numbers of requests, deadlines, results. What the server logs, and sockets with all that can happen on them, it does
-/// not have.
+/// The clients of the machine, and the notification server that they talk to: the real one, in memory and in turns. A
+/// client that comes before the server does is let in when it starts.
 class Clients {
  public:
     explicit Clients(Stage& stage) : stage_(stage) {}
@@ -45,46 +44,33 @@ class Clients {
     bool has(std::string const& name) const;
 
  private:
-    friend class Modelled_server;
+    class Server;
 
     struct Client {
         std::string name;
         std::string state;
         Client_manner manner;
-        std::string known_state;  ///< what the server knows of it
-        std::string requested{};
-        unsigned number{0};  ///< of the last request that it was sent
-        bool has_to_answer{false};
-        bool is_asked{false};  ///< ever
-    };
-    struct Cycle {
-        client_state_notifier::Completion_callback completed;
-        client_state_notifier::Client_results results;
-        std::set<std::uint64_t> open;        ///< those that may still answer
-        std::set<std::uint64_t> unanswered;  ///< these, and those that have gone
-        std::uint64_t number;
+        std::optional<Client_end> end{};
+        std::optional<Client_end::Request> request{};  ///< to be answered
+        std::uint64_t requests{0};
     };
 
-    void request(std::string const& state, client_state_notifier::Client_predicate const& predicate,
-                 client_state_notifier::Completion_callback const& completed, Time timeout);
-    void begin(std::string const& state, client_state_notifier::Client_predicate const& predicate, Cycle cycle,
-               Time deadline);
-    void ask(std::uint64_t id, std::string const& state);
+    std::vector<std::uint64_t> all(std::string const& name) const;
+    void arm();
+    void turn();
+    void hear(std::uint64_t id);
     void react(std::uint64_t id);
     void answer(std::uint64_t id);
     void go(std::uint64_t id, char const* how);
-    void complete_if_all_answered();
-    void time_out(std::uint64_t number);
-    void record(std::string const& name, client_state_notifier::Component_client_return_type result);
+    void note_silent(client_state_notifier::Client_results const& results);
 
     Stage& stage_;
-    std::string current_state_;
-    client_state_notifier::Status_callback status_callback_;
-    bool is_serving_{false};
-    std::map<std::uint64_t, Client> clients_;  ///< in the order of their connections
+    Memory_sockets sockets_{[this] { return stage_.now(); }};
+    Server* server_{nullptr};  ///< the notifier's
+    bool is_due_{false};       ///< a turn
+    std::optional<Time> deadline_;
+    std::map<std::uint64_t, Client> clients_;  ///< in the order in which they came
     std::uint64_t next_id_{0};
-    std::uint64_t request_number_{0};
-    std::optional<Cycle> cycle_;
 };
 
 }  // namespace simulation
