@@ -141,7 +141,7 @@ TEST_F(Request, Is_replaced_by_a_newer_one_and_then_never_completes) {
     auto radio = connect("radio");
     auto first = request("kPrepSD", 1s);
     radio.receive();
-    auto second = request("kOn", 3s);
+    auto second = request("kOn", 2s);
     radio.receive();
     EXPECT_EQ(outcome_of(second).status, Callback_status::timed_out);
     EXPECT_THROW(first.get(), std::future_error) << "its callback has gone without a call";
