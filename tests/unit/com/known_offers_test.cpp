@@ -279,6 +279,50 @@ TEST_F(Forged_offers, Change_and_end_nothing_that_is_offered_and_keep_no_end_of_
     EXPECT_TRUE(eventually([this] { return known().empty(); }));
 }
 
+TEST_F(Forged_offers, Don_t_prolong_the_wait_for_one_that_is_lost) {
+    auto const offer = server_.of(k_interface, "app");
+    server_.write(offer);
+    server_.lose(offer);
+    ASSERT_THAT(names(), ElementsAre("app"));
+    auto const awaited_until = known().front().awaited_until;
+    ASSERT_TRUE(awaited_until);
+    auto const told = reports().size();
+    another_.write(offer);
+    another_.lose(offer);
+    EXPECT_EQ(reports().size(), told);
+    EXPECT_EQ(known().front().awaited_until, awaited_until);
+    EXPECT_TRUE(eventually([this] { return known().empty(); }));
+}
+
+// The timer comes for the one that is awaited for the shortest time, wherever it stands in the list.
+TEST_F(Known_offers_test, Those_who_are_lost_one_after_the_other_end_all_and_no_other_does) {
+    observe(sut_);
+    for (auto const* const name : {"a", "b", "c", "d", "stays"}) {
+        server_.write(server_.of(k_interface, name));
+    }
+    for (auto const* const name : {"d", "b", "a", "c"}) {
+        server_.lose(server_.of(k_interface, name));
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    }
+    EXPECT_TRUE(eventually([this] { return names() == std::vector<std::string>{"stays"}; }));
+}
+
+TEST_F(Known_offers_test, Of_this_process_what_is_claimed_is_known_whatever_its_number) {
+    observe(sut_);
+    auto const announce = [this](std::string const& what, bool is_claimed) {
+        for (int number = 0; number < 70; ++number) {
+            auto const name = what + std::to_string(number);
+            if (is_claimed) {
+                engine_.announcer().claim(k_interface, name);
+            }
+            engine_.announcer().announce(k_interface, name);
+        }
+        return known().size();
+    };
+    EXPECT_EQ(announce("claimed", true), 70U);
+    EXPECT_EQ(announce("another", false), 70U + 64U);
+}
+
 // Who is found after the first second was not there before.
 TEST_F(Known_offers_test, Who_is_found_later_keeps_its_place_when_it_is_heard_again_with_the_same_offer_only) {
     observe(sut_);

@@ -27,7 +27,8 @@ Guid participant_of(ara_com_ServiceOffer const& offer) {
 // Others may offer names that can't be ours.
 bool is_understood(ara_com_ServiceOffer const& offer) {
     try {
-        return offer.version == k_mapping_version && !InstanceIdentifier(offer.instance_name).ToString().empty();
+        InstanceIdentifier const name(offer.instance_name);
+        return offer.version == k_mapping_version;
     } catch (tarq::com::Invalid_argument_exception const&) {
         return false;
     }

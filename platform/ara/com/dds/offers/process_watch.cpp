@@ -24,11 +24,12 @@ int open_process(pid_t process) {
     return static_cast<int>(::syscall(SYS_pidfd_open, process, 0));
 }
 
+// Also what is there already, from a start that came no further.
 bool add(int events, int descriptor, pid_t process) {
     epoll_event interest{};
     interest.events = EPOLLIN;
     interest.data.fd = process;
-    return ::epoll_ctl(events, EPOLL_CTL_ADD, descriptor, &interest) == 0;
+    return ::epoll_ctl(events, EPOLL_CTL_ADD, descriptor, &interest) == 0 || errno == EEXIST;
 }
 
 }  // namespace
@@ -66,12 +67,15 @@ bool Process_watch::watch(pid_t process) {
     return true;
 }
 
+// What is missing is tried again with the next process.
 bool Process_watch::start() {
     if (thread_.joinable()) {
         return true;
     }
     if (events_ < 0) {
         events_ = ::epoll_create1(EPOLL_CLOEXEC);
+    }
+    if (stop_ < 0) {
         stop_ = ::eventfd(0, EFD_CLOEXEC);
     }
     if (events_ < 0 || stop_ < 0 || !add(events_, stop_, k_nobody)) {
