@@ -12,10 +12,10 @@ namespace benchmarks {
 
 namespace {
 
-bench::vehicle::Options options() {
+bench::vehicle::Options options(unsigned period_ms) {
     auto configuration = nlohmann::json::parse(std::ifstream(PROJECT "/deploy/config/ap_statemanager.json"));
     auto& values = configuration["ap_statemanager"];
-    values["StateManagerMainPeriod"] = 100;
+    values["StateManagerMainPeriod"] = period_ms;
     values["StateManagerNMUsage"] = false;
     bench::vehicle::Options result;
     result.programs = PROGRAMS;
@@ -26,7 +26,7 @@ bench::vehicle::Options options() {
 
 }  // namespace
 
-Machine::Machine() : vehicle_(options()) {}
+Machine::Machine(unsigned period_ms) : vehicle_(options(period_ms)) {}
 
 std::unique_ptr<bench::Child_process> Machine::start(std::vector<std::string> const& words) {
     return std::make_unique<bench::Child_process>(

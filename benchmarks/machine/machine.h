@@ -17,11 +17,11 @@ namespace benchmarks {
 inline constexpr char const* k_input_device = "/dev/input/event0";
 inline constexpr char const* k_status_file = "/sys/vmctl/set_status";
 
-/// The vehicle with the example configuration, a period of 100 ms and no network management. Programs are started in
+/// The vehicle with the example configuration, a period and no network management. Programs are started in
 /// it as a service manager would: with the notify socket, the bus and a watchdog of two seconds.
 class Machine {
  public:
-    Machine();
+    explicit Machine(unsigned period_ms = 100);
 
     std::unique_ptr<bench::Child_process> start(std::vector<std::string> const& words);
     std::unique_ptr<bench::Child_process> start_daemon();

@@ -1,0 +1,221 @@
+// What the status page costs the daemon's driver while nothing happens and on the way of a command, in two measures
+// that bear a busy machine. First the instructions of its thread, and the system calls that it makes, with the page and
+// without: these are counted, each in two lives. What the system does in its calls is not seen so; hence the processor
+// time of two daemons that run beside each other, of which one has the page.
+
+#include "benchmarks/machine/figures.h"
+#include "benchmarks/machine/machine.h"
+#include "status/layout.h"
+#include "stepped_thread.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using benchmarks::Machine;
+using benchmarks::Stepped_thread;
+using benchmarks::Work;
+
+constexpr int k_cycles = 10;
+constexpr double k_target_ratio = 1.02;
+constexpr unsigned k_usual_period_ms = 100;
+constexpr unsigned k_short_period_ms = 1;  // for many cycles in little time
+constexpr int k_rounds = 15;
+constexpr int k_suspends = 100;
+constexpr std::chrono::seconds k_idle_time{3};
+
+/// What was counted of one life.
+struct Life {
+    Work idle;     ///< a cycle in which nothing happens
+    Work word;     ///< from a key to the word that it leads to
+    Work suspend;  ///< from there until the machine is prepared, and has said so
+};
+
+Work more(Work const& sum, Work const& other) {
+    return {sum.instructions + other.instructions, sum.calls + other.calls};
+}
+
+// Of cycles that differ by what the service manager sends, the one in the middle.
+Work usual(std::vector<Work> cycles) {
+    std::sort(cycles.begin(), cycles.end(),
+              [](Work const& left, Work const& right) { return left.instructions < right.instructions; });
+    return cycles[cycles.size() / 2];
+}
+
+Life counted(Machine& machine, pid_t daemon) {
+    Stepped_thread driver(daemon);
+    driver.until_it_waits();
+    std::vector<Work> cycles;
+    for (int i = 0; i < k_cycles; ++i) {
+        cycles.push_back(driver.until_it_waits());
+    }
+    machine.hypervisor().command({{"do", "press"}, {"key", "p"}});
+    auto const word = driver.until_it_writes("preparing");
+    auto const suspend = driver.until_it_writes("prepared4sd");
+    return {usual(cycles), word, more(suspend, driver.until_it_waits())};
+}
+
+// Where there is to be no page, a file is in its way.
+void make_place(bool has_page) {
+    namespace fs = std::filesystem;
+    auto const place = fs::path(status::k_page_path).parent_path();
+    fs::remove_all(place);
+    if (!has_page) {
+        std::ofstream(place) << "in the way";
+    }
+}
+
+Life live(Machine& machine, bool has_page) {
+    make_place(has_page);
+    std::size_t const from = machine.hypervisor().position();
+    auto const daemon = machine.start_daemon();
+    machine.await_word("running", from);
+    auto const life = counted(machine, daemon->pid());
+    daemon->signal(SIGTERM);
+    daemon->wait(std::chrono::seconds(20));
+    return life;
+}
+
+using Lives = std::array<Life, 2>;
+
+void tell(char const* name, Lives const& with, Lives const& without, Work Life::*work) {
+    auto const text = [work](Lives const& lives, std::uint64_t Work::*what) {
+        return std::to_string(lives[0].*work.*what) + ", " + std::to_string(lives[1].*work.*what);
+    };
+    std::printf("%-16s  with the page: instructions %s; system calls %s; without: %s; %s\n", name,
+                text(with, &Work::instructions).c_str(), text(with, &Work::calls).c_str(),
+                text(without, &Work::instructions).c_str(), text(without, &Work::calls).c_str());
+}
+
+// Two daemons on one machine, at the same time and so under the same load, of which the second one has no page, since
+// the first one writes it. Where the first one has none either, their ratio tells what it is of two that are alike.
+class Two_daemons {
+ public:
+    Two_daemons(Machine& machine, bool has_page) : machine_(machine) {
+        make_place(has_page);
+        for (auto& daemon : daemons_) {
+            auto const from = machine.hypervisor().position();
+            daemon = machine.start_daemon();
+            machine.await_word("running", from);
+        }
+    }
+    ~Two_daemons() {
+        for (auto const& daemon : daemons_) {
+            daemon->signal(SIGTERM);
+            daemon->wait(std::chrono::seconds(20));
+        }
+    }
+    Two_daemons(Two_daemons const&) = delete;
+    Two_daemons& operator=(Two_daemons const&) = delete;
+
+    /// Processor time of the first one's driver, user and system, as a multiple of the second one's.
+    double ratio_while(std::function<void(Two_daemons&)> const& something) {
+        auto const first = driver_time(*daemons_[0]);
+        auto const second = driver_time(*daemons_[1]);
+        something(*this);
+        return static_cast<double>(driver_time(*daemons_[0]) - first) /
+               static_cast<double>(driver_time(*daemons_[1]) - second);
+    }
+
+    void go_to(char const* key, char const* word) {
+        auto const from = machine_.hypervisor().position();
+        machine_.hypervisor().command({{"do", "press"}, {"key", key}});
+        machine_.await_word(word, from);
+        std::size_t words = 0;
+        machine_.hypervisor().log().await(
+            [&](nlohmann::json const& line) {
+                words += line.value("event", "") == "write" && line.value("text", "") == word ? 1 : 0;
+                return words == daemons_.size();
+            },
+            bench::Player::k_patience, from);
+    }
+
+ private:
+    static std::int64_t driver_time(bench::Child_process const& daemon) {
+        auto const pid = std::to_string(daemon.pid());
+        std::int64_t running = 0;  // the first number
+        std::ifstream("/proc/" + pid + "/task/" + pid + "/schedstat") >> running;
+        return running;
+    }
+
+    Machine& machine_;
+    std::array<std::unique_ptr<bench::Child_process>, 2> daemons_;
+};
+
+/// The value in the middle of many, and those between which the middle half of them lies.
+struct Middle {
+    double lower;
+    double median;
+    double upper;
+};
+
+Middle middle_of(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return {values[values.size() / 4], values[values.size() / 2], values[values.size() * 3 / 4]};
+}
+
+bool compare(Machine& machine, char const* name, std::function<void(Two_daemons&)> const& something) {
+    std::array<std::vector<double>, 2> ratios;  // of two that are alike, and with the page
+    for (int round = 0; round < k_rounds; ++round) {
+        for (bool const has_page : {false, true}) {
+            ratios[has_page ? 1 : 0].push_back(Two_daemons(machine, has_page).ratio_while(something));
+        }
+    }
+    auto const alike = middle_of(ratios[0]);
+    auto const with = middle_of(ratios[1]);
+    std::printf("%s, processor time: with / without the page %.3f (%.3f to %.3f); of two without %.3f (%.3f to %.3f)\n",
+                name, with.median, with.lower, with.upper, alike.median, alike.lower, alike.upper);
+    return benchmarks::judge(name, with.median, k_target_ratio, "times");
+}
+
+void do_nothing(Two_daemons& /*daemons*/) {
+    std::this_thread::sleep_for(k_idle_time);
+}
+
+void suspend_and_resume(Two_daemons& daemons) {
+    for (int i = 0; i < k_suspends; ++i) {
+        daemons.go_to("p", "prepared4sd");
+        daemons.go_to("r", "running");
+    }
+}
+
+void count() {
+    Machine machine(k_usual_period_ms);
+    Lives with;
+    Lives without;
+    for (std::size_t i = 0; i < with.size(); ++i) {
+        with[i] = live(machine, true);
+        without[i] = live(machine, false);
+    }
+    tell("idle cycle", with, without, &Life::idle);
+    tell("key to word", with, without, &Life::word);
+    tell("word to prepared", with, without, &Life::suspend);
+}
+
+int run() {
+    count();
+    Machine machine(k_short_period_ms);
+    bool const idle = compare(machine, "idle", do_nothing);
+    bool const busy = compare(machine, "suspends and resumes", suspend_and_resume);
+    return idle && busy ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main() {
+    return benchmarks::run_in_world("benchmark_page", &run);
+}
