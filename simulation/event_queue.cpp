@@ -12,7 +12,7 @@ void Event_queue::at(Time when, Action action) {
 void Event_queue::run_until(Time end, std::function<bool()> const& is_done) {
     while (!is_done()) {
         auto const next = actions_.begin();
-        if (next == actions_.end() || next->first > end) {
+        if (next == actions_.end() || (next->first >= end && next->first > now_)) {
             now_ = std::max(now_, end);
             return;
         }

@@ -19,7 +19,9 @@ class Event_queue {
     void at(Time when, Action action);
     void after(Time delay, Action action) { at(now_ + delay, std::move(action)); }
 
-    /// Lets everything happen that is due until then. Ends early, as soon as `is_done`; it is `end` otherwise.
+    /// Lets everything happen that is due before `end`, and what is due now. Ends early, as soon as `is_done`; it is
+    /// `end` otherwise. So what happens at the moment at which a wait ends is seen after the next one: in a machine
+    /// nothing is heard of in no time.
     void run_until(Time end, std::function<bool()> const& is_done);
 
  private:

@@ -245,7 +245,7 @@ void Life::Daemon::run(Time until) {
         network_.offer();
     }
     stage_.events().at(until, [this] {
-        stage_.end("the end of the look");
+        stage_.end(k_end_of_the_look);
         driver_->shutdown();
     });
     if (driver_->init()) {

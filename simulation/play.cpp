@@ -63,7 +63,11 @@ void set(json& settings, Script::Setting const& setting) {
     if (value.is_discarded()) {
         throw Script_error(setting.line, 1, "the value of " + setting.key + " is not JSON");
     }
-    settings[place] = value;
+    try {
+        settings[place] = value;
+    } catch (json::exception const&) {  // what it would be in is something else
+        throw Script_error(setting.line, 1, "the configuration has no place for " + setting.key);
+    }
 }
 
 bool is_wanted(Script::Wanted const& wanted, Entry const& entry) {
@@ -118,7 +122,7 @@ std::string configuration_of(Script const& script, std::optional<std::string> co
     for (auto const& setting : script.settings) {
         set(root[k_root], setting);
     }
-    return root.dump();
+    return root.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
 Outcome play(Script const& script, std::string const& configuration, bool with_log) {

@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::size_t k_time_width = 12;
 
-std::string padded(std::string const& text, std::size_t width) {
-    return std::string(width - std::min(width, text.size()), ' ') + text;
-}
-
 /// When the state of an entry ended; the timeline's end for the last one.
 Time left_at(Timeline const& timeline, std::size_t place) {
     for (std::size_t next = place + 1; next < timeline.size(); ++next) {
@@ -33,6 +29,10 @@ std::string seconds(Time time) {
         digits.pop_back();
     }
     return whole + '.' + digits + " s";
+}
+
+std::string padded(std::string const& text, std::size_t width) {
+    return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
 std::string text_of(Entry const& entry) {

@@ -10,6 +10,9 @@ namespace simulation {
 /// "5.100 s": milliseconds, and what is below only where there is something.
 std::string seconds(Time time);
 
+/// A text with blanks before it.
+std::string padded(std::string const& text, std::size_t width);
+
 /// The timeline and the verdicts, a line each.
 std::string text_of(Outcome const& outcome);
 

@@ -15,6 +15,7 @@ using Act = std::function<void(Life&)>;
 using Answer = Client_manner::Answer;
 
 constexpr std::size_t k_most_lines = 10000;
+constexpr std::size_t k_longest_line = 2000;
 constexpr std::size_t k_most_bits = 32;
 
 /// The diagnostic clients by their short names.
@@ -378,6 +379,10 @@ Script parse_script(std::string_view text) {
         auto const end = text.find('\n');
         if (++number > k_most_lines) {
             throw Script_error(number, 1, "a script has at most " + std::to_string(k_most_lines) + " lines");
+        }
+        if (std::min(end, text.size()) > k_longest_line) {
+            throw Script_error(number, k_longest_line + 1,
+                               "a line has at most " + std::to_string(k_longest_line) + " characters");
         }
         Script_line line(number, text.substr(0, end));
         if (!line.at_end()) {

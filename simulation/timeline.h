@@ -24,7 +24,7 @@ enum class Kind {
     power_off,      ///< "", and a line to the power-off service
     neighbour,      ///< one that came, went or changed its manner, and how
     log,            ///< the level, and the text of a message (only where it was asked for)
-    end             ///< "", and why the life is over: "the daemon has ended", "power off"
+    end             ///< "", and why the life is over: "the daemon has ended", "power off", or the end of the look
 };
 
 struct Entry {
@@ -33,6 +33,9 @@ struct Entry {
     std::string who;
     std::string what;
 };
+
+/// Why a life is over of which nobody looked at more.
+inline constexpr char const* k_end_of_the_look = "the end of the look";
 
 /// "state", "word", ...
 char const* name(Kind kind);

@@ -2,6 +2,7 @@
 
 #include "simulation/play.h"
 #include "simulation/report.h"
+#include "simulation/worst.h"
 
 #include <CLI/CLI.hpp>
 #include <fstream>
@@ -18,11 +19,15 @@ constexpr int k_bad_input = 2;
 struct Options {
     std::string script;
     std::string configuration;
+    std::string worst;
     bool with_json{false};
     bool with_log{false};
 };
 
 std::string read(std::string const& path) {
+    if (path.empty()) {
+        return "";
+    }
     if (path == "-") {
         return {std::istreambuf_iterator<char>(std::cin), {}};
     }
@@ -34,20 +39,31 @@ std::string read(std::string const& path) {
     return text;
 }
 
-int play(Options const& options) {
+int play(Options const& options, simulation::Script const& script, std::string const& configuration) {
+    if (!options.worst.empty()) {
+        for (auto const& goal : simulation::goals()) {
+            if (options.worst == goal.name) {
+                std::cout << text_of(find_worst(script, configuration, goal), goal) << std::flush;
+            }
+        }
+        return 0;
+    }
+    auto const outcome = simulation::play(script, configuration, options.with_log);
+    std::cout << (options.with_json ? json_of(outcome) : text_of(outcome)) << std::flush;
+    return outcome.is_kept() ? 0 : k_missed;
+}
+
+int read_and_play(Options const& options) {
     auto subject = options.script;
     try {
         auto const script = simulation::parse_script(read(options.script));
         subject = options.configuration.empty() ? subject : options.configuration;
         auto const file = options.configuration.empty() ? std::nullopt : std::optional(read(options.configuration));
-        auto const configuration = simulation::configuration_of(script, file);
-        auto const outcome = simulation::play(script, configuration, options.with_log);
-        std::cout << (options.with_json ? json_of(outcome) : text_of(outcome)) << std::flush;
-        return outcome.is_kept() ? 0 : k_missed;
+        return play(options, script, simulation::configuration_of(script, file));
     } catch (simulation::Script_error const& error) {
         std::cerr << "ap_whatif: " << options.script << ':' << error.what() << '\n';
     } catch (std::exception const& error) {
-        std::cerr << "ap_whatif: " << subject << ": " << error.what() << '\n';
+        std::cerr << "ap_whatif: " << (subject.empty() ? "" : subject + ": ") << error.what() << '\n';
     }
     return k_bad_input;
 }
@@ -57,14 +73,22 @@ int play(Options const& options) {
 int main(int argc, char** argv) {
     CLI::App application{"Tells what the state manager would do: plays a script in virtual time"};
     Options options;
-    application.add_option("SCRIPT", options.script, "What happens, a line an event; - is standard input")->required();
+    auto* const script =
+        application.add_option("SCRIPT", options.script, "What happens, a line an event; - is standard input");
     application.add_option("--config", options.configuration, "Configuration file of the daemon (default: built in)");
     application.add_flag("--json", options.with_json, "Print JSON");
     application.add_flag("--log", options.with_log, "Show what the daemon logs as well");
+    auto* const worst =
+        application.add_option("--worst", options.worst, "Search for the longest suspend, resume or shutdown")
+            ->check(CLI::IsMember({"suspend", "resume", "shutdown"}));
     try {
         application.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
         return application.exit(error) == 0 ? 0 : k_bad_input;
     }
-    return play(options);
+    if (script->count() == 0 && worst->count() == 0) {
+        std::cerr << "ap_whatif: a script is missing\n";
+        return k_bad_input;
+    }
+    return read_and_play(options);
 }

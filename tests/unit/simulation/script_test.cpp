@@ -4,6 +4,7 @@
 
 #include "simulation/play.h"
 #include "simulation/report.h"
+#include "simulation/worst.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -75,9 +76,13 @@ INSTANTIATE_TEST_SUITE_P(
         Bad_script{"config KnockOutTimer", "1:21: here its value, in JSON is missing"},
         Bad_script{"\nconfig Knockout 3", "2:1: there is no setting \"Knockout\""},
         Bad_script{"config KnockOutTimer three", "1:1: the value of KnockOutTimer is not JSON"},
+        Bad_script{"config NmUserDataConfig 3\nconfig NmUserDataConfig.CABBytes 3",
+                   "2:1: the configuration has no place for NmUserDataConfig.CABBytes"},
         Bad_script{"config a/~ 3", "1:1: there is no setting \"a/~\""}));
 
-TEST(A_script, Has_at_most_ten_thousand_lines) {
+TEST(A_script, Has_lines_of_two_thousand_characters_and_at_most_ten_thousand_of_them) {
+    EXPECT_EQ(complaint_about('#' + std::string(1999, ' ')), "none");
+    EXPECT_EQ(complaint_about("\n#" + std::string(2000, ' ')), "2:2001: a line has at most 2000 characters");
     EXPECT_EQ(complaint_about(std::string(10000, '\n')), "none");
     EXPECT_EQ(complaint_about(std::string(10001, '\n')), "10001:1: a script has at most 10000 lines");
 }
@@ -103,13 +108,13 @@ TEST(A_script, Is_told_as_a_timeline) {
               "     0.100 s    word running\n"
               "     0.100 s    machine state Running, granted\n"
               "     1.000 s    key p\n"
-              "     1.000 s  Preparing for 3.200 s: command PrepareSD (Running 3)\n"
+              "     1.000 s  Preparing for 3.300 s: command PrepareSD (Running 3)\n"
               "     1.000 s    word preparing\n"
               "     1.000 s    power-off service: lookup vyn_per_daemon\n"
               "     1.100 s    client radio asked kPrepSD\n"
               "     4.100 s    client radio answered kPrepSD\n"
-              "     4.200 s  PreparedSD for 4.800 s: all have answered (Preparing 3)\n"
-              "     4.200 s    word prepared4sd\n"
+              "     4.300 s  PreparedSD for 4.700 s: all have answered (Preparing 3)\n"
+              "     4.300 s    word prepared4sd\n"
               "     9.000 s    key power\n"
               "     9.000 s  Shutting down for 0.000 s: command Shutdown (PreparedSD 2)\n"
               "     9.000 s    word shuttingdown\n"
@@ -117,7 +122,7 @@ TEST(A_script, Is_told_as_a_timeline) {
               "     9.000 s    power-off service: poweroff 60000\n"
               "     9.000 s  end: power off\n"
               "\n"
-              "kept    line 5: PreparedSD within 100ms of 4.2s (at 4.200 s)\n"
+              "kept    line 5: PreparedSD within 100ms of 4.2s (at 4.300 s)\n"
               "kept    line 6: no Running after 1s (only at 0.100 s)\n"
               "MISSED  line 7: Shutting down before 9s (only at 9.000 s)\n"
               "MISSED  line 8: words startingup, running (they were startingup, running, preparing, prepared4sd, "
@@ -141,9 +146,9 @@ TEST(A_script, Is_played_with_neighbours_that_fail) {
                        "at 20s service-manager silent\n"
                        "at 20s key power\n"));
     for (auto const* const line :
-         {"1.000 s  Running for 2.000 s", "2.000 s    restart word restartao", "3.000 s    word preparing, refused",
+         {"1.100 s  Running for 1.900 s", "2.000 s    restart word restartao", "3.000 s    word preparing, refused",
           "network management: release 00 00 00 00, failed", "4.000 s    client diag::dcm crashed",
-          "8.000 s    client stranger asked kPrepSD", "client radio answered kPrepSD, invalid",
+          "8.100 s    client stranger asked kPrepSD", "client radio answered kPrepSD, invalid",
           "diag::dem answered kPrepSD, failed", "20.000 s  Shutting down for 1.000 s",
           "21.000 s    machine state Shutdown, unanswered"}) {
         EXPECT_THAT(text, HasSubstr(line));
@@ -160,6 +165,35 @@ TEST(A_script, Is_not_played_with_a_configuration_that_the_daemon_refuses) {
         EXPECT_THAT(error.what(), HasSubstr("type must be number"));
     }
     EXPECT_THROW(configuration_of(parse_script(""), "[]"), std::runtime_error);
+}
+
+/// The sentence, and the legs.
+std::string worst(char const* script, std::size_t goal) {
+    auto const parsed = parse_script(script);
+    auto const found = find_worst(parsed, configuration_of(parsed, std::nullopt), goals().at(goal));
+    auto const text = text_of(found, goals().at(goal));
+    return text.substr(0, text.find("\n\n"));
+}
+
+TEST(The_longest_way, Is_that_of_silent_clients_and_a_key_at_the_worst_moment) {
+    constexpr char const* k_script =
+        "config ApplicationSuspendRequestTimeout 2\n"
+        "config DMSuspendRequestTimeout 1\n"
+        "clients radio after 500ms, dcm, dem after 20s\n";
+    EXPECT_EQ(worst(k_script, 0),
+              "The longest suspend takes 4.300 s, from key p to PreparedSD:\n"
+              "     1.100 s  key p, Preparing, diag::dcm asked kPrepSD\n"
+              "     2.100 s  radio asked kPrepSD\n"
+              "     1.100 s  diag::dem asked kPrepSD\n"
+              "     0.000 s  PreparedSD");
+    // The last group was just asked to stand by, and after that all are asked to run.
+    EXPECT_EQ(worst(k_script, 1),
+              "The longest resume takes 5.400 s, from key r to Running:\n"
+              "     1.100 s  key r, Resuming, diag::dem asked kPrepSD\n"
+              "     1.100 s  diag::dem asked kOn\n"
+              "     2.100 s  radio asked kOn\n"
+              "     1.100 s  diag::dcm asked kOn\n"
+              "     0.000 s  Running");
 }
 
 std::vector<std::string> examples() {
