@@ -16,6 +16,7 @@ struct Verdict {
     std::string found;  ///< in words: when it was seen, or what was seen instead
 };
 
+/// What a script came to.
 struct Outcome {
     Timeline timeline;
     std::vector<Verdict> verdicts;

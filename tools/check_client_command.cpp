@@ -26,8 +26,8 @@ using check::Verdict;
 struct Check_options {
     std::vector<std::string> words;
     std::vector<std::string> chosen_rules;
-    std::int64_t patience_ms = check::Limits{}.patience.count();
-    std::int64_t quiet_ms = check::Limits{}.quiet.count();
+    std::int64_t patience_ms{check::Limits{}.patience.count()};
+    std::int64_t quiet_ms{check::Limits{}.quiet.count()};
     bool by_variable_only{false};
     bool list_rules{false};
     bool as_json{false};

@@ -32,8 +32,8 @@ struct History_options {
     std::string directory{record::k_directory};
     std::string page{status::k_page_path};
     std::string html;
-    std::size_t count = 20;
-    bool as_json = false;
+    std::size_t count{20};
+    bool as_json{false};
 };
 
 /// What the files tell, the oldest cycle first.

@@ -16,6 +16,7 @@ enum class Manner {
     crashing,  ///< is killed by the next request
 };
 
+/// How a client takes its requests, until it is told otherwise.
 struct Behaviour {
     Manner manner{Manner::well};
     std::chrono::milliseconds delay{1'000};  ///< of a late one

@@ -12,6 +12,7 @@
 
 namespace bench::client {
 
+/// What the client is started with.
 struct Client_options {
     std::string name;
     std::string state{"kOn"};   ///< that it announces first

@@ -103,6 +103,7 @@ class Terminal {
     int standard_error_;
 };
 
+/// The console from its first picture to the key that leaves it.
 class Session {
  public:
     Session(vehicle::Machine& machine, services::User_data_layout const& layout) : machine_(machine) {

@@ -145,46 +145,57 @@ bool has_terminal() {
     return ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0;
 }
 
+/// What the command line asks for.
+struct Choice {
+    std::vector<fs::path> pictures;
+    bool touring{!has_terminal()};
+    fs::path trace{};
+    std::string guests_command{};
+};
+
+// The exit status when there is nothing else to do.
+std::optional<int> read_words(std::vector<std::string> const& words, Choice& choice) {
+    for (auto word = words.begin(); word != words.end(); ++word) {
+        if (*word == "--picture" && word + 1 != words.end()) {
+            choice.pictures = {fs::absolute(*++word)};
+        } else if (*word == "--trace" && word + 1 != words.end()) {
+            choice.trace = fs::absolute(*++word);
+        } else if (*word == "--with" && word + 1 != words.end()) {
+            choice.guests_command = *++word;
+        } else if (*word == "--tour") {
+            choice.touring = true;
+        } else {
+            bool const is_help = *word == "--help";
+            print_usage(is_help ? stdout : stderr);
+            return is_help ? EXIT_SUCCESS : k_usage_error;
+        }
+    }
+    if (choice.touring && !choice.guests_command.empty()) {
+        std::fputs("vehicle: --with is for the console, not for the tour\n", stderr);
+        return k_usage_error;
+    }
+    if (auto const why = choice.touring ? std::string() : bench::console::why_no_console(); !why.empty()) {
+        std::fprintf(stderr, "vehicle: %s\n", why.c_str());
+        return EXIT_FAILURE;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     auto const build = fs::read_symlink("/proc/self/exe").parent_path().parent_path().parent_path();
-    auto pictures = usual_places(build);
-    fs::path trace_path;
-    std::string guests_command;
-    bool touring = !has_terminal();
-    std::vector<std::string> const words(argv + 1, argv + argc);
-    for (auto word = words.begin(); word != words.end(); ++word) {
-        if (*word == "--picture" && word + 1 != words.end()) {
-            pictures = {fs::absolute(*++word)};
-        } else if (*word == "--trace" && word + 1 != words.end()) {
-            trace_path = fs::absolute(*++word);
-        } else if (*word == "--with" && word + 1 != words.end()) {
-            guests_command = *++word;
-        } else if (*word == "--help") {
-            print_usage(stdout);
-            return EXIT_SUCCESS;
-        } else if (*word == "--tour") {
-            touring = true;
-        } else {
-            print_usage(stderr);
-            return k_usage_error;
-        }
-    }
-    if (touring && !guests_command.empty()) {
-        std::fputs("vehicle: --with is for the console, not for the tour\n", stderr);
-        return k_usage_error;
-    }
-    if (auto const why = touring ? std::string() : bench::console::why_no_console(); !why.empty()) {
-        std::fprintf(stderr, "vehicle: %s\n", why.c_str());
-        return EXIT_FAILURE;
+    Choice choice{usual_places(build)};
+    if (auto const status = read_words({argv + 1, argv + argc}, choice)) {
+        return *status;
     }
     try {
-        auto picture = touring ? open_first(pictures) : Kept_file{};
-        auto trace = trace_path.empty() ? Kept_file{} : open_first({trace_path});
-        auto* const log = trace_path.empty() ? nullptr : &trace.stream;
-        return bench::vehicle::run_inside(
-            VEHICLE_PROJECT, [&] { return touring ? tour(build, picture, log) : console(build, log, guests_command); });
+        auto picture = choice.touring ? open_first(choice.pictures) : Kept_file{};
+        auto trace = choice.trace.empty() ? Kept_file{} : open_first({choice.trace});
+        auto* const log = choice.trace.empty() ? nullptr : &trace.stream;
+        return bench::vehicle::run_inside(VEHICLE_PROJECT, [&] {
+            return choice.touring ? tour(build, picture, log) : console(build, log, choice.guests_command);
+        });
     } catch (std::exception const& error) {
         std::fprintf(stderr, "vehicle: %s\n", error.what());
         return EXIT_FAILURE;

@@ -28,6 +28,7 @@ std::map<std::string, char const*> const& colours_of_states() {
     return colours;
 }
 
+/// Draws a life of the daemon: its states as boxes, and below them what happened meanwhile.
 class Band {
  public:
     Band(Timeline const& events, std::int64_t start) : events_(events), start_(start), axis_(events, k_left, k_width) {}

@@ -44,7 +44,7 @@ class Bus_call::Connection {
     sd_bus* get() const { return bus_; }
 
  private:
-    sd_bus* bus_ = nullptr;
+    sd_bus* bus_{nullptr};
 };
 
 Bus_call::Bus_call(std::string const& address) : connection_(std::make_unique<Connection>(address)) {}

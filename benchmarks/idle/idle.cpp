@@ -24,8 +24,8 @@ constexpr double k_target_percent = 0.2;
 constexpr double k_target_mib = 12.0;
 
 struct Idle {
-    double percent = 0.0;  // of one core
-    double resident_mib = 0.0;
+    double percent{0.0};  // of one core
+    double resident_mib{0.0};
 };
 
 void measure(benchmark::State& state, bench::Child_process const& process, Idle& result) {

@@ -27,7 +27,7 @@ class Answering_clients {
     void answer_requests();
 
     std::vector<utilities::Socket> clients_;
-    std::pair<utilities::Socket, utilities::Socket> stop_ = utilities::socket_pair();
+    std::pair<utilities::Socket, utilities::Socket> stop_{utilities::socket_pair()};
     utilities::Socket events_;  ///< an epoll instance
     std::thread thread_;
 };

@@ -41,12 +41,12 @@ class Bare_loop {
 
     std::size_t const count_;
     utilities::Socket listener_;
-    std::pair<utilities::Socket, utilities::Socket> wake_up_ = utilities::socket_pair();
+    std::pair<utilities::Socket, utilities::Socket> wake_up_{utilities::socket_pair()};
     std::function<void()> completed_;
     std::atomic<bool> is_complete_{false};
     std::vector<utilities::Socket> clients_;
     std::vector<pollfd> poll_set_;  ///< listener, wake-up channel, clients
-    std::uint32_t number_ = 0;
+    std::uint32_t number_{0};
     std::thread thread_;
 };
 

@@ -47,7 +47,7 @@ class Signal {
  private:
     std::mutex mutex_;
     std::condition_variable changed_;
-    bool raised_ = false;
+    bool raised_{false};
 };
 
 /// The server, the bare loop, and the clients of both.

@@ -49,7 +49,7 @@ class Server_without_a_thread : public testing::Test {
     }
 
     std::chrono::nanoseconds now{0};
-    int changes = 0;
+    int changes{0};
     Memory_sockets sockets{[this] { return now; }};
     Memory_server sut{"kOn", nullptr, sockets};
     std::list<Client_end> clients;

@@ -66,7 +66,7 @@ class Fake_virtual_input : public ximo::ap::statemanager::virtio::Virtio_interfa
     std::vector<std::string> directories;
     std::vector<unsigned int> timeouts;
     int consumed{0};
-    std::function<void()> while_waiting = [] {};
+    std::function<void()> while_waiting{[] {}};
 
     bool init(std::string device_directory) override {
         directories.push_back(std::move(device_directory));

@@ -28,13 +28,13 @@ class Fake_network_management : public ximo::ap::statemanager::Nm_interface_abst
     void report(ximo::ap::statemanager::Bit_vector const& state) { network_state_updated_(state); }
 
     /// Runs inside of each request, release and change of user data.
-    std::function<void()> meanwhile = [] {};
+    std::function<void()> meanwhile{[] {}};
 
     /// Runs when the search starts, which fails with what this throws.
-    std::function<void()> at_the_search = [] {};
+    std::function<void()> at_the_search{[] {}};
 
     /// Runs while this object goes.
-    std::function<void()> at_the_end = [] {};
+    std::function<void()> at_the_end{[] {}};
 
     void release_network(std::vector<std::uint8_t> const& bits) override { ask("release ", bits); }
     void request_network(std::vector<std::uint8_t> const& bits) override { ask("request ", bits); }

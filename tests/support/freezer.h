@@ -92,8 +92,8 @@ class Freezer {
     }
 
     base::Temporary_directory const mount_;
-    std::filesystem::path const group_ =
-        std::filesystem::path(mount_.path()) / ("statemanager-freezer-" + std::to_string(unique()));
+    std::filesystem::path const group_{std::filesystem::path(mount_.path()) /
+                                       ("statemanager-freezer-" + std::to_string(unique()))};
 
     // Worlds number their processes alike.
     static std::int64_t unique() { return std::chrono::steady_clock::now().time_since_epoch().count(); }

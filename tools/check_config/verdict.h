@@ -13,8 +13,8 @@ struct Verdict {
     bool is_parsed{false};  ///< its parser takes the file
     bool is_taken{false};   ///< and the start goes on with it
     std::string reason;     ///< for one that is refused: the daemon's own words
-    std::unique_ptr<Config> config =
-        std::make_unique<Config>();  ///< what it has of the file; of a refused one only what came before the reason
+    /// What it has of the file; of a refused one only what came before the reason.
+    std::unique_ptr<Config> config{std::make_unique<Config>()};
 };
 
 /// Asks the daemon's own parser, and then what builds its services. While it asks, it is the only one in this process

@@ -194,6 +194,58 @@ std::string times_text(Number times) {
     return times == 1 ? "once" : std::to_string(times) + " times";
 }
 
+std::string farewell_text(Snapshot const& page) {
+    if (page.is_foreign) {
+        return "the page is from another boot or machine; this is what its daemon said last";
+    }
+    return std::string(page.driver.ended != 0 ? "the daemon ended in order "
+                                              : "the daemon has gone without a farewell ") +
+           span_text(page.silent) + " ago; this is what it said last";
+}
+
+void add_life(Snapshot const& page, Reasons& troubles) {
+    auto const& driver = page.driver;
+    if (!page.is_alive) {
+        troubles.push_back({"not-running", farewell_text(page)});
+    }
+    if (page.is_half_written) {
+        troubles.push_back({"half-written", "a part of the page was left half-written"});
+    }
+    auto const beat = driver.beat != 0 ? driver.beat : page.life.started;  // which the first cycle is still to follow
+    if (page.is_alive && driver.ended == 0 && page.now > beat + k_second + page.life.period_ms * 1'000'000) {
+        troubles.push_back({"no-beat", "no cycle has begun for " + span_text(beat, page.now) +
+                                           ": the daemon waits for a call, or stands still"});
+    }
+}
+
+void add_devices(Snapshot const& page, Reasons& troubles) {
+    auto const& driver = page.driver;
+    if (driver.devices == 0) {
+        troubles.push_back({"no-device", "no input device is listened to: no command arrives"});
+    } else if (driver.devices_lost != 0) {
+        troubles.push_back({"device-lost", std::to_string(driver.devices_lost) + " of " +
+                                               std::to_string(driver.devices_found) +
+                                               " input devices failed, the last one " +
+                                               span_text(driver.device_lost_at, page.now) + " ago"});
+    }
+}
+
+void add_words(Snapshot const& page, Reasons& troubles) {
+    auto const& driver = page.driver;
+    if (driver.word_failed == static_cast<Number>(status::Word_fate::no_file)) {
+        troubles.push_back({"word-failed",
+                            "the hypervisor hears no word: its control file could not be opened at the "
+                            "start, and is tried again by the next one"});
+    } else if (driver.word_failed != 0) {
+        troubles.push_back(
+            {"word-failed", "the state word \"" + shown(text_of(driver.word)) + "\" could not be written"});
+    }
+    if (driver.machine_state_failed != 0) {
+        troubles.push_back({"machine-state-failed", "execution management did not set the machine state " +
+                                                        shown(text_of(driver.machine_state))});
+    }
+}
+
 void add_calls(Snapshot const& page, Reasons& troubles) {
     std::vector<std::string> calls;
     for (std::size_t call = 0; call < status::k_network_calls; ++call) {
@@ -220,15 +272,6 @@ void add_restarts(Snapshot const& page, Reasons& troubles) {
     }
 }
 
-std::string farewell_text(Snapshot const& page) {
-    if (page.is_foreign) {
-        return "the page is from another boot or machine; this is what its daemon said last";
-    }
-    return std::string(page.driver.ended != 0 ? "the daemon ended in order "
-                                              : "the daemon has gone without a farewell ") +
-           span_text(page.silent) + " ago; this is what it said last";
-}
-
 }  // namespace
 
 std::vector<Reason> reasons_of(Snapshot const& page) {
@@ -243,46 +286,18 @@ std::vector<Reason> reasons_of(Snapshot const& page) {
 
 std::vector<Reason> troubles_of(Snapshot const& page) {
     Reasons troubles;
-    auto const& driver = page.driver;
-    if (!page.is_alive) {
-        troubles.push_back({"not-running", farewell_text(page)});
-    }
-    if (page.is_half_written) {
-        troubles.push_back({"half-written", "a part of the page was left half-written"});
-    }
-    auto const beat = driver.beat != 0 ? driver.beat : page.life.started;  // which the first cycle is still to follow
-    if (page.is_alive && driver.ended == 0 && page.now > beat + k_second + page.life.period_ms * 1'000'000) {
-        troubles.push_back({"no-beat", "no cycle has begun for " + span_text(beat, page.now) +
-                                           ": the daemon waits for a call, or stands still"});
-    }
-    if (driver.devices == 0) {
-        troubles.push_back({"no-device", "no input device is listened to: no command arrives"});
-    } else if (driver.devices_lost != 0) {
-        troubles.push_back({"device-lost", std::to_string(driver.devices_lost) + " of " +
-                                               std::to_string(driver.devices_found) +
-                                               " input devices failed, the last one " +
-                                               span_text(driver.device_lost_at, page.now) + " ago"});
-    }
-    if (driver.word_failed == static_cast<Number>(status::Word_fate::no_file)) {
-        troubles.push_back({"word-failed",
-                            "the hypervisor hears no word: its control file could not be opened at the "
-                            "start, and is tried again by the next one"});
-    } else if (driver.word_failed != 0) {
-        troubles.push_back(
-            {"word-failed", "the state word \"" + shown(text_of(driver.word)) + "\" could not be written"});
-    }
-    if (driver.machine_state_failed != 0) {
-        troubles.push_back({"machine-state-failed", "execution management did not set the machine state " +
-                                                        shown(text_of(driver.machine_state))});
-    }
+    add_life(page, troubles);
+    add_devices(page, troubles);
+    add_words(page, troubles);
     add_calls(page, troubles);
     if (page.server.failures != 0) {
         troubles.push_back({"server-failed", "the notification server failed " + times_text(page.server.failures) +
                                                  ", and all clients had to connect again"});
     }
-    if (driver.log_lost != 0) {
-        troubles.push_back({"log-lost", "the log lost " + std::to_string(driver.log_lost) + " messages, the last " +
-                                            span_text(driver.log_lost_at, page.now) + " ago"});
+    if (page.driver.log_lost != 0) {
+        troubles.push_back({"log-lost", "the log lost " + std::to_string(page.driver.log_lost) +
+                                            " messages, the last " + span_text(page.driver.log_lost_at, page.now) +
+                                            " ago"});
     }
     add_restarts(page, troubles);
     return troubles;

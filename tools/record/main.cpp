@@ -32,7 +32,7 @@ volatile std::sig_atomic_t is_to_end = 0;
 struct Options {
     std::string directory{record::k_directory};
     std::string page{status::k_page_path};
-    double watchdog = 20;
+    double watchdog{20};
 };
 
 template <class Clock>

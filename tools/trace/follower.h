@@ -19,8 +19,8 @@ class Follower {
  private:
     struct Machine {
         Teller teller;
-        std::size_t lives = 0;  ///< whose ends have been told
-        std::size_t stays = 0;  ///< of the life after them
+        std::size_t lives{0};  ///< whose ends have been told
+        std::size_t stays{0};  ///< of the life after them
     };
 
     std::map<std::string, Machine> machines_;  ///< by ECU

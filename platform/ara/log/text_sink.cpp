@@ -31,12 +31,14 @@ std::string line(Queued_message const& message) {
     return prefix.data() + to_text(decode_arguments(message.arguments.data(), header.size)) + '\n';
 }
 
+/// Writes a line a message to standard error.
 class Console_sink : public Log_sink {
  public:
     void add_context(Log_context& /*context*/) override {}
     void write(Queued_message const& message) override { std::cerr << line(message); }
 };
 
+/// Writes fatal messages alone to standard error.
 class Fatal_sink : public Log_sink {
  public:
     explicit Fatal_sink(std::string application_id) : application_id_(std::move(application_id)) {}
@@ -63,6 +65,7 @@ class Fatal_sink : public Log_sink {
     std::string application_id_;
 };
 
+/// Writes a line a message to a file, and begins anew when that is large.
 class File_sink : public Log_sink {
  public:
     explicit File_sink(std::filesystem::path path) : path_(std::move(path)), file_(path_, std::ios::app) {}

@@ -31,7 +31,7 @@ class Bench_client : public testing::Test {
     }
 
     test_support::Temporary_directory directory;
-    std::string const path = directory.file("socket");
+    std::string const path{directory.file("socket")};
     test_support::Played_server server{path};
     Player sut{{BENCH_CLIENT, "radio", "kOn", path}};
     test_support::Played_peer peer{server.accept()};

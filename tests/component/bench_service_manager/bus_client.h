@@ -126,7 +126,7 @@ class Bus_client {
         return 0;
     }
 
-    sd_bus* bus_ = nullptr;
+    sd_bus* bus_{nullptr};
     std::vector<std::string> signals_;
     std::vector<std::string> jobs_;
 };

@@ -44,7 +44,7 @@ class Server_with_a_bad_client : public Server_test {
         return eventually([&] { return served->load(); });
     }
 
-    Test_client good = connect("good");
+    Test_client good{connect("good")};
 };
 
 TEST_F(Server_with_a_bad_client, Waits_for_the_rest_of_an_introduction) {

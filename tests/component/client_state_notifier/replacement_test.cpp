@@ -30,13 +30,13 @@ class Request_that_is_replaced_at_the_last_moment : public testing::Test {
     }
 
     test_support::Temporary_directory files;
-    std::string path = files.file("notification.socket");
-    std::shared_ptr<Completed> older = std::make_shared<Completed>();
-    std::shared_ptr<Completed> newer = std::make_shared<Completed>();
+    std::string path{files.file("notification.socket")};
+    std::shared_ptr<Completed> older{std::make_shared<Completed>()};
+    std::shared_ptr<Completed> newer{std::make_shared<Completed>()};
     Client_states_impl sut{
         "kOn", [this](auto const& /*name*/, auto /*status*/, auto const& /*state*/) { request_newer(); }, path};
     test_support::Test_client radio{path, "radio", "kOn"};
-    bool const is_connected = eventually([&] { return sut.get_connected_clients().size() == 1; });
+    bool const is_connected{eventually([&] { return sut.get_connected_clients().size() == 1; })};
 };
 
 TEST_F(Request_that_is_replaced_at_the_last_moment, Does_not_complete_for_lack_of_clients) {

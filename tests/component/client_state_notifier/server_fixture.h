@@ -112,7 +112,7 @@ class Server_test : public testing::Test {
 
     test_support::Log_capture log;
     test_support::Temporary_directory files;
-    std::string path = files.file("run/notification.socket");
+    std::string path{files.file("run/notification.socket")};
     std::mutex mutex;
     std::vector<Report> reported;
     std::optional<Client_states_impl> sut{std::in_place, "kOn",

@@ -38,7 +38,7 @@ class Thread_of_the_server : public Server_test {
         return thread;
     }
 
-    Test_client const client = connect("radio");
+    Test_client const client{connect("radio")};
 };
 
 // The count is how often it has given its processor away by itself.

@@ -31,7 +31,7 @@ class Events : public Client {
     static std::unique_ptr<bench::Player> started() {
         return std::make_unique<bench::Player>(std::vector<std::string>{PEER_PROGRAM, "app"});
     }
-    std::unique_ptr<bench::Player> peer_ = started();
+    std::unique_ptr<bench::Player> peer_{started()};
     Network_proxy network_{found<Network_proxy>("app")};
     User_data_proxy user_data_{found<User_data_proxy>("app")};
 };

@@ -53,7 +53,7 @@ class Flood : public Client {
         return times;
     }
 
-    bench::Player peer_ = server({"app"});
+    bench::Player peer_{server({"app"})};
 };
 
 TEST_F(Flood, Of_one_participant_leaves_sixty_four_of_its_offers_and_room_for_others) {

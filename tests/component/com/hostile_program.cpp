@@ -59,7 +59,7 @@ class Noise {
     }
 
  private:
-    std::uint32_t state_ = 1;
+    std::uint32_t state_{1};
 };
 
 std::vector<Bytes> requests(std::string const& instance) {

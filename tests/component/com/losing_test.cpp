@@ -108,7 +108,7 @@ class Losing : public Client {
         return future;
     }
 
-    std::unique_ptr<bench::Player> peer_ = started();
+    std::unique_ptr<bench::Player> peer_{started()};
     Com_alive_proxy proxy_{found<Com_alive_proxy>("app")};
     Network_proxy network_{found<Network_proxy>("app")};
 

@@ -88,7 +88,7 @@ class Peer_services {
     Tell const tell_;
     std::promise<void> open_;
     std::shared_future<void> const gate_{open_.get_future()};
-    bool is_open_ = false;
+    bool is_open_{false};
     std::map<std::string, Services> offered_;
 };
 

@@ -55,7 +55,7 @@ class Reports : public Client {
         EXPECT_EQ(error_once_available([&network] { return network.RequestNetwork({}); }), "none");
     }
 
-    std::unique_ptr<bench::Player> server_ = started({PEER_PROGRAM, "app"});
+    std::unique_ptr<bench::Player> server_{started({PEER_PROGRAM, "app"})};
     Watching<Network_proxy> lookup_{"*"};
 };
 
@@ -175,7 +175,7 @@ class Reports_of_processes : public Reports, public testing::WithParamInterface<
     }
 
     static constexpr int k_own_ends = 2;
-    std::unique_ptr<bench::Player> client_ = started({PEER_PROGRAM});
+    std::unique_ptr<bench::Player> client_{started({PEER_PROGRAM})};
     Sight sight_;
 };
 

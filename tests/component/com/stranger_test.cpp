@@ -35,7 +35,7 @@ class Stranger : public Client {
         return text;
     }
 
-    bench::Player peer_ = server({"app"});
+    bench::Player peer_{server({"app"})};
 };
 
 TEST_F(Stranger, A_client_of_another_make_finds_and_calls_a_service) {

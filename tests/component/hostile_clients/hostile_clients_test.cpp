@@ -58,7 +58,7 @@ class Hostile_clients : public testing::Test {
     }
 
     test_support::Temporary_directory files;
-    std::string const path = files.file("notification.socket");
+    std::string const path{files.file("notification.socket")};
 };
 
 class Server_with_hostile_clients : public Hostile_clients {

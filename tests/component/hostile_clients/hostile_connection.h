@@ -37,11 +37,11 @@ class Hostile_connection {
     int descriptor() const { return socket_.get_fd(); }
 
     /// Connections of the same kind differ in it; for names and for where things break off.
-    unsigned number = 0;
+    unsigned number{0};
 
     /// How often this connection was made, and how often it had its turn since.
-    unsigned lives = 0;
-    unsigned turns = 0;
+    unsigned lives{0};
+    unsigned turns{0};
 
     /// What a kind of misbehaviour wants to remember.
     std::optional<Request> kept;

@@ -50,7 +50,7 @@ class Obedient_clients {
     }
 
     std::vector<test_support::Test_client> clients_;
-    std::pair<utilities::Socket, utilities::Socket> stop_ = utilities::socket_pair();
+    std::pair<utilities::Socket, utilities::Socket> stop_{utilities::socket_pair()};
     std::atomic<bool> was_disturbed_{false};
     std::thread thread_;
 };

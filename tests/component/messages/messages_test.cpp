@@ -99,7 +99,7 @@ class Source {
 
  private:
     std::string text_;
-    std::size_t at_ = 0;
+    std::size_t at_{0};
 };
 
 /// One operand of a message: literals, or a value.
@@ -111,7 +111,7 @@ class Piece {
 
  private:
     std::string text_;
-    bool is_value_ = false;
+    bool is_value_{false};
 };
 
 /// From behind the call that begins a message to the statement's end; empty for one that goes on elsewhere.
@@ -218,10 +218,10 @@ bool is_sentence(std::string const& text) {
 
 class Page_of_messages : public testing::Test {
  protected:
-    std::map<std::string, Folder> const sources = read_sources();
-    std::string const text = read(PROJECT "/docs/messages.md");
-    std::string const states = read(PROJECT "/docs/states.md");
-    std::map<std::string, std::set<Message>> const page = read_page(text);
+    std::map<std::string, Folder> const sources{read_sources()};
+    std::string const text{read(PROJECT "/docs/messages.md")};
+    std::string const states{read(PROJECT "/docs/states.md")};
+    std::map<std::string, std::set<Message>> const page{read_page(text)};
 
     bool has(std::string const& folder, Message const& message) const {
         auto const section = page.find(folder);

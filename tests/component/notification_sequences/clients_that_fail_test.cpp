@@ -22,9 +22,9 @@ class Sequence_with_one_client_that : public Sequence_test,
     Sequence_with_one_client_that()
         : Sequence_test(is_waited_for(std::get<0>(GetParam())) ? std::chrono::seconds(1) : std::chrono::seconds(10)) {}
 
-    Manner const manner = std::get<0>(GetParam());
-    Way const way = std::get<1>(GetParam());
-    std::string const who = std::get<2>(GetParam());
+    Manner const manner{std::get<0>(GetParam())};
+    Way const way{std::get<1>(GetParam())};
+    std::string const who{std::get<2>(GetParam())};
 
     static Component_client_return_type status_of(Manner manner) {
         switch (manner) {

@@ -91,8 +91,8 @@ class Sequence_test : public testing::Test {
 
     test_support::Log_capture log;
     test_support::Temporary_directory files;
-    std::string const path = files.file("notification.socket");
-    client_state_notifier::Client_states* server = nullptr;  // owned by the notifier
+    std::string const path{files.file("notification.socket")};
+    client_state_notifier::Client_states* server{nullptr};  // owned by the notifier
     ximo::ap::statemanager::state_notifier::State_notifier sut{
         time_out, time_out, [this](auto const& state, auto const& status_callback) {
             auto made = std::make_unique<client_state_notifier::Client_states_impl>(state, status_callback, path);

@@ -37,7 +37,7 @@ class Client : public testing::Test {
     }
 
     test_support::Temporary_directory directory;
-    std::string const path = directory.file("socket");
+    std::string const path{directory.file("socket")};
     test_support::Played_server server{path};
     std::optional<test_support::Played_peer> peer;
     Hello hello;

@@ -200,8 +200,8 @@ class Misbehaving_client {
     utilities::Socket socket_;
     utilities::Socket second_;
     utilities::Frame_assembler assembler_;
-    bool was_connected_ = false;
-    std::string state_ = "kOn";
+    bool was_connected_{false};
+    std::string state_{"kOn"};
     std::optional<std::uint32_t> last_number_;
     Type_length_values last_answer_;
 };

@@ -27,7 +27,7 @@ class Commands_test : public testing::Test {
     Model model;
     Command_table table;
     std::shared_ptr<Input_device> device;
-    int changes = 0;
+    int changes{0};
 };
 
 TEST_F(Commands_test, Faults_that_were_told_can_be_taken_back) {

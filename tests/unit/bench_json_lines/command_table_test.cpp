@@ -18,7 +18,7 @@ class Command_table_test : public testing::Test {
         });
     }
 
-    std::int64_t sum = 0;
+    std::int64_t sum{0};
     Command_table sut;
 };
 

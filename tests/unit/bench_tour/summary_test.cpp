@@ -66,7 +66,7 @@ class Rows_summary : public testing::Test {
     }
 
     std::vector<Step> all;
-    bool content = false;
+    bool content{false};
 };
 
 TEST_F(Rows_summary, Is_content_when_a_step_reached_each_row) {

@@ -44,8 +44,8 @@ class Inbox_of_a_connection : public testing::Test {
         }
     }
 
-    std::pair<utilities::Socket, utilities::Socket> pair = utilities::socket_pair();
-    Inbox::Clock::time_point const start = Inbox::Clock::now();
+    std::pair<utilities::Socket, utilities::Socket> pair{utilities::socket_pair()};
+    Inbox::Clock::time_point const start{Inbox::Clock::now()};
     Inbox sut;
 };
 

@@ -182,7 +182,7 @@ class Raw_server {
     std::string const instance_;
     Offering offering_;
     Answer answer_;
-    bool has_way_back_ = true;
+    bool has_way_back_{true};
     std::optional<Writer> replies_;
     std::optional<Reader> requests_;
 };

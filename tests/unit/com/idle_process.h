@@ -35,7 +35,7 @@ class Idle_process {
 
  private:
     pid_t id_;
-    bool ended_ = false;
+    bool ended_{false};
 };
 
 }  // namespace com_unit

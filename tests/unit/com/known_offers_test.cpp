@@ -87,7 +87,7 @@ class Known_offers_test : public testing::Test {
     }
 
     Engine engine_;
-    std::shared_ptr<Observer> const sut_ = std::make_shared<Observer>();
+    std::shared_ptr<Observer> const sut_{std::make_shared<Observer>()};
     Offering server_;
     Offering another_;
 };
@@ -130,7 +130,7 @@ struct Odd_offer {
     char const* what;
     std::function<void(ara_com_ServiceOffer&)> change;
     bool is_known;
-    pid_t process = 0;
+    pid_t process{0};
 };
 
 void PrintTo(Odd_offer const& offer, std::ostream* out) {

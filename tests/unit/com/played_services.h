@@ -103,7 +103,7 @@ class Process {
     }
 
  private:
-    std::shared_ptr<ara::com::Binding> const binding_ = ara::com::dds::make_binding();
+    std::shared_ptr<ara::com::Binding> const binding_{ara::com::dds::make_binding()};
 };
 
 /// How a call ended: "value", or the text of its exception; once.

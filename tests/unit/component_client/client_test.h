@@ -67,7 +67,7 @@ class Client_test : public testing::Test {
     }
 
     test_support::Temporary_directory directory;
-    std::string const path = directory.file("socket");
+    std::string const path{directory.file("socket")};
     std::optional<Played_server> server{std::in_place, path};
     std::optional<Played_peer> peer;
     Options options;

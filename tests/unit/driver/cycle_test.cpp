@@ -72,10 +72,10 @@ class Cycle : public testing::Test {
     test_support::Log_capture log;
     Play played;
     config::State_manager_config configuration;
-    std::shared_ptr<test_support::Fake_service_handler> services =
-        std::make_shared<test_support::Fake_service_handler>();
+    std::shared_ptr<test_support::Fake_service_handler> services{
+        std::make_shared<test_support::Fake_service_handler>()};
     int beats{0};
-    test_support::Fake_virtual_input* input = new test_support::Fake_virtual_input;  // owned by the driver
+    test_support::Fake_virtual_input* input{new test_support::Fake_virtual_input};  // owned by the driver
     State_manager sut{configuration, services, nullptr, std::unique_ptr<virtio::Virtio_interface_abstract>(input),
                       std::make_unique<test_support::Fake_supervision>(beats)};
 };

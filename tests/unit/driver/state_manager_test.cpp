@@ -75,13 +75,13 @@ class Driver : public testing::Test {
     test_support::Log_capture log;
     test_support::Temporary_directory files;
     config::State_manager_config configuration;
-    std::shared_ptr<test_support::Fake_service_handler> services =
-        std::make_shared<test_support::Fake_service_handler>();
-    std::shared_ptr<test_support::Fake_execution_management> em =
-        std::make_shared<test_support::Fake_execution_management>();
-    test_support::Fake_client_states* clients = nullptr;  // owned by the driver's states
+    std::shared_ptr<test_support::Fake_service_handler> services{
+        std::make_shared<test_support::Fake_service_handler>()};
+    std::shared_ptr<test_support::Fake_execution_management> em{
+        std::make_shared<test_support::Fake_execution_management>()};
+    test_support::Fake_client_states* clients{nullptr};  // owned by the driver's states
     int beats{0};
-    test_support::Fake_virtual_input* input = new test_support::Fake_virtual_input;  // owned by the driver
+    test_support::Fake_virtual_input* input{new test_support::Fake_virtual_input};  // owned by the driver
     State_manager sut{configuration, services, em, std::unique_ptr<virtio::Virtio_interface_abstract>(input),
                       std::make_unique<test_support::Fake_supervision>(beats)};
 };

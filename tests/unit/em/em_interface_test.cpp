@@ -72,7 +72,7 @@ class Em_adapter : public testing::Test {
     }
 
     Em_with_answers sut;
-    test_support::Log_capture& log = sut.log;
+    test_support::Log_capture& log{sut.log};
 };
 
 struct Request {
@@ -90,7 +90,7 @@ class Em_request : public Em_adapter, public testing::WithParamInterface<Request
  protected:
     void make() { (sut.*GetParam().make)(); }
     std::vector<std::string> const wanted{std::string("MachineState:") + GetParam().state};
-    test_support::Log_message const told = logged(LogLevel::kInfo, GetParam().text);
+    test_support::Log_message const told{logged(LogLevel::kInfo, GetParam().text)};
 };
 
 TEST_P(Em_request, Is_told_and_then_made_and_its_result_is_ignored) {

@@ -49,7 +49,7 @@ class Conditions : public ximo::ap::statemanager::Service_handler_interface {
 
     mutable std::array<std::optional<bool>, k_conditions> known_;
     mutable std::vector<bool> values_;
-    mutable std::size_t asked_for_ = 0;
+    mutable std::size_t asked_for_{0};
 };
 
 }  // namespace exploration

@@ -46,14 +46,14 @@ class Machine {
     Driver_log& log_;
     ximo::ap::statemanager::config::State_manager_config configuration_;
     test_support::Fake_input_system devices_;
-    std::shared_ptr<Conditions> conditions_ = std::make_shared<Conditions>();
-    std::shared_ptr<test_support::Fake_execution_management> em_ =
-        std::make_shared<test_support::Fake_execution_management>();
-    int beats_ = 0;
+    std::shared_ptr<Conditions> conditions_{std::make_shared<Conditions>()};
+    std::shared_ptr<test_support::Fake_execution_management> em_{
+        std::make_shared<test_support::Fake_execution_management>()};
+    int beats_{0};
     ximo::ap::statemanager::virtio::Virtio_interface* input_;  ///< the driver's
     ximo::ap::statemanager::State_manager driver_;
     Modelled_clients* clients_;  ///< the notifier's
-    std::size_t read_ = 0;       ///< bytes of the status file
+    std::size_t read_{0};        ///< bytes of the status file
 };
 
 /// The driver's name of a state.

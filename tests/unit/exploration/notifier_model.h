@@ -28,8 +28,8 @@ class Notifier_model {
     void ask(Group group);
     std::optional<Group> next_after(Group group) const;
 
-    bool running_ = false;
-    Mode requested_ = Mode::on;
+    bool running_{false};
+    Mode requested_{Mode::on};
     std::array<Mode, k_groups> last_{};
     std::optional<Group> done_;  ///< has answered, the next step was not taken yet
     std::optional<Group> asked_;

@@ -17,20 +17,20 @@ struct Action {
     enum class Kind { press, cycle, answer };
 
     Kind kind;
-    Virtio_command key = Virtio_command::none;  ///< of a press
-    std::vector<bool> conditions = {};          ///< of a cycle, see Conditions
-    unsigned status = 0;                        ///< of an answer, see Callback_status
+    Virtio_command key{Virtio_command::none};  ///< of a press
+    std::vector<bool> conditions{};            ///< of a cycle, see Conditions
+    unsigned status{0};                        ///< of an answer, see Callback_status
 };
 
 /// Everything that decides what the machine can do next.
 struct Point {
-    unsigned state = 0;
-    bool has_ended = false;  ///< the run loop is over
-    bool prepare_sd = false;
-    bool forced_shutdown = false;
+    unsigned state{0};
+    bool has_ended{false};  ///< the run loop is over
+    bool prepare_sd{false};
+    bool forced_shutdown{false};
     std::deque<Virtio_command> queue;
-    Virtio_command last_key = Virtio_command::none;  ///< accepted last; the same one again is dropped
-    unsigned ticks = 0;                              ///< of the post-run state, up to its knock-out count
+    Virtio_command last_key{Virtio_command::none};  ///< accepted last; the same one again is dropped
+    unsigned ticks{0};                              ///< of the post-run state, up to its knock-out count
     Notifier_model notifier;
 
     auto key() const {

@@ -39,7 +39,7 @@ class Power_off_channel {
 
  private:
     Temporary_directory directory_;
-    int reader_ = -1;
+    int reader_{-1};
 };
 
 }  // namespace test_support

@@ -45,9 +45,9 @@ class Answering_connection : public ara::com::Connection {
 /// Connects to instances that answer every call with a number for the method, and one for the kind of its result.
 class Answering_binding : public ara::com::Binding {
  public:
-    std::int32_t method = k_other;
-    std::size_t kind_at = 0;  ///< 0 for nowhere
-    std::int32_t kind = k_other;
+    std::int32_t method{k_other};
+    std::size_t kind_at{0};  ///< 0 for nowhere
+    std::int32_t kind{k_other};
 
     std::shared_ptr<ara::com::Connection> connect(ara::com::Service_type const& type,
                                                   ara::com::ServiceHandle const& /*handle*/) override {
@@ -93,8 +93,8 @@ class Result_of_another_method : public testing::Test {
         }
     }
 
-    std::shared_ptr<Answering_binding> binding = std::make_shared<Answering_binding>();
-    std::shared_ptr<ara::com::Binding> previous = ara::com::use_binding(binding);
+    std::shared_ptr<Answering_binding> binding{std::make_shared<Answering_binding>()};
+    std::shared_ptr<ara::com::Binding> previous{ara::com::use_binding(binding)};
 };
 
 TEST_F(Result_of_another_method, Fails_every_call_of_an_application) {

@@ -25,7 +25,7 @@ class Service : public ximo::ap::statemanager::skeleton::DSAInterfaceSkeleton {
         promise.set_value();
         return promise.get_future();
     }
-    int last_type = 0;
+    int last_type{0};
 };
 
 class Found_instance_test : public testing::Test {

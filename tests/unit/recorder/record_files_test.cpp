@@ -30,7 +30,7 @@ class Files_of_records : public testing::Test {
     }
 
     test_support::Temporary_directory directory;
-    std::string const first = life_line("a", 1);
+    std::string const first{life_line("a", 1)};
 };
 
 TEST_F(Files_of_records, Are_bounded_in_size_and_count_and_each_begins_with_a_life) {

@@ -126,7 +126,7 @@ class Application_requests_in_any_order : public Service_handler_test,
 
     Requests_model model{GetParam().default_pattern, GetParam().cab_area_sent};
     std::mt19937 random{1};
-    bool suspended = false;
+    bool suspended{false};
 };
 
 TEST_P(Application_requests_in_any_order, Ask_the_network_for_what_sets_say) {

@@ -130,8 +130,8 @@ class Requests_model {
  private:
     struct Held {
         Bits cab;
-        unsigned ac = 0;
-        bool cwu = false;
+        unsigned ac{0};
+        bool cwu{false};
 
         bool is_alive() const { return cwu || !cab.empty(); }
     };
@@ -221,8 +221,8 @@ class Requests_model {
     std::set<std::string> keepers_;
     Bits requested_;  ///< CAB bits
     Bits sent_;       ///< user data
-    bool is_active_ = true;
-    bool ecu_alive_requested_ = false;
+    bool is_active_{true};
+    bool ecu_alive_requested_{false};
 };
 
 }  // namespace ximo::ap::statemanager

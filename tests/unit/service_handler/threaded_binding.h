@@ -147,7 +147,7 @@ class Threaded_binding : public ara::com::Binding {
     std::vector<std::shared_ptr<Waiting_lookup>> lookups;
 
  private:
-    std::shared_ptr<Subscription_state> const state_ = std::make_shared<Subscription_state>();
+    std::shared_ptr<Subscription_state> const state_{std::make_shared<Subscription_state>()};
     int const lookups_that_meet_;
     std::atomic<int> arrived_{0};
     std::vector<std::thread> threads_;

@@ -85,7 +85,7 @@ class Udp_nm_test : public testing::Test {
     User_data_service user_data{"node"};
     test_support::Log_capture log;
     int announced{0};
-    std::unique_ptr<Nm_interface> sut = std::make_unique<Nm_interface>();
+    std::unique_ptr<Nm_interface> sut{std::make_unique<Nm_interface>()};
 };
 
 }  // namespace ximo::ap::statemanager

@@ -29,8 +29,8 @@ class Noting_writer : public smw::Shared_memory_reboot {
     void restart_vm() override { note("vm"); }
     void restart_m3() override { note("m3"); }
 
-    std::function<void()> meanwhile = [] {};
-    std::function<void()> at_the_end = [] {};
+    std::function<void()> meanwhile{[] {}};
+    std::function<void()> at_the_end{[] {}};
 
  private:
     void note(char const* request) {

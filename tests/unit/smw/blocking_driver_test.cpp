@@ -82,7 +82,7 @@ class Blocking_driver : public testing::Test {
     }
 
     test_support::Temporary_directory directory_;
-    std::string const path_ = directory_.file("driver");
+    std::string const path_{directory_.file("driver")};
     std::atomic<long> writer_{0};
     int driver_{-1};
     struct sigaction before_ {};

@@ -21,7 +21,7 @@ using testing::SizeIs;
 class Control_file_buffer_test : public testing::Test {
  protected:
     Temporary_directory directory;
-    std::string const file = directory.file("word");
+    std::string const file{directory.file("word")};
 };
 
 TEST_F(Control_file_buffer_test, A_file_that_is_missing_is_made_for_whom_the_mask_allows) {

@@ -50,7 +50,7 @@ class Noting_update : public Shared_memory_update {
         return succeed;
     }
 
-    bool succeed = true;
+    bool succeed{true};
     std::vector<std::string> words;
 };
 

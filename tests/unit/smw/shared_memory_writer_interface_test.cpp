@@ -41,7 +41,7 @@ class Shared_memory_writer : public testing::Test {
 
     Log_capture log;
     Temporary_directory directory;
-    std::string const file = directory.file("set_status");
+    std::string const file{directory.file("set_status")};
 };
 
 TEST_F(Shared_memory_writer, Opening_empties_the_file_and_is_silent) {

@@ -64,7 +64,7 @@ class Notifier_test : public testing::Test {
     }
 
     test_support::Log_capture log;
-    test_support::Fake_client_states* server = nullptr;  // owned by the notifier
+    test_support::Fake_client_states* server{nullptr};  // owned by the notifier
     State_notifier sut{std::chrono::seconds(7), std::chrono::seconds(3),
                        [this](std::string const& current_state, client_state_notifier::Status_callback const& report) {
                            auto made = std::make_unique<test_support::Fake_client_states>();

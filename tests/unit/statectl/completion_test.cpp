@@ -23,7 +23,7 @@ class Completion : public testing::Test {
 
     CLI::App program;
     std::string text;
-    bool flag = false;
+    bool flag{false};
     std::vector<std::string> words;
 };
 

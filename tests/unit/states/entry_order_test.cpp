@@ -85,8 +85,8 @@ class Entry_order : public State_test {
         hear_log();
         journal_.push_back(what);
     };
-    std::shared_ptr<Listened_status_file> status = std::make_shared<Listened_status_file>(files.file("status"), note_);
-    std::shared_ptr<Listened_fast_shutdown> power_off = std::make_shared<Listened_fast_shutdown>(note_);
+    std::shared_ptr<Listened_status_file> status{std::make_shared<Listened_status_file>(files.file("status"), note_)};
+    std::shared_ptr<Listened_fast_shutdown> power_off{std::make_shared<Listened_fast_shutdown>(note_)};
 
  private:
     void hear_log() {

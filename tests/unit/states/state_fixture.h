@@ -35,13 +35,13 @@ class State_test : public testing::Test {
     std::string written() const { return files.read("status"); }
 
     test_support::Temporary_directory files;
-    std::shared_ptr<smw::Shared_memory_update> shared_memory =
-        std::make_shared<smw::Shared_memory_update>(files.file("status"));
-    std::shared_ptr<test_support::Fake_service_handler> services =
-        std::make_shared<test_support::Fake_service_handler>();
-    std::shared_ptr<test_support::Fake_execution_management> em =
-        std::make_shared<test_support::Fake_execution_management>();
-    std::shared_ptr<test_support::Fake_state_notifier> notifier = std::make_shared<test_support::Fake_state_notifier>();
+    std::shared_ptr<smw::Shared_memory_update> shared_memory{
+        std::make_shared<smw::Shared_memory_update>(files.file("status"))};
+    std::shared_ptr<test_support::Fake_service_handler> services{
+        std::make_shared<test_support::Fake_service_handler>()};
+    std::shared_ptr<test_support::Fake_execution_management> em{
+        std::make_shared<test_support::Fake_execution_management>()};
+    std::shared_ptr<test_support::Fake_state_notifier> notifier{std::make_shared<test_support::Fake_state_notifier>()};
     test_support::Log_capture log;
 };
 

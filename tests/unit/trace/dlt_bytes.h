@@ -13,11 +13,11 @@ enum class Framing { storage, serial, none };
 /// A log message whose arguments are texts, with what is of interest about it.
 struct Words {
     std::vector<std::string> arguments;
-    double time = 0;  ///< seconds since the machine's start
-    int level = 4;
-    std::string application = "STMG";
-    std::uint32_t process = 1;
-    std::int64_t stored = 1'800'000'000;  ///< seconds
+    double time{0};  ///< seconds since the machine's start
+    int level{4};
+    std::string application{"STMG"};
+    std::uint32_t process{1};
+    std::int64_t stored{1'800'000'000};  ///< seconds
 };
 
 /// The bytes of a message.

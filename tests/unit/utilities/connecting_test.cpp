@@ -22,9 +22,9 @@ using std::chrono::steady_clock;
 class Connecting : public testing::Test {
  protected:
     test_support::Temporary_directory directory;
-    std::string path = directory.file("socket");
-    sockaddr_un address = create_unix_address(path);
-    std::pair<Socket, Socket> abort = socket_pair();
+    std::string path{directory.file("socket")};
+    sockaddr_un address{create_unix_address(path)};
+    std::pair<Socket, Socket> abort{socket_pair()};
     Socket sut{AF_UNIX, SOCK_STREAM, 0};
 
     Socket bound() const {

@@ -54,7 +54,7 @@ class Directories : public testing::Test {
         somebody_else_is_faster = false;
     }
     test_support::Temporary_directory directory;
-    mode_t before = ::umask(022);
+    mode_t before{::umask(022)};
 };
 
 TEST_F(Directories, The_containing_one_is_what_stands_before_the_last_slash) {

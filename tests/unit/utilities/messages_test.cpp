@@ -15,9 +15,9 @@ using testing::IsEmpty;
 
 class Messages : public testing::Test {
  protected:
-    std::pair<Socket, Socket> pair = socket_pair();
-    Socket& sut = pair.first;
-    Socket& peer = pair.second;
+    std::pair<Socket, Socket> pair{socket_pair()};
+    Socket& sut{pair.first};
+    Socket& peer{pair.second};
 
     void peer_sends(Bytes const& bytes) const { peer.sendl(bytes.data(), bytes.size(), 0); }
     void peer_closes() { Socket const gone(std::move(peer)); }

@@ -27,9 +27,9 @@ using testing::SizeIs;
 
 class Polling : public testing::Test {
  protected:
-    std::pair<Socket, Socket> pair = socket_pair();
-    Socket& sut = pair.first;
-    Socket& peer = pair.second;
+    std::pair<Socket, Socket> pair{socket_pair()};
+    Socket& sut{pair.first};
+    Socket& peer{pair.second};
 };
 
 TEST_F(Polling, A_poll_set_has_the_sockets_in_their_order_and_no_returned_events) {

@@ -26,9 +26,9 @@ void expect_thrown(char const* text, Call call) {
 
 class Receiving : public testing::Test {
  protected:
-    std::pair<Socket, Socket> pair = socket_pair();
-    Socket& sut = pair.first;
-    Socket& peer = pair.second;
+    std::pair<Socket, Socket> pair{socket_pair()};
+    Socket& sut{pair.first};
+    Socket& peer{pair.second};
     std::array<char, 16> buffer{};
 
     void close_peer() { Socket const gone(std::move(peer)); }

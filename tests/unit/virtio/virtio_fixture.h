@@ -39,7 +39,7 @@ class Virtio_fixture : public testing::Test {
 
     Log_capture log;
     Fake_input_system system;
-    std::unique_ptr<Virtio_interface> sut = std::make_unique<Virtio_interface>(system);
+    std::unique_ptr<Virtio_interface> sut{std::make_unique<Virtio_interface>(system)};
 };
 
 /// The same with one keyboard, "event0", in use, and nothing in the log yet.
