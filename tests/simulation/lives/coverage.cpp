@@ -1,0 +1,60 @@
+#include "coverage.h"
+
+namespace lives {
+
+using bench::rules::Row;
+using bench::rules::State;
+
+void Coverage::decided(Row const& row, std::uint64_t situation) {
+    ++rows_[&row];
+    ++situations_[{row.from, situation}];
+    if (row.to == State::stay) {
+        return;
+    }
+    if (last_ != nullptr && last_->to == row.from) {
+        ++pairs_[{last_, &row}];
+    }
+    last_ = &row;
+}
+
+std::string Coverage::text() const {
+    std::string text = "rows, and how often each decided:\n";
+    std::string missing;
+    for (auto const& row : bench::rules::rows()) {
+        auto const found = rows_.find(&row);
+        auto const name = bench::rules::name(row);
+        if (found == rows_.end()) {
+            missing += " " + name + ";";
+        } else {
+            text += "  " + name + ": " + std::to_string(found->second) + '\n';
+        }
+    }
+    std::map<State, unsigned> of_state;
+    for (auto const& [situation, count] : situations_) {
+        ++of_state[situation.first];
+    }
+    std::size_t pairs = 0;
+    std::string pairs_missing;
+    for (auto const& first : bench::rules::rows()) {
+        for (auto const& second : bench::rules::rows()) {
+            bool const can_follow = first.to == second.from && second.to != State::stay;
+            if (!can_follow) {
+                continue;
+            }
+            ++pairs;
+            if (pairs_.count({&first, &second}) == 0) {
+                pairs_missing += "  " + bench::rules::name(first) + " -> " + bench::rules::name(second) + '\n';
+            }
+        }
+    }
+    text += "situations (command, conditions, phase of the notification):\n";
+    for (auto const& [state, count] : of_state) {
+        text += std::string("  ") + bench::rules::name(state) + ": " + std::to_string(count) + '\n';
+    }
+    text += "transitions after transitions: " + std::to_string(pairs_.size()) + " of " + std::to_string(pairs) + '\n';
+    text += missing.empty() ? "" : "rows that never decided:" + missing + '\n';
+    text += pairs_missing.empty() ? "" : "never one after the other:\n" + pairs_missing;
+    return text;
+}
+
+}  // namespace lives

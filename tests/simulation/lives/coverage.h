@@ -1,0 +1,32 @@
+#ifndef TESTS_SIMULATION_LIVES_COVERAGE_H
+#define TESTS_SIMULATION_LIVES_COVERAGE_H
+
+#include "bench/rules/rules.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+
+namespace lives {
+
+/// How often lives have come where.
+class Coverage {
+ public:
+    /// A cycle: what decided, and a number for all that could be asked then: command, conditions, phase of the
+    /// notification.
+    void decided(bench::rules::Row const& row, std::uint64_t situation);
+
+    /// The rows with how often they decided, the pairs of transitions, the situations, and what was never seen.
+    std::string text() const;
+
+ private:
+    std::map<bench::rules::Row const*, std::uint64_t> rows_;
+    std::map<std::pair<bench::rules::State, std::uint64_t>, std::uint64_t> situations_;
+    std::map<std::pair<bench::rules::Row const*, bench::rules::Row const*>, std::uint64_t> pairs_;
+    bench::rules::Row const* last_{nullptr};
+};
+
+}  // namespace lives
+
+#endif

@@ -1,0 +1,281 @@
+#include "drawn_life.h"
+
+#include "simulation/random.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace lives {
+
+namespace {
+
+constexpr unsigned k_suspend_s = 70;  // longer than any of these lives lets a suspend take
+
+/// A line that happens, and when, in milliseconds.
+using Happening = std::pair<std::uint64_t, std::string>;
+
+class Drawing {
+ public:
+    explicit Drawing(std::uint64_t seed) : random_(seed) {}
+
+    Lines lines();
+
+ private:
+    unsigned below(unsigned count) { return static_cast<unsigned>(random_.below(count)); }
+    bool in_100(unsigned chances) { return below(100) < chances; }
+    std::string one_of(std::vector<std::string> const& all) { return all[below(static_cast<unsigned>(all.size()))]; }
+
+    std::string time();
+    std::string manner();
+    std::string bits();
+    void pass();
+    void happens(std::string const& what) { happenings_.emplace_back(now_, what); }
+
+    void configure(Lines& lines);
+    void draw_clients(Lines& lines);
+    void go_on();
+    void drive();
+    void suspend();
+    void wander();
+    void ask_for_something();
+    void change_client();
+    void disturb();
+
+    simulation::Random random_;
+    std::uint64_t now_{0};
+    unsigned period_{100};
+    bool has_faults_{false};
+    std::vector<Happening> happenings_;
+};
+
+// Moments that meet: multiples of the period and of seconds, and some that meet nothing.
+std::string Drawing::time() {
+    switch (below(4)) {
+        case 0:
+            return std::to_string(below(4) * 1000) + "ms";
+        case 1:
+            return std::to_string(below(30) * period_) + "ms";
+        case 2:
+            return std::to_string(below(20)) + "ms";
+        default:
+            return std::to_string(below(9000)) + "ms";
+    }
+}
+
+void Drawing::pass() {
+    switch (below(6)) {
+        case 0:
+            break;
+        case 1:
+            now_ += below(period_);
+            break;
+        case 2:
+            now_ += std::uint64_t(below(6)) * period_;
+            break;
+        case 3:
+            now_ += 1000U * below(10);
+            break;
+        default:
+            now_ += below(4000);
+    }
+}
+
+std::string Drawing::manner() {
+    auto const how = below(12);
+    if (how == 0) {
+        return "silent";
+    }
+    if (how <= 3) {
+        return one_of({"fails", "invalid", "crashes"}) + " after " + time();
+    }
+    return "after " + time();
+}
+
+std::string Drawing::bits() {
+    return one_of({"01", "00 01", "00 00 02", "05", "00 03 80", "00 02"});
+}
+
+void Drawing::configure(Lines& lines) {
+    period_ = in_100(70) ? 100 : 20 * (1 + below(15));
+    auto const set = [&](std::string const& name, std::string const& value) {
+        lines.push_back("config " + name + ' ' + value);
+    };
+    set("StateManagerMainPeriod", std::to_string(period_));
+    set("KnockOutTimer", std::to_string(below(12)));
+    set("ApplicationSuspendRequestTimeout", std::to_string(1 + below(5)));
+    set("DMSuspendRequestTimeout", std::to_string(1 + below(4)));
+    set("DefautNMRequestPattern",
+        one_of({"[0,0,0,0,0,0]", "[0,16,0,0,0,0]", "[0,32,0,0]", "[0,48]", "[64,16,0,0,0,0]"}));
+    if (in_100(12)) {
+        set("StateManagerNMUsage", "false");
+    }
+    if (in_100(30)) {
+        set("RequestNetworkOnEntryRunState", "false");
+    }
+    set("NmUserDataConfig.CabBitsEnabled", one_of({"true", "false"}));
+    if (in_100(15)) {
+        lines.push_back("manager absent");
+        now_ = 1000;
+        happenings_.emplace_back(below(900), "manager offers");
+    }
+    if (in_100(30)) {
+        lines.push_back(in_100(50) ? "power-off absent" : "power-off takes " + time());
+    }
+}
+
+void Drawing::draw_clients(Lines& lines) {
+    for (auto const* const name : {"dcm", "radio", "tuner", "seat", "dem"}) {
+        if (in_100(75)) {
+            lines.push_back(std::string("clients ") + name + ' ' + manner() + (in_100(10) ? " in kPrepSD" : ""));
+        }
+    }
+}
+
+void Drawing::ask_for_something() {
+    auto const who = one_of({"navigation", "hud"});
+    auto const does = in_100(55) ? " requests " : " releases ";
+    switch (below(4)) {
+        case 0:
+            return happens("application " + who + does + "com " + bits());
+        case 1:
+            return happens("application " + who + does + "wake-up");
+        default:
+            return happens("application " + who + does + "ecu");
+    }
+}
+
+void Drawing::change_client() {
+    auto const who = one_of({"dcm", "dem", "radio", "tuner", "seat"});
+    switch (below(6)) {
+        case 0:
+            return happens("client " + who + " disconnects");
+        case 1:
+            happens("client " + who + " disconnects");
+            return happens("client " + who + " connects " + manner() + (in_100(30) ? " in kPrepSD" : ""));
+        case 2:
+            return happens("client " + who + " reports " + one_of({"kOn", "kPrepSD", "degraded"}));
+        case 3:
+            return happens("client late" + std::to_string(happenings_.size()) + " connects " + manner());
+        default:
+            return happens("client " + who + ' ' + manner());
+    }
+}
+
+void Drawing::disturb() {
+    switch (below(has_faults_ ? 8 : 5)) {
+        case 0:
+            return happens(one_of({"status-file refuses", "status-file takes"}));
+        case 1:
+            return happens("service-manager " + one_of({"grants", "refuses", "silent"}) +
+                           (in_100(50) ? " after " + std::to_string(below(900)) + "ms" : ""));
+        case 2:
+            return happens("diagnostics restart " + std::to_string(below(7)));
+        case 3:
+            return happens(one_of({"others need network", "others release network"}));
+        case 4:
+            return in_100(5) ? happens("service-manager stops") : happens("network follows");
+        case 5:
+            return happens("manager withdraws");
+        case 6:
+            return happens("manager offers");
+        default:
+            return happens(one_of({"manager fails", "manager works"}));
+    }
+}
+
+void Drawing::wander() {
+    switch (below(10)) {
+        case 0:
+        case 1:
+            return happens("key " + one_of({"r", "n", "s", "p", "r", "p"}));
+        case 2:
+            return in_100(20) ? happens("key power") : ask_for_something();
+        case 3:
+        case 4:
+            return happens(one_of({"network sleeps", "network wakes"}));
+        case 5:
+        case 6:
+            return ask_for_something();
+        case 7:
+        case 8:
+            return change_client();
+        default:
+            return disturb();
+    }
+}
+
+// Left to the network, as a vehicle that is parked.
+void Drawing::drive() {
+    happens("key " + one_of({"n", "s"}));
+    for (unsigned more = below(4); more > 0; --more) {
+        pass();
+        ask_for_something();
+    }
+    pass();
+    happens("network sleeps");
+    for (unsigned more = below(4); more > 0; --more) {
+        pass();
+        in_100(50) ? wander() : ask_for_something();
+    }
+}
+
+// A suspend, whole or turned back in the middle, and the way back.
+void Drawing::suspend() {
+    happens("key " + one_of({"p", "p", "p", "s"}));
+    for (unsigned more = below(4); more > 0; --more) {
+        pass();
+        in_100(40) ? ask_for_something() : change_client();
+    }
+    now_ += in_100(50) ? below(6000) : 1000U * below(k_suspend_s / 2);
+    happens("key " + one_of({"r", "r", "r", "r", "power"}));
+    for (unsigned more = below(3); more > 0; --more) {
+        pass();
+        wander();
+    }
+    now_ += in_100(50) ? below(6000) : 1000U * below(k_suspend_s / 2);
+}
+
+void Drawing::go_on() {
+    pass();
+    switch (below(4)) {
+        case 0:
+            return drive();
+        case 1:
+            return suspend();
+        default:
+            return wander();
+    }
+}
+
+Lines Drawing::lines() {
+    Lines lines;
+    has_faults_ = in_100(25);
+    configure(lines);
+    draw_clients(lines);
+    for (unsigned more = 3 + below(14); more > 0; --more) {
+        go_on();
+    }
+    std::stable_sort(happenings_.begin(), happenings_.end(),
+                     [](auto const& left, auto const& right) { return left.first < right.first; });
+    for (auto const& [at, what] : happenings_) {
+        lines.push_back("at " + std::to_string(at) + "ms " + what);
+    }
+    lines.push_back("until " + std::to_string(now_ + 1000U * k_suspend_s) + "ms");
+    return lines;
+}
+
+}  // namespace
+
+Lines drawn_life(std::uint64_t seed) {
+    return Drawing(seed).lines();
+}
+
+std::string text_of(Lines const& lines) {
+    std::string text;
+    for (auto const& line : lines) {
+        text += line + '\n';
+    }
+    return text;
+}
+
+}  // namespace lives

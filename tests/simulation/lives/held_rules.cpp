@@ -1,0 +1,491 @@
+#include "held_rules.h"
+
+#include <algorithm>
+#include <sstream>
+#include <utility>
+
+namespace lives {
+
+using bench::rules::Command;
+using bench::rules::Row;
+using bench::rules::State;
+using exploration::Group;
+using exploration::Mode;
+using simulation::Entry;
+using simulation::Kind;
+using simulation::Time;
+
+namespace {
+
+constexpr std::array<char const*, 8> k_words{"startingup",   "running",   "runnmcontrolled", "postrun",
+                                             "shuttingdown", "preparing", "prepared4sd",     "resuming"};
+constexpr std::uint64_t k_ecu_bit = 1U << 16U;  // the lowest of the third byte
+
+State state_named(std::string const& name) {
+    unsigned state = 0;
+    while (state < k_words.size() && name != bench::rules::name(static_cast<State>(state))) {
+        ++state;
+    }
+    return static_cast<State>(state);
+}
+
+Command command_of(std::string const& key) {
+    static std::map<std::string, Command> const all{{"r", Command::run},
+                                                    {"n", Command::nm_controlled},
+                                                    {"s", Command::nm_controlled_prepare_sd},
+                                                    {"p", Command::prepare_sd},
+                                                    {"power", Command::shutdown}};
+    return all.at(key);
+}
+
+/// What stands behind a text's beginning; nothing when it begins otherwise.
+std::optional<std::string> behind(std::string const& begin, std::string const& text) {
+    return text.rfind(begin, 0) == 0 ? std::optional(text.substr(begin.size())) : std::nullopt;
+}
+
+std::uint64_t number_of(std::string const& bytes) {
+    std::istringstream text(bytes);
+    std::uint64_t number = 0;
+    unsigned byte = 0;
+    for (unsigned place = 0; place < 8 && text >> std::hex >> byte; ++place) {
+        number |= std::uint64_t(byte) << 8 * place;
+    }
+    return number;
+}
+
+std::uint64_t number_of(simulation::Bits const& bytes) {
+    std::uint64_t number = 0;
+    for (std::size_t place = 0; place < bytes.size() && place < 8; ++place) {
+        number |= std::uint64_t(bytes[place]) << 8 * place;
+    }
+    return number;
+}
+
+Group group_of(std::string const& name) {
+    return name == "diag::dcm" ? exploration::dcm : name == "diag::dem" ? exploration::dem : exploration::applications;
+}
+
+char const* text_of(Mode mode) {
+    return mode == Mode::on ? "kOn" : mode == Mode::prepare_sd ? "kPrepSD" : "nothing";
+}
+
+std::string text_of(Time time) {
+    return std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(time).count()) + " ms";
+}
+
+}  // namespace
+
+/// What the driver finds now.
+class Held_rules::Situation : public bench::rules::Situation {
+ public:
+    explicit Situation(Held_rules& rules) : rules_(rules) {}
+
+    Command command() const override { return rules_.queue_.empty() ? Command::none : rules_.queue_.front(); }
+    bool nm_is_used() const override { return rules_.terms_.nm_usage; }
+    bool nm_is_found() const override { return rules_.is_found_; }
+    bool network_sleeps() const override { return rules_.is_asleep_; }
+    bool ecu_is_kept() const override { return rules_.keeps_ecu(); }
+    bool com_is_kept() const override { return rules_.keeps_com(); }
+    bool is_to_prepare() const override { return rules_.is_to_prepare_; }
+    bool time_is_over() const override { return rules_.ticks_ >= rules_.terms_.knockout; }
+    bool clients_are_asked() const override {
+        rules_.notifier_.check();
+        return rules_.notifier_.is_running();
+    }
+
+    /// All of it as a number.
+    std::uint64_t number() const {
+        auto const asked = rules_.notifier_.asked();
+        std::uint64_t number = static_cast<std::uint64_t>(command());
+        for (bool const bit : {nm_is_used(), nm_is_found(), network_sleeps(), ecu_is_kept(), com_is_kept(),
+                               is_to_prepare(), time_is_over(), rules_.notifier_.is_running()}) {
+            number = number << 1U | (bit ? 1U : 0U);
+        }
+        number = number << 2U | (asked ? *asked : 3U);
+        return number << 2U | (asked ? static_cast<unsigned>(rules_.notifier_.requested_from(*asked)) : 0U);
+    }
+
+ private:
+    Held_rules& rules_;
+};
+
+void Held_rules::find(std::string const& what) {
+    if (finding_.empty()) {
+        finding_ = "at " + text_of(now_) + " in " + bench::rules::name(state_) + ": " + what;
+    }
+}
+
+void Held_rules::take(Entry const& entry) {
+    now_ = entry.at;
+    if (has_ended_) {
+        return find("something after the end: " + entry.what);
+    }
+    switch (entry.kind) {
+        case Kind::state:
+            if (entry.what != "the start") {
+                decide(state_named(entry.who));
+            }
+            return;
+        case Kind::word:
+            return take_word(entry);
+        case Kind::key:
+            records_.insert(records_.end(), {command_of(entry.what), Command::none, Command::none, Command::none});
+            return;
+        case Kind::client:
+            return take_client(entry.who, entry.what);
+        case Kind::machine_state:
+            return take_machine_state(entry);
+        case Kind::request:
+            return take_request(entry);
+        case Kind::application:
+            return take_application(entry.who, entry.what);
+        case Kind::power_off:
+            return take_power_off(entry.what);
+        case Kind::neighbour:
+            return take_neighbour(entry);
+        case Kind::log:
+            return take_log(entry.what);
+        case Kind::end:
+            has_ended_ = true;
+            return;
+        default:
+            return;
+    }
+}
+
+void Held_rules::wait(simulation::Life& life) {
+    ++steps_;
+    now_ = life.events().now();
+    if (has_waited_ && !went_) {
+        decide(std::nullopt);
+    }
+    if (life.intends_to_suspend() != is_to_prepare_) {
+        find(is_to_prepare_ ? "the intention to suspend is forgotten" : "an intention to suspend nobody has");
+    }
+    check_way_taken();
+    check_group();
+    check_network(life);
+    has_waited_ = true;
+    went_ = false;
+}
+
+// A cycle reads one record; a key is four, of which the first is its command.
+void Held_rules::read_record() {
+    if (records_.empty()) {
+        return;
+    }
+    auto const command = records_.front();
+    records_.pop_front();
+    if (command == Command::shutdown) {
+        queue_.clear();
+    }
+    if (command != Command::none && command != last_) {
+        queue_.push_back(command);
+        last_ = command;
+    }
+}
+
+void Held_rules::decide(std::optional<State> entered) {
+    read_record();
+    Situation const situation(*this);
+    auto const number = situation.number();
+    auto const& row = bench::rules::deciding_row(state_, situation);
+    coverage_.decided(row, number);
+    bool const stays = row.to == State::stay;
+    if (stays != !entered || (entered && row.to != *entered)) {
+        find("\"" + bench::rules::name(row) + "\" decides and leads to " + bench::rules::name(row.to) +
+             ", the machine " + (entered ? std::string("went to ") + bench::rules::name(*entered) : "stayed"));
+    }
+    using bench::rules::Intention;
+    if (row.intention != Intention::stays) {
+        is_to_prepare_ = row.intention == Intention::begins;
+    }
+    if (entered) {
+        enter(*entered);
+    } else if (state_ == State::post_run) {
+        ++ticks_;
+    }
+}
+
+void Held_rules::enter(State state) {
+    check_way_taken();
+    bool const is_fast = state_ == State::prepared_sd && terms_.channel_is_there;
+    auto const way = 2 * terms_.diagnosis + terms_.application + 5 * terms_.period;
+    auto const turn = std::max(terms_.diagnosis, terms_.application);
+    if ((state_ == State::preparing && now_ - since_ > way) ||
+        (state_ == State::resuming && now_ - since_ > way + turn)) {
+        find("it took " + text_of(now_ - since_));
+    }
+    state_ = state;
+    since_ = now_;
+    went_ = true;
+    ticks_ = 0;
+    words_owed_ = 1;
+    if (!queue_.empty()) {
+        queue_.pop_front();
+    }
+    switch (state) {
+        case State::preparing:
+            notifier_.request_standby();
+            sequence_begins_ = true;
+            default_held_ = false;
+            is_standing_by_ = true;
+            break;
+        case State::resuming:
+            is_standing_by_ = false;
+            sequence_begins_ = !notifier_.is_running();
+            notifier_.request_resume();
+            default_held_ = true;
+            break;
+        case State::running:
+            default_held_ = default_held_ || terms_.requests_on_entry;
+            machine_states_owed_ = 1;
+            break;
+        case State::nm_controlled:
+            default_held_ = false;
+            break;
+        case State::shutting_down:
+            machine_states_owed_ = is_fast ? 0 : 1;
+            power_off_owed_ = is_fast;
+            break;
+        default:
+            break;
+    }
+}
+
+void Held_rules::check_way_taken() {
+    if (words_owed_ != 0) {
+        find("its word was not written");
+    }
+    if (machine_states_owed_ != 0) {
+        find("its machine state was not asked for");
+    }
+    if (power_off_owed_) {
+        find("the power-off service was not told");
+    }
+}
+
+void Held_rules::take_word(Entry const& entry) {
+    if (entry.what != k_words.at(static_cast<unsigned>(state_))) {
+        find("the word " + entry.what);
+    } else if (words_owed_ == 0) {
+        find("the word " + entry.what + " once more");
+    }
+    words_owed_ = 0;
+}
+
+void Held_rules::take_machine_state(Entry const& entry) {
+    auto const* const wanted = state_ == State::running ? "Running" : "Shutdown";
+    if (machine_states_owed_ == 0 || entry.what.find(wanted) == std::string::npos) {
+        find("the machine state " + entry.what + " was asked for");
+    }
+    if (words_owed_ != 0) {
+        find("the machine state before the word");
+    }
+    machine_states_owed_ = 0;
+}
+
+void Held_rules::take_power_off(std::string const& line) {
+    bool const is_lookup = line.rfind("lookup", 0) == 0;
+    if (is_lookup != (state_ == State::preparing) || (!is_lookup && state_ != State::shutting_down)) {
+        find("the power-off service was told: " + line);
+    }
+    if (line.rfind("poweroff", 0) == 0) {
+        if (!power_off_owed_) {
+            find("the power-off service was told once more: " + line);
+        }
+        power_off_owed_ = false;
+    }
+}
+
+void Held_rules::take_application(std::string const& who, std::string const& what) {
+    constexpr char const* k_failed = ", failed";
+    if (what.size() > 8 && what.compare(what.size() - 8, 8, k_failed) == 0) {
+        held_ = held_before_;
+        return;
+    }
+    held_before_ = held_;
+    bool const requests = what.rfind("requests", 0) == 0;
+    auto const object = what.substr(9);
+    auto& of_one = held_[who];
+    if (object == "ecu") {
+        of_one.ecu = requests;
+    } else if (object == "wake-up") {
+        of_one.wake_up = requests;
+    } else if (auto const bits = behind("com ", object)) {
+        auto const number = static_cast<std::uint32_t>(number_of(*bits));
+        of_one.bits = requests ? of_one.bits | number : of_one.bits & ~number;
+    }
+}
+
+void Held_rules::take_request(Entry const& entry) {
+    if (!terms_.nm_usage || !is_found_) {
+        find("network management was told without being used: " + entry.who + ' ' + entry.what);
+    }
+    is_exact_ = is_exact_ && entry.what.find("failed") == std::string::npos;
+    // What the state itself does on its way in comes before the driver waits.
+    if (is_standing_by_ && !went_) {
+        find("a message during the suspend: " + entry.who + ' ' + entry.what);
+    }
+    if (words_owed_ != 0 && state_ != State::starting_up) {
+        find("the network was told before the word");
+    }
+}
+
+void Held_rules::take_neighbour(Entry const& entry) {
+    if (entry.who == "manager" && (entry.what == "withdraws" || entry.what == "fails")) {
+        is_exact_ = false;
+    }
+}
+
+void Held_rules::take_log(std::string const& text) {
+    if (text == "Initializing user data") {
+        is_found_ = true;
+    } else if (auto const activity = behind("Ecu state based on NM activity: ", text)) {
+        is_asleep_ = activity->rfind("inactive", 0) == 0;
+    } else if (auto const request = behind("Requesting ", text)) {
+        if (request->find(" mode for ") != std::string::npos) {
+            group_asked(*request);
+        }
+    } else if (text.rfind("Received ", 0) == 0 && text.find(" completion notification for ") != std::string::npos) {
+        group_completed(text);
+    }
+}
+
+void Held_rules::group_asked(std::string const& text) {
+    static std::map<std::string, Group> const groups{
+        {"DCM", exploration::dcm}, {"client applications", exploration::applications}, {"DEM", exploration::dem}};
+    auto const group = groups.at(text.substr(text.find(" mode for ") + 10));
+    auto const begin = text.find_first_not_of(' ');
+    auto const mode = text.substr(begin, text.find(' ', begin) - begin);
+    if (!std::exchange(sequence_begins_, false)) {
+        if (notifier_.asked()) {
+            find("a group is asked while another request waits for its answers: " + text);
+        }
+        // The driver's cycle asks before it decides.
+        auto ahead = notifier_;
+        ahead.check();
+        if (ahead.asked() != group || text_of(ahead.requested_from(group)) != mode) {
+            find("this group is not next, or not for that: " + text);
+        }
+    } else if (state_ != State::preparing && state_ != State::resuming) {
+        find("a sequence begins: " + text);
+    } else if (notifier_.asked() != group || text_of(notifier_.requested_from(group)) != mode) {
+        find("a sequence begins with " + text);
+    }
+    asked_at_ = answered_at_ = now_;
+    for (auto& [name, client] : clients_) {
+        client.at_request = group_of(name) == group ? client.connections : 0;
+        // Who leaves or comes in the moment of a request may be asked.
+        client.is_unsure = client.connections > 1 || client.left_at == now_;
+        client.asked = client.answered = 0;
+    }
+}
+
+Time Held_rules::limit_of(Group group) const {
+    return group == exploration::applications ? terms_.application : terms_.diagnosis;
+}
+
+void Held_rules::group_completed(std::string const& text) {
+    if (!notifier_.asked()) {
+        return find("a group has answered that was not asked: " + text);
+    }
+    auto const limit = limit_of(*notifier_.asked());
+    bool const is_late = text.find("Status:  1") != std::string::npos;
+    if (is_late && now_ - asked_at_ != limit) {
+        find("a group had " + text_of(now_ - asked_at_) + ", not " + text_of(limit));
+    }
+    for (auto const& [name, client] : clients_) {
+        bool const was_asked = client.at_request > 0 && !client.is_unsure;
+        if (was_asked && client.connections > 0 && client.asked == 0) {
+            find(name + " was not asked by " + text);
+        }
+        if (was_asked && !is_late && client.answered != client.at_request) {
+            find(name + " has not answered, and " + text);
+        }
+    }
+    notifier_.answered();
+}
+
+void Held_rules::check_group() {
+    if (!notifier_.asked()) {
+        return;
+    }
+    if (now_ > asked_at_ + limit_of(*notifier_.asked())) {
+        find("a group has had " + text_of(now_ - asked_at_));
+    }
+    bool const is_open = std::any_of(clients_.begin(), clients_.end(), [](auto const& entry) {
+        return entry.second.is_unsure || entry.second.answered < entry.second.at_request;
+    });
+    if (!is_open && now_ > answered_at_) {
+        find("all have answered, and nobody notes it");
+    }
+}
+
+void Held_rules::take_client(std::string const& name, std::string const& what) {
+    auto& client = clients_[name];
+    if (auto const state = behind("connected in ", what)) {
+        client.is_unsure = client.is_unsure || client.connections > 0 || client.at_request > 0 ||
+                           (notifier_.asked() && now_ == asked_at_);
+        ++client.connections;
+        client.greeted += *state == "kOn" ? 0U : 1U;
+    } else if (what == "disconnected" || what == "crashed" || what == "was dropped") {
+        --client.connections;  // at_request stays: whoever goes without an answer is waited for
+        client.greeted = 0;
+        client.left_at = now_;
+    } else if (auto const wanted = behind("asked ", what)) {
+        asked(name, *wanted);
+    } else if (what.rfind("answered ", 0) == 0) {
+        client.answered += client.asked > client.answered ? 1U : 0U;
+        answered_at_ = now_;
+    }
+}
+
+void Held_rules::asked(std::string const& name, std::string const& state) {
+    auto& client = clients_[name];
+    auto const group = group_of(name);
+    bool const is_of_group = notifier_.asked() == group && text_of(notifier_.requested_from(group)) == state;
+    if (client.greeted > 0 && state == "kOn") {
+        --client.greeted;
+    } else if (!is_of_group) {
+        find(name + " was asked " + state + ", and it is not its turn");
+    } else if (++client.asked > std::max(client.connections, client.at_request)) {
+        find(name + " was asked twice");
+    }
+}
+
+bool Held_rules::keeps_ecu() const {
+    return std::any_of(held_.begin(), held_.end(), [](auto const& one) { return one.second.ecu; });
+}
+
+bool Held_rules::keeps_com() const {
+    return std::any_of(held_.begin(), held_.end(),
+                       [](auto const& one) { return one.second.wake_up || one.second.bits != 0; });
+}
+
+std::uint64_t Held_rules::held_bits() const {
+    std::uint64_t bits = keeps_ecu() ? k_ecu_bit : 0;
+    for (auto const& [name, one] : held_) {
+        bits |= one.bits;
+    }
+    return bits | (default_held_ ? number_of(terms_.default_pattern) : 0);
+}
+
+// What applications hold, and the states, is what is requested; during a suspend an ECU that was kept alive.
+void Held_rules::check_network(simulation::Life& life) {
+    if (!terms_.nm_usage || !is_found_ || !is_exact_) {
+        return;
+    }
+    auto const requested = number_of(life.network().requested());
+    if (is_standing_by_) {
+        if ((requested & ~k_ecu_bit) != 0) {
+            find("the network is requested during a suspend");
+        }
+    } else if (requested != held_bits()) {
+        std::ostringstream both;
+        both << std::hex << "requested of the network is " << requested << ", held is " << held_bits();
+        find(both.str());
+    }
+}
+
+}  // namespace lives

@@ -1,0 +1,135 @@
+#ifndef TESTS_SIMULATION_LIVES_HELD_RULES_H
+#define TESTS_SIMULATION_LIVES_HELD_RULES_H
+
+#include "bench/rules/rules.h"
+#include "coverage.h"
+#include "notifier_model.h"
+#include "simulation/life.h"
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace lives {
+
+/// What the rules need to know of a life's configuration.
+struct Terms {
+    bool nm_usage{true};
+    bool requests_on_entry{true};
+    bool manager_is_there{true};
+    bool channel_is_there{true};
+    unsigned knockout{3};
+    simulation::Time period{0};
+    simulation::Time application{0};  ///< that a group of clients has
+    simulation::Time diagnosis{0};
+    simulation::Bits default_pattern{};
+};
+
+/// The rules of the machine as invariants over one life: told each entry of its timeline with its log, and each wait of
+/// the driver.
+class Held_rules {
+ public:
+    Held_rules(Terms terms, Coverage& coverage) : terms_(std::move(terms)), coverage_(coverage) {}
+
+    void take(simulation::Entry const& entry);
+
+    /// The driver is about to wait: a cycle is over.
+    void wait(simulation::Life& life);
+
+    /// What was broken first, with its time; "" when all is well.
+    std::string const& finding() const { return finding_; }
+
+    /// Of the driver.
+    std::uint64_t steps() const { return steps_; }
+
+ private:
+    using Time = simulation::Time;
+    using State = bench::rules::State;
+    using Command = bench::rules::Command;
+    class Situation;
+
+    struct Held {
+        bool ecu{false};
+        bool wake_up{false};
+        std::uint32_t bits{0};
+    };
+    struct Client {
+        unsigned connections{0};
+        unsigned at_request{0};  ///< of these, when its group was asked last
+        unsigned asked{0};       ///< by that request
+        unsigned answered{0};
+        unsigned greeted{0};    ///< has come in another state, and was not told the current one yet
+        bool is_unsure{false};  ///< several have the name: who of them was asked or answers can't be told
+        Time left_at{-1};
+    };
+
+    void find(std::string const& what);
+
+    void read_record();
+    void decide(std::optional<State> entered);
+    void enter(State state);
+    void take_word(simulation::Entry const& entry);
+    void take_machine_state(simulation::Entry const& entry);
+    void take_power_off(std::string const& line);
+    void take_application(std::string const& who, std::string const& what);
+    void take_request(simulation::Entry const& entry);
+    void take_neighbour(simulation::Entry const& entry);
+    void take_log(std::string const& text);
+
+    void take_client(std::string const& name, std::string const& what);
+    void asked(std::string const& name, std::string const& state);
+    void group_asked(std::string const& text);
+    void group_completed(std::string const& text);
+    void check_group();
+    Time limit_of(exploration::Group group) const;
+
+    void check_way_taken();
+    void check_network(simulation::Life& life);
+    std::uint64_t held_bits() const;
+    bool keeps_ecu() const;
+    bool keeps_com() const;
+
+    Terms const terms_;
+    Coverage& coverage_;
+    std::string finding_;
+    std::uint64_t steps_{0};
+    Time now_{0};
+
+    State state_{State::starting_up};
+    Time since_{0};
+    bool has_waited_{false};
+    bool went_{false};  ///< a transition since the last wait
+    bool has_ended_{false};
+    bool is_to_prepare_{false};
+    unsigned ticks_{0};
+    std::deque<Command> records_;  ///< of the input device, not read yet
+    std::deque<Command> queue_;
+    Command last_{Command::none};
+
+    unsigned words_owed_{1};
+    unsigned machine_states_owed_{0};
+    bool power_off_owed_{false};
+
+    bool is_found_{false};
+    bool is_asleep_{false};
+    bool is_exact_{true};         ///< network management has taken whatever it was told
+    bool is_standing_by_{false};  ///< from the beginning of a suspend to that of a resume
+    bool default_held_{false};
+    std::map<std::string, Held> held_;
+    std::map<std::string, Held> held_before_;  ///< the call that goes on
+
+    exploration::Notifier_model notifier_;
+    bool sequence_begins_{false};
+    std::map<std::string, Client> clients_;
+    Time asked_at_{0};
+    Time answered_at_{0};  ///< the last answer, or the last change of who is there
+};
+
+}  // namespace lives
+
+#endif

@@ -1,0 +1,75 @@
+#include "life_played.h"
+
+#include "held_rules.h"
+#include "simulation/play.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace lives {
+
+namespace {
+
+Terms terms_of(simulation::Script const& script, std::string const& configuration) {
+    auto const settings = nlohmann::json::parse(configuration).at("ap_statemanager");
+    auto const seconds = [&](char const* name) { return std::chrono::seconds(settings.at(name).get<unsigned>()); };
+    Terms terms;
+    terms.nm_usage = settings.at("StateManagerNMUsage");
+    terms.requests_on_entry = settings.at("RequestNetworkOnEntryRunState");
+    terms.manager_is_there = script.manager_is_there;
+    terms.channel_is_there = script.channel_is_there;
+    terms.knockout = settings.at("KnockOutTimer");
+    terms.period = std::chrono::milliseconds(settings.at("StateManagerMainPeriod").get<unsigned>());
+    terms.application = seconds("ApplicationSuspendRequestTimeout");
+    terms.diagnosis = seconds("DMSuspendRequestTimeout");
+    terms.default_pattern = settings.at("DefautNMRequestPattern").get<simulation::Bits>();
+    return terms;
+}
+
+}  // namespace
+
+Played played(Lines const& lines, Coverage& coverage) {
+    auto const script = simulation::parse_script(text_of(lines));
+    auto const configuration = simulation::configuration_of(script, std::nullopt);
+    Held_rules rules(terms_of(script, configuration), coverage);
+    simulation::Life* life_to_ask = nullptr;
+    simulation::Life_options options{configuration};
+    options.with_log = true;
+    options.manager_is_there = script.manager_is_there;
+    options.channel_is_there = script.channel_is_there;
+    options.power_off_takes = script.power_off_takes;
+    options.observer = [&](simulation::Entry const& entry) { rules.take(entry); };
+    options.on_wait = [&] { rules.wait(*life_to_ask); };
+    simulation::Life life(std::move(options));
+    life_to_ask = &life;
+    for (auto const& client : script.clients) {
+        life.clients().connect(client.name, client.manner, client.state);
+    }
+    for (auto const& event : script.events) {
+        life.events().at(event.at, [&] { event.act(life); });
+    }
+    life.run(script.end());
+    return {rules.finding(), rules.steps()};
+}
+
+// Ever smaller pieces are left out, down to one line, until no line can be.
+Lines shrunk(Lines lines, std::function<bool(Lines const& lines)> const& fails) {
+    for (auto piece = lines.size() / 2; piece > 0;) {
+        bool is_shorter = false;
+        for (std::size_t begin = 0; begin < lines.size();) {
+            auto const end = std::min(begin + piece, lines.size());
+            Lines fewer(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(begin));
+            fewer.insert(fewer.end(), lines.begin() + static_cast<std::ptrdiff_t>(end), lines.end());
+            if (fails(fewer)) {
+                lines = std::move(fewer);
+                is_shorter = true;
+            } else {
+                begin = end;
+            }
+        }
+        piece = is_shorter && piece == 1 ? 1 : piece / 2;
+    }
+    return lines;
+}
+
+}  // namespace lives

@@ -1,0 +1,117 @@
+// Some lives in each run of the tests, and that what watches over them can find something.
+
+#include "held_rules.h"
+#include "life_played.h"
+
+#include <algorithm>
+
+#include <gmock/gmock.h>
+
+namespace lives {
+namespace {
+
+using namespace std::chrono_literals;
+using simulation::Entry;
+using simulation::Kind;
+using testing::HasSubstr;
+
+TEST(Lives_of_the_machine, Break_no_rule) {
+    Coverage coverage;
+    for (std::uint64_t seed = 1; seed <= LIVES; ++seed) {
+        auto const life = played(drawn_life(seed), coverage);
+        ASSERT_EQ(life.finding, "") << "seed " << seed << '\n' << text_of(drawn_life(seed));
+        ASSERT_GT(life.steps, 0U);
+    }
+}
+
+TEST(Lives_of_the_machine, Are_the_same_each_time) {
+    Coverage first;
+    Coverage second;
+    for (std::uint64_t const seed : {3U, 77U}) {
+        EXPECT_EQ(drawn_life(seed), drawn_life(seed));
+        EXPECT_EQ(played(drawn_life(seed), first).steps, played(drawn_life(seed), second).steps);
+    }
+    EXPECT_EQ(first.text(), second.text());
+    EXPECT_NE(drawn_life(3), drawn_life(77));
+}
+
+/// What a machine that breaks a rule would show, after its start in Starting up.
+struct Broken {
+    char const* finding;
+    simulation::Timeline entries;
+};
+
+class Rules_that_are_broken : public testing::TestWithParam<Broken> {};
+
+TEST_P(Rules_that_are_broken, Are_found) {
+    Coverage unused;
+    Held_rules rules({}, unused);
+    rules.take({0s, Kind::state, "Starting up", "the start"});
+    rules.take({0s, Kind::word, "written", "startingup"});
+    rules.take({0s, Kind::log, "info", "Initializing user data"});
+    ASSERT_EQ(rules.finding(), "");
+
+    for (auto const& entry : GetParam().entries) {
+        rules.take(entry);
+    }
+
+    EXPECT_THAT(rules.finding(), HasSubstr(GetParam().finding));
+}
+
+Entry const k_running{1s, Kind::state, "Running", ""};
+Entry const k_word{1s, Kind::word, "written", "running"};
+Entry const k_granted{1s, Kind::machine_state, "granted", "Running"};
+Entry const k_p{2s, Kind::key, "", "p"};
+Entry const k_preparing{2s, Kind::state, "Preparing", ""};
+Entry const k_word_of_preparing{2s, Kind::word, "written", "preparing"};
+Entry const k_dcm_requested{2s, Kind::log, "info", "Requesting  kPrepSD  mode for DCM"};
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, Rules_that_are_broken,
+    testing::Values(
+        Broken{"the machine went to Preparing", {{1s, Kind::state, "Preparing", ""}}},
+        Broken{"once more", {{1s, Kind::word, "written", "startingup"}}},
+        Broken{"the word postrun", {k_running, {1s, Kind::word, "written", "postrun"}}},
+        Broken{"the machine state before the word", {k_running, k_granted}},
+        Broken{"its word was not written", {k_running, k_p, k_preparing}},
+        Broken{"the network was told before the word", {k_running, {1s, Kind::request, "request", "01"}}},
+        Broken{"the machine state Shutdown was asked for",
+               {k_running, k_word, {1s, Kind::machine_state, "granted", "Shutdown"}}},
+        Broken{"its machine state was not asked for", {k_running, k_word, k_p, k_preparing}},
+        Broken{"it is not its turn",
+               {{1s, Kind::client, "radio", "connected in kOn"}, {1s, Kind::client, "radio", "asked kOn"}}},
+        Broken{"a sequence begins with",
+               {k_running,
+                k_word,
+                k_granted,
+                k_p,
+                k_preparing,
+                k_word_of_preparing,
+                {2s, Kind::log, "info", "Requesting  kPrepSD  mode for DEM"}}},
+        Broken{"a group is asked while",
+               {k_running,
+                k_word,
+                k_granted,
+                k_p,
+                k_preparing,
+                k_word_of_preparing,
+                k_dcm_requested,
+                {2s, Kind::log, "info", "Requesting  kPrepSD  mode for DEM"}}},
+        Broken{"a group has answered that was not asked",
+               {{1s, Kind::log, "info", "Received DCM client completion notification for  kPrepSD . Status:  0"}}},
+        Broken{"was told", {{1s, Kind::power_off, "", "poweroff 5"}}},
+        Broken{"something after the end", {{1s, Kind::end, "", ""}, {1s, Kind::word, "written", "startingup"}}}));
+
+TEST(A_life_that_breaks_a_rule, Is_told_by_the_lines_that_it_takes) {
+    Lines const lines{"clients radio after 3s", "at 1s key p", "at 2s key n", "at 3s key r"};
+
+    auto const shortest = shrunk(lines, [](Lines const& some) {
+        return std::count(some.begin(), some.end(), "at 1s key p") == 1 &&
+               std::count(some.begin(), some.end(), "at 3s key r") == 1;
+    });
+
+    EXPECT_EQ(shortest, (Lines{"at 1s key p", "at 3s key r"}));
+}
+
+}  // namespace
+}  // namespace lives

@@ -1,0 +1,64 @@
+// lives_of_machine COUNT [--seed SEED]: plays lives that are drawn from seeds, one after the other, under the rules of
+// the machine. Ends with the first that breaks one, and prints its script, shrunk, for ap_whatif.
+
+#include "life_played.h"
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+namespace {
+
+struct Options {
+    std::uint64_t lives{100'000};
+    std::uint64_t seed{1};
+};
+
+int tell(std::uint64_t seed, std::string const& finding) {
+    lives::Coverage unused;
+    auto const finding_of = [&](lives::Lines const& lines) { return lives::played(lines, unused).finding; };
+    auto const script =
+        lives::shrunk(lives::drawn_life(seed), [&](auto const& lines) { return !finding_of(lines).empty(); });
+    std::cout << "seed " << seed << ": " << finding << "\nThe lines of its script that break a rule, for ap_whatif:\n# "
+              << finding_of(script) << '\n'
+              << lives::text_of(script) << std::flush;
+    return EXIT_FAILURE;
+}
+
+int play(Options const& options) {
+    lives::Coverage coverage;
+    std::uint64_t steps = 0;
+    auto const start = std::chrono::steady_clock::now();
+    for (std::uint64_t count = 0; count < options.lives; ++count) {
+        auto const life = lives::played(lives::drawn_life(options.seed + count), coverage);
+        steps += life.steps;
+        if (!life.finding.empty()) {
+            return tell(options.seed + count, life.finding);
+        }
+    }
+    std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
+    std::cout << options.lives << " lives from seed " << options.seed << ", " << steps << " cycles in " << taken.count()
+              << " s: no rule is broken\n"
+              << coverage.text();
+    return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App application{
+        "Plays lives of the simulated machine that are drawn from seeds, and holds its rules in each cycle"};
+    Options options;
+    application.add_option("COUNT", options.lives, "How many lives")->capture_default_str();
+    application.add_option("--seed", options.seed, "The seed of the first; each further one has the next")
+        ->capture_default_str();
+    CLI11_PARSE(application, argc, argv);
+    try {
+        return play(options);
+    } catch (std::exception const& error) {
+        std::cerr << "lives_of_machine: " << error.what() << '\n';
+        return 2;
+    }
+}
