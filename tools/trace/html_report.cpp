@@ -49,6 +49,10 @@ std::string number(unsigned value) {
     return value == 0 ? "–" : std::to_string(value);
 }
 
+std::string counted(std::size_t count, char const* one, char const* many) {
+    return std::to_string(count) + ' ' + (count == 1 ? one : many);
+}
+
 std::string states_table(Cycle const& cycle) {
     auto const& life = *cycle.life;
     std::string text = "<table>\n";
@@ -153,16 +157,14 @@ std::string holds(Summary const& summary) {
 
 }  // namespace
 
-std::string html_report(Story const& story, std::string const& title) {
+std::string html_report(Story const& story, std::string const& title, Parts const& parts) {
     auto const summary = summary_of(story);
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width\">\n<title>" +
            escaped(title) + "</title>\n<style>" + k_style + "</style>\n</head>\n<body>\n<h1>" + escaped(title) +
-           "</h1>\n<p>" + std::to_string(story.lives.size()) + (story.lives.size() == 1 ? " life" : " lives") +
-           " of the state manager in " + std::to_string(story.messages) + " messages" +
-           (story.skipped_bytes == 0 ? ""
-                                     : ", " + std::to_string(story.skipped_bytes) +
-                                           (story.skipped_bytes == 1 ? " byte" : " bytes") + " skipped") +
+           "</h1>\n<p>" + counted(story.lives.size(), parts.life, parts.lives) + " in " +
+           counted(story.messages, parts.message, parts.messages) +
+           (story.skipped_bytes == 0 ? "" : ", " + counted(story.skipped_bytes, "byte", "bytes") + " skipped") +
            "</p>\n" + "<section>" + legend() + "</section>\n" + cycles(story) + offenders(summary) + groups(summary) +
            clients(summary) + holds(summary) + "</body>\n</html>\n";
 }

@@ -19,8 +19,16 @@ std::string text_of(Life const& life);
 /// For programs.
 nlohmann::json json_report(Story const& story);
 
+/// What a story is made of, in its reader's words.
+struct Parts {
+    char const* life{"life of the state manager"};
+    char const* lives{"lives of the state manager"};
+    char const* message{"message"};
+    char const* messages{"messages"};
+};
+
 /// For people, as a page that needs nothing else.
-std::string html_report(Story const& story, std::string const& title);
+std::string html_report(Story const& story, std::string const& title, Parts const& parts = {});
 
 }  // namespace statectl::trace
 

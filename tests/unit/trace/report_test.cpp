@@ -54,6 +54,14 @@ TEST(The_page_of_a_trace, Needs_nothing_else) {
     }
 }
 
+TEST(The_page_of_a_trace, Counts_in_its_readers_words) {
+    auto story = told(suspend_by_key());
+    EXPECT_THAT(html_report(story, ""), HasSubstr("<p>1 life of the state manager in 25 messages</p>"));
+    story.messages = 1;
+    EXPECT_THAT(html_report(story, "", {"power cycle", "power cycles", "recorded event", "recorded events"}),
+                HasSubstr("<p>1 power cycle in 1 recorded event</p>"));
+}
+
 TEST(The_page_of_a_trace, Shows_a_name_that_looks_like_markup_as_text) {
     auto lines = start();
     add(lines, {{2.0, {"State_manager::ecu_alive_request: ", "<script>alert(\"&\")</script>"}}});
