@@ -41,8 +41,18 @@ Words line(std::string const& name, std::string const& device, std::string const
 Words kernel(Machine_options const& options) {
     std::string words = "console=ttyAMA0 quiet audit=0 rdinit=/init systemd.show_status=0";
     words += options.with_vehicle ? " systemd.wants=vehicle.target" : "";
+    words += options.disk.empty() ? "" : " systemd.wants=ap_statemanager_recorder.service";
     words += options.kernel_options.empty() ? "" : " " + options.kernel_options;
     return {"-kernel", options.image + "/kernel", "-initrd", options.image + "/initrd", "-append", words};
+}
+
+// What the machine's disk has taken outlives the emulator, however that ends; this machine's own need not have it.
+Words disk(Machine_options const& options) {
+    if (options.disk.empty()) {
+        return {};
+    }
+    return {"-drive", "if=none,id=disk,format=raw,cache=unsafe,file=" + options.disk, "-device",
+            "virtio-blk-pci,drive=disk"};
 }
 
 }  // namespace
@@ -70,6 +80,7 @@ std::vector<std::string> command_line(Machine_options const& options, std::strin
     // The keyboard sits in a slot of its own, so that it can be pulled out.
     append(words,
            {"-device", "pcie-root-port,id=slot1,chassis=1", "-device", "virtio-keyboard-pci,id=keyboard,bus=slot1"});
+    append(words, disk(options));
     // The machine's console driver turns round until the emulator has taken each 16 bytes of the log. A thread that has
     // to wake up for each of them would cost the machine one of its processors.
     append(words, {"-device", "virtio-serial-pci,ioeventfd=off"});

@@ -13,6 +13,7 @@ struct Machine_options {
     unsigned memory_mb{512};       ///< of the machine; the file system lies in it
     std::string kernel_options{};  ///< on top of the usual ones
     bool with_vehicle{false};      ///< the network is in use, and applications and clients are there
+    std::string disk{};            ///< file with the machine's disk; with one, the recorder is there and writes on it
 };
 
 /// What the host can do for the machine.

@@ -74,6 +74,12 @@ void Virtual_machine::signal_daemon(int number) {
     shell().start("systemctl kill --signal=" + std::to_string(number) + " ap_statemanager.service");
 }
 
+void Virtual_machine::cut_power() {
+    if (running_) {
+        running_->emulator.signal(SIGKILL);
+    }
+}
+
 // The machine has three parts to go through, each translated: the shell, the player and the journal.
 nlohmann::json Virtual_machine::tell(std::string const& neighbour, nlohmann::json const& command) {
     auto const id = ++commands_;

@@ -46,6 +46,10 @@ class Virtual_machine : public vehicle::Machine {
     std::vector<vehicle::Client_status> clients() const override;
     void update(std::chrono::milliseconds limit) override;
 
+    /// As if the power went: the emulator is killed, and what the machine had not given to its disk is lost. `ended`
+    /// follows.
+    void cut_power();
+
     bool is_on() const { return running_ != nullptr; }
 
     /// The configuration of the daemon on a machine with its vehicle.

@@ -281,7 +281,11 @@ class Teller {
 
 bool is_switched_off(Recorded_life const& life) {
     for (auto event = life.events.rbegin(); event != life.events.rend(); ++event) {
-        if (static_cast<Event_kind>(event->kind) == Event_kind::transition) {
+        auto const kind = static_cast<Event_kind>(event->kind);
+        if (kind == Event_kind::machine_state && event->text == k_normal_shutdown) {
+            return false;
+        }
+        if (kind == Event_kind::transition) {
             return is(event->numbers[1], State::shutting_down) && is(event->numbers[0], State::prepared_sd);
         }
     }
@@ -306,11 +310,11 @@ std::string end_of(Recorded_life const& life, std::string const& boot_after, Pre
     if (life.end) {
         return life.end->how;
     }
-    if (has_ended_loop(life)) {
-        return was_shutting_down(life) ? ending::normal : ending::signal;
-    }
     if (is_switched_off(life)) {
         return ending::fast;
+    }
+    if (has_ended_loop(life)) {
+        return was_shutting_down(life) ? ending::normal : ending::signal;
     }
     if (life.identity == present.running) {
         return ending::running;

@@ -205,14 +205,16 @@ void Recorder::tell_end(Snapshot const& page, Look const& now) {
 
 char const* Recorder::end_of(Snapshot const& page, bool is_watched) const {
     auto const& driver = page.driver;
+    bool const is_from_suspend =
+        driver.state == number(State::shutting_down) && driver.previous == number(State::prepared_sd);
+    if (is_from_suspend && text_of(driver.machine_state) != k_normal_shutdown) {
+        return ending::fast;
+    }
     if (driver.ended != 0) {
         auto const pause = driver.ended - std::min(driver.ended, driver.beat);
         return driver.state == number(State::shutting_down) ? ending::normal
                : pause >= watchdog_                         ? ending::watchdog
                                                             : ending::signal;
-    }
-    if (driver.state == number(State::shutting_down) && driver.previous == number(State::prepared_sd)) {
-        return ending::fast;
     }
     // The watchdog lets a daemon live for its time. How long a silence was that nobody watched can't be known.
     return page.silent < watchdog_ ? ending::killed : is_watched ? ending::watchdog : ending::no_farewell;

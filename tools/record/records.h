@@ -34,6 +34,9 @@ constexpr char const* went_down = "went down";      ///< the machine was, withou
 constexpr char const* no_farewell = "no farewell";  ///< nothing more is known
 }  // namespace ending
 
+/// The machine state that a normal shutdown asks for, also one from a suspend where nobody could do it fast.
+constexpr char const* k_normal_shutdown = "Shutdown";
+
 /// One daemon's life; two are the same if all of this is.
 struct Identity {
     std::string boot;

@@ -21,15 +21,21 @@ constexpr Number k_watchdog = 20 * k_second;
 /// A page in this process, and a recorder that looks at it when it is told to.
 class Following : public testing::Test {
  protected:
-    Following() : page(std::make_unique<status::Page>()) {
-        status::set_page(page.get());
-        status::put(page->life.boot, "a");
-        status::put(page->life.number, 1U);
-        status::put(page->life.pid, 7U);
-        status::put(page->life.started, status::now());
+    Following() {
+        begin_page("a");
         start();
     }
     ~Following() override { status::set_page(nullptr); }
+
+    /// Another life's.
+    void begin_page(std::string const& boot) {
+        page = std::make_unique<status::Page>();
+        status::set_page(page.get());
+        status::put(page->life.boot, boot);
+        status::put(page->life.number, 1U);
+        status::put(page->life.pid, 7U);
+        status::put(page->life.started, status::now());
+    }
 
     void start() {
         files = std::make_unique<Record_files>(std::string(directory.path()));
@@ -127,6 +133,20 @@ TEST_F(Following, Knows_a_farewell_whenever_it_looks) {
     EXPECT_THAT(endings(), ElementsAre("normal"));
 }
 
+TEST_F(Following, Tells_a_fast_end_also_of_a_daemon_that_was_stopped_on_the_way) {
+    for (auto const* const asked_for : {"Running", "Shutdown"}) {
+        run();
+        status::transition(1, 5, 3);
+        status::transition(5, 6, 3);
+        status::transition(6, 4, 2);
+        status::machine_state(asked_for, true);
+        status::loop_ended();
+        find_gone(0);
+        EXPECT_THAT(endings().back(), asked_for == std::string("Running") ? "fast" : "normal");
+        begin_page("b");
+    }
+}
+
 TEST_F(Following, Is_left_while_the_life_goes_on) {
     run();
     look();
@@ -168,11 +188,7 @@ TEST_F(Following, Keeps_a_flood_from_driving_the_past_away) {
 TEST_F(Following, Begins_a_life_for_each_page) {
     run();
     look();
-    auto const first = std::move(page);
-    page = std::make_unique<status::Page>();
-    status::set_page(page.get());
-    status::put(page->life.boot, "b");
-    status::put(page->life.number, 1U);
+    begin_page("b");
     run();
     look();
     EXPECT_THAT(endings(), ElementsAre("went down in Running", "no farewell in Running"));

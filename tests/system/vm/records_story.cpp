@@ -1,0 +1,139 @@
+#include "base/temporary_directory.h"
+#include "target.h"
+
+#include <filesystem>
+
+namespace bench::vm {
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// The machine with a disk, on which the recorder writes.
+class Machine_with_a_disk : public Target {
+ protected:
+    /// What the daemon asks for may take longer than it has on a machine that boots beside other work.
+    void SetUp() override { calls_may_fail(); }
+    static void TearDownTestSuite() {
+        switch_off();
+        disk.reset();
+    }
+
+    static void insert_empty_disk() {
+        disk = std::make_unique<base::Temporary_directory>();
+        auto options = usual_machine();
+        options.disk = disk->file("disk");
+        std::filesystem::copy_file(options.image + "/disk", options.disk);
+        switch_off(options);
+    }
+    void switch_on() {
+        mark();
+        machine().start_daemon();
+        ASSERT_TRUE(shows("running"));
+    }
+    /// As the story before has left it, else booted.
+    void go_on() {
+        if (!disk || !machine().is_on()) {
+            insert_empty_disk();
+            switch_on();
+        }
+        begin_story();
+    }
+
+    /// The emulator is killed once the recorder has the state on the disk, or says that it may be there.
+    void lose_power_in(std::string const& state) {
+        ASSERT_TRUE(comes_to(state));
+        machine().cut_power();
+        ASSERT_TRUE(ends_by("the emulator is gone"));
+    }
+
+    static void start_client(std::string const& name, json behaviour) {
+        machine().shell().run("systemctl start vehicle-client@" + name + ".service");
+        behaviour["do"] = "behave";
+        machine().tell(name, behaviour);
+    }
+
+    static json told(std::string const& subcommand) {
+        return json::parse(output_of("ap_statectl " + subcommand + " --json"), nullptr, false);
+    }
+    static std::string end_of(json const& cycle) {
+        return cycle.is_object() ? cycle.value("end_word", "") + " in " + cycle.value("state", "") : cycle.dump();
+    }
+    static std::string last() { return end_of(told("last")); }
+    static std::vector<std::string> history() {
+        std::vector<std::string> ends;
+        auto const history = told("history");
+        for (auto const& cycle : history.at("cycles")) {
+            ends.push_back(end_of(cycle));
+        }
+        return ends;
+    }
+
+    /// Whether the state comes to be recorded. Preparing is on the disk as soon as the recorder waits again, and every
+    /// other state a second later.
+    static bool comes_to(std::string const& state) {
+        auto const waits = std::string(R"(grep -q futex "/proc/$(pidof ap_statemanager_recorder)/wchan")");
+        return comes_true(R"(ap_statectl history -n 1 --json | grep -q '"state": ")" + state + "\"'") &&
+               (state == "Preparing" || output_of("sleep 3").empty()) && comes_true(waits);
+    }
+
+    static std::unique_ptr<base::Temporary_directory> disk;
+};
+
+std::unique_ptr<base::Temporary_directory> Machine_with_a_disk::disk;
+
+/// Both have to know the same time, and the machine's own one is long.
+std::string watchdog_of_5_s() {
+    auto const change = [](std::string const& unit, std::string const& lines) {
+        auto const directory = "/run/systemd/system/" + unit + ".service.d";
+        return "mkdir -p " + directory + " && printf '[Service]\\n" + lines + "' >" + directory + "/watchdog.conf && ";
+    };
+    return change("ap_statemanager", "WatchdogSec=5s\\n") +
+           change("ap_statemanager_recorder",
+                  "ExecStart=\\nExecStart=/usr/sbin/ap_statemanager_recorder --watchdog 5\\n") +
+           "systemctl daemon-reload && systemctl restart ap_statemanager_recorder.service";
+}
+
+TEST_F(Machine_with_a_disk, Tells_after_each_boot_how_the_power_cycle_before_it_ended) {
+    insert_empty_disk();
+    switch_on();
+    ASSERT_EQ(machine().shell().run(watchdog_of_5_s()).status, 0);
+    start_the_daemon_again();
+    ASSERT_TRUE(shows("running"));
+    mark();
+    machine().signal_daemon(SIGSTOP);
+    ASSERT_TRUE(shows("running"));
+    EXPECT_EQ(last(), "watchdog in Running");
+    lose_power_in("Running");
+
+    switch_on();
+    EXPECT_EQ(last(), "went down in Running");
+    start_client("radio", {{"as", "silent"}});
+    machine().press("p");
+    lose_power_in("Preparing");
+
+    switch_on();
+    EXPECT_EQ(last(), "went down in Preparing");
+    start_client("radio", {{"as", "late"}, {"delay_ms", 1500}});
+    machine().press("p");
+    ASSERT_TRUE(shows("prepared4sd"));
+    machine().press("power");
+    ASSERT_TRUE(machine().await_power_off(k_patience));
+
+    switch_on();
+    EXPECT_EQ(last(), "fast in Shutting down");
+    EXPECT_THAT(output_of("ap_statectl blame"), AllOf(HasSubstr("the suspend took "), HasSubstr("\"radio\"\n")));
+    machine().press("power");
+    ASSERT_TRUE(machine().await_power_off(k_patience));
+
+    switch_on();
+    EXPECT_EQ(last(), "normal in Shutting down");
+    EXPECT_THAT(history(), ElementsAre("signal in Running", "watchdog in Running", "went down in Running",
+                                       "went down in Preparing", "fast in Shutting down", "normal in Shutting down",
+                                       "running in Running"));
+}
+
+}  // namespace
+}  // namespace bench::vm
