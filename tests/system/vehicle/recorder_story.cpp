@@ -64,6 +64,29 @@ class Recorder_story : public Network_story {
         recorder.reset();
     }
 
+    Test_client client(std::string const& name) {
+        Test_client connected{utilities::get_socket_path(), name, "kOn"};
+        auto const end = std::chrono::steady_clock::now() + Machine::k_patience;
+        while (statectl({"clients"}).output.find(name) == std::string::npos && std::chrono::steady_clock::now() < end) {
+            machine->watch(std::chrono::milliseconds(20));
+        }
+        return connected;
+    }
+
+    /// As if the machine had been started anew since: what is recorded is that of another boot, and the page is gone.
+    void move_to_another_boot() const {
+        std::filesystem::remove_all("/run/adaptive/status");
+        std::string boot;
+        std::getline(std::ifstream("/proc/sys/kernel/random/boot_id"), boot);
+        auto const name = records() + "/record.000001.jsonl";
+        std::ifstream file(name);
+        std::string text{std::istreambuf_iterator<char>(file), {}};
+        for (auto place = text.find(boot); place != std::string::npos; place = text.find(boot, place)) {
+            text.replace(place, boot.size(), std::string(boot.size(), 'b'));
+        }
+        std::ofstream(name) << text;
+    }
+
     std::string records() const { return directory.path(); }
 
     Outcome told(std::string const& subcommand, std::vector<std::string> const& more = {}) const {
@@ -99,6 +122,17 @@ class Recorder_story : public Network_story {
             words.push_back(cycle.at("end_word").get<std::string>() + " in " + cycle.at("state").get<std::string>());
         }
         return words;
+    }
+
+    static json answer_of(std::string const& client, json const& sequence) {
+        for (auto const& group : sequence.at("groups")) {
+            for (auto const& answer : group.at("answers")) {
+                if (answer.at("client") == client && answer.contains("seconds")) {
+                    return answer;
+                }
+            }
+        }
+        return json::object();
     }
 
     bool is_in(std::string const& state) { return statectl({"wait", state, "--for", "20"}).status == 0; }
@@ -150,6 +184,61 @@ TEST_F(Recorder_story, Names_each_end_of_a_power_cycle_over_many_lives) {
     last_that_ended("normal");
     EXPECT_THAT(ends(), ElementsAre("suspended in PreparedSD", "signal in Running", "watchdog in Running",
                                     "normal in Shutting down"));
+}
+
+TEST_F(Recorder_story, Tells_a_suspend_that_was_turned_back_and_one_in_which_the_machine_is_switched_off) {
+    build();
+    start_recorder();
+    start_and_run();
+    auto radio = std::make_unique<Test_client>(client("radio"));
+    machine->press("p");
+    EXPECT_EQ(radio->receive().state, "kPrepSD");
+    machine->press("r");
+    await_recorded("Resuming");
+    radio.reset();
+    ASSERT_TRUE(is_in("Running"));
+    machine->press("p");
+    ASSERT_TRUE(is_in("PreparedSD"));
+    machine->press("power");
+    ASSERT_TRUE(sees(Kind::power_off, "poweroff 60000"));
+    kill_daemon();
+    EXPECT_EQ(last_that_ended("fast").value("state", ""), "Shutting down");
+    EXPECT_THAT(ends(), ElementsAre("resumed in Preparing", "fast in Shutting down"));
+}
+
+TEST_F(Recorder_story, Tells_a_machine_that_went_down_under_daemon_and_recorder) {
+    build();
+    start_recorder();
+    start_and_run();
+    await_recorded("Running");
+    kill_recorder();
+    kill_daemon();
+    move_to_another_boot();
+    EXPECT_THAT(told("last").output, HasSubstr("went down in Running (no farewell; the machine was started anew"));
+    start_recorder();
+    machine->start_daemon();
+    await_recorded("Running");
+    EXPECT_THAT(ends(), ElementsAre("went down in Running", "running in Running"));
+}
+
+TEST_F(Recorder_story, Blames_a_client_that_was_late_and_tells_by_how_much) {
+    build();
+    start_recorder();
+    start_and_run();
+    auto radio = client("radio");
+    auto navigation = client("navigation");
+    machine->press("p");
+    navigation.obey();
+    auto const request = radio.receive();
+    ASSERT_TRUE(is_in("PreparedSD"));
+    EXPECT_THAT(told("blame").output, HasSubstr("\"radio\": timed out, and has not answered since\n"));
+    radio.answer(request.number, request.state);
+    auto const blame = told_when(
+        "blame", [](json const& sequence) { return answer_of("radio", sequence).value("seconds", 0.0) >= 1; });
+    EXPECT_EQ(answer_of("radio", blame).value("status", ""), "timed out") << "it was given a second: " << blame;
+    EXPECT_EQ(answer_of("navigation", blame).value("status", ""), "succeeded") << blame;
+    EXPECT_THAT(told("blame").output, HasSubstr("\"radio\": timed out, and answered then\n"));
+    EXPECT_THAT(told("offenders").output, HasSubstr("radio did not answer in time, 1 of 1 times"));
 }
 
 }  // namespace
