@@ -187,17 +187,20 @@ TEST_F(Recorder_story, Names_each_end_of_a_power_cycle_over_many_lives) {
 }
 
 TEST_F(Recorder_story, Tells_a_suspend_that_was_turned_back_and_one_in_which_the_machine_is_switched_off) {
+    settings()["ApplicationSuspendRequestTimeout"] = 60;
     build();
     start_recorder();
     start_and_run();
-    auto radio = std::make_unique<Test_client>(client("radio"));
+    auto radio = client("radio");
     machine->press("p");
-    EXPECT_EQ(radio->receive().state, "kPrepSD");
+    auto const request = radio.receive();
     machine->press("r");
-    await_recorded("Resuming");
-    radio.reset();
+    ASSERT_TRUE(sees(Kind::state_word, "resuming"));
+    radio.answer(request.number, request.state);
+    EXPECT_EQ(radio.obey().state, "kOn");
     ASSERT_TRUE(is_in("Running"));
     machine->press("p");
+    EXPECT_EQ(radio.obey().state, "kPrepSD");
     ASSERT_TRUE(is_in("PreparedSD"));
     machine->press("power");
     ASSERT_TRUE(sees(Kind::power_off, "poweroff 60000"));
@@ -222,6 +225,7 @@ TEST_F(Recorder_story, Tells_a_machine_that_went_down_under_daemon_and_recorder)
 }
 
 TEST_F(Recorder_story, Blames_a_client_that_was_late_and_tells_by_how_much) {
+    settings()["ApplicationSuspendRequestTimeout"] = 2;
     build();
     start_recorder();
     start_and_run();
@@ -230,12 +234,12 @@ TEST_F(Recorder_story, Blames_a_client_that_was_late_and_tells_by_how_much) {
     machine->press("p");
     navigation.obey();
     auto const request = radio.receive();
-    ASSERT_TRUE(is_in("PreparedSD"));
+    await_recorded("PreparedSD");
     EXPECT_THAT(told("blame").output, HasSubstr("\"radio\": timed out, and has not answered since\n"));
     radio.answer(request.number, request.state);
     auto const blame = told_when(
-        "blame", [](json const& sequence) { return answer_of("radio", sequence).value("seconds", 0.0) >= 1; });
-    EXPECT_EQ(answer_of("radio", blame).value("status", ""), "timed out") << "it was given a second: " << blame;
+        "blame", [](json const& sequence) { return answer_of("radio", sequence).value("seconds", 0.0) >= 2; });
+    EXPECT_EQ(answer_of("radio", blame).value("status", ""), "timed out") << "it was given two seconds: " << blame;
     EXPECT_EQ(answer_of("navigation", blame).value("status", ""), "succeeded") << blame;
     EXPECT_THAT(told("blame").output, HasSubstr("\"radio\": timed out, and answered then\n"));
     EXPECT_THAT(told("offenders").output, HasSubstr("radio did not answer in time, 1 of 1 times"));
