@@ -141,7 +141,7 @@ void print_table(std::vector<Power_cycle> const& cycles) {
     std::printf("%-28s  %11s  %-27s  %s\n", "BEGIN", "LASTED", "END", "WHAT COST TIME");
     for (auto const& cycle : cycles) {
         std::printf("%-28s  %11s  %-27s  %s\n", begin_of(cycle).c_str(), duration_text(length_of(cycle)).c_str(),
-                    ending_text(cycle).c_str(), offenders_text(cycle).c_str());
+                    cycle.told.ending.c_str(), offenders_text(cycle).c_str());
     }
 }
 
@@ -185,7 +185,7 @@ int last(History_options const& options) {
     if (options.as_json) {
         std::puts(json_text(cycle_json(*found), 2).c_str());
     } else {
-        std::printf("%s%s\n%s, %s\n%s", ending_text(*found).c_str(), evidence(*found).c_str(), begin_of(*found).c_str(),
+        std::printf("%s%s\n%s, %s\n%s", found->told.ending.c_str(), evidence(*found).c_str(), begin_of(*found).c_str(),
                     duration_text(length_of(*found)).c_str(), trace::text_of(found->told).c_str());
         if (found->missed != 0) {
             std::printf("%zu events are not recorded\n", static_cast<std::size_t>(found->missed));

@@ -1,6 +1,7 @@
 #ifndef TOOLS_RECORD_POWER_CYCLES_H
 #define TOOLS_RECORD_POWER_CYCLES_H
 
+#include "tools/record/endings.h"
 #include "tools/record/records.h"
 #include "tools/trace/life.h"
 
@@ -23,20 +24,8 @@ struct Power_cycle {
     bool is_recorded{true};  ///< to its end; else the recorder was stopped before
 };
 
-/// What is known of the machine that asks.
-struct Present {
-    std::string boot;
-    Identity running;  ///< the daemon that runs, if one does
-};
-
 /// The power cycles, in the order in which they were.
 std::vector<Power_cycle> power_cycles(Records const& records, Present const& present);
-
-/// "went down in Preparing" and its likes.
-std::string ending_text(Power_cycle const& cycle);
-
-/// It ended as it should, or has not ended.
-bool is_orderly(std::string const& ending);
 
 }  // namespace statectl::record
 

@@ -12,6 +12,15 @@
 
 namespace statectl::record {
 
+inline bool is(Number value, status::State state) {
+    return value == static_cast<Number>(state);
+}
+
+inline double seconds(Number nanoseconds) {
+    constexpr double k_second = 1e9;
+    return static_cast<double>(nanoseconds) / k_second;
+}
+
 // What outlives a reboot: files of JSON lines, each file beginning with the life that it goes on with. The recorder
 // appends lines as the status page shows news, and reads what it had written when it starts; `ap_statectl history` and
 // its likes read all of it. Times are those of the page: nanoseconds of CLOCK_MONOTONIC, and of CLOCK_REALTIME where

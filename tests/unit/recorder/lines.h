@@ -40,7 +40,7 @@ inline Records records_of(std::vector<std::string> const& lines) {
 inline std::vector<std::string> endings_of(std::vector<std::string> const& lines, Present const& present) {
     std::vector<std::string> texts;
     for (auto const& cycle : power_cycles(records_of(lines), present)) {
-        texts.push_back(ending_text(cycle));
+        texts.push_back(cycle.told.ending);
     }
     return texts;
 }

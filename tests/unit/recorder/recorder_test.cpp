@@ -67,7 +67,7 @@ class Following : public testing::Test {
     std::vector<std::string> endings() const {
         std::vector<std::string> texts;
         for (auto const& cycle : power_cycles(records(), {"b", {}})) {
-            texts.push_back(ending_text(cycle));
+            texts.push_back(cycle.told.ending);
         }
         return texts;
     }

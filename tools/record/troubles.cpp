@@ -1,0 +1,48 @@
+#include "tools/record/troubles.h"
+
+#include "tools/page/words.h"
+
+namespace statectl::record {
+
+namespace {
+
+using status::Event_kind;
+
+constexpr std::size_t k_most_remarks = 1'000;  // of a cycle
+
+void remark(std::vector<trace::Remark>& remarks, Recorded_event const& event, std::string const& text) {
+    if (remarks.size() < k_most_remarks) {
+        remarks.push_back({seconds(event.at), text});
+    }
+}
+
+}  // namespace
+
+void take_trouble(trace::Life& cycle, Recorded_event const& event) {
+    auto const key = "command \"" + command_word(event.numbers[0]) + '"';
+    bool const has_failed = event.numbers[0] != 0;
+    switch (static_cast<Event_kind>(event.kind)) {
+        case Event_kind::key_dropped:
+            return remark(cycle.dropped, event, key + " was dropped: it is the one taken last");
+        case Event_kind::key_swallowed:
+            return remark(cycle.dropped, event, key + " was done with by a transition that something else caused");
+        case Event_kind::keys_cleared:
+            return remark(cycle.dropped, event, key + " and what waited behind it gave way to a power key");
+        case Event_kind::client_vanished:
+            return remark(cycle.troubles, event, quoted(event.text) + " was asked, and left without an answer");
+        case Event_kind::device_lost:
+            return remark(cycle.troubles, event,
+                          "an input device was lost, " + std::to_string(event.numbers[0]) + " are left");
+        case Event_kind::word:
+            return has_failed ? remark(cycle.troubles, event, "the word " + quoted(event.text) + " was not written")
+                              : void();
+        case Event_kind::machine_state:
+            return has_failed
+                       ? remark(cycle.troubles, event, "the machine state " + quoted(event.text) + " was refused")
+                       : void();
+        default:
+            return;
+    }
+}
+
+}  // namespace statectl::record

@@ -1,0 +1,15 @@
+#ifndef TOOLS_RECORD_TROUBLES_H
+#define TOOLS_RECORD_TROUBLES_H
+
+#include "tools/record/records.h"
+#include "tools/trace/life.h"
+
+namespace statectl::record {
+
+/// Remarks what went wrong in a power cycle, and which commands came to nothing, as its events tell it one after the
+/// other; those of something else are left alone.
+void take_trouble(trace::Life& cycle, Recorded_event const& event);
+
+}  // namespace statectl::record
+
+#endif
