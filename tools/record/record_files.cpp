@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace statectl::record {
@@ -45,7 +46,7 @@ void Record_files::add(std::string const& line, bool begins_life) {
 }
 
 void Record_files::write(std::string const& first_line, bool at_once) {
-    if (is_ready(first_line) && is_handed_over(first_line)) {
+    if (is_ready(first_line) && is_writable() && is_handed_over(first_line)) {
         trouble_.clear();
         sync(at_once);
     }
@@ -108,6 +109,16 @@ bool Record_files::is_open(std::uint64_t number) {
     size_ = static_cast<std::size_t>(about.st_size);
     ::fsync(lock_);  // the file's name as well
     return true;
+}
+
+// A disk that has become read-only under an open file takes what is written to it, and never keeps it.
+bool Record_files::is_writable() {
+    struct statvfs about {};
+    if ((lines_.empty() && !is_dirty_) || ::fstatvfs(file_, &about) != 0 || (about.f_flag & ST_RDONLY) == 0) {
+        return true;
+    }
+    errno = EROFS;
+    return fails("nothing can be written");
 }
 
 void Record_files::end_torn_line() {

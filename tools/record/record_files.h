@@ -48,6 +48,7 @@ class Record_files {
     bool is_ready(std::string const& first_line);
     bool is_locked();
     bool is_open(std::uint64_t number);
+    bool is_writable();
     void end_torn_line();
     void begin_file(std::string const& first_line);
     void remove_oldest(std::uint64_t newest) const;
