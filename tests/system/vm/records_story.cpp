@@ -11,8 +11,6 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-#define RECORDS "/var/lib/ap_statemanager"
-
 /// The machine with a disk, on which the recorder writes.
 class Machine_with_a_disk : public Target {
  protected:
@@ -35,15 +33,6 @@ class Machine_with_a_disk : public Target {
         machine().start_daemon();
         ASSERT_TRUE(shows("running"));
     }
-    /// As the story before has left it, else booted.
-    void go_on() {
-        if (!disk || !machine().is_on()) {
-            insert_empty_disk();
-            switch_on();
-        }
-        begin_story();
-    }
-
     /// The emulator is killed once the recorder has the state on the disk, or says that it may be there.
     void lose_power_in(std::string const& state) {
         ASSERT_TRUE(comes_to(state));
@@ -71,13 +60,6 @@ class Machine_with_a_disk : public Target {
             ends.push_back(end_of(cycle));
         }
         return ends;
-    }
-
-    static Entry const* recorder_says(std::string const& words, std::size_t from) {
-        return machine().await_entry("ap_statemanager_recorder.service", words, from, k_patience);
-    }
-    static std::string recorders(std::string const& property) {
-        return output_of("systemctl show --value -p " + property + " ap_statemanager_recorder.service");
     }
 
     /// Whether the state comes to be recorded. Preparing is on the disk as soon as the recorder waits again, and every
@@ -142,39 +124,6 @@ TEST_F(Machine_with_a_disk, Tells_after_each_boot_how_the_power_cycle_before_it_
     EXPECT_THAT(history(), ElementsAre("signal in Running", "watchdog in Running", "went down in Running",
                                        "went down in Preparing", "fast in Shutting down", "normal in Shutting down",
                                        "running in Running"));
-}
-
-TEST_F(Machine_with_a_disk, That_is_read_only_for_a_while_has_its_recorder_say_so_and_lose_nothing) {
-    go_on();
-    auto const pid = recorders("MainPID");
-    for (auto const* const way : {"echo u >/proc/sysrq-trigger", "mount -o remount,ro " RECORDS}) {
-        auto const is_on_the_way = way[0] == 'e';
-        if (!is_on_the_way) {
-            ASSERT_EQ(machine().shell().run("systemctl stop ap_statemanager_recorder.service").status, 0);
-        }
-        auto from = machine().journal().size();
-        ASSERT_EQ(machine().shell().run(way).status, 0);
-        ASSERT_TRUE(comes_true("grep -q ' " RECORDS " ext4 ro' /proc/mounts"));
-        if (!is_on_the_way) {
-            ASSERT_EQ(machine().shell().run("systemctl start ap_statemanager_recorder.service").status, 0);
-        }
-        mark();
-        machine().press("p");
-        ASSERT_TRUE(shows("prepared4sd"));
-        ASSERT_NE(recorder_says("Read-only file system", from), nullptr);
-        mark();
-        machine().press("r");
-        ASSERT_TRUE(shows("running"));
-        from = machine().journal().size();
-        ASSERT_EQ(machine().shell().run("mount -o remount,rw " RECORDS).status, 0);
-        EXPECT_NE(recorder_says("all is well again", from), nullptr);
-        ASSERT_TRUE(comes_to("Running"));
-        EXPECT_EQ(last(), "suspended in PreparedSD");
-        if (is_on_the_way) {
-            EXPECT_EQ(recorders("MainPID"), pid);
-        }
-        EXPECT_EQ(recorders("NRestarts"), "0");
-    }
 }
 
 }  // namespace
