@@ -18,7 +18,8 @@ using status::Hold;
 
 constexpr Number k_second = 1'000'000'000;
 constexpr Number k_ecu_active = 0;
-constexpr Number k_fresh = 300 * k_second;  // a key of longer ago is no reason any more
+constexpr Number k_long_rest = 30 * k_second;  // a bus goes from its last message to sleep within seconds
+constexpr Number k_fresh = 300 * k_second;     // a key of longer ago is no reason any more
 
 template <class Enum>
 bool is(Number number, Enum value) {
@@ -76,9 +77,12 @@ Reasons network_reasons(Snapshot const& page) {
                                                  base::to_hex(bytes) + "), as reported " +
                                                  span_text(page.network.reported_at, page.now) + " ago"});
     } else {
+        auto const* const hint = page.now > page.network.reported_at + k_long_rest
+                                     ? ", which a network manager that has gone never does (ap_statectl services)"
+                                     : "";
         reasons.push_back({"network-at-rest-once", "the network has reported rest once, " +
                                                        span_text(page.network.reported_at, page.now) +
-                                                       " ago; the ECU may sleep when it does so again"});
+                                                       " ago; the ECU may sleep when it does so again" + hint});
     }
     for (auto& reason : held_by(page, {Hold::com_alive, Hold::ecu_alive, Hold::car_wake_up})) {
         reasons.push_back(std::move(reason));

@@ -70,6 +70,11 @@ TEST(Reasons, Of_the_network_are_its_reports) {
     page.network.ecu_state = 1;
     EXPECT_EQ(sentence(reasons_of(page), "network-at-rest-once"),
               "the network has reported rest once, 2.0 s ago; the ECU may sleep when it does so again");
+    page.network.reported_at = 69 * k_s;
+    EXPECT_EQ(
+        sentence(reasons_of(page), "network-at-rest-once"),
+        "the network has reported rest once, 31.0 s ago; the ECU may sleep when it does so again, which a network "
+        "manager that has gone never does (ap_statectl services)");
 }
 
 TEST(Reasons, Of_a_suspend_are_the_clients_that_owe_an_answer) {
