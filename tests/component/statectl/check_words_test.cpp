@@ -104,10 +104,8 @@ INSTANTIATE_TEST_SUITE_P(
              {k_hello, k_prepared, "exit"},
              "fail",
              "no answer to request 2: the program has ended with status 3"},
-        Told{"late",
-             {k_hello, "1 kPrepSD 0 ; 9", "unread"},
-             "fail",
-             "no answer to request 2: it has closed the connection"}));
+        Told{
+            "late", {k_hello, "1 kPrepSD 0 ; close"}, "fail", "no answer to request 2: it has closed the connection"}));
 
 constexpr auto const* k_late = "after its answer to the newest request it answers the one before: 2 kOn 0";
 constexpr auto const* k_lost = "it answers a request of the connection before: 4711 kOn 0";

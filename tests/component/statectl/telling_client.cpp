@@ -3,18 +3,20 @@
 // said, messages with " ; " between them:
 //   me     a string        ''   an empty one        7   a number        #ab   the bytes "ab" called a number
 //   .      a message without elements
-// or what is done instead, which is its last: close, exit, drip (a message that never comes to its end), unread (closes
-// with the next request unread). Between requests that it has to read it sleeps.
+// or, at its end or alone, what is done then: close, exit, drip (a message that never comes to its end). "unread"
+// closes with the next request unread.
 
 #include "utilities/close_failure.h"
 #include "utilities/frame_assembler.h"
 #include "utilities/poll.h"
 #include "utilities/socket.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -40,20 +42,16 @@ Type_length_value element(std::string const& word) {
     return Type_length_value(word == "''" ? std::string() : word);
 }
 
-Bytes messages(std::string const& step) {
-    Bytes bytes;
-    utilities::Type_length_values message;
-    std::istringstream words(step + " ;");
-    for (std::string word; words >> word;) {
-        if (word == ";") {
-            auto const more = utilities::serialize(message);
-            bytes.insert(bytes.end(), more.begin(), more.end());
-            message.clear();
-        } else if (word != ".") {
-            message.push_back(element(word));
-        }
+utilities::Type_length_values elements(std::vector<std::string> const& words) {
+    utilities::Type_length_values all;
+    if (words.front() != ".") {
+        std::transform(words.begin(), words.end(), std::back_inserter(all), element);
     }
-    return bytes;
+    return all;
+}
+
+bool is_deed(std::string const& word) {
+    return word == "exit" || word == "close" || word == "drip";
 }
 
 class Telling_client {
@@ -86,20 +84,34 @@ class Telling_client {
         }
     }
 
+    // What is said in one step arrives at once.
     void take_step() {
         if (next_ == steps_.size()) {
             return;
         }
-        auto const& step = steps_[next_++];
-        if (step == "exit") {
+        Bytes said;
+        std::istringstream messages(steps_[next_++]);
+        for (std::string message; std::getline(messages, message, ';');) {
+            std::istringstream text(message);
+            std::vector<std::string> const words{std::istream_iterator<std::string>(text), {}};
+            if (is_deed(words.front())) {
+                socket_.sendl(said.data(), said.size(), 0);
+                act(words.front());
+                return;
+            }
+            auto const more = utilities::serialize(elements(words));
+            said.insert(said.end(), more.begin(), more.end());
+        }
+        socket_.sendl(said.data(), said.size(), 0);
+    }
+
+    void act(std::string const& deed) {
+        if (deed == "exit") {
             std::_Exit(3);
-        } else if (step == "close") {
+        } else if (deed == "close") {
             close();
-        } else if (step == "drip") {
+        } else {
             drip();
-        } else if (!step.empty()) {
-            auto const bytes = messages(step);
-            socket_.sendl(bytes.data(), bytes.size(), 0);
         }
     }
 
