@@ -13,9 +13,12 @@
 #include <string>
 #include <vector>
 
+#include <sys/wait.h>
+
 namespace {
 
 constexpr int k_usage_error = 2;
+constexpr int k_not_allowed = 77;  // fault_at_call's word for it
 
 void print_usage(std::FILE* out) {
     std::fputs(
@@ -25,7 +28,8 @@ void print_usage(std::FILE* out) {
         "  --seed NUMBER     draws the order and the pairs (1)\n"
         "  --pairs COUNT     at most so many lives with two faults, among the others (200)\n"
         "  --life NAME       only \"plain\", \"requests\", \"post run\" or \"fast shutdown\"\n"
-        "  --match TEXT      only faults whose line has this text, each with its outcome\n",
+        "  --match TEXT      only faults whose line has this text, each with its outcome\n"
+        "Exit status: 0, 1 when something is wrong, 2 for a wrong option, 77 where processes may not be watched.\n",
         out);
 }
 
@@ -66,7 +70,17 @@ faults::Options options_in(std::vector<std::string> const& words) {
     return options;
 }
 
+// Says why, where it may not.
+bool may_be_watched(faults::Options const& options) {
+    int const status =
+        std::system((options.programs + "/tests/faults/fault_at_call /dev/null /dev/null /bin/true").c_str());
+    return !WIFEXITED(status) || WEXITSTATUS(status) != k_not_allowed;
+}
+
 int sweep(faults::Options const& options) {
+    if (!may_be_watched(options)) {
+        return k_not_allowed;
+    }
     // Each life is judged by its own verdict.
     bench::hear_unasked_ends([](std::string const& /*what*/) {});
     try {
