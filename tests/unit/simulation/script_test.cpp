@@ -196,6 +196,19 @@ TEST(The_longest_way, Is_that_of_silent_clients_and_a_key_at_the_worst_moment) {
               "     0.000 s  Running");
 }
 
+TEST(The_manual, Has_an_example_that_keeps_what_it_expects) {
+    std::ifstream file(WHATIF_MANUAL);
+    std::string script;
+    bool is_inside = false;
+    for (std::string line; std::getline(file, line);) {
+        is_inside = line.rfind(".Bd", 0) == 0 || (is_inside && line != ".Ed");
+        script += is_inside && line.front() != '.' ? line + '\n' : "";
+    }
+    auto const outcome = played(script);
+    EXPECT_EQ(outcome.verdicts.size(), 2U);
+    EXPECT_TRUE(outcome.is_kept()) << text_of(outcome);
+}
+
 std::vector<std::string> examples() {
     std::vector<std::string> names;
     for (auto const& entry : std::filesystem::directory_iterator(WHATIF_EXAMPLES)) {
