@@ -8,6 +8,7 @@
 #include "statemanager/em/em_interface.h"
 #include "statemanager/service_handler/nm_interface.h"
 #include "statemanager/service_handler/service_handler.h"
+#include "statemanager/services/services_of.h"
 #include "statemanager/services/state_manager_com_alive_interface.h"
 #include "statemanager/services/state_manager_cwu_interface.h"
 #include "statemanager/state_manager.h"
@@ -98,16 +99,6 @@ class Supervision final : public sm::phm::Supervision_manager_interface {
     Time last_{0};
 };
 
-template <class Service, class Abstract>
-std::vector<std::unique_ptr<Abstract>> services_of(std::vector<std::string> const& instances) {
-    std::vector<std::unique_ptr<Abstract>> services;
-    services.reserve(instances.size());
-    for (auto const& instance : instances) {
-        services.push_back(std::make_unique<Service>(instance));
-    }
-    return services;
-}
-
 }  // namespace
 
 class Life::Daemon {
@@ -154,9 +145,9 @@ Life::Daemon::Daemon(Life_options options) : options_(std::move(options)) {
     add_control_files();
     auto service_handler = std::make_shared<sm::Service_handler>(
         configuration_, std::make_unique<sm::Nm_interface>(),
-        services_of<sm::State_manager_com_alive_interface, sm::State_manager_com_alive_interface_abstract>(
+        sm::services_of<sm::State_manager_com_alive_interface, sm::State_manager_com_alive_interface_abstract>(
             configuration_.get_apps_comalive()),
-        services_of<sm::State_manager_cwu_interface, sm::State_manager_cwu_interface_abstract>(
+        sm::services_of<sm::State_manager_cwu_interface, sm::State_manager_cwu_interface_abstract>(
             configuration_.get_apps_cwu()));
     driver_ = std::make_unique<sm::State_manager>(configuration_, service_handler,
                                                   std::make_shared<Execution_management>(service_manager_),

@@ -9,6 +9,7 @@
 #include "statemanager/phm/supervision_manager.h"
 #include "statemanager/service_handler/nm_interface.h"
 #include "statemanager/service_handler/service_handler.h"
+#include "statemanager/services/services_of.h"
 #include "statemanager/services/state_manager_com_alive_interface.h"
 #include "statemanager/services/state_manager_cwu_interface.h"
 #include "statemanager/state_manager.h"
@@ -34,16 +35,6 @@ void start_logging() {
     ara::log::InitLogging("STMG", "ORVAX State Manager", ara::log::LogLevel::kVerbose, ara::log::LogMode::kRemote, "");
     // The State_manager outlives main; its destructors log, so it goes before the log does.
     std::atexit([] { g_state_manager.reset(nullptr); });
-}
-
-template <class Service, class Abstract>
-std::vector<std::unique_ptr<Abstract>> services_of(std::vector<std::string> const& instances) {
-    std::vector<std::unique_ptr<Abstract>> services;
-    services.reserve(instances.size());
-    for (auto const& instance : instances) {
-        services.push_back(std::make_unique<Service>(instance));
-    }
-    return services;
 }
 
 std::shared_ptr<Service_handler> make_service_handler(config::State_manager_config const& configuration) {
