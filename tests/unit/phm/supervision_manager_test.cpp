@@ -74,6 +74,12 @@ TEST_F(Supervision, Passes_other_exceptions_on_and_goes_on_reporting) {
     EXPECT_EQ(health.reports.size(), 2U);
 }
 
+TEST(Supervision_without_an_entity, Reports_nothing) {
+    test_support::Log_capture log;
+    Supervision_manager(nullptr).report_alive_status();
+    EXPECT_THAT(log.messages(), IsEmpty());
+}
+
 TEST(Supervision_manager_interface_of, Health_management_has_one_operation_after_its_destructor) {
     EXPECT_EQ(test_support::virtual_slot(&Supervision_manager_interface::report_alive_status), 1U);
 }
