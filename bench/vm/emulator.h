@@ -14,6 +14,10 @@ struct Machine_options {
     std::string kernel_options{};  ///< on top of the usual ones
     bool with_vehicle{false};      ///< the network is in use, and applications and clients are there
     std::string disk{};            ///< file with the machine's disk; with one, the recorder is there and writes on it
+
+    /// A translated machine's time goes on with what it does, not with this machine's: what takes a second there does
+    /// so on a busy host as well.
+    bool counts_instructions{false};
 };
 
 /// What the host can do for the machine.

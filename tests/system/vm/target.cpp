@@ -34,6 +34,7 @@ Virtual_machine& Target::machine() {
 Machine_options Target::usual_machine() {
     Machine_options options;
     options.image = VM_IMAGE;
+    options.counts_instructions = true;
     return options;
 }
 

@@ -44,6 +44,15 @@ INSTANTIATE_TEST_SUITE_P(Emulator, On_a_host,
                                          Host_row{{false, true}, "tcg", "cortex-a72"},
                                          Host_row{{false, false}, "tcg", "cortex-a72"}));
 
+TEST(Emulator, Counts_the_instructions_of_a_translated_machine_where_that_is_wanted) {
+    auto options = machine();
+    EXPECT_EQ(word_after(command_line(options, "/run/x", {}), "-icount"), "");
+    options.counts_instructions = true;
+    EXPECT_EQ(word_after(command_line(options, "/run/x", {}), "-icount"), "shift=2,sleep=on");
+    EXPECT_EQ(word_after(command_line(options, "/run/x", {true, true}), "-icount"), "")
+        << "the processor runs it itself";
+}
+
 TEST(Emulator, Gives_the_machine_no_network) {
     auto const words = command_line(machine(), "/run/x", {});
     EXPECT_EQ(word_after(words, "-nic"), "none");
