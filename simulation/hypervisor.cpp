@@ -50,6 +50,15 @@ void Hypervisor::press(std::string const& key) {
     }
 }
 
+void Hypervisor::key_down(std::string const& key) {
+    stage_.note(Kind::key, "", key);
+    for (auto const& [name, code] : k_keys) {
+        if (key == name) {
+            unread_.push_back(record_of(EV_KEY, code, 1));
+        }
+    }
+}
+
 std::optional<std::vector<std::string>> Hypervisor::list_directory(std::string const& /*directory*/) {
     return std::vector<std::string>{"event0"};
 }

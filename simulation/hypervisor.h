@@ -18,6 +18,9 @@ class Hypervisor final : public ximo::ap::statemanager::virtio::Input_system {
     /// Presses and releases "r", "n", "s", "p" or "power": two records and what ends each group.
     void press(std::string const& key);
 
+    /// Only the record that tells that it is down.
+    void key_down(std::string const& key);
+
     static bool has_key(std::string const& key);
 
     std::optional<std::vector<std::string>> list_directory(std::string const& directory) override;

@@ -183,6 +183,10 @@ void Network::follow_bus() {
     report(machine_.node.network_state());
 }
 
+void Network::report_only() {
+    follows_bus_ = false;
+}
+
 void Network::report(Bits const& state) {
     stage_.note(Kind::network, "", text_of(state));
     network_state_->NetworkState.Update(state);

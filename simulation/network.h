@@ -39,6 +39,10 @@ class Network {
     void sleep();
     void follow_bus();
 
+    /// From now on the manager reports what it is told here, and nothing else.
+    void report_only();
+    void tell(Bits const& state) { report(state); }
+
     /// What the daemon has requested and not released; its user data.
     Bits const& requested() const { return machine_.node.requests(); }
     Bits const& user_data() const { return machine_.node.user_data(); }

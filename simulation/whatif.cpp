@@ -2,6 +2,8 @@
 
 #include "simulation/play.h"
 #include "simulation/report.h"
+#include "simulation/trace_check.h"
+#include "simulation/trace_life.h"
 #include "simulation/worst.h"
 
 #include <CLI/CLI.hpp>
@@ -20,6 +22,7 @@ struct Options {
     std::string script;
     std::string configuration;
     std::string worst;
+    std::string trace;
     bool with_json{false};
     bool with_log{false};
 };
@@ -53,6 +56,28 @@ int play(Options const& options, simulation::Script const& script, std::string c
     return outcome.is_kept() ? 0 : k_missed;
 }
 
+int check_trace(Options const& options) {
+    auto subject = options.trace;
+    try {
+        auto const lives = simulation::lives_of(read(options.trace));
+        subject = options.configuration;
+        auto const file = options.configuration.empty() ? std::nullopt : std::optional(read(options.configuration));
+        subject = options.trace;
+        bool agrees = true;
+        for (std::size_t place = 0; place < lives.size(); ++place) {
+            auto const told = file ? "" : simulation::configuration_in(lives[place]);
+            auto const verdict =
+                simulation::check(lives[place], told.empty() ? simulation::configuration_of({}, file) : told);
+            std::cout << "life " << place + 1 << ": " << simulation::text_of(verdict) << std::endl;
+            agrees = agrees && verdict.kind != simulation::Trace_verdict::Kind::disagrees;
+        }
+        return agrees ? 0 : k_missed;
+    } catch (std::exception const& error) {
+        std::cerr << "ap_whatif: " << subject << ": " << error.what() << '\n';
+    }
+    return k_bad_input;
+}
+
 int read_and_play(Options const& options) {
     auto subject = options.script;
     try {
@@ -81,10 +106,16 @@ int main(int argc, char** argv) {
     auto* const worst =
         application.add_option("--worst", options.worst, "Search for the longest suspend, resume or shutdown")
             ->check(CLI::IsMember({"suspend", "resume", "shutdown"}));
+    application.add_option("--trace", options.trace, "Hold a DLT trace of the daemon against the rules")
+        ->excludes(script)
+        ->excludes(worst);
     try {
         application.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
         return application.exit(error) == 0 ? 0 : k_bad_input;
+    }
+    if (!options.trace.empty()) {
+        return check_trace(options);
     }
     if (script->count() == 0 && worst->count() == 0) {
         std::cerr << "ap_whatif: a script is missing\n";

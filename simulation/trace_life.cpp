@@ -1,0 +1,102 @@
+#include "simulation/trace_life.h"
+
+#include "base/hex.h"
+#include "simulation/play.h"
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <stdexcept>
+
+namespace simulation {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr char const* k_first_words = "Configuration for hostname: ";
+
+std::string argument(dlt::Message const& message, std::size_t place) {
+    return place < message.arguments.size() ? message.arguments[place] : std::string();
+}
+
+/// A member of the instances' lists, the list, and how many there are.
+struct List {
+    char const* member;
+    char const* list;
+    char const* most;
+};
+
+constexpr List k_lists[]{
+    {"EcuAliveInterfaceInstance", "ApplicationsRequestAliveConfig", "MaxNumberOfApplicationsRequestAlive"},
+    {"NetworkAliveInterfaceInstance", "ApplicationsRequestNetworkConfig", "MaxNumberOfApplicationsRequestNetwork"},
+    {"CWUInterfaceInstance", "CWURequestConfig", "MaxNumberOfCWURequest"}};
+
+void take(json& settings, std::string const& key, std::string const& value) {
+    for (auto const& list : k_lists) {
+        if (key == list.member) {
+            settings[list.list].push_back({{key, value}});
+        }
+    }
+    for (auto* const section : {&settings, &settings["SharedMemoryConfig"], &settings["NmUserDataConfig"]}) {
+        auto const place = section->find(key);
+        if (place == section->end() || place->is_structured()) {
+            continue;
+        }
+        auto const parsed = json::parse(value, nullptr, false);
+        *place = place->is_string() || parsed.is_discarded() ? json(value) : parsed;
+    }
+}
+
+}  // namespace
+
+std::vector<Trace_life> lives_of(std::string_view trace) {
+    dlt::Reader reader;
+    reader.add(trace);
+    reader.end();
+    std::vector<Trace_life> lives;
+    std::map<std::string, std::size_t> current;  // by ECU
+    std::size_t messages = 0;
+    while (auto message = reader.next()) {
+        ++messages;
+        if (message->application != "STMG" || message->level == 0) {
+            continue;
+        }
+        auto const found = current.find(message->ecu);
+        bool const is_first = found == current.end() || argument(*message, 0) == k_first_words ||
+                              lives[found->second].back().session != message->session;
+        if (is_first) {
+            current[message->ecu] = lives.size();
+            lives.emplace_back();
+        }
+        lives[current[message->ecu]].push_back(std::move(*message));
+    }
+    if (messages == 0) {
+        throw std::runtime_error("it holds no DLT message");
+    }
+    if (lives.empty()) {
+        throw std::runtime_error("it holds no message of the state manager (application STMG)");
+    }
+    return lives;
+}
+
+std::string configuration_in(Trace_life const& life) {
+    auto root = json::parse(configuration_of({}, std::nullopt));
+    auto& settings = root["ap_statemanager"];
+    for (auto const& list : k_lists) {
+        settings[list.list] = json::array();
+    }
+    bool is_told = false;
+    for (auto const& message : life) {
+        if (argument(message, 0) == "State_manager_json_parser: Get ") {
+            is_told = true;
+            take(settings, argument(message, 1), argument(message, 3));
+        } else if (argument(message, 0) == "The following NM request pattern is used: ") {
+            settings["DefautNMRequestPattern"] =
+                base::from_hex(argument(message, 1)).value_or(std::vector<std::uint8_t>());
+        }
+    }
+    return is_told ? root.dump() : "";
+}
+
+}  // namespace simulation

@@ -1,0 +1,124 @@
+#include "simulation/trace_check.h"
+#include "simulation/trace_life.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace simulation {
+
+namespace {
+
+using testing::HasSubstr;
+
+/// The lives in the kept trace: the beginning of a tour of the virtual vehicle, logged by the real daemon and cut in
+/// the middle of a message. tests/unit/trace/traces/make has made it.
+std::vector<Trace_life> kept_lives() {
+    std::ifstream file(KEPT_TRACE, std::ios::binary);
+    return lives_of(std::string(std::istreambuf_iterator<char>(file), {}));
+}
+
+Trace_verdict verdict_on(Trace_life const& life) {
+    return check(life, configuration_in(kept_lives().front()));
+}
+
+std::size_t place_of(Trace_life const& life, std::string const& words, std::string const& argument) {
+    std::size_t place = 0;
+    while (life.at(place).arguments.front() != words || life.at(place).arguments.back() != argument) {
+        ++place;
+    }
+    return place;
+}
+
+TEST(TraceTest, lives_of_the_real_daemon_agree_with_the_simulated_one_also_the_one_that_is_cut) {
+    auto const lives = kept_lives();
+    ASSERT_EQ(lives.size(), 2U);
+    for (auto const& life : lives) {
+        auto const verdict = check(life, configuration_in(life));
+        EXPECT_EQ(verdict.kind, Trace_verdict::Kind::agrees) << verdict.text;
+        EXPECT_GT(verdict.steps, 100U);
+    }
+}
+
+TEST(TraceTest, a_transition_into_another_state_is_found_with_both_sides) {
+    auto life = kept_lives().front();
+    auto const place = place_of(life, "AP_StateManger transition from", "Post Run");
+    life[place].arguments.back() = "Preparing";
+    auto const verdict = verdict_on(life);
+    EXPECT_EQ(verdict.kind, Trace_verdict::Kind::disagrees);
+    EXPECT_THAT(verdict.text, HasSubstr("trace:     AP_StateManger transition from NM Controlled  to  Preparing\n"));
+    EXPECT_THAT(verdict.text, HasSubstr("simulated: AP_StateManger transition from NM Controlled  to  Post Run"));
+}
+
+TEST(TraceTest, a_transition_that_is_missing_is_found) {
+    auto life = kept_lives().front();
+    auto const place = place_of(life, "AP_StateManger transition from", "Post Run");
+    life.erase(life.begin() + static_cast<std::ptrdiff_t>(place));
+    EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::disagrees);
+}
+
+TEST(TraceTest, a_client_that_was_not_asked_in_its_turn_is_found) {
+    auto life = kept_lives().front();
+    auto const place = place_of(life, "Requesting ", " mode for client applications");
+    life[place].arguments.back() = " mode for DEM";
+    EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::disagrees);
+}
+
+TEST(TraceTest, other_bits_of_the_network_are_found) {
+    auto life = kept_lives().front();
+    auto const place = place_of(life, "State_manager::set_user_data(", ")");
+    life[place].arguments[1] = "40 00 00 00 00 00 ";
+    EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::disagrees);
+}
+
+TEST(TraceTest, other_settings_are_found) {
+    auto const life = kept_lives().front();
+    auto configuration = configuration_in(life);
+    auto const place = configuration.find("\"StateManagerNMUsage\":true");
+    ASSERT_NE(place, std::string::npos);
+    configuration.replace(place, 26, "\"StateManagerNMUsage\":false");
+    EXPECT_EQ(check(life, configuration).kind, Trace_verdict::Kind::disagrees);
+}
+
+TEST(TraceTest, what_a_neighbour_did_that_is_not_simulated_ends_the_judgement) {
+    auto life = kept_lives().front();
+    constexpr int k_warning = 3;
+    life[life.size() / 2].level = k_warning;
+    life[life.size() / 2].arguments = {"I/O exception while writing \"Running\" to file: /sys/vmctl/set_status"};
+    auto const verdict = verdict_on(life);
+    EXPECT_EQ(verdict.kind, Trace_verdict::Kind::undecidable);
+    EXPECT_THAT(verdict.text, HasSubstr("I/O exception"));
+}
+
+TEST(TraceTest, a_life_without_its_start_is_not_judged) {
+    auto life = kept_lives().front();
+    life.erase(life.begin(), life.begin() + 10);
+    EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::undecidable);
+    EXPECT_THAT(verdict_on(life).text, HasSubstr("the middle of a life"));
+}
+
+TEST(TraceTest, a_log_without_the_drivers_cycles_is_not_judged) {
+    Trace_life told;
+    constexpr int k_info = 4;
+    auto const whole = kept_lives().front();
+    std::copy_if(whole.begin(), whole.end(), std::back_inserter(told),
+                 [](dlt::Message const& message) { return message.level <= k_info; });
+    EXPECT_EQ(verdict_on(told).kind, Trace_verdict::Kind::undecidable);
+    EXPECT_THAT(verdict_on(told).text, HasSubstr("debug"));
+    EXPECT_EQ(configuration_in(told), "");
+}
+
+TEST(TraceTest, a_file_that_is_no_trace_is_refused_with_the_reason) {
+    EXPECT_THROW(lives_of(""), std::runtime_error);
+    EXPECT_THROW(lives_of("no trace"), std::runtime_error);
+}
+
+}  // namespace
+
+}  // namespace simulation
