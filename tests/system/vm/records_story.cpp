@@ -11,6 +11,8 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
+#define RECORDS "/var/lib/ap_statemanager"
+
 /// The machine with a disk, on which the recorder writes.
 class Machine_with_a_disk : public Target {
  protected:
@@ -33,6 +35,15 @@ class Machine_with_a_disk : public Target {
         machine().start_daemon();
         ASSERT_TRUE(shows("running"));
     }
+    /// As the story before has left it, else booted.
+    void go_on() {
+        if (!disk || !machine().is_on()) {
+            insert_empty_disk();
+            switch_on();
+        }
+        begin_story();
+    }
+
     /// The emulator is killed once the recorder has the state on the disk, or says that it may be there.
     void lose_power_in(std::string const& state) {
         ASSERT_TRUE(comes_to(state));
@@ -60,6 +71,26 @@ class Machine_with_a_disk : public Target {
             ends.push_back(end_of(cycle));
         }
         return ends;
+    }
+
+    static Entry const* recorder_says(std::string const& words, std::size_t from) {
+        return machine().await_entry("ap_statemanager_recorder.service", words, from, k_patience);
+    }
+    static std::string recorders(std::string const& property) {
+        return output_of("systemctl show --value -p " + property + " ap_statemanager_recorder.service");
+    }
+
+    /// A power cycle while the disk takes nothing, which is told from that entry on and recorded after the cure.
+    void suspend_and_resume_before(std::string const& cure, std::size_t from) {
+        mark();
+        machine().press("p");
+        ASSERT_TRUE(shows("prepared4sd"));
+        ASSERT_NE(recorder_says("Read-only file system", from), nullptr);
+        machine().press("r");
+        ASSERT_TRUE(shows("running"));
+        ASSERT_EQ(machine().shell().run(cure).status, 0);
+        ASSERT_TRUE(comes_to("Running"));
+        EXPECT_EQ(last(), "suspended in PreparedSD");
     }
 
     /// Whether the state comes to be recorded. Preparing is on the disk as soon as the recorder waits again, and every
@@ -124,6 +155,32 @@ TEST_F(Machine_with_a_disk, Tells_after_each_boot_how_the_power_cycle_before_it_
     EXPECT_THAT(history(), ElementsAre("signal in Running", "watchdog in Running", "went down in Running",
                                        "went down in Preparing", "fast in Shutting down", "normal in Shutting down",
                                        "running in Running"));
+}
+
+TEST_F(Machine_with_a_disk, That_becomes_read_only_under_the_recorder_takes_everything_when_it_is_writable_again) {
+    go_on();
+    auto const pid = recorders("MainPID");
+    auto const from = machine().journal().size();
+    // As the kernel does with a disk that fails.
+    ASSERT_EQ(machine().shell().run("echo u >/proc/sysrq-trigger").status, 0);
+    ASSERT_TRUE(comes_true("grep -q ' " RECORDS " ext4 ro' /proc/mounts"));
+    suspend_and_resume_before("mount -o remount,rw " RECORDS, from);
+    EXPECT_NE(recorder_says("all is well again", from), nullptr);
+    EXPECT_EQ(recorders("MainPID"), pid);
+}
+
+// The service manager gives the recorder the file systems as they are when it starts it.
+TEST_F(Machine_with_a_disk,
+       That_is_read_only_when_the_recorder_starts_takes_everything_when_it_starts_on_a_writable_one) {
+    go_on();
+    auto const stop = "systemctl stop ap_statemanager_recorder.service";
+    ASSERT_EQ(machine().shell().run(stop).status, 0);
+    ASSERT_EQ(machine().shell().run("mount -o remount,ro " RECORDS).status, 0);
+    auto const from = machine().journal().size();
+    ASSERT_EQ(machine().shell().run("systemctl start ap_statemanager_recorder.service").status, 0);
+    suspend_and_resume_before("mount -o remount,rw " RECORDS " && systemctl restart ap_statemanager_recorder.service",
+                              from);
+    EXPECT_EQ(recorders("NRestarts"), "0");
 }
 
 }  // namespace
