@@ -97,7 +97,8 @@ class Machine_with_a_disk : public Target {
     /// other state a second later.
     static bool comes_to(std::string const& state) {
         auto const waits = std::string(R"(grep -q futex "/proc/$(pidof ap_statemanager_recorder)/wchan")");
-        return comes_true(R"(ap_statectl history -n 1 --json | grep -q '"state": ")" + state + "\"'") &&
+        auto const newest = std::string(R"(ap_statectl history -n 1 --json | tr -d '\n' | grep -q )");
+        return comes_true(newest + R"('"end_word": "running".*"state": ")" + state + "\"'") &&
                (state == "Preparing" || output_of("sleep 3").empty()) && comes_true(waits);
     }
 
