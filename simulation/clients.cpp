@@ -96,11 +96,10 @@ void Clients::behave(std::string const& name, Client_manner manner) {
 }
 
 void Clients::report(std::string const& name, std::string const& state) {
-    constexpr std::uint32_t k_never_asked = ~0U;
     for (auto const id : all(name)) {
         stage_.note(Kind::client, name, "reported " + state + " out of turn");
         if (auto const& end = clients_.at(id).end) {
-            end->answer({k_never_asked, state}, 0);
+            end->answer({clients_.at(id).number_before, state}, 0);
         }
     }
 }
@@ -150,6 +149,7 @@ void Clients::hear(std::uint64_t id) {
         return;
     }
     while (auto request = client.end->take_request()) {
+        client.number_before = std::exchange(client.last_number, request->number);
         client.request = std::move(request);
         ++client.requests;
         stage_.note(Kind::client, client.name, "asked " + client.request->state);

@@ -38,7 +38,7 @@ class Clients {
     void disconnect(std::string const& name);
     void behave(std::string const& name, Client_manner manner);
 
-    /// They report a state that nobody has asked for.
+    /// They report a state that nobody has asked for any more: as an answer to the request before the last one.
     void report(std::string const& name, std::string const& state);
 
     bool has(std::string const& name) const;
@@ -52,6 +52,8 @@ class Clients {
         Client_manner manner;
         std::optional<Client_end> end{};
         std::optional<Client_end::Request> request{};  ///< to be answered
+        std::uint32_t last_number{~0U};                ///< of its last request,
+        std::uint32_t number_before{~0U};              ///< and of the one before
         std::uint64_t requests{0};
     };
 

@@ -35,6 +35,7 @@ class Drawing {
     void draw_clients(Lines& lines);
     void go_on();
     void drive();
+    void end_post_run_with_a_key();
     void suspend();
     void wander();
     void ask_for_something();
@@ -213,10 +214,22 @@ void Drawing::drive() {
     }
     pass();
     happens("network sleeps");
+    if (in_100(30)) {
+        end_post_run_with_a_key();
+    }
     for (unsigned more = below(4); more > 0; --more) {
         pass();
         in_100(50) ? wander() : ask_for_something();
     }
+}
+
+// A key and the end of Post Run in one moment.
+void Drawing::end_post_run_with_a_key() {
+    auto const who = one_of({"navigation", "hud"});
+    happenings_.insert(happenings_.end() - 1, {now_, "application " + who + " requests ecu"});
+    now_ += period_ + below(2 * period_);
+    happens("application " + who + " releases ecu");
+    happens("key " + one_of({"r", "power", "p"}));
 }
 
 // A suspend, whole or turned back in the middle, and the way back.

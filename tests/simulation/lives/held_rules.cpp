@@ -137,6 +137,9 @@ void Held_rules::take(Entry const& entry) {
             return take_machine_state(entry);
         case Kind::request:
             return take_request(entry);
+        case Kind::network:
+            rests_ = number_of(entry.what) == 0 ? rests_ + 1 : 0;
+            return;
         case Kind::application:
             return take_application(entry.who, entry.what);
         case Kind::power_off:
@@ -333,7 +336,9 @@ void Held_rules::take_request(Entry const& entry) {
 }
 
 void Held_rules::take_neighbour(Entry const& entry) {
-    if (entry.who == "manager" && (entry.what == "withdraws" || entry.what == "fails")) {
+    if (entry.who == "manager" && entry.what == "offers") {
+        ++rests_;
+    } else if (entry.who == "manager" && (entry.what == "withdraws" || entry.what == "fails")) {
         is_exact_ = false;
     }
 }
@@ -341,8 +346,12 @@ void Held_rules::take_neighbour(Entry const& entry) {
 void Held_rules::take_log(std::string const& text) {
     if (text == "Initializing user data") {
         is_found_ = true;
+        ++rests_;  // a manager that is found tells its state
     } else if (auto const activity = behind("Ecu state based on NM activity: ", text)) {
         is_asleep_ = activity->rfind("inactive", 0) == 0;
+        if (is_asleep_ && rests_ < 2) {
+            find("the network is taken for asleep after " + std::to_string(rests_) + " reports of rest");
+        }
     } else if (auto const request = behind("Requesting ", text)) {
         if (request->find(" mode for ") != std::string::npos) {
             group_asked(*request);

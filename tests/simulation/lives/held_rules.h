@@ -117,6 +117,7 @@ class Held_rules {
 
     bool is_found_{false};
     bool is_asleep_{false};
+    unsigned rests_{0};           ///< reports of rest in a row
     bool is_exact_{true};         ///< network management has taken whatever it was told
     bool is_standing_by_{false};  ///< from the beginning of a suspend to that of a resume
     bool default_held_{false};
