@@ -67,6 +67,17 @@ prepare_machine() {
     fi
 }
 
+# prepare_page: the simulated machine for a browser, build/web/machine.html. What it prints goes to build/web.log. Fails,
+# with the reason printed, where emscripten can't be installed.
+prepare_page() {
+    install_packages build test browser || { echo "emscripten and what belongs to it can't be installed here"; return 1; }
+    mkdir -p "$root/build"
+    if ! build release machine_page >"$root/build/web.log" 2>&1; then
+        tail -n 60 "$root/build/web.log"
+        exit 1
+    fi
+}
+
 make_machine() {
     build release "$1" && "$root/deploy/scripts/package" arm64 && "$root/bench/vm/guest/build" "$root/build/vm" "$root/build/packages/arm64"
 }

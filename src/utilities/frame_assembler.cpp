@@ -15,7 +15,8 @@ constexpr std::size_t k_idle_capacity = 256;  // bytes; room for what most clien
 void Frame_assembler::append(std::uint8_t const* bytes, std::size_t count) {
     auto const needed = pending_.size() + count;
     if (needed > pending_.capacity()) {
-        pending_.reserve(std::max<std::size_t>(needed, std::min(2 * pending_.capacity(), k_header_size + k_longest)));
+        pending_.reserve(
+            std::max<std::size_t>(needed, std::min<std::size_t>(2 * pending_.capacity(), k_header_size + k_longest)));
     }
     pending_.insert(pending_.end(), bytes, bytes + count);
 }
