@@ -80,7 +80,7 @@ function showTimeline() {
   if (same === due.length && same === shown.length) return;
   while (list.childElementCount > same) list.lastElementChild.remove();
   for (const entry of due.slice(same)) {
-    const row = element('li', { className: entry.kind });
+    const row = element('li', { className: entry.kind.replace(' ', '-') });
     row.append(element('time', {}, seconds(entry.at)), element('span', {}, entry.text.trim()));
     list.append(row);
   }
@@ -112,9 +112,21 @@ function showClients() {
     if (entry.what.startsWith('connected')) names.set(noted(entry.who), true);
     if (/^(disconnected|crashed|gone|is gone|closed)/.test(entry.what)) names.set(noted(entry.who), false);
   }
+  const answers = new Map();
+  for (const line of byId('script').value.matchAll(/^\s*clients (.*)$/gm)) {
+    for (const [, name, manner] of line[1].matchAll(/([^\s,]+)([^,#]*)/g)) answers.set(noted(name), manner.replace(/ in .*/, ''));
+  }
+  for (const entry of shown) {
+    const words = entry.kind === 'neighbour' && /^\s*(?:client )?(\S+) ((?:after|silent|fails|invalid|crashes|succeeds).*)/.exec(entry.text);
+    if (words) answers.set(noted(words[1]), words[2]);
+  }
   for (const row of [...rows.children]) if (!names.has(row.dataset.client)) row.remove();
   for (const [name, isThere] of names) {
     const row = [...rows.children].find((one) => one.dataset.client === name) || clientRow(rows, name);
+    const answer = (answers.get(name) || '').trim() || 'succeeds';
+    const choice = row.querySelector('select');
+    if (![...choice.options].some((one) => one.value === answer)) choice.append(element('option', { value: answer }, answer));
+    choice.value = answer;
     row.classList.toggle('gone', !isThere);
     row.lastElementChild.textContent = isThere ? 'Disconnect' : 'Connect';
   }
