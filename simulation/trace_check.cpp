@@ -434,7 +434,10 @@ bool Walk::apply_application(Message const& message) {
     } else if (says(message, "RequestDiagnosticRestart for ")) {
         applications.request_restart(says(message, "RequestDiagnosticRestart for own VM") ? 1 : 5);
     } else if (says(message, "Received unused RequestDiagnosticRestart = ")) {
-        applications.request_restart(static_cast<std::uint8_t>(argument(message, 0).at(43) - '0'));
+        auto const text = argument(message, 0);
+        auto const digit = text.find_first_of("0123456789");
+        applications.request_restart(digit == std::string::npos ? std::uint8_t(0)
+                                                                : static_cast<std::uint8_t>(text[digit] - '0'));
     } else {
         return false;
     }
@@ -561,6 +564,10 @@ std::optional<Outcome_of_walk> go_farther(Trace_life const& life, std::string co
 }
 
 }  // namespace
+
+bool carries_step(Message const& message) {
+    return family_of(argument(message, 0)) != Family::none;
+}
 
 std::string text_of(Trace_verdict const& verdict) {
     auto const steps = std::to_string(verdict.steps) + " steps";

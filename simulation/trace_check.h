@@ -32,6 +32,9 @@ struct Trace_verdict {
 /// Throws `std::runtime_error` for a configuration that the daemon refuses.
 Trace_verdict check(Trace_life const& life, std::string const& configuration);
 
+/// Whether a message is a step.
+bool carries_step(dlt::Message const& message);
+
 /// "agrees, 312 steps", or where and why not.
 std::string text_of(Trace_verdict const& verdict);
 

@@ -3,6 +3,7 @@
 #include "base/hex.h"
 #include "simulation/play.h"
 
+#include <array>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -27,10 +28,10 @@ struct List {
     char const* most;
 };
 
-constexpr List k_lists[]{
-    {"EcuAliveInterfaceInstance", "ApplicationsRequestAliveConfig", "MaxNumberOfApplicationsRequestAlive"},
-    {"NetworkAliveInterfaceInstance", "ApplicationsRequestNetworkConfig", "MaxNumberOfApplicationsRequestNetwork"},
-    {"CWUInterfaceInstance", "CWURequestConfig", "MaxNumberOfCWURequest"}};
+constexpr std::array k_lists{
+    List{"EcuAliveInterfaceInstance", "ApplicationsRequestAliveConfig", "MaxNumberOfApplicationsRequestAlive"},
+    List{"NetworkAliveInterfaceInstance", "ApplicationsRequestNetworkConfig", "MaxNumberOfApplicationsRequestNetwork"},
+    List{"CWUInterfaceInstance", "CWURequestConfig", "MaxNumberOfCWURequest"}};
 
 void take(json& settings, std::string const& key, std::string const& value) {
     for (auto const& list : k_lists) {

@@ -119,6 +119,44 @@ TEST(TraceTest, a_file_that_is_no_trace_is_refused_with_the_reason) {
     EXPECT_THROW(lives_of("no trace"), std::runtime_error);
 }
 
+/// What becomes of every fourth step of the kept life, spoilt in one way.
+struct Spoilt {
+    std::size_t made{0};
+    std::size_t found{0};
+};
+
+template <class Spoil>
+Spoilt spoilt(Spoil const& spoil) {
+    constexpr std::size_t k_stride = 4;
+    auto const life = kept_lives().front();
+    auto const configuration = configuration_in(life);
+    Spoilt result;
+    std::size_t steps = 0;
+    for (std::size_t place = 0; place < life.size(); ++place) {
+        if (carries_step(life[place]) && steps++ % k_stride == 0) {
+            auto other = life;
+            spoil(other, place);
+            ++result.made;
+            result.found += check(other, configuration).kind == Trace_verdict::Kind::disagrees ? 1U : 0U;
+        }
+    }
+    return result;
+}
+
+TEST(TraceTest, a_step_that_is_missing_is_found_nearly_always) {
+    auto const result = spoilt(
+        [](Trace_life& life, std::size_t place) { life.erase(life.begin() + static_cast<std::ptrdiff_t>(place)); });
+    EXPECT_EQ(result.made, 49U);
+    EXPECT_GE(result.found, 48U);
+}
+
+// Not that of a client that comes in another state: it may.
+TEST(TraceTest, a_step_with_another_word_is_found_nearly_always) {
+    auto const result = spoilt([](Trace_life& life, std::size_t place) { life[place].arguments.back() += "another"; });
+    EXPECT_EQ(result.made, 49U);
+    EXPECT_GE(result.found, 48U);
+}
+
 }  // namespace
 
 }  // namespace simulation
