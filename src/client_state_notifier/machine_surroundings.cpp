@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <type_traits>
 
 #include <sys/socket.h>
 
@@ -60,6 +61,9 @@ class Machine_surroundings final : public Surroundings {
 };
 
 }  // namespace
+
+// The server's thread may still be at work when the process exits.
+static_assert(std::is_trivially_destructible_v<Machine_surroundings>);
 
 Surroundings& machine_surroundings() {
     static Machine_surroundings machine;

@@ -36,8 +36,6 @@ class Surroundings {
  public:
     using Clock = std::chrono::steady_clock;
 
-    Surroundings() = default;
-    virtual ~Surroundings() = default;
     Surroundings(Surroundings const&) = delete;
     Surroundings& operator=(Surroundings const&) = delete;
 
@@ -56,9 +54,13 @@ class Surroundings {
     virtual std::pair<utilities::Socket, utilities::Socket> socket_pair() = 0;
 
     virtual std::unique_ptr<Wake_up_bell> bell() = 0;
+
+ protected:
+    constexpr Surroundings() = default;
+    ~Surroundings() = default;
 };
 
-/// The machine's.
+/// The machine's, which nothing destroys: threads may use them until the process is gone.
 Surroundings& machine_surroundings();
 
 }  // namespace client_state_notifier
