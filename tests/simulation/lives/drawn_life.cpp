@@ -42,6 +42,7 @@ class Drawing {
     void change_client();
     void disturb();
 
+    // Draws are statements of their own: the operands of one expression have no order.
     simulation::Random random_;
     std::uint64_t now_{0};
     unsigned period_{100};
@@ -87,7 +88,8 @@ std::string Drawing::manner() {
         return "silent";
     }
     if (how <= 3) {
-        return one_of({"fails", "invalid", "crashes"}) + " after " + time();
+        auto const answer = one_of({"fails", "invalid", "crashes"});
+        return answer + " after " + time();
     }
     return "after " + time();
 }
@@ -127,7 +129,8 @@ void Drawing::configure(Lines& lines) {
 void Drawing::draw_clients(Lines& lines) {
     for (auto const* const name : {"dcm", "radio", "tuner", "seat", "dem"}) {
         if (in_100(75)) {
-            lines.push_back(std::string("clients ") + name + ' ' + manner() + (in_100(10) ? " in kPrepSD" : ""));
+            auto const how = manner();
+            lines.push_back(std::string("clients ") + name + ' ' + how + (in_100(10) ? " in kPrepSD" : ""));
         }
     }
 }
@@ -150,9 +153,11 @@ void Drawing::change_client() {
     switch (below(6)) {
         case 0:
             return happens("client " + who + " disconnects");
-        case 1:
+        case 1: {
             happens("client " + who + " disconnects");
-            return happens("client " + who + " connects " + manner() + (in_100(30) ? " in kPrepSD" : ""));
+            auto const how = manner();
+            return happens("client " + who + " connects " + how + (in_100(30) ? " in kPrepSD" : ""));
+        }
         case 2:
             return happens("client " + who + " reports " + one_of({"kOn", "kPrepSD", "degraded"}));
         case 3:
@@ -166,9 +171,11 @@ void Drawing::disturb() {
     switch (below(has_faults_ ? 8 : 5)) {
         case 0:
             return happens(one_of({"status-file refuses", "status-file takes"}));
-        case 1:
-            return happens("service-manager " + one_of({"grants", "refuses", "silent"}) +
+        case 1: {
+            auto const answer = one_of({"grants", "refuses", "silent"});
+            return happens("service-manager " + answer +
                            (in_100(50) ? " after " + std::to_string(below(900)) + "ms" : ""));
+        }
         case 2:
             return happens("diagnostics restart " + std::to_string(below(7)));
         case 3:

@@ -35,6 +35,30 @@ TEST(Lives_of_the_machine, Are_the_same_each_time) {
     EXPECT_NE(drawn_life(3), drawn_life(77));
 }
 
+/// FNV-1a.
+std::uint64_t hash_of(std::string const& text) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (unsigned char const byte : text) {
+        hash = (hash ^ byte) * 0x100000001B3U;
+    }
+    return hash;
+}
+
+// A seed that somebody else tells of must give their life. Whoever changes what is drawn changes this number.
+TEST(Lives_of_the_machine, Are_drawn_alike_by_each_compiler) {
+    std::string scripts;
+    for (std::uint64_t seed = 1; seed <= 200; ++seed) {
+        scripts += text_of(drawn_life(seed));
+    }
+    EXPECT_EQ(hash_of(scripts), 476852379863338999U);
+}
+
+TEST(Lives_of_the_machine, Tell_an_exception_as_what_they_have_found) {
+    Coverage unused;
+    EXPECT_THAT(played({"at 1s key r", "config KnockOutTimer \"x\""}, unused).finding, HasSubstr("exception"));
+    EXPECT_THAT(played({"at 1s key x"}, unused).finding, HasSubstr("there is no key"));
+}
+
 /// What a machine that breaks a rule would show, after its start in Starting up.
 struct Broken {
     char const* finding;
