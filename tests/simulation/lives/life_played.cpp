@@ -4,6 +4,7 @@
 #include "simulation/play.h"
 
 #include <algorithm>
+#include <exception>
 #include <nlohmann/json.hpp>
 
 namespace lives {
@@ -26,9 +27,7 @@ Terms terms_of(simulation::Script const& script, std::string const& configuratio
     return terms;
 }
 
-}  // namespace
-
-Played played(Lines const& lines, Coverage& coverage) {
+Played played_to_its_end(Lines const& lines, Coverage& coverage) {
     auto const script = simulation::parse_script(text_of(lines));
     auto const configuration = simulation::configuration_of(script, std::nullopt);
     Held_rules rules(terms_of(script, configuration), coverage);
@@ -50,6 +49,16 @@ Played played(Lines const& lines, Coverage& coverage) {
     }
     life.run(script.end());
     return {rules.finding(), rules.steps()};
+}
+
+}  // namespace
+
+Played played(Lines const& lines, Coverage& coverage) {
+    try {
+        return played_to_its_end(lines, coverage);
+    } catch (std::exception const& error) {
+        return {std::string("an exception ends it: ") + error.what(), 0};
+    }
 }
 
 // Ever smaller pieces are left out, down to one line, until no line can be.

@@ -11,7 +11,7 @@
 namespace lives {
 
 struct Played {
-    std::string finding;  ///< the first rule that was broken, "" for none
+    std::string finding;  ///< the first rule that was broken, or the exception that ended it; "" for none
     std::uint64_t steps;  ///< of the driver
 };
 
