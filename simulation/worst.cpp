@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 namespace simulation {
@@ -18,6 +19,9 @@ using Answer = Client_manner::Answer;
 constexpr Time k_first_key = std::chrono::seconds(1);
 constexpr Time k_rest = std::chrono::seconds(1);  // in the suspend, before the resume
 constexpr Time k_slack = std::chrono::seconds(5);
+constexpr unsigned k_longest_answers = 6;  // every group in three sequences
+// What is looked at is at most a day, as in a script.
+constexpr Time k_longest_answer = std::chrono::hours(24) / k_longest_answers;
 constexpr unsigned k_manners = 8;  // each of three groups as it is, or silent
 
 struct Press {
@@ -63,6 +67,11 @@ class Search {
             auto const setting = settings.find(name);
             bool const is_number = setting != settings.end() && setting->is_number_unsigned();
             longest_answer_ += std::chrono::seconds(is_number ? setting->get<std::uint32_t>() : 0U);
+        }
+        if (longest_answer_ > k_longest_answer) {
+            throw std::runtime_error(
+                "ApplicationSuspendRequestTimeout and DMSuspendRequestTimeout together are more than four hours, too "
+                "long to search");
         }
         script_.events.clear();
         script_.expectations.clear();
@@ -115,9 +124,8 @@ class Search {
         for (auto const& press : presses) {
             script.events.push_back({press.at, [key = press.key](Life& life) { life.hypervisor().press(key); }});
         }
-        // Time enough to wait for every group in three sequences.
         auto const last = presses.empty() ? k_first_key : presses.back().at;
-        script.until = last + 6 * longest_answer_ + k_slack;
+        script.until = last + k_longest_answers * longest_answer_ + k_slack;
         return script;
     }
 

@@ -187,6 +187,20 @@ TEST(The_longest_way, Is_that_of_silent_clients_and_a_key_at_the_worst_moment) {
     EXPECT_THAT(text, HasSubstr("radio silent"));
 }
 
+TEST(The_longest_way, Is_not_searched_where_clients_have_hours) {
+    for (auto const* const hours : {"14401", "4294967295"}) {
+        auto const script = parse_script("config DMSuspendRequestTimeout 1\nconfig ApplicationSuspendRequestTimeout " +
+                                         std::string(hours));
+        std::string complaint;
+        try {
+            find_worst(script, configuration_of(script, std::nullopt), goals().front());
+        } catch (std::runtime_error const& error) {
+            complaint = error.what();
+        }
+        EXPECT_THAT(complaint, HasSubstr("too long to search"));
+    }
+}
+
 TEST(The_manual, Has_an_example_that_keeps_what_it_expects) {
     std::ifstream file(WHATIF_MANUAL);
     std::string script;
