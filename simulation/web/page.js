@@ -110,7 +110,7 @@ function showClients() {
   for (const entry of shown) {
     if (entry.kind !== 'client') continue;
     if (entry.what.startsWith('connected')) names.set(noted(entry.who), true);
-    if (/^(disconnected|crashed|gone|is gone|closed)/.test(entry.what)) names.set(noted(entry.who), false);
+    if (/^(disconnected|crashed|was dropped)/.test(entry.what)) names.set(noted(entry.who), false);
   }
   const answers = new Map();
   for (const line of byId('script').value.matchAll(/^\s*clients (.*)$/gm)) {
