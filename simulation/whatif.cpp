@@ -34,12 +34,15 @@ std::string read(std::string const& path) {
     if (path == "-") {
         return {std::istreambuf_iterator<char>(std::cin), {}};
     }
-    std::ifstream file(path);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file) {
-        throw std::runtime_error("it can't be read");
+    try {
+        std::ifstream file(path);
+        std::string text{std::istreambuf_iterator<char>(file), {}};
+        if (file) {
+            return text;
+        }
+    } catch (std::ios_base::failure const&) {  // a directory
     }
-    return text;
+    throw std::runtime_error("it can't be read");
 }
 
 int play(Options const& options, simulation::Script const& script, std::string const& configuration) {
@@ -101,11 +104,12 @@ int main(int argc, char** argv) {
     auto* const script =
         application.add_option("SCRIPT", options.script, "What happens, a line an event; - is standard input");
     application.add_option("--config", options.configuration, "Configuration file of the daemon (default: built in)");
-    application.add_flag("--json", options.with_json, "Print JSON");
+    auto* const json = application.add_flag("--json", options.with_json, "Print JSON");
     application.add_flag("--log", options.with_log, "Show what the daemon logs as well");
     auto* const worst =
         application.add_option("--worst", options.worst, "Search for the longest suspend, resume or shutdown")
-            ->check(CLI::IsMember({"suspend", "resume", "shutdown"}));
+            ->check(CLI::IsMember({"suspend", "resume", "shutdown"}))
+            ->excludes(json);
     application.add_option("--trace", options.trace, "Hold a DLT trace of the daemon against the rules")
         ->excludes(script)
         ->excludes(worst);
