@@ -125,19 +125,29 @@ std::string configuration_of(Script const& script, std::optional<std::string> co
     return root.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-Outcome play(Script const& script, std::string const& configuration, bool with_log) {
+Life_options options_of(Script const& script, std::string const& configuration) {
     Life_options options{configuration};
-    options.with_log = with_log;
     options.manager_is_there = script.manager_is_there;
     options.channel_is_there = script.channel_is_there;
     options.power_off_takes = script.power_off_takes;
-    Life life(std::move(options));
+    return options;
+}
+
+void enact(Script const& script, Life& life) {
     for (auto const& client : script.clients) {
-        life.events().at(Time(0), [&] { life.clients().connect(client.name, client.manner, client.state); });
+        life.events().at(Time(0),
+                         [&life, &client] { life.clients().connect(client.name, client.manner, client.state); });
     }
     for (auto const& event : script.events) {
-        life.events().at(event.at, [&] { event.act(life); });
+        life.events().at(event.at, [&life, &event] { event.act(life); });
     }
+}
+
+Outcome play(Script const& script, std::string const& configuration, bool with_log) {
+    auto options = options_of(script, configuration);
+    options.with_log = with_log;
+    Life life(std::move(options));
+    enact(script, life);
     life.run(script.end());
     Outcome outcome{life.timeline(), {}, life.longest_cycle()};
     for (auto const& expectation : script.expectations) {

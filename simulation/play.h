@@ -29,6 +29,10 @@ struct Outcome {
 /// with the script's settings. Throws `std::runtime_error`; for a setting that there is not, with its line.
 std::string configuration_of(Script const& script, std::optional<std::string> const& file);
 
+/// What a script wants of a life, and what is to happen in it; the script outlives the life.
+Life_options options_of(Script const& script, std::string const& configuration);
+void enact(Script const& script, Life& life);
+
 /// Plays a script. Throws `std::runtime_error` for a configuration that the daemon refuses.
 Outcome play(Script const& script, std::string const& configuration, bool with_log = false);
 

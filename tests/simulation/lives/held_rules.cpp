@@ -326,8 +326,9 @@ void Held_rules::take_request(Entry const& entry) {
         find("network management was told without being used: " + entry.who + ' ' + entry.what);
     }
     is_exact_ = is_exact_ && entry.what.find("failed") == std::string::npos;
-    // What the state itself does on its way in comes before the driver waits.
-    if (is_standing_by_ && !went_) {
+    // What Preparing itself does on its way in comes before the driver waits.
+    bool const begins = went_ && state_ == State::preparing;
+    if (is_standing_by_ && !begins) {
         find("a message during the suspend: " + entry.who + ' ' + entry.what);
     }
     if (words_owed_ != 0 && state_ != State::starting_up) {

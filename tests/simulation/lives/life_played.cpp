@@ -27,35 +27,34 @@ Terms terms_of(simulation::Script const& script, std::string const& configuratio
     return terms;
 }
 
-Played played_to_its_end(Lines const& lines, Coverage& coverage) {
+Played played_to_its_end(Lines const& lines, Coverage& coverage, Planted const& planted) {
     auto const script = simulation::parse_script(text_of(lines));
     auto const configuration = simulation::configuration_of(script, std::nullopt);
     Held_rules rules(terms_of(script, configuration), coverage);
     simulation::Life* life_to_ask = nullptr;
-    simulation::Life_options options{configuration};
+    auto options = simulation::options_of(script, configuration);
     options.with_log = true;
-    options.manager_is_there = script.manager_is_there;
-    options.channel_is_there = script.channel_is_there;
-    options.power_off_takes = script.power_off_takes;
-    options.observer = [&](simulation::Entry const& entry) { rules.take(entry); };
+    options.observer = [&](simulation::Entry const& entry) {
+        rules.take(entry);
+        if (planted) {
+            if (auto const more = planted(entry)) {
+                rules.take(*more);
+            }
+        }
+    };
     options.on_wait = [&] { rules.wait(*life_to_ask); };
     simulation::Life life(std::move(options));
     life_to_ask = &life;
-    for (auto const& client : script.clients) {
-        life.clients().connect(client.name, client.manner, client.state);
-    }
-    for (auto const& event : script.events) {
-        life.events().at(event.at, [&] { event.act(life); });
-    }
+    simulation::enact(script, life);
     life.run(script.end());
     return {rules.finding(), rules.steps()};
 }
 
 }  // namespace
 
-Played played(Lines const& lines, Coverage& coverage) {
+Played played(Lines const& lines, Coverage& coverage, Planted const& planted) {
     try {
-        return played_to_its_end(lines, coverage);
+        return played_to_its_end(lines, coverage, planted);
     } catch (std::exception const& error) {
         return {std::string("an exception ends it: ") + error.what(), 0};
     }

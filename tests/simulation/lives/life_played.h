@@ -3,9 +3,11 @@
 
 #include "coverage.h"
 #include "drawn_life.h"
+#include "simulation/timeline.h"
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace lives {
@@ -15,8 +17,11 @@ struct Played {
     std::uint64_t steps;  ///< of the driver
 };
 
+/// What the rules are told after an entry, as if the machine had done it.
+using Planted = std::function<std::optional<simulation::Entry>(simulation::Entry const& entry)>;
+
 /// Plays a script under the rules.
-Played played(Lines const& lines, Coverage& coverage);
+Played played(Lines const& lines, Coverage& coverage, Planted const& planted = {});
 
 /// Few of the lines, in their order, that still fail; none of them can be left out.
 Lines shrunk(Lines lines, std::function<bool(Lines const& lines)> const& fails);

@@ -126,6 +126,21 @@ INSTANTIATE_TEST_SUITE_P(
         Broken{"was told", {{1s, Kind::power_off, "", "poweroff 5"}}},
         Broken{"something after the end", {{1s, Kind::end, "", ""}, {1s, Kind::word, "written", "startingup"}}}));
 
+// Each state of a suspend asks the network for nothing but on its way into the first.
+TEST(A_suspend, In_which_a_later_state_tells_the_network_something_is_found) {
+    Lines const lines{"clients dcm, radio, dem", "at 2s key p"};
+    auto const telling = [](std::string const& word) {
+        return [word](Entry const& entry) {
+            bool const is_there = entry.kind == Kind::word && entry.what == word;
+            return is_there ? std::optional(Entry{entry.at, Kind::request, "request", "01"}) : std::nullopt;
+        };
+    };
+    Coverage unused;
+    EXPECT_EQ(played(lines, unused).finding, "");
+    EXPECT_EQ(played(lines, unused, telling("preparing")).finding, "");
+    EXPECT_THAT(played(lines, unused, telling("prepared4sd")).finding, HasSubstr("a message during the suspend"));
+}
+
 TEST(A_life_that_breaks_a_rule, Is_told_by_the_lines_that_it_takes) {
     Lines const lines{"clients radio after 3s", "at 1s key p", "at 2s key n", "at 3s key r"};
 
