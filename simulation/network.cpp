@@ -1,9 +1,9 @@
 #include "simulation/network.h"
 
+#include "base/hex.h"
 #include "tarq/udpnm/interface/network_state_interface_skeleton.h"
 #include "tarq/udpnm/interface/user_data_interface_skeleton.h"
 
-#include <array>
 #include <stdexcept>
 
 namespace simulation {
@@ -34,14 +34,7 @@ Bits awake() {
 }  // namespace
 
 std::string text_of(Bits const& bits) {
-    constexpr std::array<char, 17> k_digits{"0123456789abcdef"};
-    std::string text;
-    for (auto const byte : bits) {
-        text += text.empty() ? "" : " ";
-        text += k_digits.at(byte >> 4U);
-        text += k_digits.at(byte & 15U);
-    }
-    return text;
+    return base::to_hex(bits);
 }
 
 class Network::Network_state_service : public skeletons::NetworkStateInterfaceSkeleton {

@@ -1,5 +1,6 @@
 #include "simulation/script.h"
 
+#include "base/hex.h"
 #include "simulation/rules.h"
 #include "simulation/script_line.h"
 
@@ -47,13 +48,11 @@ Bits bits(Script_line& line) {
     Bits bits;
     while (!line.at_end() && line.peek() != "ac") {
         auto const byte = line.next("a byte");
-        auto const digits = std::string_view("0123456789abcdef");
-        auto const high = digits.find(byte.front());
-        auto const low = digits.find(byte.back());
-        if (byte.size() != 2 || high == std::string_view::npos || low == std::string_view::npos) {
+        auto const value = base::from_hex(byte);
+        if (!value || value->size() != 1) {
             line.refuse_last('"' + byte + "\" is no byte of two digits 0 to 9 and a to f");
         }
-        bits.push_back(static_cast<std::uint8_t>(high * 16 + low));
+        bits.push_back(value->front());
         if (bits.size() > k_most_bits) {
             line.refuse_last("these are too many bytes");
         }

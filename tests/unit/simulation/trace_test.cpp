@@ -37,7 +37,7 @@ std::size_t place_of(Trace_life const& life, std::string const& words, std::stri
     return place;
 }
 
-TEST(TraceTest, lives_of_the_real_daemon_agree_with_the_simulated_one_also_the_one_that_is_cut) {
+TEST(A_kept_trace, Lives_of_the_real_daemon_agree_with_the_simulated_one_also_the_one_that_is_cut) {
     auto const lives = kept_lives();
     ASSERT_EQ(lives.size(), 2U);
     for (auto const& life : lives) {
@@ -47,7 +47,7 @@ TEST(TraceTest, lives_of_the_real_daemon_agree_with_the_simulated_one_also_the_o
     }
 }
 
-TEST(TraceTest, a_transition_into_another_state_is_found_with_both_sides) {
+TEST(A_kept_trace, A_transition_into_another_state_is_found_with_both_sides) {
     auto life = kept_lives().front();
     auto const place = place_of(life, "AP_StateManger transition from", "Post Run");
     life[place].arguments.back() = "Preparing";
@@ -57,28 +57,28 @@ TEST(TraceTest, a_transition_into_another_state_is_found_with_both_sides) {
     EXPECT_THAT(verdict.text, HasSubstr("simulated: AP_StateManger transition from NM Controlled  to  Post Run"));
 }
 
-TEST(TraceTest, a_transition_that_is_missing_is_found) {
+TEST(A_kept_trace, A_transition_that_is_missing_is_found) {
     auto life = kept_lives().front();
     auto const place = place_of(life, "AP_StateManger transition from", "Post Run");
     life.erase(life.begin() + static_cast<std::ptrdiff_t>(place));
     EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::disagrees);
 }
 
-TEST(TraceTest, a_client_that_was_not_asked_in_its_turn_is_found) {
+TEST(A_kept_trace, A_client_that_was_not_asked_in_its_turn_is_found) {
     auto life = kept_lives().front();
     auto const place = place_of(life, "Requesting ", " mode for client applications");
     life[place].arguments.back() = " mode for DEM";
     EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::disagrees);
 }
 
-TEST(TraceTest, other_bits_of_the_network_are_found) {
+TEST(A_kept_trace, Other_bits_of_the_network_are_found) {
     auto life = kept_lives().front();
     auto const place = place_of(life, "State_manager::set_user_data(", ")");
     life[place].arguments[1] = "40 00 00 00 00 00 ";
     EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::disagrees);
 }
 
-TEST(TraceTest, other_settings_are_found) {
+TEST(A_kept_trace, Other_settings_are_found) {
     auto const life = kept_lives().front();
     auto configuration = configuration_in(life);
     auto const place = configuration.find("\"StateManagerNMUsage\":true");
@@ -87,7 +87,7 @@ TEST(TraceTest, other_settings_are_found) {
     EXPECT_EQ(check(life, configuration).kind, Trace_verdict::Kind::disagrees);
 }
 
-TEST(TraceTest, what_a_neighbour_did_that_is_not_simulated_ends_the_judgement) {
+TEST(A_kept_trace, What_a_neighbour_did_that_is_not_simulated_ends_the_judgement) {
     auto life = kept_lives().front();
     constexpr int k_warning = 3;
     life[life.size() / 2].level = k_warning;
@@ -97,14 +97,14 @@ TEST(TraceTest, what_a_neighbour_did_that_is_not_simulated_ends_the_judgement) {
     EXPECT_THAT(verdict.text, HasSubstr("I/O exception"));
 }
 
-TEST(TraceTest, a_life_without_its_start_is_not_judged) {
+TEST(A_kept_trace, A_life_without_its_start_is_not_judged) {
     auto life = kept_lives().front();
     life.erase(life.begin(), life.begin() + 10);
     EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::undecidable);
     EXPECT_THAT(verdict_on(life).text, HasSubstr("the middle of a life"));
 }
 
-TEST(TraceTest, a_log_without_the_drivers_cycles_is_not_judged) {
+TEST(A_kept_trace, A_log_without_the_drivers_cycles_is_not_judged) {
     Trace_life told;
     constexpr int k_info = 4;
     auto const whole = kept_lives().front();
@@ -115,7 +115,7 @@ TEST(TraceTest, a_log_without_the_drivers_cycles_is_not_judged) {
     EXPECT_EQ(configuration_in(told), "");
 }
 
-TEST(TraceTest, a_file_that_is_no_trace_is_refused_with_the_reason) {
+TEST(A_kept_trace, A_file_that_is_no_trace_is_refused_with_the_reason) {
     EXPECT_THROW(lives_of(""), std::runtime_error);
     EXPECT_THROW(lives_of("no trace"), std::runtime_error);
 }
@@ -144,7 +144,7 @@ Spoilt spoilt(Spoil const& spoil) {
     return result;
 }
 
-TEST(TraceTest, a_step_that_is_missing_is_found_nearly_always) {
+TEST(A_kept_trace, A_step_that_is_missing_is_found_nearly_always) {
     auto const result = spoilt(
         [](Trace_life& life, std::size_t place) { life.erase(life.begin() + static_cast<std::ptrdiff_t>(place)); });
     EXPECT_EQ(result.made, 49U);
@@ -152,7 +152,7 @@ TEST(TraceTest, a_step_that_is_missing_is_found_nearly_always) {
 }
 
 // Not that of a client that comes in another state: it may.
-TEST(TraceTest, a_step_with_another_word_is_found_nearly_always) {
+TEST(A_kept_trace, A_step_with_another_word_is_found_nearly_always) {
     auto const result = spoilt([](Trace_life& life, std::size_t place) { life[place].arguments.back() += "another"; });
     EXPECT_EQ(result.made, 49U);
     EXPECT_GE(result.found, 48U);
