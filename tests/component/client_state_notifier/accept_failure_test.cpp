@@ -104,6 +104,18 @@ TEST_P(With_a_clock_that_goes_on, Is_followed_by_another_when_the_pause_is_over)
 INSTANTIATE_TEST_SUITE_P(By, With_a_clock_that_goes_on, testing::Values(0, 10, 20, 30, 40, 60, 80, 90, 99, 110),
                          [](auto const& test) { return std::to_string(test.param) + "_ms_at_each_reading"; });
 
+// The end of the pause comes before that of the newcomer's time.
+TEST_F(Server_test, A_pause_after_a_failed_accept_is_no_longer_for_a_newcomer_that_has_not_said_who_it_is) {
+    test_support::Test_client newcomer(path);
+    auto first = connect("first");  // taken after the newcomer
+    next_failure = EMFILE;
+    auto second = connect("second", "kOff");
+    EXPECT_EQ(second.receive().state, "kOn");
+    EXPECT_EQ(next_failure, 0) << "nobody has called it";
+    newcomer.introduce("newcomer", "kOff");
+    EXPECT_EQ(newcomer.receive().state, "kOn") << "its time has passed";
+}
+
 using Of_the_server = Accept_that_fails;
 
 TEST_P(Of_the_server, Ends_it) {

@@ -89,6 +89,13 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
                 testing::ElementsAre(test_support::logged(ara::log::LogLevel::kWarn, "An instance has more than ", 128U,
                                                           " clients; the others get no replies")))
         << "once";
+    bool has_looked = false;
+    std::function<void()> const after_look = [&has_looked] { has_looked = true; };
+    constexpr dds_instance_handle_t k_nobody = 1;
+    test_support::played_dds::faults().after_look = &after_look;
+    sut.send(requests.entity(), k_nobody, nullptr);
+    test_support::played_dds::faults().after_look = nullptr;
+    EXPECT_FALSE(has_looked) << "there is no room for whoever asks";
 
     clients.erase(clients.begin());
     sut.follow(requests.entity());
