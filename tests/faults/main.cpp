@@ -18,7 +18,6 @@
 namespace {
 
 constexpr int k_usage_error = 2;
-constexpr int k_not_allowed = 77;  // fault_at_call's word for it
 
 void print_usage(std::FILE* out) {
     std::fputs(
@@ -70,16 +69,16 @@ faults::Options options_in(std::vector<std::string> const& words) {
     return options;
 }
 
-// Says why, where it may not.
-bool may_be_watched(faults::Options const& options) {
+// The status of fault_at_call, which says why, where a process may not be watched or can't be.
+int watching_by(faults::Options const& options) {
     int const status =
         std::system((options.programs + "/tests/faults/fault_at_call /dev/null /dev/null /bin/true").c_str());
-    return !WIFEXITED(status) || WEXITSTATUS(status) != k_not_allowed;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE;
 }
 
 int sweep(faults::Options const& options) {
-    if (!may_be_watched(options)) {
-        return k_not_allowed;
+    if (int const status = watching_by(options); status != EXIT_SUCCESS) {
+        return status;
     }
     // Each life is judged by its own verdict.
     bench::hear_unasked_ends([](std::string const& /*what*/) {});

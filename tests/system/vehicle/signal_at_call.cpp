@@ -90,19 +90,23 @@ bool is_the_moment(std::string_view moment, Watched const& program, ptrace_sysca
            program.has_text_at(call.entry.args[1], first_word);
 }
 
-void signal_at(std::string_view moment, pid_t pid, test_support::Tell_ready const& ready) {
+int signal_at(std::string_view moment, pid_t pid, test_support::Tell_ready const& ready) {
     Watched const program(pid);
-    if (!program.begin() || !ready()) {
-        return;
+    if (!program.begin()) {
+        return errno;
+    }
+    if (!ready()) {
+        return 0;
     }
     while (program.next_call()) {
         if (is_the_moment(moment, program, program.call()) && program.next_call()) {
             ::syscall(SYS_tgkill, pid, pid, SIGTERM);
             std::ofstream("/tmp/signalled") << moment;
             program.end();
-            return;
+            return 0;
         }
     }
+    return 0;
 }
 
 }  // namespace
@@ -112,10 +116,13 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: signal_at_call MOMENT PROGRAM...\n");
         return EXIT_FAILURE;
     }
-    if (!test_support::start_watcher(
-            [argv](pid_t program, auto const& ready) { signal_at(argv[1], program, ready); })) {
-        std::fprintf(stderr, "A process may not be watched here: %s\n", std::strerror(errno));
-        return k_not_allowed;
+    int const error = test_support::start_watcher(
+        [argv](pid_t program, auto const& ready) { return signal_at(argv[1], program, ready); });
+    if (error != 0) {
+        bool const is_refused = test_support::is_refusal(error);
+        std::fprintf(stderr, "A process %s be watched here: %s\n", is_refused ? "may not" : "can't",
+                     std::strerror(error));
+        return is_refused ? k_not_allowed : EXIT_FAILURE;
     }
     ::setenv("LSAN_OPTIONS", "detect_leaks=0", 1);  // impossible in a process that is watched to its end
     ::execv(argv[2], argv + 2);
