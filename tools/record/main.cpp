@@ -87,20 +87,33 @@ record::Records records_before(std::string const& directory, Complaint& complain
     }
 }
 
-// Goes on for a moment after the wish to end: the daemon's farewell may be on its way.
-void follow(Options const& options, Recorder& recorder, record::Record_files const& files, Complaint& disk) {
-    Complaint complaint;
+void take_previous(Options const& options, Recorder& recorder, Complaint& complaint) {
     auto const earlier = opened(options.page + status::k_previous, complaint);
     if (earlier) {
         take(recorder, *earlier);
     }
+}
+
+// The page of the daemon that was started last. The one before it may have come and gone since the look before.
+std::unique_ptr<Page_view> newest(Options const& options, Recorder& recorder, Complaint& complaint) {
+    auto view = opened(options.page, complaint);
+    if (view) {
+        take_previous(options, recorder, complaint);
+    }
+    return view;
+}
+
+// Goes on for a moment after the wish to end: the daemon's farewell may be on its way.
+void follow(Options const& options, Recorder& recorder, record::Record_files const& files, Complaint& disk) {
+    Complaint complaint;
+    take_previous(options, recorder, complaint);
     std::unique_ptr<Page_view> view;
     for (Number end_at = 0;;) {
         if (view && view->is_outdated()) {
             take(recorder, *view);
             view.reset();
         }
-        view = view ? std::move(view) : opened(options.page, complaint);
+        view = view ? std::move(view) : newest(options, recorder, complaint);
         auto const seen = view ? view->events() : 0;
         bool is_alive = false;
         if (view) {

@@ -52,6 +52,11 @@ Identity identity_of(Snapshot const& page) {
     return {shown(text_of(page.life.boot)), page.life.number, page.life.pid, page.life.started};
 }
 
+// Those of the same boot that came and went without a look at their pages.
+Number lives_between(Identity const& before, Identity const& after) {
+    return before.boot == after.boot && after.number > before.number ? after.number - before.number - 1 : 0;
+}
+
 // The beginning of what is told of a life: from that moment on, when it had this state.
 std::string life_line(Snapshot const& page, Number from, Number state) {
     return text({{"line", "life"},
@@ -132,6 +137,7 @@ void Recorder::leave(Look const& now) {
 
 // A life that stands in the files is gone on with where they end.
 void Recorder::begin_life(Snapshot const& page, Identity const& identity, Look const& now) {
+    auto const skipped = lives_between(last_life(), identity);
     identity_ = identity;
     seen_.clear();
     taken_ = missed_ = 0;
@@ -151,6 +157,14 @@ void Recorder::begin_life(Snapshot const& page, Identity const& identity, Look c
     if (!is_over_) {
         files_.add(first_line_, true);
     }
+    if (!is_over_ && skipped != 0) {
+        add("missed", R"(,"count":)" + std::to_string(skipped), now);
+    }
+}
+
+// That was looked at, or stands in the files.
+Identity Recorder::last_life() const {
+    return identity_.boot.empty() && !before_.lives.empty() ? before_.lives.back().identity : identity_;
 }
 
 void Recorder::take_events(Snapshot const& page, Look const& now) {

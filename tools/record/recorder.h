@@ -35,6 +35,7 @@ class Recorder {
     using Key = std::tuple<Number, Number, std::array<Number, 3>, std::string>;
 
     void begin_life(Snapshot const& page, Identity const& identity, Look const& now);
+    Identity last_life() const;
     void take_events(Snapshot const& page, Look const& now);
     bool has_allowance(Number kind);
     void tell_missed(Look const& now);

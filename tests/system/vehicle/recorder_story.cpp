@@ -224,6 +224,25 @@ TEST_F(Recorder_story, Tells_a_machine_that_went_down_under_daemon_and_recorder)
     EXPECT_THAT(ends(), ElementsAre("went down in Running", "running in Running"));
 }
 
+TEST_F(Recorder_story, Tells_lives_that_came_and_went_between_two_looks) {
+    build();
+    start_recorder();
+    start_and_run();
+    await_recorded("Running");
+    recorder->signal(SIGSTOP);
+    for (int life = 0; life < 3; ++life) {
+        kill_daemon();
+        machine->start_daemon();
+        ASSERT_TRUE(is_in("Running"));
+    }
+    recorder->signal(SIGCONT);
+    auto const history =
+        told_when("history", [](json const& told) { return told.at("cycles").back().at("end_word") == "running"; });
+    EXPECT_THAT(ends(), ElementsAre(HasSubstr(" in Running"), HasSubstr(" in Running"), "running in Running"));
+    EXPECT_EQ(history.at("cycles").at(1).at("missed"), 1) << "the second life, whose page is gone: " << history;
+    EXPECT_EQ(history.at("cycles").back().at("missed"), 0) << history;
+}
+
 TEST_F(Recorder_story, Blames_a_client_that_was_late_and_tells_by_how_much) {
     settings()["ApplicationSuspendRequestTimeout"] = 2;
     build();

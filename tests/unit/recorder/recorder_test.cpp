@@ -28,11 +28,11 @@ class Following : public testing::Test {
     ~Following() override { status::set_page(nullptr); }
 
     /// Another life's.
-    void begin_page(std::string const& boot) {
+    void begin_page(std::string const& boot, Number number = 1) {
         page = std::make_unique<status::Page>();
         status::set_page(page.get());
         status::put(page->life.boot, boot);
-        status::put(page->life.number, 1U);
+        status::put(page->life.number, number);
         status::put(page->life.pid, 7U);
         status::put(page->life.started, status::now());
     }
@@ -94,6 +94,22 @@ TEST_F(Following, Writes_each_event_once_however_often_it_looks_or_is_started) {
     EXPECT_EQ(records().lives.size(), 1U);
     EXPECT_EQ(records().lives[0].missed, 0U);
     EXPECT_EQ(records().damaged, 0U);
+}
+
+TEST_F(Following, Counts_each_life_of_a_boot_that_it_has_not_seen_as_missed) {
+    struct {
+        char const* boot;
+        Number number;
+        Number missed;
+    } const lives[]{{"a", 2, 0}, {"a", 5, 2}, {"b", 4, 0}, {"b", 1, 0}, {"b", 3, 1}};
+    look();
+    for (auto const& life : lives) {
+        begin_page(life.boot, life.number);
+        restart();
+        look();
+        look();
+        EXPECT_EQ(records().lives.back().missed, life.missed) << life.boot << life.number;
+    }
 }
 
 TEST_F(Following, Tells_an_end_once_by_how_it_came) {
