@@ -36,12 +36,20 @@ void Status_of_walk::check(Point const& point) const {
     auto const& driver = page().driver;
     EXPECT_EQ(status::own(driver.sequence) % 2, 0U);
     EXPECT_EQ(status::own(driver.state), point.state);
+    EXPECT_EQ(status::own(driver.last_key), static_cast<std::uint64_t>(point.last_key));
     EXPECT_EQ(status::own(driver.waiting), point.queue.size());
     for (std::size_t place = 0; place < point.queue.size(); ++place) {
         EXPECT_EQ(status::own(driver.queue.at(place)), static_cast<std::uint64_t>(point.queue[place]));
     }
     if (point.state == ximo::ap::statemanager::states::k_post_run) {
         EXPECT_EQ(status::own(driver.knockout), Machine::k_knockout - point.ticks);
+    }
+}
+
+void Status_of_walk::check_beat(Point const& point) const {
+    if (!point.has_ended) {
+        EXPECT_EQ(status::own(page().driver.prepare_sd), point.prepare_sd ? 1U : 0U);
+        EXPECT_EQ(status::own(page().driver.forced), point.forced_shutdown ? 1U : 0U);
     }
 }
 

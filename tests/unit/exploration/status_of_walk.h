@@ -14,8 +14,11 @@ class Status_of_walk {
     Status_of_walk(Status_of_walk const&) = delete;
     Status_of_walk& operator=(Status_of_walk const&) = delete;
 
-    /// State, queue and knock-out count are the point's.
+    /// State, queue, last key and knock-out count are the point's.
     void check(Point const& point) const;
+
+    /// What a cycle tells when it begins is that of the point before it.
+    void check_beat(Point const& point) const;
 
     /// The last transition is told with the row that was due.
     void check_cause(bench::rules::Row const& row) const;

@@ -85,6 +85,7 @@ Action Walk::go(Action const& action) {
 /// The machine does what the first row that holds wants, and nothing else.
 void Walk::go_through_cycle(Action& action) {
     Cycle const cycle = machine_.cycle(action.conditions);
+    status_.check_beat(point_);
     EXPECT_EQ(cycle.head, point_.head());
     EXPECT_EQ(cycle.was_refused, point_.has_ended);
     auto const& row = rules::deciding_row(static_cast<rules::State>(point_.state),
