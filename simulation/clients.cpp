@@ -29,6 +29,8 @@ char const* outcome(Answer answer) {
             return ", failed";
         case Answer::is_invalid:
             return ", invalid";
+        case Answer::succeeds_twice:
+            return ", twice";
         default:
             return "";
     }
@@ -183,7 +185,11 @@ void Clients::answer(std::uint64_t id) {
     auto const request = *std::exchange(client.request, std::nullopt);
     client.state = request.state;
     stage_.note(Kind::client, client.name, "answered " + client.state + outcome(client.manner.answer));
-    client.end->answer(request, static_cast<std::uint32_t>(result_of(client.manner.answer)));
+    auto const result = static_cast<std::uint32_t>(result_of(client.manner.answer));
+    client.end->answer(request, result);
+    if (client.manner.answer == Answer::succeeds_twice) {
+        client.end->answer(request, result);
+    }
 }
 
 void Clients::go(std::uint64_t id, char const* how) {

@@ -15,7 +15,7 @@ namespace simulation {
 
 /// What a client does when it is asked for a state.
 struct Client_manner {
-    enum class Answer { succeeds, fails, is_invalid, silent, crashes };
+    enum class Answer { succeeds, fails, is_invalid, silent, crashes, succeeds_twice };
 
     Answer answer{Answer::succeeds};
     Time after{0};  ///< from the request to the answer, or to the crash

@@ -26,17 +26,17 @@ std::string client_name(std::string name) {
 
 bool is_manner(std::string_view word) {
     return word == "after" || word == "silent" || word == "fails" || word == "invalid" || word == "crashes" ||
-           word == "succeeds";
+           word == "succeeds" || word == "twice";
 }
 
 /// "after 3s", "silent", "fails after 1s"; nothing is an answer at once.
 Client_manner manner(Script_line& line) {
     Client_manner manner;
     if (is_manner(line.peek()) && line.peek() != "after") {
-        constexpr std::array k_answers{Answer::succeeds, Answer::silent, Answer::fails, Answer::is_invalid,
-                                       Answer::crashes};
-        manner.answer =
-            k_answers.at(line.one_of("a client's manner", {"succeeds", "silent", "fails", "invalid", "crashes"}));
+        constexpr std::array k_answers{Answer::succeeds,   Answer::silent,  Answer::fails,
+                                       Answer::is_invalid, Answer::crashes, Answer::succeeds_twice};
+        manner.answer = k_answers.at(
+            line.one_of("a client's manner", {"succeeds", "silent", "fails", "invalid", "crashes", "twice"}));
     }
     if (manner.answer != Answer::silent && line.take("after")) {
         manner.after = line.time("the time after which it answers");
@@ -166,7 +166,7 @@ Act client(Script_line& line, Script_line const& words) {
         return noted(words, [name, how](Life& life) { life.clients().behave(name, how); });
     }
     switch (line.one_of("what a client does", {"connects", "disconnects", "reports", "after", "silent", "fails",
-                                               "invalid", "crashes", "succeeds"})) {
+                                               "invalid", "crashes", "succeeds", "twice"})) {
         case 0: {
             auto const comes = coming_client(line, name);
             return [comes](Life& life) { life.clients().connect(comes.name, comes.manner, comes.state); };

@@ -51,6 +51,8 @@ std::string manner_text(Client_manner const& manner) {
             return " invalid after " + time_text(manner.after);
         case Answer::crashes:
             return " crashes after " + time_text(manner.after);
+        case Answer::succeeds_twice:
+            return " twice after " + time_text(manner.after);
         case Answer::succeeds:
             break;
     }

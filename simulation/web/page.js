@@ -5,7 +5,7 @@
 const byId = (id) => document.getElementById(id);
 const firstScript = 'config KnockOutTimer 40\nclients dcm, navigation, radio, dem\n';
 const ahead = 60000;  // ms that are played beyond what is shown
-const manners = ['succeeds', 'after 1s', 'after 30s', 'silent', 'fails', 'invalid', 'crashes'];
+const manners = ['succeeds', 'after 1s', 'after 30s', 'silent', 'fails', 'invalid', 'crashes', 'twice'];
 
 const states = {
   'Starting up': [95, 45], 'Running': [300, 45], 'NM Controlled': [505, 45],
@@ -117,7 +117,7 @@ function showClients() {
     for (const [, name, manner] of line[1].matchAll(/([^\s,]+)([^,#]*)/g)) answers.set(noted(name), manner.replace(/ in .*/, ''));
   }
   for (const entry of shown) {
-    const words = entry.kind === 'neighbour' && /^\s*(?:client )?(\S+) ((?:after|silent|fails|invalid|crashes|succeeds).*)/.exec(entry.text);
+    const words = entry.kind === 'neighbour' && /^\s*(?:client )?(\S+) ((?:after|silent|fails|invalid|crashes|succeeds|twice).*)/.exec(entry.text);
     if (words) answers.set(noted(words[1]), words[2]);
   }
   for (const row of [...rows.children]) if (!names.has(row.dataset.client)) row.remove();

@@ -88,7 +88,7 @@ std::string Drawing::manner() {
         return "silent";
     }
     if (how <= 3) {
-        auto const answer = one_of({"fails", "invalid", "crashes"});
+        auto const answer = one_of({"fails", "invalid", "crashes", "twice"});
         return answer + " after " + time();
     }
     return "after " + time();
