@@ -38,8 +38,8 @@ TEST(Lives_of_the_machine, Are_the_same_each_time) {
 /// FNV-1a.
 std::uint64_t hash_of(std::string const& text) {
     std::uint64_t hash = 0xCBF29CE484222325U;
-    for (unsigned char const byte : text) {
-        hash = (hash ^ byte) * 0x100000001B3U;
+    for (char const character : text) {
+        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001B3U;
     }
     return hash;
 }
