@@ -2,12 +2,16 @@
 
 #include "status_machine.h"
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <optional>
+
+#include <sys/mount.h>
 
 namespace bench::vehicle {
 namespace {
@@ -336,14 +340,101 @@ TEST_F(Status_page, Counts_the_restarts_that_diagnostics_ask_for) {
     EXPECT_THAT(statectl({"status"}).output, HasSubstr("3 asked for by diagnostics"));
 }
 
-TEST_F(Status_page, Is_no_matter_to_a_daemon_that_can_not_make_it) {
-    std::ofstream(k_directory) << "in the way";
+/// Why there can't be a page, and what the tool says then.
+struct Hindrance {
+    char const* name;
+    void (*prepare)();
+    char const* sentence;
+};
+
+void mount_small(unsigned long flags) {
+    std::filesystem::create_directories("/run/adaptive/status");
+    ASSERT_EQ(::mount("tmpfs", "/run/adaptive/status", "tmpfs", flags, "size=64k,mode=755"), 0) << std::strerror(errno);
+}
+
+class Status_page_that_can_not_be_made : public Status_page, public testing::WithParamInterface<Hindrance> {
+ protected:
+    void TearDown() override {
+        ::umount2(k_directory, MNT_DETACH);
+        Status_page::TearDown();
+    }
+};
+
+TEST_P(Status_page_that_can_not_be_made, Is_no_matter_to_the_daemon) {
+    GetParam().prepare();
+    ASSERT_FALSE(HasFatalFailure());
     start_and_run();
     machine->press("p");
     EXPECT_TRUE(sees(Kind::state_word, "prepared4sd"));
-    auto const result = statectl({"status"});
+    auto const result = run({"/bin/sh", "-c", VEHICLE_BUILD "/tools/ap_statectl status 2>&1 >/dev/null"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.output, std::string("ap_statectl: ") + status::k_page_path + ": " + GetParam().sentence + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    With, Status_page_that_can_not_be_made,
+    testing::Values(Hindrance{"a_file_in_the_way", [] { std::ofstream("/run/adaptive/status") << "in the way"; },
+                              "Not a directory"},
+                    Hindrance{"a_full_disk", [] { mount_small(0); }, "there is no status page"},
+                    Hindrance{"a_read_only_disk", [] { mount_small(MS_RDONLY); }, "there is no status page"}),
+    [](auto const& param) { return std::string(param.param.name); });
+
+/// A subcommand with `--watch --json`, whose lines are kept.
+class Watch {
+ public:
+    explicit Watch(std::string const& subcommand)
+        : file_("/tmp/watched-" + subcommand),
+          program_(
+              {"/bin/sh", "-c", "exec " VEHICLE_BUILD "/tools/ap_statectl " + subcommand + " --watch --json >" + file_},
+              {}) {
+        program_.expect(EXIT_FAILURE);
+    }
+
+    std::optional<int> end() { return program_.wait(std::chrono::seconds(20)); }
+    std::string lines() const {
+        std::ifstream file(file_);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    std::string last_line() const {
+        auto const text = lines();
+        return text.size() < 2 ? text : text.substr(text.rfind('\n', text.size() - 2) + 1);
+    }
+
+ private:
+    std::string const file_;
+    Child_process program_;
+};
+
+TEST_F(Status_page, Is_told_again_with_each_change_until_the_daemon_ends) {
+    start_and_run();
+    std::pair<char const*, char const*> const news[]{{"status", R"("state":"NM Controlled")"},
+                                                     {"why", R"("state":"NM Controlled")"},
+                                                     {"clients", R"("name":"radio")"},
+                                                     {"holds", R"("held":true)"}};
+    auto const shows = [&](Watch const& watch, char const* what) {
+        auto const end = std::chrono::steady_clock::now() + Machine::k_patience;
+        while (watch.lines().find(what) == std::string::npos && std::chrono::steady_clock::now() < end) {
+            machine->watch(std::chrono::milliseconds(10));
+        }
+        return watch.lines().find(what) != std::string::npos;
+    };
+    std::vector<std::unique_ptr<Watch>> watches;
+    for (auto const& [subcommand, what] : news) {
+        watches.push_back(std::make_unique<Watch>(subcommand));
+        ASSERT_TRUE(shows(*watches.back(), R"("running":true)")) << subcommand;
+        ASSERT_EQ(watches.back()->lines().find(what), std::string::npos) << subcommand;
+    }
+    auto const radio = client("radio");
+    request("1", com_alive("02"));
+    machine->press("n");
+    for (std::size_t i = 0; i < watches.size(); ++i) {
+        EXPECT_TRUE(shows(*watches[i], news[i].second)) << news[i].first << watches[i]->lines();
+    }
+    kill();
+    for (auto const& watch : watches) {
+        EXPECT_EQ(watch->end(), 1);
+        EXPECT_THAT(watch->last_line(), HasSubstr(R"("running":false)"));
+    }
 }
 
 TEST_F(Status_page, Belongs_to_the_first_of_two_daemons) {
