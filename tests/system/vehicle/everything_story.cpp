@@ -1,10 +1,12 @@
-// Applications, the network, the hypervisor's keys and the end at the same time. In a build with a sanitizer the daemon
-// ends with another status than 0 when the sanitizer has found something.
+// Applications, the network, the hypervisor's keys, a reader of the status page and the end at the same time. In a
+// build with a sanitizer the daemon ends with another status than 0 when the sanitizer has found something.
 
 #include "bench/process/player.h"
 #include "network_machine.h"
 
 #include <atomic>
+#include <cstdlib>
+#include <fstream>
 #include <thread>
 
 namespace bench::vehicle {
@@ -68,6 +70,9 @@ class Everything : public Network_story {
 
 TEST_F(Everything, Happens_at_once_and_ends_in_order) {
     start_and_run();
+    Child_process reader({"/bin/sh", "-c", "exec " VEHICLE_BUILD "/tools/ap_statectl status --watch --json >/tmp/read"},
+                         {});
+    reader.expect(EXIT_FAILURE);  // which is how it tells that the daemon has gone
     start_calling();
     for (int round = 0; round < 3; ++round) {
         machine->take_events();
@@ -88,6 +93,14 @@ TEST_F(Everything, Happens_at_once_and_ends_in_order) {
 
     EXPECT_TRUE(ends_with(0));
     stop_calling();
+    EXPECT_EQ(reader.wait(std::chrono::seconds(20)), EXIT_FAILURE);
+    auto page = nlohmann::json::object();
+    std::ifstream file("/tmp/read");
+    for (std::string line; std::getline(file, line);) {
+        page = nlohmann::json::parse(line, nullptr, false);
+        ASSERT_TRUE(page.is_object()) << line;
+    }
+    EXPECT_EQ(page.value("running", true), false) << page;
 }
 
 }  // namespace
