@@ -53,6 +53,23 @@ TEST(A_life, Has_states_with_their_causes) {
     EXPECT_TRUE(story.lives[0].is_orderly);
 }
 
+TEST(A_life, Is_told_alike_where_another_application_says_the_same_between_its_messages) {
+    std::vector<Words> mixed;
+    for (auto const& line : suspend_by_key()) {
+        mixed.push_back(line);
+        for (auto const& foreign : suspend_by_key()) {
+            mixed.push_back({foreign.arguments, line.time, 4, "RADI", 77});
+        }
+    }
+    auto const story = told(mixed);
+    auto const alone = told(suspend_by_key());
+    ASSERT_THAT(story.lives, SizeIs(1));
+    EXPECT_EQ(states_of(story.lives[0]), states_of(alone.lives[0]));
+    EXPECT_EQ(sentences_of(story.lives[0]), sentences_of(alone.lives[0]));
+    EXPECT_EQ(story.lives[0].ending, alone.lives[0].ending);
+    EXPECT_EQ(story.lives[0].clients.at("radio").late, 1U);
+}
+
 TEST(A_suspend, Is_the_sum_of_its_groups) {
     auto const story = told(suspend_by_key());
     EXPECT_THAT(sentences_of(story.lives[0]),
