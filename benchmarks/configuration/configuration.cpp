@@ -27,6 +27,7 @@ using ximo::ap::statemanager::config::State_manager_config;
 using ximo::ap::statemanager::config::State_manager_json_parser;
 
 constexpr int k_rounds = 5;
+constexpr int k_short_rounds = 2;
 constexpr double k_target_ms = 100.0;
 
 constexpr char const* k_head = R"({"ap_statemanager":{"KnockOutTimer":3,"StateManagerNMUsage":true,
@@ -113,18 +114,18 @@ void register_benchmark(std::string const& name, Samples& samples, Action action
                                          state.SetIterationTime(static_cast<double>(duration) / 1e9);
                                      }
                                  })
-        ->Iterations(k_rounds)
+        ->Iterations(benchmarks::whole_or_short(k_rounds, k_short_rounds))
         ->UseManualTime()
         ->Unit(benchmark::kMillisecond);
 }
 
-bool judge_all(std::map<std::string, Samples> const& of_daemon) {
-    bool kept = true;
+void tell_all(std::map<std::string, Samples> const& of_daemon, std::map<std::string, Samples> const& of_library) {
     for (auto const& [name, samples] : of_daemon) {
-        kept =
-            (samples.count() == 0 || benchmarks::judge(name, samples.median_us() / 1000.0, k_target_ms, "ms")) && kept;
+        if (samples.count() > 0) {
+            benchmarks::tell({"file of 1 MiB: " + name, samples.median_us() / 1000.0,
+                              of_library.at(name).median_us() / 1000.0, "ms", benchmarks::at_most(k_target_ms)});
+        }
     }
-    return kept;
 }
 
 }  // namespace
@@ -139,5 +140,6 @@ int main(int argc, char** argv) {
         register_benchmark(name + "/library", of_library[name], [content = text] { parse_alone(content); });
     }
     benchmark::RunSpecifiedBenchmarks();
-    return judge_all(of_daemon) ? EXIT_SUCCESS : EXIT_FAILURE;
+    tell_all(of_daemon, of_library);
+    return EXIT_SUCCESS;
 }

@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <thread>
@@ -19,7 +18,8 @@ namespace {
 using benchmarks::Machine;
 
 constexpr std::chrono::seconds k_settling{2};
-constexpr std::chrono::seconds k_duration{20};
+constexpr int k_seconds = 20;
+constexpr int k_short_seconds = 10;
 constexpr double k_target_percent = 0.2;
 constexpr double k_target_mib = 12.0;
 
@@ -33,7 +33,7 @@ void measure(benchmark::State& state, bench::Child_process const& process, Idle&
         std::this_thread::sleep_for(k_settling);
         auto const start = std::chrono::steady_clock::now();
         std::int64_t const before = benchmarks::processor_time_ns(process.pid());
-        std::this_thread::sleep_for(k_duration);
+        std::this_thread::sleep_for(std::chrono::seconds(benchmarks::whole_or_short(k_seconds, k_short_seconds)));
         std::int64_t const used = benchmarks::processor_time_ns(process.pid()) - before;
         std::chrono::duration<double, std::nano> const passed = std::chrono::steady_clock::now() - start;
         auto const memory = benchmarks::memory_of(process.pid());
@@ -73,10 +73,11 @@ int run() {
     benchmark::RunSpecifiedBenchmarks();
     yardstick->signal(SIGKILL);
     daemon->signal(SIGTERM);
-    std::printf("heartbeat: %.3f %% of a core, %.1f MiB resident\n", heartbeat.percent, heartbeat.resident_mib);
-    bool const processor = benchmarks::judge("daemon", idle_daemon.percent, k_target_percent, "% of a core");
-    bool const memory = benchmarks::judge("daemon", idle_daemon.resident_mib, k_target_mib, "MiB resident");
-    return processor && memory ? EXIT_SUCCESS : EXIT_FAILURE;
+    benchmarks::tell({"idle, processor", idle_daemon.percent, heartbeat.percent, "% of a core",
+                      benchmarks::at_most(k_target_percent)});
+    benchmarks::tell({"idle, resident memory", idle_daemon.resident_mib, heartbeat.resident_mib, "MiB",
+                      benchmarks::at_most(k_target_mib)});
+    return EXIT_SUCCESS;
 }
 
 }  // namespace

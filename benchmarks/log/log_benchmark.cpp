@@ -6,12 +6,16 @@
 #include "ara/log/logging.h"
 #include "bench/vehicle/dlt_reader.h"
 #include "bench/vehicle/world.h"
+#include "benchmarks/machine/figures.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <map>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 #include <dlt/dlt.h>
@@ -24,8 +28,10 @@ namespace {
 
 constexpr int k_burst = 100;
 
+std::map<std::string, std::vector<double>> bursts_ns;  ///< of each kind of call, sorted
+
 template <class Call, class Write_out>
-void time_bursts(benchmark::State& state, Call const& call, Write_out const& write_out) {
+void time_bursts(char const* kind, benchmark::State& state, Call const& call, Write_out const& write_out) {
     int number = 0;
     std::vector<double> calls_ns;
     for (auto _ : state) {
@@ -41,11 +47,13 @@ void time_bursts(benchmark::State& state, Call const& call, Write_out const& wri
     std::sort(calls_ns.begin(), calls_ns.end());
     state.counters["median_ns"] = calls_ns[calls_ns.size() / 2];
     state.counters["p99_ns"] = calls_ns[calls_ns.size() * 99 / 100];
+    bursts_ns[kind] = calls_ns;
 }
 
 void Three_arguments_ara_log(benchmark::State& state) {
     time_bursts(
-        state, [](int number) { ara::log::LogInfo() << "AP_StateManger transition from" << number << "Running"; },
+        "ours", state,
+        [](int number) { ara::log::LogInfo() << "AP_StateManger transition from" << number << "Running"; },
         [] {
             while (!ara::log::Log_engine::instance().drain()) {  // the log daemon is slower than the bursts
                 std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -55,7 +63,7 @@ void Three_arguments_ara_log(benchmark::State& state) {
 
 void Three_arguments_bare_libdlt(benchmark::State& state) {
     time_bursts(
-        state,
+        "libdlt", state,
         [](int number) {
             DLT_LOG(bare_context, DLT_LOG_INFO, DLT_STRING("AP_StateManger transition from"), DLT_INT(number),
                     DLT_STRING("Running"));
@@ -66,7 +74,8 @@ void Three_arguments_bare_libdlt(benchmark::State& state) {
 void Three_arguments_spdlog_asynchronous(benchmark::State& state) {
     static auto const logger = spdlog::create_async<spdlog::sinks::null_sink_mt>("bench");
     time_bursts(
-        state, [](int number) { logger->info("{} {} {}", "AP_StateManger transition from", number, "Running"); },
+        "spdlog", state,
+        [](int number) { logger->info("{} {} {}", "AP_StateManger transition from", number, "Running"); },
         [] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); });
 }
 
@@ -83,12 +92,27 @@ BENCHMARK(Three_arguments_bare_libdlt)->UseManualTime()->Iterations(2000);
 BENCHMARK(Three_arguments_spdlog_asynchronous)->UseManualTime()->Iterations(2000);
 BENCHMARK(Level_not_logged_ara_log);
 
+double quantile_ns(char const* kind, double share) {
+    auto const& calls = bursts_ns[kind];
+    return calls.empty() ? 0.0 : calls[static_cast<std::size_t>(share * static_cast<double>(calls.size() - 1))];
+}
+
+void tell_rows() {
+    for (char const* const other : {"libdlt", "spdlog"}) {
+        std::string const beside = std::string("log call with three arguments beside ") + other;
+        benchmarks::tell({beside + ", median", quantile_ns("ours", 0.5), quantile_ns(other, 0.5), "ns",
+                          benchmarks::at_most_times(1.0)});
+        benchmarks::tell({beside + ", p99", quantile_ns("ours", 0.99), quantile_ns(other, 0.99), "ns"});
+    }
+}
+
 int run(int argc, char** argv) {
     bench::vehicle::Dlt_reader const reader;
     ara::log::InitLogging("BNCH", "Benchmark", ara::log::LogLevel::kInfo, ara::log::LogMode::kRemote, "");
     DLT_REGISTER_CONTEXT(bare_context, "BARE", "libdlt by itself");
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
+    tell_rows();
     return 0;
 }
 

@@ -27,7 +27,8 @@ using benchmarks::Answering_clients;
 using benchmarks::Samples;
 using Clock = std::chrono::steady_clock;
 
-constexpr double k_target_ratio = 1.3;
+constexpr double k_target_ratio = 1.15;
+constexpr double k_target_p99_ratio = 1.3;
 constexpr double k_allowed_growth = 0.1;  // of the ratio, from ten clients to a thousand: what differs between two runs
 
 /// Raised by one thread, awaited by another.
@@ -122,17 +123,19 @@ void allow_descriptors() {
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-bool report(std::vector<Row> const& rows) {
-    bool kept = true;
+void report(std::vector<Row> const& rows) {
     for (auto const& row : rows) {
         auto const clients = std::to_string(row.clients) + " clients";
         benchmarks::print("bare loop, " + clients, row.bare);
         benchmarks::print("server, " + clients, row.server);
-        kept = benchmarks::judge("server / bare loop, " + clients, row.ratio(), k_target_ratio, "times") && kept;
+        benchmarks::tell({"request to " + clients + ", median", row.server.median_us(), row.bare.median_us(), "us",
+                          benchmarks::at_most_times(k_target_ratio)});
+        benchmarks::tell({"request to " + clients + ", p99", row.server.p99_us(), row.bare.p99_us(), "us",
+                          benchmarks::at_most_times(k_target_p99_ratio)});
     }
     // With one client the time is mostly that of threads waking up.
-    double const growth = rows.at(3).ratio() - rows.at(1).ratio();
-    return benchmarks::judge("growth of the ratio from 10 to 1000 clients", growth, k_allowed_growth, "times") && kept;
+    benchmarks::tell({"request to 1000 clients beside 10, ratios of the medians", rows.at(3).ratio(),
+                      rows.at(1).ratio(), "times", benchmarks::at_most_more(k_allowed_growth)});
 }
 
 }  // namespace
@@ -145,7 +148,7 @@ int main(int argc, char** argv) {
         benchmark::RegisterBenchmark("notification_cycle", [&row](benchmark::State& state) { measure(state, row); })
             ->Arg(static_cast<std::int64_t>(row.clients))
             ->Iterations(row.clients < 1000 ? 1000 : 200)
-            ->Repetitions(5)
+            ->Repetitions(benchmarks::whole_or_short(5, 3))
             ->UseManualTime()
             ->Unit(benchmark::kMicrosecond)
             ->ReportAggregatesOnly();
@@ -153,5 +156,8 @@ int main(int argc, char** argv) {
     benchmark::RunSpecifiedBenchmarks();
     bool const measured_all =
         std::all_of(rows.begin(), rows.end(), [](Row const& row) { return row.server.count() > 0; });
-    return !measured_all || report(rows) ? EXIT_SUCCESS : EXIT_FAILURE;
+    if (measured_all) {
+        report(rows);
+    }
+    return EXIT_SUCCESS;
 }

@@ -35,6 +35,7 @@ constexpr double k_target_ratio = 1.02;
 constexpr unsigned k_usual_period_ms = 100;
 constexpr unsigned k_short_period_ms = 1;  // for many cycles in little time
 constexpr int k_rounds = 15;
+constexpr int k_short_rounds = 3;
 constexpr int k_suspends = 100;
 constexpr std::chrono::seconds k_idle_time{3};
 
@@ -168,9 +169,9 @@ Middle middle_of(std::vector<double> values) {
     return {values[values.size() / 4], values[values.size() / 2], values[values.size() * 3 / 4]};
 }
 
-bool compare(Machine& machine, char const* name, std::function<void(Two_daemons&)> const& something) {
+void compare(Machine& machine, char const* name, std::function<void(Two_daemons&)> const& something) {
     std::array<std::vector<double>, 2> ratios;  // of two that are alike, and with the page
-    for (int round = 0; round < k_rounds; ++round) {
+    for (int round = 0; round < benchmarks::whole_or_short(k_rounds, k_short_rounds); ++round) {
         for (bool const has_page : {false, true}) {
             ratios[has_page ? 1 : 0].push_back(Two_daemons(machine, has_page).ratio_while(something));
         }
@@ -179,7 +180,8 @@ bool compare(Machine& machine, char const* name, std::function<void(Two_daemons&
     auto const with = middle_of(ratios[1]);
     std::printf("%s, processor time: with / without the page %.3f (%.3f to %.3f); of two without %.3f (%.3f to %.3f)\n",
                 name, with.median, with.lower, with.upper, alike.median, alike.lower, alike.upper);
-    return benchmarks::judge(name, with.median, k_target_ratio, "times");
+    benchmarks::tell({std::string("driver with a page, processor, ") + name, with.median, 1.0, "times",
+                      benchmarks::at_most_times(k_target_ratio)});
 }
 
 void do_nothing(Two_daemons& /*daemons*/) {
@@ -209,9 +211,9 @@ void count() {
 int run() {
     count();
     Machine machine(k_short_period_ms);
-    bool const idle = compare(machine, "idle", do_nothing);
-    bool const busy = compare(machine, "suspends and resumes", suspend_and_resume);
-    return idle && busy ? EXIT_SUCCESS : EXIT_FAILURE;
+    compare(machine, "idle", do_nothing);
+    compare(machine, "suspends and resumes", suspend_and_resume);
+    return EXIT_SUCCESS;
 }
 
 }  // namespace

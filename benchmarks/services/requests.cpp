@@ -1,4 +1,5 @@
 #include "bench/process/child_process.h"
+#include "benchmarks/machine/figures.h"
 #include "measurements.h"
 
 #include <chrono>
@@ -59,8 +60,10 @@ void measure_requests(bench::vehicle::Vehicle& vehicle) {
     vehicle.await(bench::vehicle::Kind::state_word, "running");
     for (auto const* kind : {"repeated", "changing"}) {
         for (int const applications : {1, 4, k_applications}) {
-            std::printf("%s COM-alive calls of %d applications: %.0f a second\n", kind, applications,
-                        rate(applications, kind));
+            double const calls = rate(applications, kind);
+            std::printf("%s COM-alive calls of %d applications: %.0f a second\n", kind, applications, calls);
+            tell({std::string(kind) + " COM-alive call, " + std::to_string(applications) + " applications", 1e6 / calls,
+                  0.0, "us"});
         }
     }
     stop_daemon(vehicle);
