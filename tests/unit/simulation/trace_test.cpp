@@ -1,5 +1,6 @@
 #include "simulation/trace_check.h"
 #include "simulation/trace_life.h"
+#include "simulation/trace_words.h"
 
 #include <algorithm>
 #include <cstddef>
