@@ -26,6 +26,7 @@ using benchmarks::Samples;
 constexpr int k_presses = 100;  // of each key, in one repetition, or fewer in the short form
 constexpr int k_short_presses = 40;
 constexpr int k_repetitions = 5;
+constexpr int k_short_repetitions = 3;
 constexpr double k_target_ratio = 1.2;
 constexpr std::size_t k_records_of_a_press = 4;
 // Between two presses, so that each finds both sides asleep and the last one's work done.
@@ -94,7 +95,7 @@ void measure_daemon(benchmark::State& state, Machine& machine, Samples& samples,
 void register_benchmark(char const* name, std::function<void(benchmark::State&)> const& body) {
     benchmark::RegisterBenchmark(name, body)
         ->Iterations(benchmarks::whole_or_short(k_presses, k_short_presses))
-        ->Repetitions(k_repetitions)
+        ->Repetitions(benchmarks::whole_or_short(k_repetitions, k_short_repetitions))
         ->UseManualTime()
         ->Unit(benchmark::kMicrosecond)
         ->ReportAggregatesOnly();

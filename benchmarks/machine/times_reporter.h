@@ -15,6 +15,8 @@ namespace benchmarks {
 /// Prints what the console's reporter does, and keeps the processor time of each benchmark, for who tells rows of them.
 class Times_reporter : public benchmark::ConsoleReporter {
  public:
+    Times_reporter() : ConsoleReporter(OO_None) {}
+
     void ReportRuns(std::vector<Run> const& runs) override {
         for (auto const& run : runs) {
             if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
