@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <utility>
 
@@ -134,7 +135,13 @@ class Dlt_sink : public Log_sink {
         auto const& context = registration.context;
         ::dlt_register_context_ll_ts(&registration.handle, context.id.c_str(), context.description.c_str(),
                                      context.own_threshold, DLT_TRACE_STATUS_OFF);
-        ::dlt_register_log_level_changed_callback(&registration.handle, &Told_levels::add);
+        ::dlt_register_log_level_changed_callback(&registration.handle, &Dlt_sink::told);
+    }
+
+    // libdlt's callback, on its housekeeper. What was told is heeded by the consumer, which may be asleep.
+    static void told(char* context, std::uint8_t level, std::uint8_t /*trace_status*/) {
+        Told_levels::instance().add({context, ::strnlen(context, k_id_length)}, level);
+        Log_engine::instance().wake_writer();
     }
 
     // The first word of a daemon that came late is its default, and the context's own level is what is meant.

@@ -53,7 +53,7 @@ void Log_engine::submit(Log_context const& context, LogLevel level, Argument_enc
                                 level};
     while (!queue_.push(header, arguments.data())) {
         if (!wait_when_full_.load(std::memory_order_relaxed)) {
-            dropped_.fetch_add(1, std::memory_order_relaxed);
+            dropped_.fetch_add(1);
             break;
         }
         std::this_thread::yield();
@@ -61,6 +61,8 @@ void Log_engine::submit(Log_context const& context, LogLevel level, Argument_enc
     bool const is_filling = queue_.size() > Message_queue::k_slots / 2 && !is_stuck_.load(std::memory_order_relaxed);
     if (level <= LogLevel::kError || is_filling) {
         wake_writer();
+    } else if (auto* const writer = writer_.load(); writer != nullptr) {
+        writer->wake_in_a_period();
     }
     errno = saved_errno;
 }
@@ -98,8 +100,8 @@ bool Log_engine::drain() {
     for (std::size_t taken = 0; taken < Message_queue::k_slots && has_room() && queue_.pop(*message_); ++taken) {
         deliver(*message_);
     }
-    report_drops();
     is_stuck_ = !has_room();
+    report_drops();
     return queue_.size() == 0;
 }
 
@@ -115,7 +117,7 @@ void Log_engine::deliver(Queued_message const& message) {
 }
 
 void Log_engine::report_drops() {
-    auto const dropped = dropped_.load(std::memory_order_relaxed);
+    auto const dropped = dropped_.load();
     if (dropped == reported_drops_ || !has_room()) {
         return;
     }
@@ -131,7 +133,9 @@ void Log_engine::report_drops() {
 
 void Log_engine::start_writer() {
     if (writer_.load() == nullptr) {
-        writer_ = new Writer([this] { drain(); });
+        auto* const writer = new Log_writer([this] { return drain() && !is_stuck_; });
+        writer_ = writer;  // who logs has to find it, since from its first look on it sleeps
+        writer->start();
     }
 }
 
@@ -155,7 +159,7 @@ void Log_engine::give_up_the_rest() {
 }
 
 void Log_engine::wake_writer() noexcept {
-    if (auto* const writer = writer_.load(std::memory_order_acquire); writer != nullptr) {
+    if (auto* const writer = writer_.load(); writer != nullptr) {
         writer->wake();
     }
 }

@@ -13,6 +13,8 @@
 
 namespace ara::log {
 
+class Log_writer;
+
 /// Where messages end up.
 class Log_sink {
  public:
@@ -30,7 +32,8 @@ class Log_sink {
     /// Handed what no sink has had room for when the process ends.
     virtual void miss(Queued_message const& /*message*/) {}
 
-    /// Called each time before the queue is looked into: what the sink has to do besides.
+    /// Called each time before the queue is looked into: what the sink has to do besides. That is after messages, after
+    /// `wake_writer`, and each period while no sink has room.
     virtual void tend() {}
 
     /// Whether nothing may be lost on the way to it: then who logs waits while the queue is full.
@@ -65,6 +68,9 @@ class Log_engine {
     /// Starts the writer thread. Throws `std::system_error` when there can't be one more.
     void start_writer();
 
+    /// Has it look at once, and tend its sinks. Any thread, signal handlers included; nothing without a writer.
+    void wake_writer() noexcept;
+
     /// Ends it after everything queued has been written, as long as the sinks have room (see Exit_patience).
     void stop_writer();
 
@@ -75,19 +81,17 @@ class Log_engine {
  private:
     Log_engine();
 
-    class Writer;
     void deliver(Queued_message const& message) REQUIRES(consumer_);
     void give_up_the_rest();
     void report_drops() REQUIRES(consumer_);
     bool has_room() REQUIRES(consumer_);
     void decide_about_waiting() REQUIRES(consumer_);
-    void wake_writer() noexcept;
 
     Message_queue queue_;
     std::atomic<std::uint64_t> dropped_{0};
     std::atomic<bool> wait_when_full_{false};
-    std::atomic<bool> is_stuck_{false};  ///< no sink had room: waking the writer is of no use
-    std::atomic<Writer*> writer_{nullptr};
+    std::atomic<bool> is_stuck_{false};  ///< no sink had room: the writer looks each period, waking it is of no use
+    std::atomic<Log_writer*> writer_{nullptr};
 
     base::Mutex consumer_;  ///< of the queue's reading end, too
     std::uint64_t reported_drops_ GUARDED_BY(consumer_){0};

@@ -41,7 +41,7 @@ bool Message_queue::claim(std::uint64_t count, std::uint64_t kept, std::uint64_t
         auto const last = position + count + kept - 1;
         auto const sequence = slot(last).sequence.load(std::memory_order_acquire);
         if (sequence == last) {
-            if (head_.compare_exchange_weak(position, position + count, std::memory_order_relaxed)) {
+            if (head_.compare_exchange_weak(position, position + count)) {
                 return true;
             }
         } else if (sequence < last) {
@@ -70,7 +70,7 @@ bool Message_queue::pop(Queued_message& message) noexcept {
 std::size_t Message_queue::size() const noexcept {
     // First, and with what the consumer saw before: so it is never ahead of the head.
     auto const tail = tail_.load(std::memory_order_acquire);
-    return head_.load(std::memory_order_relaxed) - tail;
+    return head_.load() - tail;
 }
 
 void Message_queue::copy_in(std::uint64_t position, std::size_t offset, char const* data, std::size_t size) noexcept {

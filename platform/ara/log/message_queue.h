@@ -51,7 +51,8 @@ class Message_queue {
     /// False when no complete message waits. One thread at a time.
     bool pop(Queued_message& message) noexcept;
 
-    /// How many slots are taken; a hint.
+    /// How many slots are taken: those that a producer has claimed before, in the one order of all sequentially
+    /// consistent operations, and maybe later ones.
     std::size_t size() const noexcept;
 
  private:

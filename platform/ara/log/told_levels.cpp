@@ -1,9 +1,6 @@
 #include "ara/log/told_levels.h"
 
-#include "ara/log/common.h"
-
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include <fcntl.h>
@@ -27,12 +24,11 @@ Told_levels& Told_levels::instance() {
     return told;
 }
 
-void Told_levels::add(char* context, std::uint8_t level, std::uint8_t /*trace_status*/) {
-    auto& self = instance();
-    Told_level told{{context, ::strnlen(context, k_id_length)}, static_cast<std::int8_t>(level), self.pipe()};
-    base::Lock_guard const lock(self.mutex_);
-    self.told_.push_back(std::move(told));
-    self.has_some_ = true;
+void Told_levels::add(std::string context, std::uint8_t level) {
+    Told_level told{std::move(context), static_cast<std::int8_t>(level), pipe()};
+    base::Lock_guard const lock(mutex_);
+    told_.push_back(std::move(told));
+    has_some_ = true;
 }
 
 std::vector<Told_level> Told_levels::take() {

@@ -27,8 +27,8 @@ class Told_levels {
  public:
     static Told_levels& instance();
 
-    /// libdlt's callback.
-    static void add(char* context, std::uint8_t level, std::uint8_t trace_status);
+    /// Any thread.
+    void add(std::string context, std::uint8_t level);
 
     /// What was told since the last call, in its order. Costs next to nothing when that is nothing.
     std::vector<Told_level> take();

@@ -14,6 +14,8 @@
 
 #include <gmock/gmock.h>
 #include <sys/eventfd.h>
+#include <sys/syscall.h>
+#include <sys/timerfd.h>
 #include <unistd.h>
 
 // Wakes as the C library does, and leaves another errno behind.
@@ -23,6 +25,18 @@ extern "C" int eventfd_write(int descriptor, eventfd_t value) {
     auto const written = ::write(descriptor, &value, sizeof value);
     errno = EAGAIN;
     return written == sizeof value ? 0 : -1;
+}
+
+// Counts, and refuses when it is told to.
+static std::atomic<int> alarms{0};
+static std::atomic<bool> refuses_alarms{false};
+extern "C" int timerfd_settime(int descriptor, int flags, itimerspec const* when, itimerspec* before) {
+    ++alarms;
+    if (refuses_alarms) {
+        errno = EINVAL;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_timerfd_settime, descriptor, flags, when, before));
 }
 
 namespace ara::log {
@@ -98,8 +112,13 @@ class Gate : public Log_sink {
     std::atomic<std::size_t>& written_;
 };
 
-TEST(Writer, Is_woken_by_what_is_severe_and_by_a_queue_that_is_more_than_half_full_and_errno_is_kept) {
+TEST(Writer, Is_woken_by_what_is_severe_and_by_a_half_full_queue_and_by_others_later_and_errno_is_kept) {
     static std::atomic<std::size_t> written{0};
+    auto const await_written = [](std::size_t messages) {
+        while (written < messages) {
+            std::this_thread::yield();
+        }
+    };
     auto& engine = Log_engine::instance();
     Narrow_sink::room = 100'000;
     engine.drain();
@@ -111,12 +130,12 @@ TEST(Writer, Is_woken_by_what_is_severe_and_by_a_queue_that_is_more_than_half_fu
     LogError() << "severe";
     EXPECT_EQ(errno, ENOTTY);
     EXPECT_EQ(wakes, 1);
-    while (written == 0) {
-        std::this_thread::yield();
-    }
+    await_written(1);
+    alarms = 0;
     for (std::size_t number = 1; number <= Message_queue::k_slots / 2; ++number) {
         LogInfo() << number;
     }
+    EXPECT_EQ(alarms, 1) << "one of so many messages pays for the look at all of them";
     EXPECT_EQ(wakes, 1);
     LogInfo() << "half full";
     EXPECT_EQ(wakes, 2);
@@ -125,9 +144,14 @@ TEST(Writer, Is_woken_by_what_is_severe_and_by_a_queue_that_is_more_than_half_fu
     EXPECT_EQ(errno, ENOTTY);
 
     Gate::opened.set_value();
-    while (written < Message_queue::k_slots / 2 + 3) {
-        std::this_thread::yield();
-    }
+    await_written(Message_queue::k_slots / 2 + 3);
+
+    refuses_alarms = true;
+    errno = ENOTTY;
+    LogInfo() << "found at once when there is no alarm";
+    EXPECT_EQ(errno, ENOTTY);
+    await_written(Message_queue::k_slots / 2 + 4);
+    refuses_alarms = false;
     engine.stop_writer();
 }
 
