@@ -1,15 +1,18 @@
 // What the status page costs the daemon's driver while nothing happens and on the way of a command, in two measures
 // that bear a busy machine. First the instructions of its thread, and the system calls that it makes, with the page and
 // without: these are counted, each in two lives. What the system does in its calls is not seen so; hence the processor
-// time of two daemons that run beside each other, of which one has the page.
+// time of two daemons that run beside each other, of which one has the page: without a reader, with those that a
+// machine may have, and with one that never pauses.
 
 #include "benchmarks/machine/figures.h"
 #include "benchmarks/machine/machine.h"
 #include "status/layout.h"
 #include "stepped_thread.h"
+#include "tools/page/page_view.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -34,7 +37,7 @@ constexpr int k_cycles = 10;
 constexpr double k_target_ratio = 1.02;
 constexpr unsigned k_usual_period_ms = 100;
 constexpr unsigned k_short_period_ms = 1;  // for many cycles in little time
-constexpr int k_rounds = 15;
+constexpr int k_rounds = 9;
 constexpr int k_short_rounds = 3;
 constexpr int k_suspends = 100;
 constexpr std::chrono::seconds k_idle_time{3};
@@ -169,19 +172,78 @@ Middle middle_of(std::vector<double> values) {
     return {values[values.size() / 4], values[values.size() / 2], values[values.size() * 3 / 4]};
 }
 
-void compare(Machine& machine, char const* name, std::function<void(Two_daemons&)> const& something) {
-    std::array<std::vector<double>, 2> ratios;  // of two that are alike, and with the page
-    for (int round = 0; round < benchmarks::whole_or_short(k_rounds, k_short_rounds); ++round) {
-        for (bool const has_page : {false, true}) {
-            ratios[has_page ? 1 : 0].push_back(Two_daemons(machine, has_page).ratio_while(something));
+// Who reads the page meanwhile.
+enum class Read { by_nobody, by_the_usual, all_the_time };
+
+// Those that are told of each event: a person who watches, a script that waits, and the recorder; or one that looks and
+// looks again.
+class Readers {
+ public:
+    Readers(Machine& machine, Read read) {
+        if (read == Read::by_the_usual) {
+            for (auto const* const program :
+                 {"/tools/ap_statectl status --watch", "/tools/ap_statectl wait --event device-lost",
+                  "/tools/ap_statemanager_recorder --directory /tmp"}) {
+                programs_.push_back(
+                    machine.start({"/bin/sh", "-c", std::string("exec " PROGRAMS) + program + " >/dev/null"}));
+            }
+        } else if (read == Read::all_the_time) {
+            thread_ = std::thread([this] {
+                statectl::Page_view const view(status::k_page_path);
+                while (!is_to_end_) {
+                    view.snapshot();
+                }
+            });
         }
     }
-    auto const alike = middle_of(ratios[0]);
-    auto const with = middle_of(ratios[1]);
-    std::printf("%s, processor time: with / without the page %.3f (%.3f to %.3f); of two without %.3f (%.3f to %.3f)\n",
-                name, with.median, with.lower, with.upper, alike.median, alike.lower, alike.upper);
-    benchmarks::tell({std::string("driver with a page, processor, ") + name, with.median, 1.0, "times",
-                      benchmarks::at_most_times(k_target_ratio)});
+    ~Readers() {
+        for (auto const& program : programs_) {
+            program->signal(SIGTERM);
+            program->wait(std::chrono::seconds(20));
+        }
+        is_to_end_ = true;
+        if (thread_.joinable()) {
+            thread_.join();
+        }
+    }
+    Readers(Readers const&) = delete;
+    Readers& operator=(Readers const&) = delete;
+
+ private:
+    std::vector<std::unique_ptr<bench::Child_process>> programs_;
+    std::thread thread_;
+    std::atomic<bool> is_to_end_{false};
+};
+
+/// What two daemons differ in.
+struct Pair {
+    char const* name;
+    bool has_page;
+    Read read;
+};
+
+constexpr std::array<Pair, 4> k_pairs{{{"two without", false, Read::by_nobody},
+                                       {"with the page", true, Read::by_nobody},
+                                       {"and with readers", true, Read::by_the_usual},
+                                       {"and read all the time", true, Read::all_the_time}}};
+
+// Judged is the page alone.
+void compare(Machine& machine, char const* name, std::function<void(Two_daemons&)> const& something) {
+    std::array<std::vector<double>, k_pairs.size()> ratios;
+    for (int round = 0; round < benchmarks::whole_or_short(k_rounds, k_short_rounds); ++round) {
+        for (std::size_t i = 0; i < k_pairs.size(); ++i) {
+            Two_daemons daemons(machine, k_pairs[i].has_page);
+            Readers const readers(machine, k_pairs[i].read);
+            ratios[i].push_back(daemons.ratio_while(something));
+        }
+    }
+    auto const what = std::string("driver with a page, processor, ") + name;
+    for (std::size_t i = 0; i < k_pairs.size(); ++i) {
+        auto const middle = middle_of(ratios[i]);
+        std::printf("%s, processor time as a multiple of a daemon's without the page, %s: %.3f (%.3f to %.3f)\n", name,
+                    k_pairs[i].name, middle.median, middle.lower, middle.upper);
+    }
+    benchmarks::tell({what, middle_of(ratios[1]).median, 1.0, "times", benchmarks::at_most_times(k_target_ratio)});
 }
 
 void do_nothing(Two_daemons& /*daemons*/) {
@@ -206,6 +268,7 @@ void count() {
     tell("idle cycle", with, without, &Life::idle);
     tell("key to word", with, without, &Life::word);
     tell("word to prepared", with, without, &Life::suspend);
+    std::fflush(stdout);  // the rest takes minutes
 }
 
 int run() {

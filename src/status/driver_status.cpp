@@ -45,10 +45,10 @@ void remove_oldest(Driver<Shared_word>& driver) {
 }
 
 // The transition that the command has not caused was told last.
-void put_swallowed(Driver<Shared_word>& driver, std::uint64_t command) {
+void put_swallowed(Driver<Shared_word>& driver, std::uint64_t command, std::uint64_t at) {
     add(driver.keys_swallowed);
     put(driver.last_swallowed, command);
-    put(driver.last_swallowed_at, now());
+    put(driver.last_swallowed_at, at);
     put(driver.swallowed_from, own(driver.previous));
     put(driver.swallowed_row, own(driver.row));
 }
@@ -70,19 +70,20 @@ void beat(bool prepare_sd, bool forced_shutdown) {
 
 void transition(std::uint64_t from, std::uint64_t to, std::uint64_t command) {
     if (auto* const page = status::page()) {
+        auto const at = now();
         auto& driver = page->driver;
         auto const row = row_of(from, to, command, own(page->life.nm_usage) != 0);
         {
             Change const change(driver.sequence);
             put(driver.state, to);
-            put(driver.since, now());
+            put(driver.since, at);
             put(driver.previous, from);
             put(driver.row, row.number);
             put(driver.command, row.command);
             add(driver.transitions);
             put_condition(*page);
         }
-        tell(*page, page->driver_ring, Event_kind::transition, {from, to, row.number});
+        tell(*page, page->driver_ring, at, Event_kind::transition, {from, to, row.number});
     }
 }
 
@@ -104,43 +105,46 @@ void knockout_left(std::uint64_t cycles) {
 
 void loop_ended() {
     if (auto* const page = status::page()) {
+        auto const at = now();
         {
             Change const change(page->driver.sequence);
-            put(page->driver.ended, now());
+            put(page->driver.ended, at);
         }
-        tell(*page, page->driver_ring, Event_kind::ended, {own(page->driver.state)});
+        tell(*page, page->driver_ring, at, Event_kind::ended, {own(page->driver.state)});
         wake(*page);
     }
 }
 
 void key_taken(std::uint64_t command) {
     if (auto* const page = status::page()) {
+        auto const at = now();
         auto& driver = page->driver;
         {
             Change const change(driver.sequence);
             auto const place = own(driver.waiting);
             if (place < k_queue) {
                 put(driver.queue[place], command);
-                put(driver.taken_at[place], now());
+                put(driver.taken_at[place], at);
             }
             put(driver.waiting, place + 1);
             add(driver.keys_taken);
             put(driver.last_key, command);
-            put(driver.last_key_at, now());
+            put(driver.last_key_at, at);
         }
-        tell(*page, page->driver_ring, Event_kind::key_taken, {command});
+        tell(*page, page->driver_ring, at, Event_kind::key_taken, {command});
     }
 }
 
 void key_dropped(std::uint64_t command) {
     if (auto* const page = status::page()) {
+        auto const at = now();
         {
             Change const change(page->driver.sequence);
             add(page->driver.keys_dropped);
             put(page->driver.last_dropped, command);
-            put(page->driver.last_dropped_at, now());
+            put(page->driver.last_dropped_at, at);
         }
-        tell(*page, page->driver_ring, Event_kind::key_dropped, {command});
+        tell(*page, page->driver_ring, at, Event_kind::key_dropped, {command});
     }
 }
 
@@ -152,18 +156,19 @@ void queue_cleared() {
     auto& driver = page->driver;
     auto const oldest = own(driver.queue[0]);
     auto const count = own(driver.waiting);
+    auto const at = now();
     {
         Change const change(driver.sequence);
         add(driver.keys_cleared, count);
         put(driver.last_cleared, oldest);
-        put(driver.last_cleared_at, now());
+        put(driver.last_cleared_at, at);
         put(driver.waiting, 0U);
         for (std::size_t place = 0; place < k_queue; ++place) {
             put(driver.queue[place], 0U);
             put(driver.taken_at[place], 0U);
         }
     }
-    tell(*page, page->driver_ring, Event_kind::keys_cleared, {oldest, count});
+    tell(*page, page->driver_ring, at, Event_kind::keys_cleared, {oldest, count});
 }
 
 void command_consumed() {
@@ -177,13 +182,14 @@ void command_consumed() {
     {
         Change const change(page->driver.sequence);
         if (is_swallowed) {
-            put_swallowed(page->driver, oldest);
+            put_swallowed(page->driver, oldest, now());
         }
         remove_oldest(page->driver);
         put_condition(*page);
     }
     if (is_swallowed) {
-        tell(*page, page->driver_ring, Event_kind::key_swallowed, {oldest, own(driver.previous), own(driver.row)});
+        tell(*page, page->driver_ring, own(driver.last_swallowed_at), Event_kind::key_swallowed,
+             {oldest, own(driver.previous), own(driver.row)});
     }
 }
 
@@ -197,39 +203,42 @@ void devices_opened(std::uint64_t count) {
 
 void device_lost(std::uint64_t left) {
     if (auto* const page = status::page()) {
+        auto const at = now();
         {
             Change const change(page->driver.sequence);
             put(page->driver.devices, left);
             add(page->driver.devices_lost);
-            put(page->driver.device_lost_at, now());
+            put(page->driver.device_lost_at, at);
         }
-        tell(*page, page->driver_ring, Event_kind::device_lost, {left});
+        tell(*page, page->driver_ring, at, Event_kind::device_lost, {left});
     }
 }
 
 void state_word(std::string_view word, Word_fate fate) {
     if (auto* const page = status::page()) {
+        auto const at = now();
         auto& driver = page->driver;
         {
             Change const change(driver.sequence);
             put(driver.word, word);
-            put(driver.word_at, now());
+            put(driver.word_at, at);
             put(driver.word_failed, static_cast<std::uint64_t>(fate));
             add(driver.words_failed, fate == Word_fate::written ? 0 : 1);
         }
-        tell(*page, page->driver_ring, Event_kind::word, {static_cast<std::uint64_t>(fate)}, word);
+        tell(*page, page->driver_ring, at, Event_kind::word, {static_cast<std::uint64_t>(fate)}, word);
     }
 }
 
 void machine_state(std::string_view state, bool succeeded) {
     if (auto* const page = status::page()) {
+        auto const at = now();
         {
             Change const change(page->driver.sequence);
             put(page->driver.machine_state, state);
-            put(page->driver.machine_state_at, now());
+            put(page->driver.machine_state_at, at);
             put(page->driver.machine_state_failed, succeeded ? 0U : 1U);
         }
-        tell(*page, page->driver_ring, Event_kind::machine_state, {succeeded ? 0U : 1U}, state);
+        tell(*page, page->driver_ring, at, Event_kind::machine_state, {succeeded ? 0U : 1U}, state);
     }
 }
 
@@ -242,13 +251,14 @@ void default_pattern(bool held) {
 
 void group_asked(Group group, std::string_view mode) {
     if (auto* const page = status::page()) {
+        auto const at = now();
         {
             Change const change(page->driver.sequence);
             put(page->driver.group, group);
-            put(page->driver.group_at, now());
+            put(page->driver.group_at, at);
             put(page->driver.mode, mode);
         }
-        tell(*page, page->driver_ring, Event_kind::group_asked, {static_cast<std::uint64_t>(group)}, mode);
+        tell(*page, page->driver_ring, at, Event_kind::group_asked, {static_cast<std::uint64_t>(group)}, mode);
     }
 }
 

@@ -29,7 +29,7 @@ constexpr char const* k_previous = ".previous";
 constexpr char const* k_lock = ".lock";
 
 constexpr std::uint64_t k_magic = 0x45474150'4d534d41U;  ///< the bytes "AMSMPAGE"
-constexpr std::uint64_t k_version = 2;                   ///< of this layout; another one is another layout
+constexpr std::uint64_t k_version = 3;                   ///< of this layout; another one is another layout
 
 using Shared_word = std::atomic<std::uint64_t>;
 static_assert(Shared_word::is_always_lock_free && sizeof(Shared_word) == sizeof(std::uint64_t));
@@ -336,7 +336,7 @@ struct Event {
     Text<Word, 24> text;
 };
 
-constexpr std::size_t k_events = 512;
+constexpr std::size_t k_events = 1'024;
 
 /// A writing thread's newest events: that with number n stands in place n modulo k_events. While number `count` is
 /// written, its place still counts as that of number `count` - k_events: who reads takes the count before and after,

@@ -57,10 +57,11 @@ void network_state(std::uint8_t const* bytes, std::size_t count) {
         auto& network = page->network;
         Network_change const change(network.sequence);
         if (change.is_mine()) {
+            auto const at = now();
             put(network.state, bytes, count);
-            put(network.reported_at, now());
+            put(network.reported_at, at);
             add(network.reports);
-            tell(*page, page->network_ring, Event_kind::network_state,
+            tell(*page, page->network_ring, at, Event_kind::network_state,
                  {own(network.ecu_state), first_bytes(bytes, count)});
         }
     }

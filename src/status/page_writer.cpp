@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <climits>
+#include <cstring>
 
+#include <endian.h>
 #include <linux/futex.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -20,10 +22,13 @@ std::atomic<Page*> g_page{nullptr};
 // The text's bytes from `from` on, as a word.
 std::uint64_t packed(std::string_view text, std::size_t from) {
     std::uint64_t word = 0;
-    for (std::size_t i = from; i < std::min(from + k_word, text.size()); ++i) {
-        word |= std::uint64_t{static_cast<std::uint8_t>(text[i])} << CHAR_BIT * (i - from);
+    auto const left = text.size() - std::min(from, text.size());
+    if (left >= k_word) {
+        std::memcpy(&word, text.data() + from, k_word);
+    } else if (left != 0) {
+        std::memcpy(&word, text.data() + from, left);
     }
-    return word;
+    return le64toh(word);
 }
 
 // Word number `place` of `count` for the text: what does not fit ends in dots.
@@ -74,10 +79,11 @@ void put(Bits<Shared_word>& place, std::uint8_t const* bytes, std::size_t count)
     put(place.bytes, text);
 }
 
-void tell(Page& page, Ring<Shared_word>& ring, Event_kind kind, Numbers numbers, std::string_view text) {
+void tell(Page& page, Ring<Shared_word>& ring, std::uint64_t at, Event_kind kind, Numbers numbers,
+          std::string_view text) {
     auto const number = own(ring.count);
     auto& event = ring.events[number % k_events];
-    put(event.at, now());
+    put(event.at, at);
     put(event.kind, kind);
     put(event.numbers[0], numbers.first);
     put(event.numbers[1], numbers.second);

@@ -85,8 +85,10 @@ struct Numbers {
     std::uint64_t third{0};
 };
 
-/// One more event of the thread whose ring it is. Readers are woken by the driver's next beat.
-void tell(Page& page, Ring<Shared_word>& ring, Event_kind kind, Numbers numbers, std::string_view text = {});
+/// One more event of the thread whose ring it is, at a time that was taken for its section, too. Readers are woken by
+/// the driver's next beat.
+void tell(Page& page, Ring<Shared_word>& ring, std::uint64_t at, Event_kind kind, Numbers numbers,
+          std::string_view text = {});
 
 /// Wakes those who wait for events: one system call that can't wait, for the driver's thread alone.
 void wake(Page& page);

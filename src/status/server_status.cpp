@@ -77,7 +77,7 @@ std::array<char, k_longest_name> name_bytes(Shared_client const& client) {
 void tell_of(Page& page, Shared_client const& client, Event_kind kind, Numbers numbers = {}) {
     auto const bytes = name_bytes(client);
     std::string_view const name(bytes.data(), bytes.size());
-    tell(page, page.server_ring, kind, numbers, name.substr(0, name.find('\0')));
+    tell(page, page.server_ring, now(), kind, numbers, name.substr(0, name.find('\0')));
 }
 
 // Who the other end is, as the system knows it: one call that does not wait.
@@ -253,9 +253,10 @@ void request_ended(Answer how) {
         Change const change(page->server.sequence);
         close_open(*page, how);
         put(page->server.in_progress, 0U);
-        put(page->server.ended_at, now());
+        auto const at = now();
+        put(page->server.ended_at, at);
         put(page->server.ended_how, how);
-        tell(*page, page->server_ring, Event_kind::request_ended, {static_cast<std::uint64_t>(how)});
+        tell(*page, page->server_ring, at, Event_kind::request_ended, {static_cast<std::uint64_t>(how)});
     }
 }
 
@@ -280,7 +281,7 @@ void client_answered(int connection, std::string_view state, std::uint8_t result
 
 void client_out_of_turn(std::string_view name) {
     if (auto* const page = status::page()) {
-        tell(*page, page->server_ring, Event_kind::client_out_of_turn, {}, name);
+        tell(*page, page->server_ring, now(), Event_kind::client_out_of_turn, {}, name);
     }
 }
 

@@ -76,7 +76,8 @@ void change(std::string_view name, Hold service, bool is_request, Action const& 
         add((is_request ? instance->requests : instance->releases)[place(service)]);
         action(*instance);
     }
-    tell(*page, page->services_ring, is_request ? Event_kind::held : Event_kind::released, {place(service)}, name);
+    tell(*page, page->services_ring, now(), is_request ? Event_kind::held : Event_kind::released, {place(service)},
+         name);
 }
 
 }  // namespace
@@ -95,11 +96,12 @@ void provided(Hold service, std::vector<std::string> const& instances) {
 
 void manager_found() {
     if (auto* const page = status::page()) {
+        auto const at = now();
         {
             Change const change(page->services.sequence);
-            put(page->services.manager_found, now());
+            put(page->services.manager_found, at);
         }
-        tell(*page, page->services_ring, Event_kind::manager_found, {});
+        tell(*page, page->services_ring, at, Event_kind::manager_found, {});
     }
 }
 

@@ -6,10 +6,16 @@
 #include "support/test_client.h"
 #include "tool.h"
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+
+#include <poll.h>
+#include <sys/mount.h>
+#include <unistd.h>
 
 namespace bench::vehicle {
 namespace {
@@ -33,6 +39,27 @@ class Recorder_story : public Network_story {
         finish();
         std::filesystem::remove_all("/run/adaptive/status");
         std::filesystem::remove_all("/run/adaptive/ara_SM");
+    }
+
+    /// Its words come to its standard output, which is read by `recorder_says`.
+    void start_recorder_that_is_heard() {
+        recorder = std::make_unique<Child_process>(
+            std::vector<std::string>{
+                "/bin/sh", "-c",
+                "exec " VEHICLE_BUILD "/tools/ap_statemanager_recorder --directory " + records() + " 2>&1"},
+            std::vector<std::string>{});
+    }
+    bool recorder_says(std::string const& words, std::chrono::milliseconds limit) {
+        pollfd news{recorder->output(), POLLIN, 0};
+        char buffer[4096];
+        while (said.find(words) == std::string::npos && ::poll(&news, 1, static_cast<int>(limit.count())) == 1) {
+            auto const count = ::read(recorder->output(), buffer, sizeof buffer);
+            if (count <= 0) {
+                return false;
+            }
+            said.append(buffer, static_cast<std::size_t>(count));
+        }
+        return said.find(words) != std::string::npos;
     }
 
     void start_recorder() {
@@ -139,6 +166,7 @@ class Recorder_story : public Network_story {
 
     test_support::Temporary_directory directory;
     std::unique_ptr<Child_process> recorder;
+    std::string said;  ///< by the recorder that is heard
     std::string watchdog{"20"};
 };
 
@@ -241,6 +269,50 @@ TEST_F(Recorder_story, Tells_lives_that_came_and_went_between_two_looks) {
     EXPECT_THAT(ends(), ElementsAre(HasSubstr(" in Running"), HasSubstr(" in Running"), "running in Running"));
     EXPECT_EQ(history.at("cycles").at(1).at("missed"), 1) << "the second life, whose page is gone: " << history;
     EXPECT_EQ(history.at("cycles").back().at("missed"), 0) << history;
+}
+
+/// A small disk on which a file leaves room for a few lines.
+class Full_disk {
+ public:
+    explicit Full_disk(std::string const& place) : place_(place) {
+        EXPECT_EQ(::mount("none", place.c_str(), "tmpfs", 0, "size=64k"), 0) << std::strerror(errno);
+        std::ofstream(filler()) << std::string(60 * 1024, '.');
+    }
+    ~Full_disk() { ::umount2(place_.c_str(), MNT_DETACH); }
+    Full_disk(Full_disk const&) = delete;
+    Full_disk& operator=(Full_disk const&) = delete;
+
+    void make_room() { std::filesystem::remove(filler()); }
+
+ private:
+    std::string filler() const { return place_ + "/filler"; }
+
+    std::string const place_;
+};
+
+TEST_F(Recorder_story, Lacks_nothing_of_the_time_in_which_its_disk_was_full) {
+    Full_disk disk(records());
+    build();
+    start_recorder_that_is_heard();
+    start_and_run();
+    std::size_t suspends = 0;
+    while (!recorder_says("No space left on device", std::chrono::milliseconds(0)) && suspends < 20) {
+        machine->press("p");
+        ASSERT_TRUE(is_in("PreparedSD"));
+        machine->press("r");
+        ASSERT_TRUE(is_in("Running"));
+        ++suspends;
+    }
+    EXPECT_THAT(said, HasSubstr(records() + ": nothing can be written: No space left on device"));
+    disk.make_room();
+    EXPECT_TRUE(recorder_says("all is well again", Machine::k_patience)) << said;
+    await_recorded("Running");
+    auto const history = json::parse(told("history", {"--json", "-n", "100"}).output);
+    EXPECT_EQ(history.at("cycles").size(), suspends + 1) << history;
+    for (auto const& cycle : history.at("cycles")) {
+        EXPECT_EQ(cycle.at("missed"), 0) << cycle;
+    }
+    stop_recorder();
 }
 
 TEST_F(Recorder_story, Blames_a_client_that_was_late_and_tells_by_how_much) {
