@@ -20,6 +20,11 @@ ara::com::ServiceHandle handle_of(std::string const& instance) {
     return ara::com::ServiceHandle(ara::com::InstanceIdentifier(instance));
 }
 
+// As a script has it.
+std::string with(std::uint8_t ac_number) {
+    return ac_number == 0 ? std::string() : " ac " + std::to_string(ac_number);
+}
+
 }  // namespace
 
 // The call is noted before what it leads to.
@@ -42,7 +47,7 @@ void Applications::release_ecu(std::string const& instance) {
 }
 
 void Applications::request_com(std::string const& instance, Bits const& bits, std::uint8_t ac_number) {
-    make(instance, "requests com " + text_of(bits),
+    make(instance, "requests com " + text_of(bits) + with(ac_number),
          [&] { Com(handle_of(instance)).RequestComAlive(bits, ac_number).get(); });
 }
 
@@ -51,7 +56,8 @@ void Applications::release_com(std::string const& instance, Bits const& bits) {
 }
 
 void Applications::request_car_wake_up(std::string const& instance, std::uint8_t ac_number) {
-    make(instance, "requests wake-up", [&] { Car(handle_of(instance)).RequestCarWakeUp(ac_number).get(); });
+    make(instance, "requests wake-up" + with(ac_number),
+         [&] { Car(handle_of(instance)).RequestCarWakeUp(ac_number).get(); });
 }
 
 void Applications::release_car_wake_up(std::string const& instance) {

@@ -138,11 +138,12 @@ void Drawing::draw_clients(Lines& lines) {
 void Drawing::ask_for_something() {
     auto const who = one_of({"navigation", "hud"});
     auto const does = in_100(55) ? " requests " : " releases ";
+    auto const number = in_100(50) ? " ac " + std::to_string(below(19)) : std::string();
     switch (below(4)) {
         case 0:
-            return happens("application " + who + does + "com " + bits());
+            return happens("application " + who + does + "com " + bits() + number);
         case 1:
-            return happens("application " + who + does + "wake-up");
+            return happens("application " + who + does + "wake-up" + number);
         default:
             return happens("application " + who + does + "ecu");
     }

@@ -309,15 +309,23 @@ void Held_rules::take_application(std::string const& who, std::string const& wha
     }
     held_before_ = held_;
     bool const requests = what.rfind("requests", 0) == 0;
-    auto const object = what.substr(9);
+    auto const number_at = what.find(" ac ");
+    auto const object = what.substr(9, number_at - 9);
     auto& of_one = held_[who];
     if (object == "ecu") {
         of_one.ecu = requests;
-    } else if (object == "wake-up") {
+        return;
+    }
+    if (object == "wake-up") {
         of_one.wake_up = requests;
     } else if (auto const bits = behind("com ", object)) {
         auto const number = static_cast<std::uint32_t>(number_of(*bits));
         of_one.bits = requests ? of_one.bits | number : of_one.bits & ~number;
+    }
+    if (requests) {
+        of_one.number = number_at == std::string::npos ? 0 : std::stoul(what.substr(number_at + 4));
+    } else if (!of_one.wake_up && of_one.bits == 0) {
+        of_one.number = 0;
     }
 }
 
@@ -496,6 +504,35 @@ void Held_rules::check_network(simulation::Life& life) {
         both << std::hex << "requested of the network is " << requested << ", held is " << held_bits();
         find(both.str());
     }
+    check_user_data(life);
+}
+
+// The area of the applications' bits is sent by each resume, also where it is otherwise left out.
+void Held_rules::check_user_data(simulation::Life& life) {
+    auto told = life.network().user_data();
+    auto const wanted = is_standing_by_ ? simulation::Bits(told.size()) : user_data();
+    told.resize(wanted.size());
+    if (told != wanted) {
+        find("the user data is " + simulation::text_of(told) + ", not " + simulation::text_of(wanted));
+    }
+}
+
+// As the example configuration lays it out.
+simulation::Bits Held_rules::user_data() const {
+    constexpr unsigned k_most_numbers = 16;
+    simulation::Bits data{0x80, 0, 0, 0, 0, 0};
+    auto const add = [&data](std::size_t place, unsigned bits) { data[place] |= static_cast<std::uint8_t>(bits); };
+    for (auto const& [name, one] : held_) {
+        add(0, one.wake_up ? 0x40 : 0);
+        if (one.number >= 1 && one.number <= k_most_numbers) {
+            add(1 + (one.number - 1) / 8, 1U << (one.number - 1) % 8);
+        }
+        for (std::size_t place = 0; place < 3; ++place) {
+            add(3 + place, one.bits >> 8 * place);
+        }
+    }
+    data.resize(terms_.sends_cab_area ? 6 : 3);
+    return data;
 }
 
 }  // namespace lives

@@ -23,6 +23,7 @@ struct Terms {
     bool requests_on_entry{true};
     bool manager_is_there{true};
     bool channel_is_there{true};
+    bool sends_cab_area{false};
     unsigned knockout{3};
     simulation::Time period{0};
     simulation::Time application{0};  ///< that a group of clients has
@@ -57,6 +58,7 @@ class Held_rules {
         bool ecu{false};
         bool wake_up{false};
         std::uint32_t bits{0};
+        unsigned long number{0};  ///< of the one AC bit, from 1; 0 for none
     };
     struct Client {
         unsigned connections{0};
@@ -90,7 +92,9 @@ class Held_rules {
 
     void check_way_taken();
     void check_network(simulation::Life& life);
+    void check_user_data(simulation::Life& life);
     std::uint64_t held_bits() const;
+    simulation::Bits user_data() const;
     bool keeps_ecu() const;
     bool keeps_com() const;
 

@@ -50,7 +50,7 @@ TEST(Lives_of_the_machine, Are_drawn_alike_by_each_compiler) {
     for (std::uint64_t seed = 1; seed <= 200; ++seed) {
         scripts += text_of(drawn_life(seed));
     }
-    EXPECT_EQ(hash_of(scripts), 3558939105443761746U);
+    EXPECT_EQ(hash_of(scripts), 1227315821994554028U);
 }
 
 TEST(Lives_of_the_machine, Tell_an_exception_as_what_they_have_found) {
@@ -139,6 +139,25 @@ TEST(A_suspend, In_which_a_later_state_tells_the_network_something_is_found) {
     EXPECT_EQ(played(lines, unused).finding, "");
     EXPECT_EQ(played(lines, unused, telling("preparing")).finding, "");
     EXPECT_THAT(played(lines, unused, telling("prepared4sd")).finding, HasSubstr("a message during the suspend"));
+}
+
+// An application that the daemon does not know of.
+TEST(User_data, That_is_not_what_applications_hold_is_found) {
+    Lines const lines{"config NmUserDataConfig.CabBitsEnabled true", "at 2s application hud requests com 01 ac 9",
+                      "at 3s application hud releases com 01"};
+    auto const planted = [](std::string const& what) {
+        return [what](Entry const& entry) {
+            return entry.kind == Kind::word && entry.what == "running"
+                       ? std::optional(Entry{entry.at, Kind::application, "navigation", what})
+                       : std::nullopt;
+        };
+    };
+    Coverage unused;
+    EXPECT_EQ(played(lines, unused).finding, "");
+    EXPECT_EQ(played(lines, unused, planted("releases wake-up")).finding, "");
+    for (auto const* const what : {"requests wake-up", "requests wake-up ac 3", "requests com 00 ac 16"}) {
+        EXPECT_THAT(played(lines, unused, planted(what)).finding, HasSubstr("the user data is 80 00 00 00 00 00, not"));
+    }
 }
 
 TEST(A_life_that_breaks_a_rule, Is_told_by_the_lines_that_it_takes) {
