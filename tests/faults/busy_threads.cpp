@@ -1,13 +1,11 @@
 #include "busy_threads.h"
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <sstream>
 #include <system_error>
-
-#include <unistd.h>
 
 namespace faults {
 
@@ -15,31 +13,18 @@ namespace {
 
 using Seconds = std::chrono::duration<double>;
 
-/// Processor time of each thread.
-std::map<std::string, double> processor_times(pid_t pid) {
-    static auto const ticks = static_cast<double>(::sysconf(_SC_CLK_TCK));
-    std::map<std::string, double> times;
+/// Processor time of each thread, by number and name.
+std::map<std::string, Seconds> processor_times(pid_t pid) {
+    std::map<std::string, Seconds> times;
     std::error_code ended;
     for (std::filesystem::directory_iterator entry("/proc/" + std::to_string(pid) + "/task", ended), end;
          !ended && entry != end; entry.increment(ended)) {
-        std::ifstream file(entry->path() / "stat");
-        std::string text;
-        std::getline(file, text);
-        // The fields after the name in parentheses: the 12th and 13th are user and system time.
-        auto const name_end = text.rfind(')');
-        if (name_end == std::string::npos) {
-            continue;
+        std::string name;
+        std::getline(std::ifstream(entry->path() / "comm"), name);
+        std::int64_t nanoseconds = 0;
+        if (std::ifstream(entry->path() / "schedstat") >> nanoseconds) {
+            times[entry->path().filename().string() + ' ' + name] = std::chrono::nanoseconds(nanoseconds);
         }
-        std::string field;
-        double user = 0;
-        double system = 0;
-        std::istringstream fields(text.substr(name_end + 1));
-        for (int skipped = 0; skipped < 11; ++skipped) {
-            fields >> field;
-        }
-        fields >> user >> system;
-        times[entry->path().filename().string() + text.substr(text.find(' '), name_end + 1 - text.find(' '))] =
-            (user + system) / ticks;
     }
     return times;
 }
@@ -54,7 +39,7 @@ std::string busy_for(pid_t pid, Seconds duration, std::function<void()> const& w
     Seconds const taken = std::chrono::steady_clock::now() - begin;
     for (auto const& [thread, time] : processor_times(pid)) {
         auto const found = before.find(thread);
-        if (found != before.end() && time - found->second > k_part * taken.count()) {
+        if (found != before.end() && time - found->second > k_part * taken) {
             return thread;
         }
     }

@@ -10,18 +10,14 @@ namespace faults {
 /// What a call's descriptor is, as far as it decides which errors are plausible.
 enum class Subject { none, file, stream, datagrams, pipe, other };
 
-/// One way in which a call goes wrong.
-struct Error {
-    int number;  ///< of errno
-    char const* name;
-};
+/// What a call does with the descriptor that is its first argument, where its errors depend on that.
+enum class Use { none, reads, writes, connects };
 
 struct Call {
     long number;  ///< of the system call
     char const* name;
-    bool has_descriptor;        ///< as its first argument
-    bool is_done_all_the_same;  ///< an error is told of a call that has done its work (close)
-    int length_argument;        ///< which argument says how much is read or written; -1 where there is none
+    Use use;
+    std::vector<int> errors;  ///< that it can have whatever its descriptor
 };
 
 /// All calls that are watched. What is left out can't fail in a process that is in order (getpid, rt_sigprocmask,
@@ -32,9 +28,7 @@ std::vector<Call> const& calls();
 Call const* call_of(long number);
 
 /// How a call can fail. EAGAIN only where the descriptor does not block.
-std::vector<Error> errors_of(Call const& call, Subject subject, bool is_nonblocking);
-
-std::string name_of_error(int number);
+std::vector<int> errors_of(Call const& call, Subject subject, bool is_nonblocking);
 
 }  // namespace faults
 

@@ -4,7 +4,6 @@
 #include "calls.h"
 
 #include <cstdint>
-#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -37,19 +36,14 @@ struct Site {
 std::vector<Fault> read_plan(std::string const& file);
 void write_plan(std::string const& file, std::vector<Fault> const& faults);
 
-/// What a watcher has written: the sites it met, and how many of the plan's faults came to pass.
+/// What a watcher has seen: the sites, and how many of the plan's faults came to pass.
 struct Report {
     std::vector<Site> sites;
     unsigned hits{0};
     int watcher{0};  ///< the process that wrote it, at its end; 0 before
 };
 Report read_report(std::string const& file);
-
-/// Lines of a report.
-void tell_site(std::ostream& out, Site const& site);
-void tell_count(std::ostream& out, std::uint64_t site, unsigned count);
-void tell_hit(std::ostream& out);
-void tell_end(std::ostream& out);
+void write_report(std::string const& file, Report const& report);
 
 /// "sendto EAGAIN", "read short", "poll SIGTERM".
 std::string text_of(Fault const& fault);

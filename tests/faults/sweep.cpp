@@ -37,7 +37,7 @@ bool Sweep::run() {
     auto const all = trials();
     std::size_t done = 0;
     for (auto const& trial : all) {
-        if (options_.sample && steady_clock::now() - begin > *options_.sample) {
+        if (options_.sample && steady_clock::now() - begin > std::chrono::seconds(*options_.sample)) {
             break;
         }
         try_out(trial);

@@ -17,9 +17,9 @@
 namespace faults {
 
 struct Options {
-    std::string programs;                        ///< the build
-    std::string example;                         ///< text of the example configuration
-    std::optional<std::chrono::seconds> sample;  ///< as many faults as this takes; all when nothing
+    std::string programs;            ///< the build
+    std::string example;             ///< text of the example configuration
+    std::optional<unsigned> sample;  ///< as many faults as fit into these seconds; all when nothing
     unsigned seed{1};
     std::string life;     ///< only this one
     std::string match;    ///< only faults whose line has this text

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -96,7 +97,8 @@ std::vector<long> watched_calls(std::vector<Fault> const& plan) {
 }
 
 Tracer::Tracer(pid_t pid, std::vector<Fault> plan, std::string const& report)
-    : pid_(pid), plan_(std::move(plan)), met_(plan_.size()), report_(report), stacks_(pid) {
+    : pid_(pid), plan_(std::move(plan)), met_(plan_.size()), report_file_(report), stacks_(pid) {
+    write_report(report_file_, {});
     constexpr long options = PTRACE_O_TRACESECCOMP | PTRACE_O_TRACECLONE | PTRACE_O_TRACESYSGOOD;
     if (!trace(PTRACE_SEIZE, pid_, as_data(options))) {
         throw std::system_error(errno, std::generic_category(), "ptrace");
@@ -110,10 +112,11 @@ void Tracer::run() {
             stopped(thread, status);
         }
     }
-    for (auto const& [site, count] : counts_) {
-        tell_count(report_, site, count);
+    for (auto const& [id, site] : sites_) {
+        report_.sites.push_back(site);
     }
-    tell_end(report_);
+    report_.watcher = ::getpid();
+    write_report(report_file_, report_);
 }
 
 void Tracer::stopped(pid_t thread, int status) {
@@ -148,8 +151,11 @@ bool Tracer::at_call(pid_t thread) {
 
 bool Tracer::survey(pid_t thread, user_regs_struct const& registers, Call const& call) {
     auto const stack = stacks_.of(thread, call.number);
-    if (!stack.is_of_loader && ++counts_[stack.id] == 1) {
-        tell_site(report_, describe(call, registers, stack));
+    if (!stack.is_of_loader) {
+        auto& site = sites_[stack.id];
+        if (++site.count == 1) {
+            site = describe(call, registers, stack);
+        }
     }
     return false;
 }
@@ -170,7 +176,7 @@ bool Tracer::inject(pid_t thread, user_regs_struct const& registers, Call const&
     auto const stack = stacks_.of(thread, call.number);
     for (auto const place : candidates) {
         if (plan_[place].site == stack.id && ++met_[place] == plan_[place].position) {
-            tell_hit(report_);
+            ++report_.hits;
             return apply(thread, registers, call, plan_[place]);
         }
     }
@@ -187,7 +193,7 @@ bool Tracer::apply(pid_t thread, user_regs_struct registers, Call const& call, F
         registers.rdx = std::max<unsigned long long>(registers.rdx / 2, 1);
         return trace(PTRACE_SETREGS, thread, &registers);
     }
-    if (call.is_done_all_the_same) {
+    if (call.number == SYS_close) {  // is done all the same
         returning_[thread] = {true, registers, fault.value};
         return true;
     }
@@ -214,10 +220,11 @@ void Tracer::after_call(pid_t thread) {
 
 Site Tracer::describe(Call const& call, user_regs_struct const& registers, Call_stack const& stack) const {
     Site site;
+    site.count = 1;
     site.call = call.number;
     site.id = stack.id;
     site.frames = stacks_.names(stack);
-    if (call.has_descriptor) {
+    if (call.use != Use::none) {
         auto const descriptor = static_cast<long>(registers.rdi);
         site.subject = subject_of(pid_, descriptor);
         site.is_nonblocking = is_nonblocking(pid_, descriptor) || asks_not_to_wait(registers);

@@ -4,7 +4,6 @@
 #include "call_stacks.h"
 #include "plan.h"
 
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -45,9 +44,10 @@ class Tracer {
     pid_t pid_;
     std::vector<Fault> plan_;
     std::vector<unsigned> met_;  ///< calls that each fault's site has made
-    std::ofstream report_;
+    std::string const report_file_;
+    Report report_;
     Call_stacks stacks_;
-    std::map<std::uint64_t, unsigned> counts_;  ///< of each site, in a survey
+    std::map<std::uint64_t, Site> sites_;  ///< in a survey
     std::map<pid_t, Return> returning_;
 };
 

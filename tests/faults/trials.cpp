@@ -46,8 +46,12 @@ bool is_tried(Site const& site) {
 }
 
 // A datagram goes whole, what a pipe takes at once as well (a message of ours is shorter than PIPE_BUF), and a counter
-// has eight bytes or none.
+// has eight bytes or none. A call that takes its length out of a structure is left as it is.
 bool can_be_short(Site const& site) {
+    auto const use = call_of(site.call)->use;
+    if ((use != Use::reads && use != Use::writes) || site.call == SYS_recvmsg || site.call == SYS_sendmsg) {
+        return false;
+    }
     bool const is_of_pipe = site.subject == Subject::pipe && (site.call == SYS_write || site.call == SYS_writev);
     return site.subject != Subject::datagrams && site.subject != Subject::other && !is_of_pipe;
 }
@@ -69,10 +73,10 @@ void add_trials(Life const& life, Site const& site, std::vector<std::pair<unsign
     auto const& call = *call_of(site.call);
     unsigned rank = 0;
     for (auto const position : positions(site.count)) {
-        for (auto const& error : errors_of(call, site.subject, site.is_nonblocking)) {
-            trials.push_back({rank, {&life, {{site.call, site.id, position, Way::fails, error.number}}}});
+        for (int const error : errors_of(call, site.subject, site.is_nonblocking)) {
+            trials.push_back({rank, {&life, {{site.call, site.id, position, Way::fails, error}}}});
         }
-        if (call.length_argument >= 0 && can_be_short(site)) {
+        if (can_be_short(site)) {
             trials.push_back({rank, {&life, {{site.call, site.id, position, Way::is_short, 0}}}});
         }
         if (site.call != k_allocation) {
