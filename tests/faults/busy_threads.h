@@ -8,9 +8,9 @@
 
 namespace faults {
 
-/// The name and number of a thread that uses the processor all the time; empty when none does. `wait` passes some time
-/// and is called again and again. A thread of a process in order is at work for a hundredth of the time; what is asked
-/// for is a quarter of two times in a row, the second one longer, so that a busy machine blames nobody.
+/// The number and name of a thread that has something to do all the time; empty when none has. `wait` passes some time
+/// and is called again and again. What is asked for is nine tenths of two times in a row, the second one longer: where
+/// many wait for a processor, a thread of a process in order waits for it as well, but not that long.
 std::string busy_thread(pid_t pid, std::function<void()> const& wait);
 
 }  // namespace faults
