@@ -100,25 +100,31 @@ ssize_t Memory_sockets::recv(int socket, void* bytes, std::size_t length, int /*
     return from.peer == k_nobody ? 0 : fail(EAGAIN);
 }
 
-// What the other end sent and nobody read is a broken connection to it. A listener takes those with it whom it has not
-// accepted.
+// A listener takes those with it whom it has not accepted.
 int Memory_sockets::close(int socket) {
     auto const closed = open_.extract(socket);
     if (closed.empty()) {
         return fail(EBADF);
     }
-    for (int const waiting : closed.mapped().arrived) {
-        close(waiting);
+    for (int const number : closed.mapped().arrived) {
+        if (auto const waiting = open_.extract(number)) {
+            leave(waiting.mapped());
+        }
     }
     if (socket == listener_) {
         listener_ = k_nobody;
     }
-    if (auto const peer = open_.find(closed.mapped().peer); peer != open_.end()) {
+    leave(closed.mapped());
+    return 0;
+}
+
+// What the other end sent and nobody read is a broken connection to it.
+void Memory_sockets::leave(Open const& closed) {
+    if (auto const peer = open_.find(closed.peer); peer != open_.end()) {
         peer->second.peer = k_nobody;
-        peer->second.error = closed.mapped().bytes.empty() ? 0 : ECONNRESET;
+        peer->second.error = closed.bytes.empty() ? 0 : ECONNRESET;
         change();
     }
-    return 0;
 }
 
 int Memory_sockets::poll(pollfd* entries, std::size_t count, timespec const* /*timeout*/) {

@@ -58,6 +58,7 @@ class Memory_sockets final : public client_state_notifier::Surroundings, private
 
     int open();
     std::pair<int, int> open_pair();
+    void leave(Open const& closed);
     short events_of(int socket) const;
     void change() const;
 

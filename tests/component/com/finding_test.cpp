@@ -25,7 +25,7 @@ using Names = std::vector<std::string>;
 using Watch = Watching<Com_alive_proxy>;
 
 // A participant that is not heard is given up after a lease of many seconds. What is faster was seen in another way.
-constexpr milliseconds k_faster_than_lease{2000};
+constexpr milliseconds k_faster_than_lease{10'000};
 
 class Finding : public Client {};
 

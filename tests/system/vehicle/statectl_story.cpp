@@ -54,6 +54,7 @@ TEST_F(Statectl, Keeps_the_machine_awake) {
     ASSERT_TRUE(sees(Kind::state_word, "postrun"));
     EXPECT_EQ(statectl({"ecu-alive", "release", "2"}).status, 0);
     EXPECT_TRUE(sees(Kind::state_word, "shuttingdown"));
+    EXPECT_TRUE(ends_with(0));
 }
 
 /// `hold` with a command that ends once /tmp/gate is written to.

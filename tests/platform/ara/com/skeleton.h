@@ -38,7 +38,7 @@ class Skeleton_event {
     Skeleton_event(Skeleton const& skeleton, char const* name)
         : channel_(Hub::instance().channel(skeleton.interface(), skeleton.instance(), name)) {}
 
-    void Send(Octets const& value) {
+    void Send(Octets const& value) const {
         auto const subscribers = channel_.subscribers;
         for (auto const& subscriber : subscribers) {
             subscriber(value);
