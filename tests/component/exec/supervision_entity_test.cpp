@@ -104,8 +104,8 @@ class Busy_service_manager : public testing::Test {
         return lines;
     }
 
-    /// How long reports were refused: at least until `failed`, and borne at least for `borne`, however late this process
-    /// was in between.
+    /// How long reports were refused: at least until `failed`, and borne at least for `borne`, however late this
+    /// process was in between.
     struct Refused {
         milliseconds borne;   ///< from behind the first report to the last one that did not throw
         milliseconds failed;  ///< from before the first report to behind the one that threw, or the limit
@@ -155,7 +155,8 @@ TEST_F(Busy_service_manager, Has_failed_after_half_of_the_watchdogs_time) {
 }
 
 TEST_F(Busy_service_manager, Has_not_failed_when_a_report_went_out_in_between) {
-    // Half of it is less than the three times together, and more than one of them with the second that a stall counts for.
+    // Half of it is less than the three times together, and more than one of them with the second that a stall counts
+    // for.
     ::setenv("WATCHDOG_USEC", "4000000", 1);
     for (int i = 0; i < 3; ++i) {
         EXPECT_THAT(report_until_it_fails(milliseconds(700)).failed, testing::Ge(milliseconds(700)));
