@@ -53,6 +53,7 @@ class One_life {
     bool is_seen(Expected const& expected) const;
     bool is_logged(std::string const& text) const;
     bool has_complained() const;
+    bool has_last_line() const;
     bool has_died() const;  ///< and said why
     std::optional<int> end() const;
     void check_health();
