@@ -56,6 +56,7 @@ std::string Vehicle::program(char const* folder, char const* name) const {
 
 void Vehicle::start_bus() {
     bus_ = std::make_unique<Private_bus>("/run/dbus");
+    bus_address_ = bus_->address();
     service_manager_ = std::make_unique<Player>(
         std::vector<std::string>{program("service_manager", "bench_service_manager"), k_notify_socket},
         std::vector<std::string>{"DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address()});
@@ -151,7 +152,7 @@ void Vehicle::start_daemon() {
         environment.push_back(std::string("NOTIFY_SOCKET=") + k_notify_socket);
     }
     if (options_.with_service_manager) {
-        environment.push_back("DBUS_SYSTEM_BUS_ADDRESS=" + bus_->address());
+        environment.push_back("DBUS_SYSTEM_BUS_ADDRESS=" + bus_address_);
     }
     exit_status_.reset();
     is_end_awaited_ = false;

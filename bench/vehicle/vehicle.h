@@ -94,6 +94,7 @@ class Vehicle : public Machine {
     void hear_the_rest();
 
     Options options_;
+    std::string bus_address_;
     std::unique_ptr<Private_bus> bus_;
     std::unique_ptr<Player> hypervisor_;
     std::unique_ptr<Player> service_manager_;

@@ -29,6 +29,7 @@ constexpr int k_info = 4;
 constexpr std::uint32_t k_never_asked = 7;
 constexpr std::size_t k_last_events = 60;
 constexpr char const* k_socket = "/var/run/adaptive/ara_SM/ara_SM.socket";
+constexpr char const* k_first_words = "AP_StateManger daemon started";
 constexpr char const* k_last_words = "AP_StateManger daemon shutting down";
 constexpr char const* k_cycle = "Starting AP_StateManager run_cyclic_task";
 
@@ -112,11 +113,18 @@ void Player::play_steps() {
     }
 }
 
+// Without a log, a state that comes after the first one.
+bool Player::shows_start(Event const& event) const {
+    return circumstances_.log_has_hole ? event.kind == Kind::state_word && event.text != word_of(State::starting_up)
+                                       : event.kind == Kind::log && event.text == k_first_words;
+}
+
 State Player::state() const {
     return words_->state().value_or(State::starting_up);
 }
 
-void Player::begin() {
+// `late` is a neighbour that comes after the daemon.
+void Player::begin(Step const* late) {
     road_.mend(Clock::time_point::max());
     ++lives_;
     circumstances_.log_has_hole = false;
@@ -143,12 +151,20 @@ void Player::begin() {
     invariants_.push_back(std::make_unique<Complaints>(circumstances_));
     machine_.update({});
     machine_.take_events();
+    if (late != nullptr) {
+        road_.act(*late);
+    }
+    has_started_ = false;
     machine_.start_daemon();
     // A signal before that is lost.
-    if (!machine_.await(Kind::log, "AP_StateManger daemon started", 0, k_start)) {
+    for (auto const begin = Clock::now(); !has_started_ && findings_.empty() && Clock::now() - begin < k_start;) {
+        road_.mend(Clock::now());
+        machine_.update(k_poll);
+        hear();
+    }
+    if (!has_started_) {
         find("the daemon did not start");
     }
-    hear();
 }
 
 void Player::end(int signal) {
@@ -192,6 +208,10 @@ void Player::act(Step const& step) {
         case Verb::restart:
             end(step.words.back() == "KILL" ? SIGKILL : SIGTERM);
             begin();
+            break;
+        case Verb::late_start:
+            end(SIGTERM);
+            begin(&step);
             break;
         case Verb::settle:
             settle();
@@ -274,6 +294,7 @@ void Player::hear() {
         if (event.kind == Kind::log && event.text.rfind("infrastructure exception", 0) == 0) {
             losses_.note();
         }
+        has_started_ = has_started_ || shows_start(event);
         has_ended_log_ = has_ended_log_ || (event.kind == Kind::log && event.text == k_last_words);
         if (event.kind == Kind::state_word) {
             losses_.hear_state_word(event.text);

@@ -43,9 +43,10 @@ class Player {
     Player(nlohmann::json const& configuration, Script script, std::string programs);
 
     void play_steps();
-    void begin();
+    void begin(Step const* late = nullptr);
     void end(int signal);
     void end_by_itself();
+    bool shows_start(Event const& event) const;
     bench::rules::State state() const;
     void act(Step const& step);
     void press(std::string const& key);
@@ -72,6 +73,7 @@ class Player {
     std::string step_{"the start"};
     Clock::time_point last_news_;
     bool may_resume_{false};  ///< this daemon was told something else first
+    bool has_started_{false};
     bool has_ended_log_{false};
     int quiet_cycles_{0};  ///< since then
     unsigned lives_{0};

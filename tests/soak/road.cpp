@@ -26,10 +26,10 @@ using std::chrono::milliseconds;
 constexpr unsigned k_busy_processes = 3;
 constexpr std::int64_t k_late_ms = 100;  // a process that is to go on waits for a processor first
 
-/// Of what the step is about: the words between its first one and "for".
+/// Of what the step is about: the words between its first one and "for" or "after".
 std::string name_in(Step const& step) {
     std::string name;
-    for (auto word = step.words.begin() + 1; word != step.words.end() && *word != "for"; ++word) {
+    for (auto word = step.words.begin() + 1; word != step.words.end() && *word != "for" && *word != "after"; ++word) {
         name += (name.empty() ? "" : " ") + *word;
     }
     return name;
@@ -54,6 +54,9 @@ void Road::act(Step const& step) {
             break;
         case Verb::kill:
             kill(step);
+            break;
+        case Verb::late_start:
+            make_late(step);
             break;
         case Verb::withdraw:
             withdraw(step);
@@ -139,6 +142,15 @@ void Road::kill(Step const& step) {
             losses_.lose();
         }
     });
+}
+
+// The service manager can't come alone: it is there, and stands still.
+void Road::make_late(Step const& step) {
+    bool const is_there = name_in(step) == "service manager";
+    Step comes_late = step;
+    comes_late.verb = is_there ? Verb::stop : Verb::kill;
+    circumstances_.happened.insert(comes_late.verb);
+    act(comes_late);
 }
 
 void Road::withdraw(Step const& step) {

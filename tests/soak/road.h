@@ -54,6 +54,7 @@ class Road {
     void freeze(Step const& step);
     void make_busy(Step const& step);
     void kill(Step const& step);
+    void make_late(Step const& step);
     void withdraw(Step const& step);
     void stall(std::chrono::milliseconds time);
     bool runs(std::string const& name);

@@ -41,6 +41,7 @@ constexpr Kind k_kinds[] = {
     {Verb::silence, 2, "others are silent for SHORT"},
     {Verb::busy, 2, "the processors are busy for SHORT"},
     {Verb::restart, 1, "restart the daemon by SIGNAL"},
+    {Verb::late_start, 2, "start LATE after another daemon by LONG"},
     {Verb::settle, 6, "settle"},
 };
 
@@ -55,6 +56,7 @@ std::map<std::string, Words> const& classes() {
         {"NUMBER", {"0", "1", "2", "9", "16", "17"}},
         {"NEIGHBOUR", {"application 1", "application 2", "node", "other node", "bus", "log daemon"}},
         {"PROCESS", {"radio", "diag::dcm", "application 1", "node", "service manager", "bus", "log daemon"}},
+        {"LATE", {"node", "other node", "application 1", "service manager", "bus", "log daemon"}},
         {"NETWORK", {"20", "40", "000080"}},
         {"SIGNAL", {"TERM", "KILL"}},
     };
@@ -62,6 +64,19 @@ std::map<std::string, Words> const& classes() {
 }
 
 constexpr unsigned k_short_ms = 1'400;  // the longest stall that nothing is to be lost by
+constexpr unsigned k_long_ms = 5'000;
+
+// What the draw of single steps meets too seldom: the last hold is given up while the machine is suspended.
+constexpr char const* k_given_up_in_suspend[] = {
+    "settle",
+    "application APPLICATION requests ecu_alive",
+    "key p",
+    "application 1 releases ecu_alive BITS",
+    "application 2 releases ecu_alive BITS",
+    "key r",
+    "settle",
+};
+constexpr unsigned k_scene_in_100 = 2;
 
 Words split(std::string const& text) {
     std::istringstream stream(text);
@@ -82,7 +97,7 @@ std::size_t fits(std::string const& pattern, Words const& words, std::size_t fro
     if (from >= words.size()) {
         return 0;
     }
-    if (pattern == "SHORT") {
+    if (pattern == "SHORT" || pattern == "LONG") {
         return is_number(words[from]) ? 1 : 0;
     }
     auto const found = classes().find(pattern);
@@ -136,6 +151,9 @@ class Drawing {
         auto const count = draws_.in_100(10) ? draws_.between(150, 400) : draws_.between(20, 80);
         for (unsigned step = 0; step < count; ++step) {
             script.steps.push_back(this->step());
+            if (draws_.in_100(k_scene_in_100)) {
+                add_scene(script);
+            }
         }
         return script;
     }
@@ -151,12 +169,25 @@ class Drawing {
 
     Step step() {
         auto const& kind = k_kinds[place()];
-        Step step{pause(), kind.verb, {}};
-        for (auto const& pattern : split(kind.line)) {
-            auto const drawn = split(word(pattern));
-            step.words.insert(step.words.end(), drawn.begin(), drawn.end());
+        return {pause(), kind.verb, drawn(kind.line)};
+    }
+
+    void add_scene(Script& script) {
+        for (auto const* line : k_given_up_in_suspend) {
+            auto words = drawn(line);
+            words.insert(words.begin(), std::to_string(pause()));
+            script.steps.push_back(step_of(words));
         }
-        return step;
+        last_key_ = "r";
+    }
+
+    Words drawn(char const* line) {
+        Words words;
+        for (auto const& pattern : split(line)) {
+            auto const drawn = split(word(pattern));
+            words.insert(words.end(), drawn.begin(), drawn.end());
+        }
+        return words;
     }
 
     std::size_t place() {
@@ -191,6 +222,9 @@ class Drawing {
         }
         if (pattern == "SHORT") {
             return std::to_string(draws_.between(1, k_short_ms));
+        }
+        if (pattern == "LONG") {
+            return std::to_string(draws_.between(1, k_long_ms));
         }
         auto const found = classes().find(pattern);
         return found == classes().end() ? pattern : draws_.one_of(found->second);

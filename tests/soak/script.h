@@ -25,6 +25,7 @@ enum class Verb {
     silence,
     busy,
     restart,
+    late_start,
     settle
 };
 
