@@ -9,11 +9,12 @@
 
 namespace simulation {
 
-/// Applications that call the services of the daemon. A call has ended when its function returns; one that fails,
-/// because nobody offers the instance, is noted as such.
+/// Applications that call the services of the daemon. A call has ended when its function returns, unless the daemon
+/// waits for the network manager just then: it is made after that. One that fails, because nobody offers the instance,
+/// is noted as such.
 class Applications {
  public:
-    explicit Applications(Stage& stage) : stage_(stage) {}
+    Applications(Stage& stage, Network& network) : stage_(stage), network_(network) {}
 
     void request_ecu(std::string const& instance);
     void release_ecu(std::string const& instance);
@@ -27,9 +28,10 @@ class Applications {
 
  private:
     template <class Call>
-    void make(std::string const& instance, std::string const& what, Call const& call);
+    void make(std::string const& instance, std::string const& what, Call call);
 
     Stage& stage_;
+    Network& network_;
 };
 
 }  // namespace simulation

@@ -10,7 +10,7 @@ Control_files* latest = nullptr;
 
 }  // namespace
 
-Control_files::Control_files() {
+Control_files::Control_files(Stage& stage) : stage_(stage) {
     latest = this;
 }
 
@@ -42,9 +42,10 @@ bool Control_files::is_open(int descriptor) const {
 
 long Control_files::write(int descriptor, std::string_view bytes) {
     auto const& file = *open_.at(place(descriptor));
-    bool const is_taken = file.manner == Manner::takes;
-    file.reader(bytes, is_taken);
-    if (!is_taken) {
+    auto const manner = file.manner;
+    stage_.hold_up(file.after);
+    file.reader(bytes, manner);
+    if (manner == Manner::refuses) {
         errno = EIO;
         return -1;
     }

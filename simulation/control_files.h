@@ -16,10 +16,10 @@ namespace simulation {
 /// to the kernel.
 class Control_files {
  public:
-    enum class Manner { takes, refuses, missing };
-    using Reader = std::function<void(std::string_view bytes, bool is_taken)>;
+    enum class Manner { takes, refuses, is_deaf, missing };
+    using Reader = std::function<void(std::string_view bytes, Manner manner)>;
 
-    Control_files();
+    explicit Control_files(Stage& stage);
     ~Control_files();
     Control_files(Control_files const&) = delete;
     Control_files& operator=(Control_files const&) = delete;
@@ -29,8 +29,12 @@ class Control_files {
 
     void add(std::string const& path, Reader reader);
 
-    /// Words are refused from now on, or taken again; one that is missing can't be opened.
-    void behave(std::string const& path, Manner manner) { files_.at(path).manner = manner; }
+    /// From now on words are refused, taken, or taken by a file that is deaf and does nothing with them, each after a
+    /// time for which the writer waits; one that is missing can't be opened.
+    void behave(std::string const& path, Manner manner, Time after = Time(0)) {
+        files_.at(path).manner = manner;
+        files_.at(path).after = after;
+    }
 
     bool has(std::string const& path) const { return files_.count(path) != 0; }
 
@@ -44,12 +48,14 @@ class Control_files {
     struct File {
         Reader reader;
         Manner manner{Manner::takes};
+        Time after{0};
     };
 
     // Far from the kernel's numbers.
     static constexpr int k_first_descriptor = 1 << 24;
     static std::size_t place(int descriptor) { return static_cast<std::size_t>(descriptor - k_first_descriptor); }
 
+    Stage& stage_;
     std::map<std::string, File> files_;
     std::vector<File*> open_;
 };

@@ -19,7 +19,9 @@ void Event_queue::run_until(Time end, std::function<bool()> const& is_done) {
         now_ = next->first;
         auto const action = std::move(next->second);
         actions_.erase(next);
+        auto const was_happening = std::exchange(is_happening_, true);
         action();
+        is_happening_ = was_happening;
     }
 }
 

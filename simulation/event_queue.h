@@ -24,9 +24,18 @@ class Event_queue {
     /// nothing is heard of in no time.
     void run_until(Time end, std::function<bool()> const& is_done);
 
+    /// Lets a time pass.
+    void pass(Time time) {
+        run_until(now_ + time, [] { return false; });
+    }
+
+    /// Whether something happens just now: the caller is no wait of the driver's, but part of what happens in one.
+    bool is_happening() const { return is_happening_; }
+
  private:
     std::multimap<Time, Action> actions_;
     Time now_{0};
+    bool is_happening_{false};
 };
 
 }  // namespace simulation

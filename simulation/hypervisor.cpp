@@ -15,6 +15,7 @@ namespace {
 
 constexpr int k_keyboard = 3;
 constexpr int k_epoll = 4;
+constexpr Time k_moment = std::chrono::milliseconds(1);
 
 constexpr std::array<std::pair<char const*, std::uint16_t>, 5> k_keys{
     {{"r", KEY_R}, {"n", KEY_N}, {"s", KEY_S}, {"p", KEY_P}, {"power", KEY_POWER}}};
@@ -38,7 +39,21 @@ bool Hypervisor::has_key(std::string const& key) {
     return false;
 }
 
+void Hypervisor::lose_keyboard() {
+    unread_.clear();
+    is_lost_ = true;
+}
+
+void Hypervisor::begin_cycle() {
+    if (is_lost_) {
+        stage_.events().pass(k_moment);
+    }
+}
+
 void Hypervisor::press(std::string const& key) {
+    if (is_lost_) {
+        return stage_.note(Kind::neighbour, "key", key + ", without a keyboard");
+    }
     stage_.note(Kind::key, "", key);
     for (auto const& [name, code] : k_keys) {
         if (key == name) {
@@ -83,7 +98,12 @@ int Hypervisor::watch(int /*epoll*/, int /*device*/) {
 int Hypervisor::wait(int /*epoll*/, virtio::Epoll_events& events, int timeout_ms) {
     // A daemon that doesn't wait would stop time.
     auto const end = stage_.now() + std::chrono::milliseconds(std::max(timeout_ms, 1));
-    stage_.events().run_until(end, [this] { return !unread_.empty() || stage_.is_over(); });
+    stage_.events().run_until(end, [this] { return !unread_.empty() || is_lost_ || stage_.is_over(); });
+    if (is_lost_) {
+        events[0].events = EPOLLHUP | EPOLLERR;
+        events[0].data.fd = k_keyboard;
+        return 1;
+    }
     if (unread_.empty()) {
         return 0;
     }

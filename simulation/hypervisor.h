@@ -21,6 +21,12 @@ class Hypervisor final : public ximo::ap::statemanager::virtio::Input_system {
     /// Only the record that tells that it is down.
     void key_down(std::string const& key);
 
+    /// The keyboard is gone for good, with what was not read; nobody hears keys any more.
+    void lose_keyboard();
+
+    /// A driver without a keyboard does not wait: a cycle of its takes a moment.
+    void begin_cycle();
+
     static bool has_key(std::string const& key);
 
     std::optional<std::vector<std::string>> list_directory(std::string const& directory) override;
@@ -35,6 +41,7 @@ class Hypervisor final : public ximo::ap::statemanager::virtio::Input_system {
  private:
     Stage& stage_;
     std::deque<ximo::ap::statemanager::virtio::Input_record_bytes> unread_;
+    bool is_lost_{false};
 };
 
 }  // namespace simulation

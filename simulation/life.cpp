@@ -42,18 +42,20 @@ bool parse(std::string const& text, sm::config::State_manager_config& configurat
 class Input final : public sm::virtio::Virtio_interface_abstract {
  public:
     Input(Hypervisor& hypervisor, std::function<void()> on_wait, sm::virtio::Virtio_command& offered)
-        : queue_(hypervisor), on_wait_(std::move(on_wait)), offered_(offered) {}
+        : hypervisor_(hypervisor), queue_(hypervisor), on_wait_(std::move(on_wait)), offered_(offered) {}
 
     bool init(std::string device_directory) override { return queue_.init(std::move(device_directory)); }
     sm::virtio::Virtio_command get_command(unsigned int timeout_ms) override {
         if (on_wait_) {
             on_wait_();
         }
+        hypervisor_.begin_cycle();
         return offered_ = queue_.get_command(timeout_ms);
     }
     void command_consumed() override { queue_.command_consumed(); }
 
  private:
+    Hypervisor& hypervisor_;
     sm::virtio::Virtio_interface queue_;
     std::function<void()> on_wait_;
     sm::virtio::Virtio_command& offered_;
@@ -114,11 +116,11 @@ class Life::Daemon {
     Stage stage_{[this](Entry entry) { note(std::move(entry)); }};
     Log_listener log_{[this](std::string_view level, std::string_view text) { heard(level, text); }};
     sm::config::State_manager_config configuration_;
-    Control_files files_;
+    Control_files files_{stage_};
     Hypervisor hypervisor_{stage_};
     Clients clients_{stage_};
     Network network_{stage_};
-    Applications applications_{stage_};
+    Applications applications_{stage_, network_};
     Service_manager service_manager_{stage_};
     std::string state_;
     std::uint64_t cycles_{0};
@@ -176,13 +178,17 @@ void Life::Daemon::read_configuration() {
 
 void Life::Daemon::add_control_files() {
     auto const word = [this](Kind kind) {
-        return [this, kind](std::string_view bytes, bool is_taken) {
-            stage_.note(kind, is_taken ? "written" : "refused", std::string(bytes));
+        return [this, kind](std::string_view bytes, Control_files::Manner manner) {
+            auto const* const fate = manner == Control_files::Manner::takes     ? "written"
+                                     : manner == Control_files::Manner::refuses ? "refused"
+                                                                                : "unheard";
+            stage_.note(kind, fate, std::string(bytes));
         };
     };
     files_.add(configuration_.get_smw_update_status_path(), word(Kind::word));
     files_.add(configuration_.get_smw_restart_command_path(), word(Kind::restart));
-    files_.add(k_power_off_channel, [this](std::string_view bytes, bool /*is_taken*/) { power_off_line(bytes); });
+    files_.add(k_power_off_channel,
+               [this](std::string_view bytes, Control_files::Manner /*manner*/) { power_off_line(bytes); });
     if (!options_.channel_is_there) {
         files_.behave(k_power_off_channel, Control_files::Manner::missing);
     }
@@ -277,11 +283,11 @@ Applications& Life::applications() {
 Service_manager& Life::service_manager() {
     return daemon_->service_manager_;
 }
-void Life::status_file(Control_files::Manner manner) {
-    daemon_->files_.behave(daemon_->configuration_.get_smw_update_status_path(), manner);
+void Life::status_file(Control_files::Manner manner, Time after) {
+    daemon_->files_.behave(daemon_->configuration_.get_smw_update_status_path(), manner, after);
 }
-void Life::restart_file(Control_files::Manner manner) {
-    daemon_->files_.behave(daemon_->configuration_.get_smw_restart_command_path(), manner);
+void Life::restart_file(Control_files::Manner manner, Time after) {
+    daemon_->files_.behave(daemon_->configuration_.get_smw_restart_command_path(), manner, after);
 }
 void Life::note(std::string const& who, std::string const& what) {
     daemon_->stage_.note(Kind::neighbour, who, what);

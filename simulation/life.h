@@ -60,8 +60,8 @@ class Life {
     Service_manager& service_manager();
 
     /// The hypervisor's file for state words and for restart requests, or the power-off channel.
-    void status_file(Control_files::Manner manner);
-    void restart_file(Control_files::Manner manner);
+    void status_file(Control_files::Manner manner, Time after = Time(0));
+    void restart_file(Control_files::Manner manner, Time after = Time(0));
 
     /// Notes that a neighbour came, went or changed.
     void note(std::string const& who, std::string const& what);

@@ -4,7 +4,9 @@
 #include "tarq/udpnm/interface/network_state_interface_skeleton.h"
 #include "tarq/udpnm/interface/user_data_interface_skeleton.h"
 
+#include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace simulation {
 
@@ -44,7 +46,7 @@ class Network::Network_state_service : public skeletons::NetworkStateInterfaceSk
           network_(network) {}
 
     ximo::com::Future<void> RequestNetwork(Bits const& bits) override {
-        begin("request", bits);
+        network_.begin("request", bits);
         if (bench::network::any_behind(bits, k_request_bytes)) {
             throw std::invalid_argument("the network has no such request bit");
         }
@@ -53,20 +55,13 @@ class Network::Network_state_service : public skeletons::NetworkStateInterfaceSk
         return done();
     }
     ximo::com::Future<void> ReleaseNetwork(Bits const& bits) override {
-        begin("release", bits);
+        network_.begin("release", bits);
         network_.machine_.node.release(bits, network_.now());
         network_.machine_.arm();
         return done();
     }
 
  private:
-    void begin(char const* what, Bits const& bits) {
-        network_.stage_.note(Kind::request, what, text_of(bits) + (network_.fails_ ? ", failed" : ""));
-        if (network_.fails_) {
-            throw std::runtime_error("the network manager fails");
-        }
-    }
-
     Network& network_;
 };
 
@@ -82,10 +77,7 @@ class Network::User_data_service : public skeletons::UserDataInterfaceSkeleton {
         return promise.get_future();
     }
     ximo::com::Future<void> SetUserData(Bits const& data) override {
-        network_.stage_.note(Kind::request, "user data", text_of(data) + (network_.fails_ ? ", failed" : ""));
-        if (network_.fails_) {
-            throw std::runtime_error("the network manager fails");
-        }
+        network_.begin("user data", data);
         network_.machine_.node.set_user_data(data);
         return done();
     }
@@ -142,13 +134,37 @@ Network::Network(Stage& stage)
 Network::~Network() = default;
 
 void Network::offer() {
-    network_state_->OfferService();
-    user_data_->OfferService();
+    when_free([this] {
+        network_state_->OfferService();
+        user_data_->OfferService();
+    });
 }
 
 void Network::withdraw() {
     network_state_->StopOfferService();
     user_data_->StopOfferService();
+}
+
+// The driver waits for its call, and before for one of another thread's that is not over. Threads of applications wait
+// beside it.
+void Network::begin(char const* what, Bits const& bits) {
+    auto const taken = std::min(takes_, k_patience);
+    bool const is_silent = taken == k_patience;
+    busy_until_ = std::max(busy_until_, stage_.now()) + taken;
+    auto const was_awaited = std::exchange(is_awaited_, true);
+    stage_.hold_up(busy_until_ - stage_.now());
+    is_awaited_ = was_awaited;
+    stage_.note(Kind::request, what, text_of(bits) + (is_silent ? ", unanswered" : fails_ ? ", failed" : ""));
+    if (is_silent || fails_) {
+        throw std::runtime_error(is_silent ? "the network manager does not answer" : "the network manager fails");
+    }
+}
+
+void Network::when_free(std::function<void()> action) {
+    if (!is_awaited_) {
+        return action();
+    }
+    stage_.events().at(busy_until_, [this, action = std::move(action)]() mutable { when_free(std::move(action)); });
 }
 
 void Network::others_need(bool needed) {

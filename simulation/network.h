@@ -4,7 +4,9 @@
 #include "bench/network/nm_node.h"
 #include "simulation/stage.h"
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -23,12 +25,23 @@ class Network {
     Network(Network const&) = delete;
     Network& operator=(Network const&) = delete;
 
+    /// Of who calls the manager.
+    static constexpr Time k_patience = std::chrono::seconds(2);
+
     /// The manager offers its services, or withdraws them; it lives on.
     void offer();
     void withdraw();
 
     /// Its calls fail from now on, or succeed again.
     void fail(bool fails) { fails_ = fails; }
+
+    /// It takes a time for each call, one after the other; one that would take as long as a caller waits never answers,
+    /// and does nothing.
+    void take(Time time) { takes_ = time; }
+
+    /// Done at once, or when nobody waits for an answer of the manager's any more: what applications lead to waits for
+    /// it.
+    void when_free(std::function<void()> action);
 
     /// The rest of the vehicle needs the network, or no longer.
     void others_need(bool needed);
@@ -69,6 +82,7 @@ class Network {
     };
 
     bench::network::Time now() const { return bench::network::Time(stage_.now()); }
+    void begin(char const* what, Bits const& bits);
     void report(Bits const& state);
     void report_later(Bits const& state);
 
@@ -76,6 +90,9 @@ class Network {
     Player machine_;
     Player others_;
     bool fails_{false};
+    Time takes_{0};
+    Time busy_until_{0};
+    bool is_awaited_{false};  ///< by the driver
     bool follows_bus_{true};
     std::unique_ptr<Network_state_service> network_state_;
     std::unique_ptr<User_data_service> user_data_;

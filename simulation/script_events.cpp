@@ -113,15 +113,18 @@ Act others(Script_line& line) {
 }
 
 Act manager(Script_line& line) {
-    auto const does = line.one_of("what the network manager does", {"offers", "withdraws", "fails", "works"});
-    return [does](Life& life) {
+    auto const does =
+        line.one_of("what the network manager does", {"offers", "withdraws", "fails", "works", "takes", "silent"});
+    auto const takes = does == 4 ? line.time("the time that a call takes") : does == 5 ? Network::k_patience : Time(0);
+    return [does, takes](Life& life) {
         switch (does) {
             case 0:
                 return life.network().offer();
             case 1:
                 return life.network().withdraw();
             default:
-                return life.network().fail(does == 2);
+                life.network().fail(does == 2);
+                return life.network().take(takes);
         }
     };
 }
@@ -147,10 +150,17 @@ Act client(Script_line& line, Script_line const& words) {
     }
 }
 
-Act control_file(Script_line& line, void (Life::*file)(Control_files::Manner)) {
-    bool const takes = line.one_of("what the file does", {"takes", "refuses"}) == 0;
-    auto const how = takes ? Control_files::Manner::takes : Control_files::Manner::refuses;
-    return [file, how](Life& life) { (life.*file)(how); };
+Act control_file(Script_line& line, void (Life::*file)(Control_files::Manner, Time)) {
+    constexpr std::array k_manners{Control_files::Manner::takes, Control_files::Manner::refuses,
+                                   Control_files::Manner::is_deaf};
+    auto const how = k_manners.at(line.one_of("what the file does", {"takes", "refuses", "deaf"}));
+    auto const after = line.take("after") ? line.time("the time after which a write is over") : Time(0);
+    return [file, how, after](Life& life) { (life.*file)(how, after); };
+}
+
+Act keyboard(Script_line& line) {
+    line.one_of("what the keyboard is", {"lost"});
+    return [](Life& life) { life.hypervisor().lose_keyboard(); };
 }
 
 Act service_manager(Script_line& line) {
@@ -167,8 +177,8 @@ Act service_manager(Script_line& line) {
 /// One that changes how a neighbour behaves.
 Act change(Script_line& line) {
     auto const words = line;
-    switch (
-        line.one_of("an event", {"network", "others", "manager", "status-file", "restart-file", "service-manager"})) {
+    switch (line.one_of(
+        "an event", {"network", "others", "manager", "status-file", "restart-file", "service-manager", "keyboard"})) {
         case 0:
             return noted(words, network(line));
         case 1:
@@ -179,8 +189,10 @@ Act change(Script_line& line) {
             return noted(words, control_file(line, &Life::status_file));
         case 4:
             return noted(words, control_file(line, &Life::restart_file));
-        default:
+        case 5:
             return noted(words, service_manager(line));
+        default:
+            return noted(words, keyboard(line));
     }
 }
 
@@ -189,7 +201,7 @@ Act change(Script_line& line) {
 std::function<void(Life&)> act(Script_line& line, Script& script) {
     auto changed = line;
     switch (line.one_of("an event", {"key", "application", "diagnostics", "client", "network", "others", "manager",
-                                     "status-file", "restart-file", "service-manager"})) {
+                                     "status-file", "restart-file", "service-manager", "keyboard"})) {
         case 0:
             return key(line);
         case 1:

@@ -17,6 +17,14 @@ class Stage {
     Event_queue& events() { return events_; }
     Time now() const { return events_.now(); }
 
+    /// The daemon waits for somebody. That holds up its driver and nobody else: where another thread waits, no time
+    /// passes.
+    void hold_up(Time time) {
+        if (time > Time(0) && !events_.is_happening() && !is_over_) {
+            events_.pass(time);
+        }
+    }
+
     void note(Kind kind, std::string who, std::string what) {
         if (!is_over_) {
             observer_({now(), kind, std::move(who), std::move(what)});
