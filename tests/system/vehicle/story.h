@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -35,6 +36,7 @@ class Story : public testing::Test {
         if (options.configuration.empty()) {
             options.configuration = configuration.dump();
         }
+        record();
         machine = std::make_unique<Vehicle>(options);
     }
     void start() {
@@ -88,7 +90,21 @@ class Story : public testing::Test {
         return result;
     }
 
+    /// Where the environment names a folder, each story's log is stored there, for ap_whatif --trace.
+    void record() {
+        auto const* const folder = std::getenv("STORY_TRACES");
+        if (folder == nullptr || options.trace != nullptr) {
+            return;
+        }
+        auto const& info = *testing::UnitTest::GetInstance()->current_test_info();
+        auto name = std::string(info.test_suite_name()) + '.' + info.name() + ".dlt";
+        std::replace(name.begin(), name.end(), '/', '_');
+        trace_.open(std::filesystem::path(folder) / name, std::ios::binary);
+        options.trace = &trace_;
+    }
+
     nlohmann::json configuration;
+    std::ofstream trace_;
     Options options;
     std::unique_ptr<Vehicle> machine;
 };

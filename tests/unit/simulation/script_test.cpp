@@ -46,7 +46,7 @@ constexpr char const* k_line =
     "manager, power-off";
 constexpr char const* k_event =
     "1:7: \"press\" is not an event: key, application, diagnostics, client, network, "
-    "others, manager, status-file, restart-file, service-manager";
+    "others, manager, status-file, restart-file, service-manager, keyboard";
 constexpr char const* k_wanted =
     "1:8: \"Nowhere\" is neither a state nor word, client, machine-state, power-off, "
     "restart, network-state, user-data or end";
