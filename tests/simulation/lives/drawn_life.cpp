@@ -169,9 +169,11 @@ void Drawing::change_client() {
 }
 
 void Drawing::disturb() {
-    switch (below(has_faults_ ? 8 : 5)) {
-        case 0:
-            return happens(one_of({"status-file refuses", "status-file takes"}));
+    switch (below(has_faults_ ? 9 : 5)) {
+        case 0: {
+            auto const manner = one_of({"refuses", "takes", "takes", "deaf"});
+            return happens("status-file " + manner + (in_100(30) ? " after " + std::to_string(below(900)) + "ms" : ""));
+        }
         case 1: {
             auto const answer = one_of({"grants", "refuses", "silent"});
             return happens("service-manager " + answer +
@@ -187,6 +189,10 @@ void Drawing::disturb() {
             return happens("manager withdraws");
         case 6:
             return happens("manager offers");
+        case 7: {
+            auto const time = std::to_string(10 + below(1500));
+            return happens(in_100(30) ? "manager silent" : "manager takes " + time + "ms");
+        }
         default:
             return happens(one_of({"manager fails", "manager works"}));
     }
@@ -276,12 +282,19 @@ Lines Drawing::lines() {
     for (unsigned more = 3 + below(14); more > 0; --more) {
         go_on();
     }
+    // Without a keyboard a cycle is a millisecond: such a life is not long any more.
+    bool const loses_keyboard = in_100(2);
+    if (loses_keyboard) {
+        happens("keyboard lost");
+        now_ += below(1000);
+        wander();
+    }
     std::stable_sort(happenings_.begin(), happenings_.end(),
                      [](auto const& left, auto const& right) { return left.first < right.first; });
     for (auto const& [at, what] : happenings_) {
         lines.push_back("at " + std::to_string(at) + "ms " + what);
     }
-    lines.push_back("until " + std::to_string(now_ + 1000U * k_suspend_s) + "ms");
+    lines.push_back("until " + std::to_string(now_ + 1000U * (loses_keyboard ? 1U : k_suspend_s)) + "ms");
     return lines;
 }
 

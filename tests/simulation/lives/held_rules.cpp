@@ -13,6 +13,7 @@ using exploration::Group;
 using exploration::Mode;
 using simulation::Entry;
 using simulation::Kind;
+using simulation::Network;
 using simulation::Time;
 
 namespace {
@@ -41,6 +42,14 @@ Command command_of(std::string const& key) {
 /// What stands behind a text's beginning; nothing when it begins otherwise.
 std::optional<std::string> behind(std::string const& begin, std::string const& text) {
     return text.rfind(begin, 0) == 0 ? std::optional(text.substr(begin.size())) : std::nullopt;
+}
+
+/// The milliseconds that stand behind a word.
+std::optional<Time> time_behind(std::string const& word, std::string const& text) {
+    auto const place = text.find(word);
+    return place == std::string::npos
+               ? std::nullopt
+               : std::optional<Time>(std::chrono::milliseconds(std::stoul(text.substr(place + word.size()))));
 }
 
 std::uint64_t number_of(std::string const& bytes) {
@@ -213,7 +222,7 @@ void Held_rules::decide(std::optional<State> entered) {
 void Held_rules::enter(State state) {
     check_way_taken();
     bool const is_fast = state_ == State::prepared_sd && terms_.channel_is_there;
-    auto const way = 2 * terms_.diagnosis + terms_.application + 5 * terms_.period;
+    auto const way = 2 * terms_.diagnosis + terms_.application + 5 * terms_.period + held_up_;
     auto const turn = std::max(terms_.diagnosis, terms_.application);
     if ((state_ == State::preparing && now_ - since_ > way) ||
         (state_ == State::resuming && now_ - since_ > way + turn)) {
@@ -221,6 +230,7 @@ void Held_rules::enter(State state) {
     }
     state_ = state;
     since_ = now_;
+    held_up_ = std::max(busy_until_ - now_, Time(0)) + longest_write_;
     went_ = true;
     ticks_ = 0;
     words_owed_ = 1;
@@ -333,13 +343,17 @@ void Held_rules::take_request(Entry const& entry) {
     if (!terms_.nm_usage || !is_found_) {
         find("network management was told without being used: " + entry.who + ' ' + entry.what);
     }
-    is_exact_ = is_exact_ && entry.what.find("failed") == std::string::npos;
+    is_exact_ = is_exact_ && entry.what.find("failed") == std::string::npos &&
+                entry.what.find("unanswered") == std::string::npos;
+    busy_until_ = std::max(busy_until_, now_) + longest_call_;
+    held_up_ += longest_call_;
     // What Preparing itself does on its way in comes before the driver waits.
     bool const begins = went_ && state_ == State::preparing;
     if (is_standing_by_ && !begins) {
         find("a message during the suspend: " + entry.who + ' ' + entry.what);
     }
-    if (words_owed_ != 0 && state_ != State::starting_up) {
+    // While a word is written slowly, applications go on.
+    if (words_owed_ != 0 && state_ != State::starting_up && longest_write_ == Time(0)) {
         find("the network was told before the word");
     }
 }
@@ -349,6 +363,12 @@ void Held_rules::take_neighbour(Entry const& entry) {
         ++rests_;
     } else if (entry.who == "manager" && (entry.what == "withdraws" || entry.what == "fails")) {
         is_exact_ = false;
+    } else if (entry.who == "manager" && (entry.what == "silent" || entry.what.rfind("takes ", 0) == 0)) {
+        longest_call_ = std::max(longest_call_, time_behind("takes ", entry.what).value_or(Network::k_patience));
+    } else if (entry.who == "status-file") {
+        longest_write_ = std::max(longest_write_, time_behind("after ", entry.what).value_or(Time(0)));
+    } else if (entry.who == "keyboard") {
+        records_.clear();
     }
 }
 

@@ -119,6 +119,12 @@ class Held_rules {
     unsigned machine_states_owed_{0};
     bool power_off_owed_{false};
 
+    // How long the driver may wait for its neighbours.
+    Time longest_write_{0};
+    Time longest_call_{0};
+    Time busy_until_{0};  ///< the network manager, at the latest
+    Time held_up_{0};     ///< in this state
+
     bool is_found_{false};
     bool is_asleep_{false};
     unsigned rests_{0};           ///< reports of rest in a row
