@@ -110,8 +110,9 @@ void Client_connections::process_readable_client(int connection, std::vector<Ans
 }
 
 void Client_connections::process_messages(int connection, std::vector<Answer_in_turn>& answers) {
+    auto const now = surroundings_.now();
     try {
-        while (auto const answer = clients_.take_answer(connection, surroundings_.now())) {
+        while (auto const answer = clients_.take_answer(connection, now)) {
             if (answer->is_in_turn) {
                 status::client_answered(connection, answer->state, static_cast<std::uint8_t>(answer->status));
                 answers.push_back({connection, answer->status});

@@ -4,6 +4,7 @@
 #include "utilities/serialization.h"
 
 #include <algorithm>
+#include <cstring>
 #include <system_error>
 
 #include <sys/socket.h>
@@ -12,18 +13,25 @@ namespace client_state_notifier {
 
 namespace {
 
-// The message that asks for a state. Its number differs from client to client and stands in the first element.
-utilities::Type_length_values make_request(std::string const& state) {
-    return {utilities::Type_length_value(0U), utilities::Type_length_value(state)};
-}
+/// The message that asks for a state. Only the number in its first element differs from client to client.
+class Request {
+ public:
+    explicit Request(std::string const& state)
+        : bytes_(utilities::serialize({utilities::Type_length_value(0U), utilities::Type_length_value(state)})) {}
 
-void send(utilities::Socket const& socket, Client_state& client, utilities::Type_length_values& request) {
-    client.is_asked = true;
-    client.inbox.expect_one();
-    request.front() = utilities::Type_length_value(client.request_number);
-    auto const bytes = utilities::serialize(request);
-    socket.sendl(bytes.data(), bytes.size(), MSG_DONTWAIT);
-}
+    void send(utilities::Socket const& socket, Client_state& client) {
+        client.is_asked = true;
+        client.inbox.expect_one();
+        std::memcpy(bytes_.data() + k_number_at, &client.request_number, sizeof client.request_number);
+        socket.sendl(bytes_.data(), bytes_.size(), MSG_DONTWAIT);
+    }
+
+ private:
+    static constexpr std::size_t k_number_at =
+        2 * utilities::k_header_size;  // behind those of the list and the element
+
+    utilities::Bytes bytes_;
+};
 
 }  // namespace
 
@@ -60,26 +68,29 @@ std::size_t Client_register::size() const {
 
 void Client_register::add(utilities::Socket socket, std::string const& name, Inbox inbox) {
     base::Lock_guard const lock(mutex_);
-    clients_.emplace(std::move(socket),
-                     Client_state{name, utilities::get_unknown_state(), 0, "", false, std::move(inbox)});
+    auto const connection = static_cast<std::size_t>(socket.get_fd());
+    by_connection_.resize(std::max(by_connection_.size(), connection + 1));
+    auto const added = clients_.emplace(
+        std::move(socket), Client_state{name, utilities::get_unknown_state(), 0, "", false, std::move(inbox)});
+    by_connection_[connection] = &*added.first;
 }
 
 std::string Client_register::remove(int connection) {
     base::Lock_guard const lock(mutex_);
-    auto const client = clients_.find(connection);
-    auto name = client->second.name;
-    clients_.erase(client);
+    auto name = at(connection).second.name;
+    clients_.erase(clients_.find(connection));
     return name;
 }
 
 void Client_register::clear() {
     base::Lock_guard const lock(mutex_);
     clients_.clear();
+    by_connection_.clear();
 }
 
 std::string Client_register::name_of(int connection) const {
     base::Lock_guard const lock(mutex_);
-    return clients_.find(connection)->second.name;
+    return at(connection).second.name;
 }
 
 std::vector<std::pair<int, std::string>> Client_register::select(Client_predicate const& predicate) const {
@@ -105,24 +116,24 @@ void Client_register::add_to(std::vector<pollfd>& poll_set) const {
 }
 
 void Client_register::send_request(int connection, std::string const& state) {
-    auto request = make_request(state);
+    Request request(state);
     base::Lock_guard const lock(mutex_);
-    auto& [socket, client] = *clients_.find(connection);
+    auto& [socket, client] = at(connection);
     client.requested_state = state;
-    send(socket, client, request);
+    request.send(socket, client);
 }
 
 std::map<int, std::string> Client_register::send_next_request(std::vector<int> const& connections,
                                                               std::string const& state) {
     std::map<int, std::string> failures;
-    auto request = make_request(state);
+    Request request(state);
     base::Lock_guard const lock(mutex_);
     for (int const connection : connections) {
-        auto& [socket, client] = *clients_.find(connection);
+        auto& [socket, client] = at(connection);
         client.requested_state = state;
         ++client.request_number;
         try {
-            send(socket, client, request);
+            request.send(socket, client);
         } catch (std::system_error const& error) {
             failures.emplace(connection, error.what());
         }
@@ -132,20 +143,19 @@ std::map<int, std::string> Client_register::send_next_request(std::vector<int> c
 
 void Client_register::receive(int connection) {
     base::Lock_guard const lock(mutex_);
-    auto& [socket, client] = *clients_.find(connection);
+    auto& [socket, client] = at(connection);
     client.inbox.receive(socket);
 }
 
 std::optional<Client_answer> Client_register::take_answer(int connection, Inbox::Clock::time_point now) {
     base::Lock_guard const lock(mutex_);
-    auto& client = clients_.find(connection)->second;
-    auto const message = client.inbox.take(now);
-    if (!message) {
+    auto& client = at(connection).second;
+    if (!client.inbox.take(message_, now)) {
         return std::nullopt;
     }
-    auto const request_number = message->at(0).get_uint32();
-    auto state = message->at(1).get_string();
-    auto const status = static_cast<Component_client_return_type>(message->at(2).get_uint32() & 0xffU);
+    auto const request_number = message_.at(0).get_uint32();
+    auto state = message_.at(1).get_string();
+    auto const status = static_cast<Component_client_return_type>(message_.at(2).get_uint32() & 0xffU);
     if (!client.is_asked || request_number != client.request_number) {
         return Client_answer{false, std::move(state), status};
     }

@@ -4,6 +4,7 @@
 #include "base/mutex.h"
 #include "client_state_notifier/client_state.h"
 #include "client_state_notifier/client_states.h"
+#include "utilities/type_length_value.h"
 
 #include <map>
 #include <string>
@@ -69,9 +70,18 @@ class Client_register {
     std::optional<Client_answer> take_answer(int connection, Inbox::Clock::time_point now);
 
  private:
+    Client_map::value_type& at(int connection) REQUIRES(mutex_) {
+        return *by_connection_[static_cast<std::size_t>(connection)];
+    }
+    Client_map::value_type const& at(int connection) const REQUIRES(mutex_) {
+        return *by_connection_[static_cast<std::size_t>(connection)];
+    }
+
     mutable base::Mutex mutex_;
     std::string current_state_ GUARDED_BY(mutex_);
     Client_map clients_ GUARDED_BY(mutex_);
+    std::vector<Client_map::value_type*> by_connection_ GUARDED_BY(mutex_);  ///< the same clients; old places are stale
+    utilities::Type_length_values message_ GUARDED_BY(mutex_);               ///< the last one taken, for its memory
 };
 
 }  // namespace client_state_notifier

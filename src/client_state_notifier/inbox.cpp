@@ -2,6 +2,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 #include <sys/socket.h>
 
@@ -16,11 +17,16 @@ void Inbox::receive(utilities::Socket const& socket) {
 }
 
 std::optional<utilities::Type_length_values> Inbox::take(Clock::time_point now) {
-    auto message = frames_.take();
-    if (message) {
-        count_message(now);
+    utilities::Type_length_values message;
+    return take(message, now) ? std::optional(std::move(message)) : std::nullopt;
+}
+
+bool Inbox::take(utilities::Type_length_values& message, Clock::time_point now) {
+    if (!frames_.take(message)) {
+        return false;
     }
-    return message;
+    count_message(now);
+    return true;
 }
 
 void Inbox::count_message(Clock::time_point now) {

@@ -28,6 +28,9 @@ class Inbox {
     /// std::runtime_error in a flood; after that the connection is of no use.
     std::optional<utilities::Type_length_values> take(Clock::time_point now);
 
+    /// The same into a message that is there, see Frame_assembler.
+    bool take(utilities::Type_length_values& message, Clock::time_point now);
+
  private:
     void count_message(Clock::time_point now);
 

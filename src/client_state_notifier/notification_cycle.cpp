@@ -17,7 +17,10 @@ unsigned badness(Component_client_return_type status) {
 }  // namespace
 
 void Notification_cycle::ask(int connection, std::string name) {
-    asked_.push_back({connection, std::move(name)});
+    auto const number = static_cast<std::size_t>(connection);
+    places_.resize(std::max(places_.size(), number + 1), k_not_asked);
+    places_[number] = asked_.size();
+    asked_.push_back({std::move(name)});
     ++unanswered_;
 }
 
@@ -65,17 +68,18 @@ Callback_status Notification_cycle::get_overall_status() const {
 }
 
 Notification_cycle::Asked_client* Notification_cycle::find_open(int connection) {
-    auto const client =
-        std::lower_bound(asked_.begin(), asked_.end(), connection,
-                         [](Asked_client const& asked, int number) { return asked.connection < number; });
-    bool const found = client != asked_.end() && client->connection == connection;
-    return found && !client->has_answered && !client->has_gone ? &*client : nullptr;
+    auto const number = static_cast<std::size_t>(connection);
+    if (number >= places_.size() || places_[number] == k_not_asked) {
+        return nullptr;
+    }
+    auto& client = asked_[places_[number]];
+    return client.has_answered || client.has_gone ? nullptr : &client;
 }
 
 void Notification_cycle::record(std::string const& name, Component_client_return_type status) {
-    auto& result = results_.try_emplace(name, status).first->second;
-    if (badness(status) > badness(result)) {
-        result = status;
+    auto const [result, is_first] = results_.emplace(name, status);
+    if (!is_first && badness(status) > badness(result->second)) {
+        result->second = status;
     }
 }
 

@@ -16,7 +16,6 @@ class Notification_cycle {
 
     State_change_request const& request() const { return request_; }
 
-    /// Called in the order of the connections.
     void ask(int connection, std::string name);
 
     /// The first answer of each connection that was asked counts, and no other.
@@ -38,8 +37,9 @@ class Notification_cycle {
     Callback_status get_overall_status() const;
 
  private:
+    static constexpr auto k_not_asked = static_cast<std::size_t>(-1);
+
     struct Asked_client {
-        int connection;
         std::string name;
         bool has_answered{false};
         bool has_gone{false};
@@ -50,7 +50,8 @@ class Notification_cycle {
     void record(std::string const& name, Component_client_return_type status);
 
     State_change_request request_;
-    std::vector<Asked_client> asked_;  ///< in the order of the connections
+    std::vector<Asked_client> asked_;
+    std::vector<std::size_t> places_;  ///< of the clients among those, at the numbers of their connections
     std::size_t unanswered_{0};        ///< how many of them have not answered, whether they are there or gone
     Client_results results_;
 };

@@ -77,8 +77,10 @@ void Notification_server::process_state_change_request() {
     cycle_.emplace(std::move(*request));
     auto const& taken = cycle_->request();
     status::request_began(taken.state, taken.deadline);
+    auto selected = clients_.select(taken.predicate);
     std::vector<int> connections;
-    for (auto& [connection, name] : clients_.select(taken.predicate)) {
+    connections.reserve(selected.size());
+    for (auto& [connection, name] : selected) {
         connections.push_back(connection);
         cycle_->ask(connection, std::move(name));
         status::client_asked(connection);

@@ -1,6 +1,5 @@
 #include "client_state_notifier/request_slot.h"
 
-#include "utilities/messages.h"
 #include "utilities/protocol.h"
 #include "utilities/serialization.h"
 
@@ -41,13 +40,19 @@ void Request_slot::stop() {
     bell_->ring();
 }
 
+// The first word decides: the others are hints at the same request, and the end is told by is_stopped as well.
 bool Request_slot::receive_wake_up() {
-    auto const message = utilities::receive_type_length_values(wake_up_end_);
-    return message.at(0).get_string() != utilities::get_terminate_command();
+    std::array<std::uint8_t, 4096> bytes;
+    words_.append(bytes.data(), wake_up_end_.recv(bytes.data(), bytes.size(), 0));
+    bool const goes_on = !words_.take(word_) || word_.at(0).get_string() != utilities::get_terminate_command();
+    while (words_.take(word_)) {
+    }
+    return goes_on;
 }
 
 void Request_slot::forget_wake_ups() {
     bell_->clear();
+    words_ = {};
     std::array<std::uint8_t, 4096> words;
     try {
         for (;;) {

@@ -4,6 +4,7 @@
 #include "base/mutex.h"
 #include "client_state_notifier/state_change_request.h"
 #include "client_state_notifier/surroundings.h"
+#include "utilities/frame_assembler.h"
 #include "utilities/type_length_value.h"
 
 #include <chrono>
@@ -36,7 +37,7 @@ class Request_slot {
     /// Thread: becomes readable when a word could not be sent, and at the end.
     Wake_up_bell const& bell() const { return *bell_; }
 
-    /// Thread: takes one wake-up from the channel; false when it says to end.
+    /// Thread: takes the wake-ups that have come through the channel, in one call; false when the first says to end.
     bool receive_wake_up();
 
     /// Thread: takes all wake-ups from both ways without a look at them, so that a channel that a failure left in the
@@ -66,6 +67,8 @@ class Request_slot {
     utilities::Socket wake_up_end_;
     utilities::Socket callers_end_;
     std::unique_ptr<Wake_up_bell> bell_;
+    utilities::Frame_assembler words_;    ///< thread: what has come through the channel
+    utilities::Type_length_values word_;  ///< thread: the last one, for its memory
     mutable base::Mutex mutex_;
     std::condition_variable_any changed_;
     std::optional<State_change_request> request_ GUARDED_BY(mutex_);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace utilities {
 
@@ -22,11 +23,16 @@ void Frame_assembler::append(std::uint8_t const* bytes, std::size_t count) {
 }
 
 std::optional<Type_length_values> Frame_assembler::take() {
+    Type_length_values message;
+    return take(message) ? std::optional(std::move(message)) : std::nullopt;
+}
+
+bool Frame_assembler::take(Type_length_values& message) {
     auto iterator = pending_.cbegin() + static_cast<Bytes_iterator::difference_type>(taken_);
     auto const end = pending_.cend();
     if (end - iterator < static_cast<Bytes_iterator::difference_type>(k_header_size)) {
         forget_taken();
-        return std::nullopt;
+        return false;
     }
     read_number<std::uint32_t>(iterator, end);  // the outer type: not looked at
     auto const length = read_number<std::uint64_t>(iterator, end);
@@ -35,12 +41,12 @@ std::optional<Type_length_values> Frame_assembler::take() {
     }
     if (length > static_cast<std::uint64_t>(end - iterator)) {
         forget_taken();
-        return std::nullopt;
+        return false;
     }
     auto const frame_end = iterator + static_cast<Bytes_iterator::difference_type>(length);
-    auto message = deserialize_vector(length, iterator, frame_end);
+    deserialize_vector(length, iterator, frame_end, message);
     taken_ = static_cast<std::size_t>(frame_end - pending_.cbegin());
-    return message;
+    return true;
 }
 
 // Keeps what is left of an unfinished message; an idle connection keeps hardly any memory.

@@ -33,6 +33,9 @@ class Frame_assembler {
     /// stream has no meaning.
     std::optional<Type_length_values> take();
 
+    /// The same into a message that is there, see deserialize_vector; false while it is not all there.
+    bool take(Type_length_values& message);
+
  private:
     void forget_taken();
 

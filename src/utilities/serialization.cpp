@@ -77,18 +77,28 @@ Type_length_value deserialize_element(Payload_type type, std::uint64_t length, B
 }
 
 Type_length_values deserialize_vector(std::uint64_t length, Bytes_iterator& iterator, Bytes_iterator end) {
+    Type_length_values list;
+    deserialize_vector(length, iterator, end, list);
+    return list;
+}
+
+void deserialize_vector(std::uint64_t length, Bytes_iterator& iterator, Bytes_iterator end, Type_length_values& list) {
     auto announced_end = iterator;
     advance_with_check(announced_end, length, end);
-    Type_length_values list;
-    if (iterator < end) {
-        list.reserve(k_usual_count);
-    }
-    while (iterator < end) {
+    std::size_t count = 0;
+    for (; iterator < end; ++count) {
         auto const type = static_cast<Payload_type>(read_number<std::uint32_t>(iterator, end));
         auto const element_length = read_number<std::uint64_t>(iterator, end);
-        list.push_back(deserialize_element(type, element_length, iterator, end));
+        if (count < list.size()) {
+            auto const* const value = &*iterator;
+            advance_with_check(iterator, element_length, end);
+            list[count].assign(type, value, value + element_length);
+        } else {
+            list.reserve(k_usual_count);
+            list.push_back(deserialize_element(type, element_length, iterator, end));
+        }
     }
-    return list;
+    list.erase(list.begin() + static_cast<std::ptrdiff_t>(count), list.end());
 }
 
 }  // namespace utilities

@@ -34,6 +34,10 @@ Type_length_value deserialize_element(Payload_type type, std::uint64_t length, B
 /// All elements up to `end`, given that a frame of `length` bytes was announced; throws when it is not all there.
 Type_length_values deserialize_vector(std::uint64_t length, Bytes_iterator& iterator, Bytes_iterator end);
 
+/// The same into a list that is there; the memory of its elements is used again. What it holds after a throw is of no
+/// use.
+void deserialize_vector(std::uint64_t length, Bytes_iterator& iterator, Bytes_iterator end, Type_length_values& list);
+
 /// The number of 4 (`std::uint32_t`) or 8 bytes (`std::uint64_t`) that the iterator stands at.
 template <class Number>
 Number read_number(Bytes_iterator& iterator, Bytes_iterator end);

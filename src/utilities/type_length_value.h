@@ -26,6 +26,12 @@ class Type_length_value {
     explicit Type_length_value(std::string_view text) : type_(Payload_type::string), value_(text.begin(), text.end()) {}
     explicit Type_length_value(std::uint32_t number);
 
+    /// Becomes another element, in the memory that it has.
+    void assign(Payload_type type, std::uint8_t const* begin, std::uint8_t const* end) {
+        type_ = type;
+        value_.assign(begin, end);
+    }
+
     Payload_type get_type() const { return type_; }
     std::size_t get_size() const { return value_.size(); }
     std::vector<std::uint8_t> const& get_value() const { return value_; }

@@ -38,5 +38,25 @@ TEST(Notification_cycle_test, Ends_once_and_timed_out_whichever_memory_for_its_r
                                                           "no memory for the results of a request for ", "kPrepSD")));
 }
 
+// Whatever their connections' numbers are and in whichever order they were asked and answer.
+TEST(Notification_cycle_test, Is_complete_when_each_that_was_asked_and_stayed_has_answered_once) {
+    Client_results results;
+    Notification_cycle sut({"kPrepSD", {}, [&](auto, auto const& of_each) { results = of_each; }, {}, 0});
+    for (int const connection : {9, 4, 700}) {
+        sut.ask(connection, "client " + std::to_string(connection));
+    }
+    for (int const connection : {0, 4, 4, 5, 9, 701}) {
+        sut.answer(connection, Component_client_return_type::succeeded);
+        EXPECT_FALSE(sut.is_complete()) << connection;
+    }
+    sut.lose(700);
+    sut.answer(700, Component_client_return_type::succeeded);
+    EXPECT_FALSE(sut.is_complete()) << "who has gone does not answer any more";
+    sut.time_out();
+    EXPECT_THAT(results, testing::ElementsAre(testing::Pair("client 4", Component_client_return_type::succeeded),
+                                              testing::Pair("client 700", Component_client_return_type::timed_out),
+                                              testing::Pair("client 9", Component_client_return_type::succeeded)));
+}
+
 }  // namespace
 }  // namespace client_state_notifier

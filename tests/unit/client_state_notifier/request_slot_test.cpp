@@ -53,6 +53,19 @@ TEST_F(Request_slot_of_a_server, Tells_the_thread_to_go_on_or_to_end) {
     EXPECT_FALSE(sut.receive_wake_up());
 }
 
+// What the first word says counts; the end is known without a word as well.
+TEST_F(Request_slot_of_a_server, Takes_all_wake_ups_that_have_come_in_one_call) {
+    sut.put(request_for("kPrepSD"));
+    sut.put(request_for("kOn"));
+    EXPECT_TRUE(sut.receive_wake_up());
+    EXPECT_FALSE(is_woken());
+    sut.put(request_for("kPrepSD"));
+    sut.stop();
+    EXPECT_TRUE(sut.receive_wake_up());
+    EXPECT_FALSE(is_woken());
+    EXPECT_TRUE(sut.is_stopped());
+}
+
 TEST_F(Request_slot_of_a_server, Hands_a_request_out_once) {
     sut.put(request_for("kPrepSD"));
     EXPECT_EQ(sut.take()->state, "kPrepSD");

@@ -153,5 +153,32 @@ TEST(Deserialize_element, Copies_the_value_and_stands_behind_it) {
     expect_end_of_data([&] { deserialize_element(Payload_type::string, 2, iterator, bytes.end()); });
 }
 
+// Whatever the list held before, and also after a message that broke off.
+TEST(List, A_list_that_is_used_again_holds_the_next_message_and_nothing_else) {
+    Type_length_values const answer{Type_length_value(7U), Type_length_value("kPrepSD"), Type_length_value(0U)};
+    Type_length_values used;
+    for (auto const& list : {answer, Type_length_values{Type_length_value("")}, answer, Type_length_values{},
+                             Type_length_values{Type_length_value(std::string(100, 'x')), Type_length_value(1U)}}) {
+        auto const bytes = serialize(list);
+        auto iterator = bytes.begin() + k_header_size;
+        deserialize_vector(bytes.size() - k_header_size, iterator, bytes.end(), used);
+        EXPECT_EQ(used, list);
+        auto cut = bytes.begin() + k_header_size;
+        if (!list.empty()) {
+            expect_end_of_data(
+                [&] { deserialize_vector(bytes.size() - k_header_size - 1, cut, bytes.end() - 1, used); });
+        }
+    }
+}
+
+TEST(List, A_list_that_is_used_again_keeps_its_memory) {
+    auto const bytes = serialize(Type_length_values{Type_length_value("kPrepSD"), Type_length_value(0U)});
+    auto used = decode({bytes.begin() + k_header_size, bytes.end()});
+    auto const* const before = used[0].get_value().data();
+    auto iterator = bytes.begin() + k_header_size;
+    deserialize_vector(bytes.size() - k_header_size, iterator, bytes.end(), used);
+    EXPECT_EQ(used[0].get_value().data(), before);
+}
+
 }  // namespace
 }  // namespace utilities
