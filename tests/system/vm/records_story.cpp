@@ -2,6 +2,7 @@
 #include "target.h"
 
 #include <filesystem>
+#include <functional>
 
 namespace bench::vm {
 namespace {
@@ -44,10 +45,39 @@ class Machine_with_a_disk : public Target {
     }
 
     /// The emulator is killed once the recorder has the state on the disk, or says that it may be there.
-    void lose_power_in(std::string const& state) {
-        ASSERT_TRUE(comes_to(state));
+    void lose_power_in(std::string const& state, std::string const& end_until_then = "running") {
+        ASSERT_TRUE(comes_to(state, end_until_then));
         machine().cut_power();
         ASSERT_TRUE(ends_by("the emulator is gone"));
+    }
+
+    /// The emulator is killed in the state to which these steps lead; the next boot tells it.
+    void goes_down_in(std::string const& state, std::function<void()> const& lead_there) {
+        SCOPED_TRACE(state);
+        lead_there();
+        ASSERT_FALSE(HasFatalFailure());
+        ASSERT_NO_FATAL_FAILURE(lose_power_in(state));
+        ASSERT_NO_FATAL_FAILURE(switch_on());
+        EXPECT_EQ(last(), "went down in " + state);
+    }
+    void suspend() {
+        mark();
+        machine().press("p");
+        ASSERT_TRUE(shows("prepared4sd"));
+    }
+    /// The daemon of a machine on which others need the network, if there is a manager for it.
+    void start_with_network(bool has_manager) {
+        if (has_manager) {
+            machine().shell().run(
+                "systemctl restart vehicle-network-manager.service vehicle-network-neighbour.service");
+            others_need_network(true);
+        }
+        machine().shell().run("cp /etc/vehicle/with-network.json /etc/adaptive/ap_statemanager.json");
+        start_the_daemon_again();
+        ASSERT_TRUE(shows(has_manager ? "running" : "startingup"));
+    }
+    static void others_need_network(bool needed) {
+        machine().tell("other node", {{"do", needed ? "request" : "release"}, {"bits", "80"}});
     }
 
     static void start_client(std::string const& name, json behaviour) {
@@ -94,10 +124,10 @@ class Machine_with_a_disk : public Target {
 
     /// Whether the state comes to be recorded. Preparing is on the disk as soon as the recorder waits again, and every
     /// other state a second later.
-    static bool comes_to(std::string const& state) {
+    static bool comes_to(std::string const& state, std::string const& end = "running") {
         auto const waits = std::string(R"(grep -q futex "/proc/$(pidof ap_statemanager_recorder)/wchan")");
         auto const newest = std::string(R"(ap_statectl history -n 1 --json | tr -d '\n' | grep -q )");
-        return comes_true(newest + R"('"end_word": "running".*"state": ")" + state + "\"'") &&
+        return comes_true(newest + R"('"end_word": ")" + end + R"(".*"state": ")" + state + "\"'") &&
                (state == "Preparing" || output_of("sleep 3").empty()) && comes_true(waits);
     }
 
@@ -155,6 +185,41 @@ TEST_F(Machine_with_a_disk, Tells_after_each_boot_how_the_power_cycle_before_it_
     EXPECT_THAT(history(), ElementsAre("signal in Running", "watchdog in Running", "went down in Running",
                                        "went down in Preparing", "fast in Shutting down", "normal in Shutting down",
                                        "running in Running"));
+}
+
+TEST_F(Machine_with_a_disk, Tells_after_each_boot_in_which_state_the_power_went) {
+    go_on();
+    goes_down_in("PreparedSD", [this] { suspend(); });
+    goes_down_in("Resuming", [this] {
+        start_client("radio", {{"as", "well"}});
+        suspend();
+        machine().tell("radio", {{"do", "behave"}, {"as", "silent"}});
+        machine().press("r");
+        ASSERT_TRUE(shows("resuming"));
+    });
+    goes_down_in("Starting up", [this] { start_with_network(false); });
+    goes_down_in("NM Controlled", [this] {
+        start_with_network(true);
+        machine().press("s");
+        ASSERT_TRUE(shows("runnmcontrolled"));
+    });
+    goes_down_in("Post Run", [this] {
+        start_with_network(true);
+        ASSERT_EQ(machine().shell().run("ap_statectl ecu-alive request 2 --wait 30000").status, 0);
+        machine().press("s");
+        ASSERT_TRUE(shows("runnmcontrolled"));
+        others_need_network(false);
+        ASSERT_TRUE(shows("postrun"));
+    });
+
+    // Who switches the machine off and whoever cuts its power then are the same to the recorder.
+    machine().shell().run("systemctl kill --signal=STOP ap_power_off.service");
+    ASSERT_NO_FATAL_FAILURE(suspend());
+    machine().press("power");
+    ASSERT_TRUE(shows("shuttingdown"));
+    ASSERT_NO_FATAL_FAILURE(lose_power_in("Shutting down", "fast"));
+    ASSERT_NO_FATAL_FAILURE(switch_on());
+    EXPECT_EQ(last(), "fast in Shutting down");
 }
 
 TEST_F(Machine_with_a_disk, That_becomes_read_only_under_the_recorder_takes_everything_when_it_is_writable_again) {
