@@ -31,6 +31,13 @@ double seconds(Number nanoseconds) {
     return static_cast<double>(nanoseconds) / 1e9;
 }
 
+// Most answers take less than a tenth of a second.
+std::string answer_text(Number nanoseconds) {
+    constexpr Number k_millisecond = 1'000'000;
+    auto const milliseconds = nanoseconds / k_millisecond;
+    return milliseconds < 1'000 ? std::to_string(milliseconds) + " ms" : span_text(nanoseconds);
+}
+
 std::vector<std::string> counts_of(Name<Number> const* name) {
     if (name == nullptr) {
         return {};
@@ -40,8 +47,8 @@ std::vector<std::string> counts_of(Name<Number> const* name) {
         cells.push_back(std::to_string(count));
     }
     bool const has_answered = name->in_time + name->failed + name->late != 0;
-    cells.push_back(has_answered ? span_text(name->longest) : "-");
-    cells.push_back(name->in_time + name->failed != 0 ? span_text(mean_of(*name)) : "-");
+    cells.push_back(has_answered ? answer_text(name->longest) : "-");
+    cells.push_back(name->in_time + name->failed != 0 ? answer_text(mean_of(*name)) : "-");
     return cells;
 }
 

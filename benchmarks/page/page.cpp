@@ -4,6 +4,7 @@
 // time of two daemons that run beside each other, of which one has the page: without a reader, with those that a
 // machine may have, and with one that never pauses.
 
+#include "bench/json_lines/clock.h"
 #include "benchmarks/machine/figures.h"
 #include "benchmarks/machine/machine.h"
 #include "status/layout.h"
@@ -27,6 +28,8 @@
 #include <thread>
 #include <vector>
 
+#include <unistd.h>
+
 namespace {
 
 using benchmarks::Machine;
@@ -39,6 +42,7 @@ constexpr unsigned k_usual_period_ms = 100;
 constexpr unsigned k_short_period_ms = 1;  // for many cycles in little time
 constexpr int k_rounds = 9;
 constexpr int k_short_rounds = 3;
+constexpr int k_starts = 40;
 constexpr int k_suspends = 100;
 constexpr std::chrono::seconds k_idle_time{3};
 
@@ -83,6 +87,12 @@ void make_place(bool has_page) {
     }
 }
 
+std::int64_t resident_kib(pid_t daemon) {
+    std::int64_t pages = 0;
+    std::ifstream("/proc/" + std::to_string(daemon) + "/statm") >> pages >> pages;  // the second number
+    return pages * ::sysconf(_SC_PAGESIZE) / 1'024;
+}
+
 Life live(Machine& machine, bool has_page) {
     make_place(has_page);
     std::size_t const from = machine.hypervisor().position();
@@ -92,6 +102,28 @@ Life live(Machine& machine, bool has_page) {
     daemon->signal(SIGTERM);
     daemon->wait(std::chrono::seconds(20));
     return life;
+}
+
+// How long a start takes to its first word, and the memory of the daemon then, with the page and without, in turn.
+void start_in_turn(Machine& machine) {
+    std::array<benchmarks::Samples, 2> times;
+    std::array<std::int64_t, 2> resident{};
+    for (int i = 0; i < 2 * k_starts; ++i) {
+        auto const with = static_cast<std::size_t>(i % 2);
+        make_place(with != 0);
+        auto const from = machine.hypervisor().position();
+        auto const began = bench::monotonic_ns();
+        auto const daemon = machine.start_daemon();
+        times[with].add(machine.await_word("startingup", from) - began);
+        machine.await_word("running", from);
+        resident[with] = resident_kib(daemon->pid());
+        daemon->signal(SIGTERM);
+        daemon->wait(std::chrono::seconds(20));
+    }
+    benchmarks::print("start to word, without the page", times[0]);
+    benchmarks::print("start to word, with the page", times[1]);
+    std::printf("resident memory: %lld KiB with the page, %lld without\n", static_cast<long long>(resident[1]),
+                static_cast<long long>(resident[0]));
 }
 
 using Lives = std::array<Life, 2>;
@@ -268,6 +300,7 @@ void count() {
     tell("idle cycle", with, without, &Life::idle);
     tell("key to word", with, without, &Life::word);
     tell("word to prepared", with, without, &Life::suspend);
+    start_in_turn(machine);
     std::fflush(stdout);  // the rest takes minutes
 }
 

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -259,6 +260,9 @@ TEST_F(Status_page, Says_for_whom_a_suspend_waits_and_how_he_answers) {
     ASSERT_EQ(names.size(), 1U);
     EXPECT_EQ(names[0].at("asked"), 4);
     EXPECT_EQ(names[0].at("in_time"), 2);
+    auto const mean_ms = std::llround(names[0].at("mean_s").get<double>() * 1e9) / 1'000'000;
+    EXPECT_THAT(statectl({"clients"}).output,
+                HasSubstr(mean_ms < 1'000 ? "  " + std::to_string(mean_ms) + " ms" : " s\n"));
 }
 
 TEST_F(Status_page, Tells_a_client_that_answers_late) {
