@@ -282,7 +282,7 @@ class Full_disk {
     Full_disk(Full_disk const&) = delete;
     Full_disk& operator=(Full_disk const&) = delete;
 
-    void make_room() { std::filesystem::remove(filler()); }
+    void make_room() const { std::filesystem::remove(filler()); }
 
  private:
     std::string filler() const { return place_ + "/filler"; }
@@ -291,7 +291,7 @@ class Full_disk {
 };
 
 TEST_F(Recorder_story, Lacks_nothing_of_the_time_in_which_its_disk_was_full) {
-    Full_disk disk(records());
+    Full_disk const disk(records());
     build();
     start_recorder_that_is_heard();
     start_and_run();
