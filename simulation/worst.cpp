@@ -222,7 +222,7 @@ class Search {
         for (auto const& press : presses) {
             text += "\nat " + time_text(press.at) + " key " + press.key;
         }
-        return text + '\n';
+        return text + "\nuntil " + time_text(played.end()) + '\n';
     }
 
     Script script_;

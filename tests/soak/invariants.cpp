@@ -85,7 +85,8 @@ std::vector<Explained> const& explained() {
         {"Could not find ", {}},
         {"Failed to close event file descriptor!", {}},
         {"infrastructure exception", {Verb::withdraw, Verb::kill}},
-        {"Client ", {Verb::report}},
+        // The answer to a request that is not the newest any more is one as well.
+        {"Client ", {Verb::report, Verb::behave, Verb::late}},
         {"client dropped: ", {Verb::behave, Verb::report}},
         {"connection dropped before it introduced itself", {Verb::behave, Verb::report}},
         {"A reply of ", {Verb::kill}},

@@ -188,6 +188,14 @@ TEST(The_longest_way, Is_that_of_silent_clients_and_a_key_at_the_worst_moment) {
               "     1.500 s  diag::dcm asked kOn\n"
               "     0.000 s  Running");
     EXPECT_THAT(text, HasSubstr("radio silent"));
+
+    // Its script plays as long as was looked.
+    auto const begin = text.find("config", text.find("The script that plays it:"));
+    auto const found = parse_script(text.substr(begin, text.find("\n\n", begin) - begin));
+    ASSERT_TRUE(found.until.has_value());
+    auto const timeline = play(found, configuration_of(found, std::nullopt)).timeline;
+    EXPECT_EQ(timeline.back().what, k_end_of_the_look);
+    EXPECT_EQ(timeline.back().at, *found.until);
 }
 
 TEST(The_longest_way, Is_not_searched_where_clients_have_hours) {
