@@ -92,18 +92,6 @@ TEST_F(Status_writers, Tell_what_a_transition_used_up_that_it_was_not_the_cause_
     EXPECT_EQ(page.events.back().kind, number(Event_kind::key_swallowed));
 }
 
-TEST_F(Status_writers, Tell_what_a_power_key_threw_away) {
-    queue_cleared();
-    EXPECT_EQ(read().driver.last_cleared_at, 0U) << "nothing waited";
-    key_taken(1);
-    key_taken(4);
-    queue_cleared();
-    auto const page = read();
-    EXPECT_EQ(page.driver.keys_cleared, 2U);
-    EXPECT_EQ(page.driver.last_cleared, 1U);
-    EXPECT_EQ(page.events.back().numbers[1], 2U);
-}
-
 TEST_F(Status_writers, Count_what_any_thread_tells) {
     std::vector<std::thread> threads;
     for (std::uint64_t i = 0; i < 4; ++i) {
@@ -123,24 +111,6 @@ TEST_F(Status_writers, Count_what_any_thread_tells) {
     EXPECT_EQ(counters.restarts_failed, 36U);
     EXPECT_THAT(counters.failed_calls, ElementsAre(0, 0, 4));
     EXPECT_EQ(own(written->events), 36U) << "watchers look";
-}
-
-TEST_F(Status_writers, Tell_of_devices_how_many_there_were_and_when_the_last_one_failed) {
-    devices_opened(2);
-    device_lost(1);
-    auto const driver = read().driver;
-    EXPECT_THAT((std::array{driver.devices_found, driver.devices, driver.devices_lost}), ElementsAre(2, 1, 1));
-    EXPECT_NE(driver.device_lost_at, 0U);
-}
-
-TEST_F(Status_writers, Tell_when_the_log_has_lost_more) {
-    log_lost(0);
-    EXPECT_EQ(read().driver.log_lost_at, 0U);
-    log_lost(3);
-    auto const first = read().driver.log_lost_at;
-    log_lost(3);
-    EXPECT_EQ(read().driver.log_lost_at, first);
-    EXPECT_EQ(read().driver.log_lost, 3U);
 }
 
 TEST_F(Status_writers, Tell_apart_names_that_are_cut_alike) {
@@ -236,16 +206,6 @@ TEST_F(Status_writers, Tell_of_a_client_what_became_of_its_request) {
     }
 }
 
-TEST_F(Status_writers, Call_a_request_replaced_that_a_newer_one_found_open) {
-    client_connected(7, "radio", "kOn");
-    request_began("kPrepSD", std::chrono::steady_clock::now());
-    client_asked(7);
-    request_began("kOn", std::chrono::steady_clock::now());
-    EXPECT_EQ(read().clients.at(0).answer, number(Answer::replaced));
-    client_answered(7, "kPrepSD", 0);
-    EXPECT_EQ(read().names.at(0).in_time + read().names.at(0).late, 0U);
-}
-
 TEST_F(Status_writers, Count_clients_and_names_for_which_there_is_no_room) {
     for (int connection = 0; connection < 1'003; ++connection) {
         client_connected(connection, "client " + std::to_string(connection), "kOn");
@@ -257,14 +217,6 @@ TEST_F(Status_writers, Count_clients_and_names_for_which_there_is_no_room) {
     client_answered(5'000, "kOn", 0);
     EXPECT_EQ(read().server.names_untold, 1U);
     EXPECT_EQ(read().names.size(), k_names);
-}
-
-TEST_F(Status_writers, Forget_all_clients_when_their_server_fails) {
-    client_connected(7, "radio", "kOn");
-    server_failed();
-    EXPECT_EQ(read().server.clients, 0U);
-    EXPECT_EQ(read().server.failures, 1U);
-    EXPECT_TRUE(read().clients.empty());
 }
 
 TEST_F(Status_writers, Tell_what_an_application_holds_as_long_as_it_does) {
@@ -327,16 +279,6 @@ TEST_F(Status_writers, Wake_a_reader_with_the_next_beat_after_an_event) {
         reader.join();
     }
     EXPECT_LT(std::chrono::steady_clock::now() - begin, k_long);
-}
-
-TEST_F(Status_writers, Keep_the_longest_cycle) {
-    beat(false, false);
-    EXPECT_EQ(read().driver.longest, 0U);
-    beat(true, false);
-    auto const page = read();
-    EXPECT_GT(page.driver.longest, 0U);
-    EXPECT_EQ(page.driver.cycles, 2U);
-    EXPECT_EQ(page.driver.prepare_sd, 1U);
 }
 
 }  // namespace
