@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <numeric>
 #include <string>
 
 namespace benchmarks {
@@ -25,14 +26,32 @@ std::int64_t value_of(pid_t process, std::string const& name) {
 
 }  // namespace
 
-std::int64_t processor_time_ns(pid_t process) {
-    std::int64_t sum = 0;
-    for (auto const& thread : std::filesystem::directory_iterator(proc(process) + "/task")) {
-        std::int64_t running = 0;  // the first number of schedstat
-        std::ifstream(thread.path() / "schedstat") >> running;
-        sum += running;
+Usage usage_of(pid_t process) {
+    Usage usage;
+    for (auto const& directory : std::filesystem::directory_iterator(proc(process) + "/task")) {
+        Thread_usage thread;
+        std::int64_t waiting_ns = 0;
+        std::getline(std::ifstream(directory.path() / "comm"), thread.name);
+        std::ifstream(directory.path() / "schedstat") >> thread.running_ns >> waiting_ns >> thread.runs;
+        usage[std::stoi(directory.path().filename())] = thread;
     }
-    return sum;
+    return usage;
+}
+
+Usage operator-(Usage const& now, Usage const& before) {
+    Usage difference = now;
+    for (auto& [id, thread] : difference) {
+        if (auto const earlier = before.find(id); earlier != before.end()) {
+            thread.running_ns -= earlier->second.running_ns;
+            thread.runs -= earlier->second.runs;
+        }
+    }
+    return difference;
+}
+
+std::int64_t running_ns(Usage const& usage) {
+    return std::accumulate(usage.begin(), usage.end(), std::int64_t{0},
+                           [](std::int64_t sum, auto const& thread) { return sum + thread.second.running_ns; });
 }
 
 Memory memory_of(pid_t process) {

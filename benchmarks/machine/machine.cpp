@@ -12,11 +12,24 @@ namespace benchmarks {
 
 namespace {
 
-bench::vehicle::Options options(unsigned period_ms) {
+void use_network(nlohmann::json& values, unsigned applications) {
+    values["StateManagerNMUsage"] = true;
+    values["DefautNMRequestPattern"] = {1, 0, 0, 0, 0, 0};
+    values["MaxNumberOfApplicationsRequestNetwork"] = applications;
+    auto& instances = values["ApplicationsRequestNetworkConfig"] = nlohmann::json::array();
+    for (unsigned number = 1; number <= applications; ++number) {
+        instances.push_back({{"NetworkAliveInterfaceInstance", std::to_string(number)}});
+    }
+}
+
+bench::vehicle::Options options(unsigned period_ms, unsigned applications) {
     auto configuration = nlohmann::json::parse(std::ifstream(PROJECT "/deploy/config/ap_statemanager.json"));
     auto& values = configuration["ap_statemanager"];
     values["StateManagerMainPeriod"] = period_ms;
     values["StateManagerNMUsage"] = false;
+    if (applications != 0) {
+        use_network(values, applications);
+    }
     bench::vehicle::Options result;
     result.programs = PROGRAMS;
     result.configuration = configuration.dump();
@@ -26,7 +39,12 @@ bench::vehicle::Options options(unsigned period_ms) {
 
 }  // namespace
 
-Machine::Machine(unsigned period_ms) : vehicle_(options(period_ms)) {}
+Machine::Machine(unsigned period_ms, unsigned applications) : vehicle_(options(period_ms, applications)) {
+    if (applications != 0) {
+        network_manager_.emplace(
+            std::vector<std::string>{PROGRAMS "/bench/network/bench_network_node", "127.0.0.11", "--offer", "udpnm"});
+    }
+}
 
 std::unique_ptr<bench::Child_process> Machine::start(std::vector<std::string> const& words) {
     return std::make_unique<bench::Child_process>(

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,12 @@ namespace benchmarks {
 inline constexpr char const* k_input_device = "/dev/input/event0";
 inline constexpr char const* k_status_file = "/sys/vmctl/set_status";
 
-/// The vehicle with the example configuration, a period and no network management. Programs are started in
-/// it as a service manager would: with the notify socket, the bus and a watchdog of two seconds.
+/// The vehicle with the example configuration and a period; without network management, or with a network manager and
+/// so many applications that may keep communication alive. Programs are started in it as a service manager would: with
+/// the notify socket, the bus and a watchdog of two seconds.
 class Machine {
  public:
-    explicit Machine(unsigned period_ms = 100);
+    explicit Machine(unsigned period_ms = 100, unsigned applications = 0);
 
     std::unique_ptr<bench::Child_process> start(std::vector<std::string> const& words);
     std::unique_ptr<bench::Child_process> start_daemon();
@@ -30,9 +32,11 @@ class Machine {
     std::int64_t await_word(std::string const& word, std::size_t from);
 
     bench::Player& hypervisor() { return vehicle_.hypervisor(); }
+    bench::vehicle::Dlt_reader& log() { return vehicle_.log(); }
 
  private:
     bench::vehicle::Vehicle vehicle_;
+    std::optional<bench::Player> network_manager_;
 };
 
 /// Runs a benchmark in a world of its own and returns its exit status; 1 with a text that says what is missing where

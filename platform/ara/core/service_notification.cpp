@@ -26,10 +26,38 @@ std::error_code last_error() {
     return {errno, std::system_category()};
 }
 
-/// Each notification has a socket of its own, so that a service manager that was started anew is found.
+/// The service manager's socket.
+struct Address {
+    sockaddr_un name{};
+    socklen_t size{0};
+
+    sockaddr const* generic() const { return reinterpret_cast<sockaddr const*>(&name); }
+};
+
+/// Where NOTIFY_SOCKET says that it is; nothing for a name that is none.
+std::optional<Address> address_of(std::string_view name) {
+    Address address;
+    address.name.sun_family = AF_UNIX;
+    if (name.empty() || name.size() >= sizeof address.name.sun_path) {
+        return std::nullopt;
+    }
+    std::memcpy(address.name.sun_path, name.data(), name.size());
+    bool const is_abstract = name.front() == '@';
+    if (is_abstract) {
+        address.name.sun_path[0] = '\0';
+    }
+    address.size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size() + (is_abstract ? 0 : 1));
+    return address;
+}
+
+int make_socket() {
+    return ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+}
+
+/// A notification that may wait has a socket of its own, which is connected: only such a one can be polled for room.
 class Datagram_socket {
  public:
-    Datagram_socket() : descriptor_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {}
+    Datagram_socket() : descriptor_(make_socket()) {}
     ~Datagram_socket() {
         if (descriptor_ >= 0) {
             ::close(descriptor_);
@@ -40,22 +68,10 @@ class Datagram_socket {
 
     bool is_open() const { return descriptor_ >= 0; }
 
-    std::error_code connect_to(std::string_view name) const {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        if (name.empty() || name.size() >= sizeof address.sun_path) {
-            return {EINVAL, std::system_category()};
-        }
-        std::memcpy(address.sun_path, name.data(), name.size());
-        bool const is_abstract = name.front() == '@';
-        if (is_abstract) {
-            address.sun_path[0] = '\0';
-        }
-        auto const size = offsetof(sockaddr_un, sun_path) + name.size() + (is_abstract ? 0 : 1);
-        auto const* const generic = reinterpret_cast<sockaddr const*>(&address);
+    std::error_code connect_to(Address const& address) const {
         int result = 0;
         do {
-            result = ::connect(descriptor_, generic, static_cast<socklen_t>(size));
+            result = ::connect(descriptor_, address.generic(), address.size);
         } while (result != 0 && errno == EINTR);
         return result == 0 ? std::error_code() : last_error();
     }
@@ -84,11 +100,15 @@ std::error_code send(std::string_view line, std::chrono::milliseconds limit) {
     if (name == nullptr) {
         return {};
     }
+    auto const address = address_of(name);
+    if (!address) {
+        return {EINVAL, std::system_category()};
+    }
     Datagram_socket const socket;
     if (!socket.is_open()) {
         return last_error();
     }
-    auto const error = socket.connect_to(name);
+    auto const error = socket.connect_to(*address);
     return error ? error : socket.send(line, steady_clock::now() + limit);
 }
 
@@ -134,14 +154,30 @@ void report_stopping() {
     is_stopping = true;
 }
 
-std::error_code beat() {
+std::error_code Beats::send() {
     if (ready_is_owed) {
         if (auto const error = send_at_once("READY=1")) {
             return may_pass(error) ? std::error_code() : error;
         }
         ready_is_owed = false;
     }
-    return send_at_once("WATCHDOG=1");
+    auto const* const name = std::getenv("NOTIFY_SOCKET");
+    if (name == nullptr) {
+        return {};
+    }
+    auto const address = address_of(name);
+    if (!address) {
+        return {EINVAL, std::system_category()};
+    }
+    if (!socket_ || !socket_->is_open()) {
+        socket_.emplace(make_socket());
+    }
+    constexpr std::string_view k_line = "WATCHDOG=1";
+    if (socket_->is_open() && ::sendto(socket_->number(), k_line.data(), k_line.size(), MSG_NOSIGNAL,
+                                       address->generic(), address->size) >= 0) {
+        return {};
+    }
+    return errno == EINTR ? std::error_code(EAGAIN, std::system_category()) : last_error();
 }
 
 bool may_pass(std::error_code const& error) {

@@ -1,6 +1,8 @@
 #ifndef ARA_CORE_SERVICE_NOTIFICATION_H
 #define ARA_CORE_SERVICE_NOTIFICATION_H
 
+#include "base/descriptor.h"
+
 #include <chrono>
 #include <optional>
 #include <string_view>
@@ -29,9 +31,17 @@ void report_ready();
 /// `std::system_error` when the line can't be delivered.
 void report_stopping();
 
-/// Sends WATCHDOG=1 and waits for nothing; returns what kept it. A READY=1 that is owed goes out first; while it can't,
-/// no beat is due, since the service manager's watchdog starts with READY=1.
-std::error_code beat();
+/// A process's beats. They come from one socket, which is kept, and go to the name: a service manager that was started
+/// anew is found.
+class Beats {
+ public:
+    /// Sends WATCHDOG=1 and waits for nothing; returns what kept it. A READY=1 that is owed goes out first; while it
+    /// can't, no beat is due, since the service manager's watchdog starts with READY=1.
+    std::error_code send();
+
+ private:
+    std::optional<base::Descriptor> socket_;  ///< once there was a beat
+};
 
 /// Whether the same line may go out a moment later: when there was no room, no descriptor or no memory for it. Nobody
 /// who listens, a socket that this process may not use and a name that is none stay what they are.

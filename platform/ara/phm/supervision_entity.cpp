@@ -1,7 +1,5 @@
 #include "ara/phm/supervision_entity.h"
 
-#include "ara/core/service_notification.h"
-
 #include <algorithm>
 
 namespace ara::phm {
@@ -13,7 +11,7 @@ void SupervisionEntity::ReportCheckpoint(std::uint32_t /*checkpoint*/, std::uint
     if (last_beat_ && now - *last_beat_ < k_shortest_interval) {
         return;
     }
-    auto const error = ara::core::beat();
+    auto const error = beats_.send();
     if (!error) {
         last_beat_ = now;
         last_refusal_.reset();

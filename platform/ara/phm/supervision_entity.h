@@ -1,6 +1,7 @@
 #ifndef ARA_PHM_SUPERVISION_ENTITY_H
 #define ARA_PHM_SUPERVISION_ENTITY_H
 
+#include "ara/core/service_notification.h"
 #include "ara/phm/phm_client.h"
 
 #include <chrono>
@@ -45,6 +46,7 @@ class SupervisionEntity : public SupervisionEntityInterface {
     bool is_refused_for_too_long(std::chrono::steady_clock::time_point now);
 
     std::string instance_id_;
+    ara::core::Beats beats_;
     std::optional<std::chrono::steady_clock::time_point> last_beat_;
     std::optional<std::chrono::steady_clock::time_point> last_refusal_;
     std::chrono::steady_clock::duration refused_for_{};

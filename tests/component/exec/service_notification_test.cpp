@@ -152,7 +152,8 @@ TEST(Service_notification, Gives_up_in_time_when_the_queue_of_the_service_manage
 class Full_service_manager : public testing::Test {
  protected:
     Full_service_manager() {
-        while (!ara::core::beat()) {
+        ara::core::Beats beats;
+        while (!beats.send()) {
         }
     }
 

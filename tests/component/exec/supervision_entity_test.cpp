@@ -47,6 +47,17 @@ TEST(Supervision_entity, Reports_each_checkpoint_as_one_watchdog_beat) {
     EXPECT_THAT(service_manager.received(), ElementsAre("WATCHDOG=1", "WATCHDOG=1"));
 }
 
+TEST(Supervision_entity, Finds_a_service_manager_that_was_started_anew_with_the_socket_that_it_has) {
+    ara::phm::Phm_client const client("");
+    ara::phm::SupervisionEntity sut(client);
+    for (int start = 0; start < 3; ++start) {
+        test_support::Notify_socket const service_manager;
+        std::this_thread::sleep_for(ara::phm::SupervisionEntity::k_shortest_interval);  // the time that is meant
+        sut.ReportCheckpoint(1, 1);
+        EXPECT_THAT(service_manager.received(), ElementsAre("WATCHDOG=1"));
+    }
+}
+
 TEST(Supervision_entity, Does_not_flood_the_service_manager) {
     test_support::Notify_socket const service_manager;
     ara::phm::Phm_client const client("");
