@@ -306,9 +306,12 @@ TEST_F(Recorder_story, Lacks_nothing_of_the_time_in_which_its_disk_was_full) {
     EXPECT_THAT(said, HasSubstr(records() + ": nothing can be written: No space left on device"));
     disk.make_room();
     EXPECT_TRUE(recorder_says("all is well again", Machine::k_patience)) << said;
-    await_recorded("Running");
-    auto const history = json::parse(told("history", {"--json", "-n", "100"}).output);
-    EXPECT_EQ(history.at("cycles").size(), suspends + 1) << history;
+    json history;
+    told_when("history", [&](json const& /*newest*/) {
+        history = json::parse(told("history", {"--json", "-n", "100"}).output);
+        auto const& cycles = history.at("cycles");
+        return cycles.size() == suspends + 1 && cycles.back().at("state") == "Running";
+    });
     for (auto const& cycle : history.at("cycles")) {
         EXPECT_EQ(cycle.at("missed"), 0) << cycle;
     }
