@@ -91,8 +91,8 @@ std::vector<Explained> const& explained() {
         {"connection dropped before it introduced itself", {Verb::behave, Verb::report}},
         {"A reply of ", {Verb::kill}},
         {"StateClient::", {Verb::stop, Verb::freeze, Verb::busy, Verb::kill}},
-        {"AliveSupervision: caught ", {Verb::kill}},
-        {"Stopping AliveSupervision reporting to PHM!", {Verb::kill}},
+        {"AliveSupervision: caught ", {Verb::kill, Verb::stop}},
+        {"Stopping AliveSupervision reporting to PHM!", {Verb::kill, Verb::stop}},
         {"Application state not reported: ", {Verb::kill}},
     };
     return all;

@@ -24,6 +24,7 @@ using nlohmann::json;
 using std::chrono::milliseconds;
 
 constexpr unsigned k_busy_processes = 3;
+constexpr milliseconds k_owed{700};      // less than half of the watchdog's two seconds
 constexpr std::int64_t k_late_ms = 100;  // a process that is to go on waits for a processor first
 
 /// Of what the step is about: the words between its first one and "for" or "after".
@@ -82,6 +83,8 @@ void Road::stop(Step const& step) {
     }
     auto const process = machine_.process(name).pid();
     auto const time = milliseconds(number_at_end(step));
+    // Reports that find no room for half of the watchdog's time have failed, and end for good.
+    circumstances_.is_supervised = circumstances_.is_supervised && (name != "service manager" || time < k_owed);
     ::kill(process, SIGSTOP);
     stall(time);
     auto continued = std::make_shared<std::future<void>>(std::async(std::launch::async, [process, time] {
