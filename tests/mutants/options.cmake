@@ -1,0 +1,18 @@
+# Compiles the product as fast as can be and without warnings, for a build into which changes are woven.
+cmake_language(DEFER DIRECTORY ${CMAKE_SOURCE_DIR} CALL compile_product_quickly base platform interfaces services src tools)
+
+function(compile_product_quickly)
+    foreach(folder IN LISTS ARGN)
+        get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
+        foreach(target IN LISTS targets)
+            get_target_property(kind ${target} TYPE)
+            if(kind MATCHES "LIBRARY|EXECUTABLE" AND NOT kind STREQUAL "INTERFACE_LIBRARY")
+                target_compile_options(${target} PRIVATE -O0 -w)
+            endif()
+        endforeach()
+        get_property(folders DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)
+        if(folders)
+            compile_product_quickly(${folders})
+        endif()
+    endforeach()
+endfunction()
