@@ -1,11 +1,14 @@
 // The other side of the calls that are measured, each as its own process:
 //   call_peer socket PATH     answers 64 bytes with 64 bytes on a Unix stream socket
 //   call_peer bus ADDRESS     answers "RequestAlive" on a D-Bus
+//   call_peer engine URI      answers on the engine's C interface, which it configures with this URI
 //   call_peer alive INSTANCE  offers the ECU-alive service
 //   call_peer idle INSTANCE   a client of the ECU-alive service that has called once and keeps its proxy
-// Prints "ready" and serves until its standard input ends.
+// Prints "ready" and serves until its standard input ends; each byte of that is answered with the memory it has, in
+// KiB: what is resident, and what is allocated.
 
 #include "benchmarks/communication/found.h"
+#include "benchmarks/communication/process_memory.h"
 #include "benchmarks/communication/yardsticks.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
@@ -36,9 +39,12 @@ class Alive : public ximo::ap::statemanager::skeleton::StateManagementAliveInter
     ximo::com::Future<void> RequestAlive() override { return answered(); }
 };
 
+// Tells whoever asks by a byte what memory the process has.
 void wait_for_end_of_input() {
     char byte = 0;
     while (::read(STDIN_FILENO, &byte, 1) > 0) {
+        auto const memory = benchmarks::own_memory();
+        std::cout << memory.resident << ' ' << memory.allocated << std::endl;
     }
 }
 
@@ -67,7 +73,8 @@ void stay_connected(std::string const& instance) {
 
 int main(int argc, char** argv) {
     if (argc != 3) {
-        std::cerr << "Usage: " << argv[0] << " socket PATH | bus ADDRESS | alive INSTANCE | idle INSTANCE\n";
+        std::cerr << "Usage: " << argv[0]
+                  << " socket PATH | bus ADDRESS | engine URI | alive INSTANCE | idle INSTANCE\n";
         return EXIT_FAILURE;
     }
     std::string const mode = argv[1];
@@ -79,9 +86,11 @@ int main(int argc, char** argv) {
         stay_connected(argv[2]);
         return EXIT_SUCCESS;
     }
-    // These two serve on a thread that dies with the process.
+    // These serve on a thread that dies with the process.
     if (mode == "socket") {
         std::thread(benchmarks::serve_socket, std::string(argv[2]), ready).detach();
+    } else if (mode == "engine") {
+        std::thread(benchmarks::serve_engine, std::string(argv[2]), ready).detach();
     } else {
         std::thread(benchmarks::serve_bus, std::string(argv[2]), ready).detach();
     }

@@ -1,6 +1,7 @@
-// One call without arguments from process to process: the ECU-alive service, and beside it in the same run the engine's
-// own ping-pong, the same call over a D-Bus, and a bare ping-pong over a Unix socket. Then the service again among idle
-// clients and after a client was killed: neither may cost anything.
+// One call without arguments from process to process: the ECU-alive service, and in turn with it the same call on the
+// engine alone, over a D-Bus, and over a Unix socket; beside them the engine's own ping-pong, which has fewer
+// hand-overs between threads. Then the service again among idle clients and after a client was killed: neither may cost
+// anything.
 
 #include "base/temporary_directory.h"
 #include "bench/process/private_bus.h"
@@ -14,14 +15,12 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -29,104 +28,124 @@ using benchmarks::Peer;
 using benchmarks::Samples;
 using ximo::ap::statemanager::proxy::StateManagementAliveInterfaceProxy;
 
-constexpr int k_calls = 4'000;
-constexpr int k_short_calls = 1'000;
-constexpr int k_repetitions = 5;
+constexpr int k_turns = 20;
+constexpr int k_turns_in_short = 5;
+constexpr int k_calls_in_a_turn = 1'000;
 constexpr int k_warm_up = 200;
-constexpr double k_target_beside_engine = 1.4;
 constexpr double k_flat = 1.15;
+constexpr double k_tail = 3.0;
 
-void measure(benchmark::State& state, std::function<void()> const& call, Samples& samples) {
+using Call = std::function<void()>;
+
+/// One way to call, and how long each call took.
+struct Path {
+    std::string name;
+    Call call;
+    Samples samples{};
+};
+
+void call_in_a_row(Path& path) {
     for (int i = 0; i < k_warm_up; ++i) {
-        call();
+        path.call();
     }
-    while (state.KeepRunning()) {
+    for (int i = 0; i < k_calls_in_a_turn; ++i) {
         auto const before = std::chrono::steady_clock::now();
-        call();
-        auto const time = std::chrono::steady_clock::now() - before;
-        samples.add(std::chrono::nanoseconds(time).count());
-        state.SetIterationTime(std::chrono::duration<double>(time).count());
+        path.call();
+        path.samples.add(std::chrono::nanoseconds(std::chrono::steady_clock::now() - before).count());
     }
 }
 
-Samples run(char const* name, std::function<void()> const& call) {
-    Samples samples;
-    benchmark::RegisterBenchmark(name, [&](benchmark::State& state) { measure(state, call, samples); })
-        ->Iterations(benchmarks::whole_or_short(k_calls, k_short_calls))
-        ->Repetitions(k_repetitions)
-        ->UseManualTime()
-        ->Unit(benchmark::kMicrosecond)
-        ->ReportAggregatesOnly();
-    benchmark::ConsoleReporter reporter;  // the library's own one does not survive a second run
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    benchmark::ClearRegisteredBenchmarks();
-    benchmarks::print(name, samples);
-    return samples;
+/// Whatever else the machine does meanwhile falls on all of them.
+void take_turns(std::vector<Path>& paths) {
+    for (int turn = 0; turn < benchmarks::whole_or_short(k_turns, k_turns_in_short); ++turn) {
+        for (auto& path : paths) {
+            call_in_a_row(path);
+        }
+    }
+    for (auto const& path : paths) {
+        benchmarks::print(path.name, path.samples);
+    }
 }
 
-Samples socket_call(base::Temporary_directory const& files) {
-    auto const path = files.file("ping");
-    Peer const server("socket", path);
-    benchmarks::Socket_call const call(path);
-    return run("Unix socket", [&] { call(); });
+/// A call of the service beside the same on the engine alone, at the same time.
+struct Figures {
+    Samples service;
+    Samples engine;
+};
+
+Figures measure(std::string const& name, Call const& service, Call const& engine) {
+    std::vector<Path> paths{{name, service}, {"the engine alone", engine}};
+    take_turns(paths);
+    return {paths[0].samples, paths[1].samples};
 }
 
-Samples bus_call(base::Temporary_directory const& files) {
-    bench::Private_bus const bus(files.path());
-    Peer const server("bus", bus.address());
-    benchmarks::Bus_call const call(bus.address());
-    return run("D-Bus", [&] { call(); });
-}
-
-void compare(double service, double bus) {
+void tell_beside_ping_pong(double service) {
     auto const engine = benchmarks::engine_round_trip_us(BENCHMARK_ENGINE_CONFIGURATION);
-    benchmarks::tell({"RequestAlive beside D-Bus, median", service, bus, "us", benchmarks::at_most_times(1.0)});
     if (engine) {
-        std::cout << "engine's own ping-pong, whole round trip: median " << *engine << " us\n";
-        benchmarks::tell({"RequestAlive beside the engine's ping-pong, median", service, *engine, "us",
-                          benchmarks::at_most_times(k_target_beside_engine)});
+        benchmarks::tell({"RequestAlive beside the engine's ping-pong, median", service, *engine, "us"});
     } else {
-        std::cout << "The engine's own ping-pong was not measured: ddsperf (package cyclonedds-tools) told nothing.\n";
+        std::printf("The engine's own ping-pong was not measured: ddsperf (package cyclonedds-tools) told nothing.\n");
     }
+}
+
+// Alone is what the service took alone, at the pace that the engine has now.
+void tell_beside_alone(std::string const& name, Figures const& now, Figures const& alone) {
+    auto const pace = now.engine.median_us() / alone.engine.median_us();
+    benchmarks::tell({name + ", median", now.service.median_us(), alone.service.median_us() * pace, "us",
+                      benchmarks::at_most_times(k_flat)});
+    benchmarks::tell({name + ", p99 beside median", now.service.p99_us(), now.service.median_us(), "us",
+                      benchmarks::at_most_times(k_tail)});
 }
 
 /// The service among clients that keep a connection and do nothing, and after one of them was killed.
-template <class Call>
-void tell_beside_others(Call const& call, double alone) {
+void tell_beside_others(Call const& service, Call const& engine, Figures const& alone) {
     std::vector<std::unique_ptr<Peer>> clients;
     for (std::size_t const count : {5, 20, 45}) {
         while (clients.size() < count) {
             clients.push_back(std::make_unique<Peer>("idle", "benchmark"));
         }
         auto const name = "RequestAlive beside " + std::to_string(count) + " idle clients";
-        auto const beside = run(name.c_str(), call).median_us();
-        benchmarks::tell({name + ", median", beside, alone, "us", benchmarks::at_most_times(k_flat)});
+        tell_beside_alone(name, measure(name, service, engine), alone);
     }
     clients.front()->kill();
-    char const* const name = "RequestAlive after a client was killed";
-    auto const after = run(name, call).median_us();
-    benchmarks::tell({name, after, alone, "us", benchmarks::at_most_times(k_flat)});
+    std::string const name = "RequestAlive after a client was killed";
+    tell_beside_alone(name, measure(name, service, engine), alone);
 }
 
 int run_all() {
     base::Temporary_directory const files;
-    auto const socket = socket_call(files);
-    auto const bus = bus_call(files);
-
-    tarq::com::runtime::Component_singleton const runtime(false, "");
+    bench::Private_bus const bus(files.path());
+    Peer const socket_server("socket", files.file("ping"));
+    Peer const bus_server("bus", bus.address());
+    Peer const engine_server("engine", BENCHMARK_ENGINE_CONFIGURATION);
     Peer const server("alive", "benchmark");
-    auto const service = benchmarks::found<StateManagementAliveInterfaceProxy>("benchmark");
-    auto const call = [&] { service->RequestAlive().get(); };
-    auto const alone = run("RequestAlive", call).median_us();
-    std::cout << "RequestAlive / Unix socket: " << alone / socket.median_us() << " times" << std::endl;
-    compare(alone, bus.median_us());
-    tell_beside_others(call, alone);
+    benchmarks::Socket_call const socket(files.file("ping"));
+    benchmarks::Bus_call const bus_call(bus.address());
+    benchmarks::Engine_call const engine_call(BENCHMARK_ENGINE_CONFIGURATION);
+    tarq::com::runtime::Component_singleton const runtime(false, "");
+    auto const proxy = benchmarks::found<StateManagementAliveInterfaceProxy>("benchmark");
+    Call const service = [&] { proxy->RequestAlive().get(); };
+    Call const engine = [&] { engine_call(); };
+
+    std::vector<Path> paths{{"RequestAlive", service},
+                            {"the engine alone", engine},
+                            {"D-Bus", [&] { bus_call(); }},
+                            {"Unix socket", [&] { socket(); }}};
+    take_turns(paths);
+    Figures const alone{paths[0].samples, paths[1].samples};
+    auto const tell = [&](char const* what, Samples const& yardstick, benchmarks::Target target) {
+        benchmarks::tell({what, alone.service.median_us(), yardstick.median_us(), "us", target});
+    };
+    tell("RequestAlive beside the engine alone, median", alone.engine, benchmarks::at_most_times(1.2));
+    tell("RequestAlive beside D-Bus, median", paths[2].samples, benchmarks::at_most_times(0.7));
+    tell("RequestAlive beside a Unix socket, median", paths[3].samples, {});
+    tell_beside_ping_pong(alone.service.median_us());
+    tell_beside_others(service, engine, alone);
     return EXIT_SUCCESS;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
+int main() {
     return benchmarks::run_in_world("benchmark_communication", &run_all);
 }

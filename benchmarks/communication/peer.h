@@ -2,6 +2,7 @@
 #define BENCHMARKS_COMMUNICATION_PEER_H
 
 #include "bench/process/child_process.h"
+#include "benchmarks/communication/process_memory.h"
 
 #include <string>
 #include <vector>
@@ -15,7 +16,12 @@ class Peer {
 
     void kill();
 
+    /// Of the process, which waits for nothing else meanwhile.
+    Process_memory memory();
+
  private:
+    std::string line();
+
     bench::Child_process process_;
 };
 
