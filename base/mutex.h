@@ -7,6 +7,8 @@
 
 namespace base {
 
+class Condition;
+
 /// The standard mutexes with the annotations that clang's lock checking needs. `Mutex` is not recursive.
 template <class Native>
 class CAPABILITY("mutex") Annotated_mutex {
@@ -15,6 +17,8 @@ class CAPABILITY("mutex") Annotated_mutex {
     void unlock() RELEASE() { native_.unlock(); }
 
  private:
+    friend class Condition;
+
     Native native_;
 };
 

@@ -1,9 +1,9 @@
 #ifndef ARA_COM_RUNNING_HANDLERS_H
 #define ARA_COM_RUNNING_HANDLERS_H
 
+#include "base/condition.h"
 #include "base/mutex.h"
 
-#include <condition_variable>
 #include <cstdint>
 #include <thread>
 
@@ -80,7 +80,7 @@ class Running_handlers {
     }
 
     base::Mutex mutex_;
-    std::condition_variable_any changed_;
+    base::Condition changed_;
     std::uint64_t last_ GUARDED_BY(mutex_){0};
     Entry* oldest_ GUARDED_BY(mutex_){nullptr};
     Entry* newest_ GUARDED_BY(mutex_){nullptr};

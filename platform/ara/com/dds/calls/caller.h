@@ -8,9 +8,9 @@
 #include "ara/com/dds/engine/engine.h"
 #include "ara/com/dds/offers/known_offers.h"
 #include "ara/com/dds/threads/call_timer.h"
+#include "base/condition.h"
 #include "base/mutex.h"
 
-#include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -69,7 +69,7 @@ class Caller : public Connection,
     Service_type const& type_;
     InstanceIdentifier const instance_;
     base::Mutex mutex_;
-    std::condition_variable_any changed_;
+    base::Condition changed_;
     Server_in_reach server_ GUARDED_BY(mutex_);
     Pending_calls calls_ GUARDED_BY(mutex_);
     std::optional<Clock::time_point> next_look_ GUARDED_BY(mutex_);  // of the timer at the calls

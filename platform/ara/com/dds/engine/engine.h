@@ -7,9 +7,9 @@
 #include "ara/com/dds/threads/call_timer.h"
 #include "ara/com/dds/threads/strand.h"
 #include "ara/com/dds/threads/workers.h"
+#include "base/condition.h"
 #include "base/mutex.h"
 
-#include <condition_variable>
 #include <memory>
 #include <vector>
 
@@ -83,7 +83,7 @@ class Engine {
     std::vector<std::weak_ptr<Part>> parts_ GUARDED_BY(mutex_);
     int opening_ GUARDED_BY(mutex_){0};
     int closing_ GUARDED_BY(mutex_){0};
-    std::condition_variable_any changed_;  // of these numbers
+    base::Condition changed_;  // of these numbers
     bool down_ GUARDED_BY(mutex_){false};
 };
 

@@ -126,17 +126,32 @@ Entity Reader::make_own_topic(Participant& participant) {
     }
 }
 
-// The handler may run before the constructor knows its reader.
+// The handler may run before the constructor knows its reader. Making a sample and freeing it costs more than a look that
+// finds nothing, so the one that was made in vain, or that the handler has left, is there for the next time.
 void Reader::deliver(dds_entity_t reader) const {
+    auto sample = unused_sample();
     for (;;) {
-        auto sample = make_sample(type_);
+        if (!sample) {
+            sample = make_sample(type_);
+        }
         void* slot = sample.get();
         dds_sample_info_t info;
         if (dds_take(reader, &slot, &info, 1, 1) <= 0) {
-            return;
+            break;
         }
         received_(std::move(sample), info);
     }
+    keep_unused(std::move(sample));
+}
+
+Sample Reader::unused_sample() const {
+    base::Lock_guard const lock(mutex_);
+    return std::move(unused_);
+}
+
+void Reader::keep_unused(Sample sample) const {
+    base::Lock_guard const lock(mutex_);
+    std::swap(unused_, sample);
 }
 
 }  // namespace ara::com::dds

@@ -5,6 +5,7 @@
 #include "ara/com/dds/entities/participant.h"
 #include "ara/com/dds/entities/quality.h"
 #include "ara/com/dds/entities/sample.h"
+#include "base/mutex.h"
 
 #include <chrono>
 #include <functional>
@@ -24,7 +25,8 @@ struct Channel {
 using Matched_handler = std::function<void()>;
 /// Decides on each sample before it is kept, under locks of the engine. Without data nobody is asked.
 using Admission = std::function<bool(void const* sample, dds_instance_handle_t writer)>;
-using Received_handler = std::function<void(Sample sample, dds_sample_info_t const& info)>;
+/// May keep the sample; one that it leaves is used again for the next.
+using Received_handler = std::function<void(Sample&& sample, dds_sample_info_t const& info)>;
 
 /// Thread-safe. Constructors throw `tarq::com::Infrastructure_exception`.
 class Writer {
@@ -57,12 +59,16 @@ class Reader {
     static bool is_admitted(void const* sample, dds_sample_info_t const* info, void* self);
     Entity make_own_topic(Participant& participant);
     void deliver(dds_entity_t reader) const;
+    Sample unused_sample() const;
+    void keep_unused(Sample sample) const;
 
     Topic_type const type_;
     Received_handler const received_;
     Matched_handler const matched_;
     Admission const admits_;
-    Entity const own_topic_;  // none without an admission
+    mutable base::Mutex mutex_;
+    mutable Sample unused_ GUARDED_BY(mutex_);  // may be none
+    Entity const own_topic_;                    // none without an admission
     Entity const subscriber_;
     Entity const reader_;
 };

@@ -2,9 +2,9 @@
 #define ARA_COM_DDS_OFFERS_ANNOUNCER_H
 
 #include "ara/com/dds/entities/endpoints.h"
+#include "base/condition.h"
 #include "base/mutex.h"
 
-#include <condition_variable>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -46,7 +46,7 @@ class Announcer {
     std::shared_ptr<Writer> writer_ GUARDED_BY(mutex_);  // once there was an offer
     base::Mutex claims_mutex_;                           // also taken under locks of the engine, so nothing is called
     Claims claims_ GUARDED_BY(claims_mutex_);
-    std::condition_variable_any withdrawn_;
+    base::Condition withdrawn_;
 };
 
 }  // namespace ara::com::dds

@@ -1,10 +1,10 @@
 #ifndef ARA_COM_DDS_THREADS_CALL_TIMER_H
 #define ARA_COM_DDS_THREADS_CALL_TIMER_H
 
+#include "base/condition.h"
 #include "base/mutex.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <map>
 #include <memory>
 #include <optional>
@@ -42,7 +42,7 @@ class Call_timer {
     std::weak_ptr<Expiring> next();
 
     base::Mutex mutex_;
-    std::condition_variable_any changed_;
+    base::Condition changed_;
     std::multimap<Clock::time_point, std::weak_ptr<Expiring>> watched_ GUARDED_BY(mutex_);
     bool stopped_ GUARDED_BY(mutex_){false};
     std::thread thread_ GUARDED_BY(mutex_);

@@ -1,9 +1,9 @@
 #ifndef ARA_COM_DDS_THREADS_STRAND_H
 #define ARA_COM_DDS_THREADS_STRAND_H
 
+#include "base/condition.h"
 #include "base/mutex.h"
 
-#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -48,7 +48,7 @@ class Strand : public std::enable_shared_from_this<Strand> {
 
     Workers& workers_;
     base::Mutex mutex_;
-    std::condition_variable_any ended_;
+    base::Condition ended_;
     std::deque<Task> tasks_ GUARDED_BY(mutex_);
     bool scheduled_ GUARDED_BY(mutex_);
     bool closed_ GUARDED_BY(mutex_){false};

@@ -30,34 +30,50 @@ void Workers::start_thread() {
 }
 
 void Workers::run(std::shared_ptr<Strand> strand) {
-    base::Lock_guard const lock(mutex_);
-    if (stopped_) {
-        return;
-    }
-    waiting_.push_back(std::move(strand));
-    if (waiting_.size() > idle_) {
-        try {
-            start_thread();
-        } catch (tarq::com::Infrastructure_exception const&) {
-            // A thread that is busy now takes the strand later.
-        } catch (std::bad_alloc const&) {
-            // The same.
+    {
+        base::Lock_guard const lock(mutex_);
+        if (stopped_) {
+            return;
+        }
+        waiting_.push_back(std::move(strand));
+        if (waiting_.size() > idle_) {
+            start_one_more();
         }
     }
     ready_.notify_one();
 }
 
+void Workers::start_one_more() {
+    try {
+        start_thread();
+    } catch (tarq::com::Infrastructure_exception const&) {
+        // A thread that is busy now takes the strand later.
+    } catch (std::bad_alloc const&) {
+        // The same.
+    }
+}
+
 void Workers::work() {
     pthread_setname_np(pthread_self(), "com-worker");
-    while (auto const strand = next()) {
+    for (auto strand = first(); strand; strand = next()) {
         strand->run();
-        base::Lock_guard const lock(mutex_);
-        ++idle_;
+        strand.reset();
     }
+}
+
+// A thread is idle from its start on.
+std::shared_ptr<Strand> Workers::first() {
+    base::Lock_guard const lock(mutex_);
+    return await_strand();
 }
 
 std::shared_ptr<Strand> Workers::next() {
     base::Lock_guard const lock(mutex_);
+    ++idle_;
+    return await_strand();
+}
+
+std::shared_ptr<Strand> Workers::await_strand() {
     while (waiting_.empty() && !stopped_) {
         ready_.wait(mutex_);
     }

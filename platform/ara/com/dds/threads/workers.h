@@ -1,9 +1,9 @@
 #ifndef ARA_COM_DDS_THREADS_WORKERS_H
 #define ARA_COM_DDS_THREADS_WORKERS_H
 
+#include "base/condition.h"
 #include "base/mutex.h"
 
-#include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <memory>
@@ -32,11 +32,14 @@ class Workers {
 
  private:
     void start_thread() REQUIRES(mutex_);
+    void start_one_more() REQUIRES(mutex_);
     void work();
+    std::shared_ptr<Strand> first();
     std::shared_ptr<Strand> next();
+    std::shared_ptr<Strand> await_strand() REQUIRES(mutex_);
 
     base::Mutex mutex_;
-    std::condition_variable_any ready_;
+    base::Condition ready_;
     std::deque<std::shared_ptr<Strand>> waiting_ GUARDED_BY(mutex_);
     std::size_t idle_ GUARDED_BY(mutex_){0};  // those that were woken but did not yet take a strand included
     bool stopped_ GUARDED_BY(mutex_){false};
