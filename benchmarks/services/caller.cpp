@@ -1,13 +1,17 @@
 // An application that calls its COM-alive service as fast as it is answered:
 //
 //     benchmark_caller INSTANCE changing|repeated MILLISECONDS
+//     benchmark_caller INSTANCE serve ANY
 //
 // Writes "ready" when it has found the service, waits for a line, calls for the given time and writes how many calls
 // were answered. "changing" requests and releases a bit of its own in turn, "repeated" requests the same one each time.
+// "serve" is the other side: it offers the instance, does nothing in its handlers, writes "ready" and ends with its
+// standard input.
 
 #include "services/found_instance.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
+#include "ximo/ap/statemanager/state_management_com_alive_interface_skeleton.h"
 
 #include <chrono>
 #include <cstdint>
@@ -59,14 +63,45 @@ int run(std::string const& instance, bool changing, std::chrono::milliseconds ti
     return EXIT_SUCCESS;
 }
 
+ximo::com::Future<void> answered() {
+    ximo::com::Promise<void> promise;
+    promise.set_value();
+    return promise.get_future();
+}
+
+class Empty_service : public ximo::ap::statemanager::skeleton::StateManagementComAliveInterfaceSkeleton {
+ public:
+    using StateManagementComAliveInterfaceSkeleton::StateManagementComAliveInterfaceSkeleton;
+
+    ximo::com::Future<void> ReleaseComAlive(std::vector<std::uint8_t> const& /*bits*/) override { return answered(); }
+    ximo::com::Future<void> RequestComAlive(std::vector<std::uint8_t> const& /*bits*/,
+                                            std::uint8_t /*number*/) override {
+        return answered();
+    }
+};
+
+int serve(std::string const& instance) {
+    tarq::com::runtime::Component_singleton const communication(false, "");
+    Empty_service service(ara::com::InstanceIdentifier(instance), ara::com::MethodCallProcessingMode::kEvent);
+    service.OfferService();
+    std::cout << "ready" << std::endl;
+    for (std::string line; std::getline(std::cin, line);) {
+    }
+    service.StopOfferService();
+    return EXIT_SUCCESS;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     if (argc != 4) {
-        std::cerr << "usage: benchmark_caller INSTANCE changing|repeated MILLISECONDS\n";
+        std::cerr << "usage: benchmark_caller INSTANCE changing|repeated|serve MILLISECONDS\n";
         return 2;
     }
     try {
+        if (std::string(argv[2]) == "serve") {
+            return serve(argv[1]);
+        }
         return run(argv[1], std::string(argv[2]) == "changing", std::chrono::milliseconds(std::stoi(argv[3])));
     } catch (std::exception const& error) {
         std::cerr << "benchmark_caller: " << error.what() << '\n';

@@ -3,7 +3,6 @@
 #include "measurements.h"
 
 #include <chrono>
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -15,7 +14,9 @@ namespace benchmarks {
 
 namespace {
 
-constexpr int k_milliseconds = 2000;
+constexpr int k_rounds = 3;
+constexpr int k_short_rounds = 1;
+constexpr int k_milliseconds = 700;
 
 /// The next line that a caller writes.
 std::string line_of(bench::Child_process& caller) {
@@ -27,13 +28,25 @@ std::string line_of(bench::Child_process& caller) {
     return line;
 }
 
-/// Calls a second of that many applications at once.
-double rate(int applications, char const* kind) {
+/// Applications that call at the same time, each its own instance: of the daemon, or of the one that does nothing.
+struct Callers {
+    std::string name;
+    std::string kind;
+    int first;
+    int count;
+    int calls{0};
+};
+
+std::unique_ptr<bench::Child_process> start(int instance, std::string const& kind) {
+    return std::make_unique<bench::Child_process>(
+        std::vector<std::string>{BENCHMARK_CALLER, std::to_string(instance), kind, std::to_string(k_milliseconds)},
+        std::vector<std::string>{});
+}
+
+int answered_calls(Callers const& wanted) {
     std::vector<std::unique_ptr<bench::Child_process>> callers;
-    for (int number = 1; number <= applications; ++number) {
-        callers.push_back(std::make_unique<bench::Child_process>(
-            std::vector<std::string>{BENCHMARK_CALLER, std::to_string(number), kind, std::to_string(k_milliseconds)},
-            std::vector<std::string>{}));
+    for (int number = 0; number < wanted.count; ++number) {
+        callers.push_back(start(wanted.first + number, wanted.kind));
     }
     for (auto const& caller : callers) {
         if (line_of(*caller) != "ready") {
@@ -50,7 +63,12 @@ double rate(int applications, char const* kind) {
         calls += std::stoi(line_of(*caller));
         caller->wait(std::chrono::seconds(5));
     }
-    return calls * 1000.0 / k_milliseconds;
+    return calls;
+}
+
+// Of all applications together.
+double us_a_call(Callers const& callers) {
+    return benchmarks::whole_or_short(k_rounds, k_short_rounds) * k_milliseconds * 1000.0 / callers.calls;
 }
 
 }  // namespace
@@ -58,14 +76,25 @@ double rate(int applications, char const* kind) {
 void measure_requests(bench::vehicle::Vehicle& vehicle) {
     vehicle.start_daemon();
     vehicle.await(bench::vehicle::Kind::state_word, "running");
-    for (auto const* kind : {"repeated", "changing"}) {
-        for (int const applications : {1, 4, k_applications}) {
-            double const calls = rate(applications, kind);
-            std::printf("%s COM-alive calls of %d applications: %.0f a second\n", kind, applications, calls);
-            tell({std::string(kind) + " COM-alive call, " + std::to_string(applications) + " applications", 1e6 / calls,
-                  0.0, "us"});
+    auto const empty_service = start(k_empty_instance, "serve");
+    line_of(*empty_service);
+    Callers empty{"empty call", "repeated", k_empty_instance, 1};
+    Callers repeated{"repeated COM-alive call", "repeated", 1, 1};
+    Callers changing{"changing COM-alive call", "changing", 1, 1};
+    Callers all_repeated{"repeated COM-alive call, 16 applications", "repeated", 1, k_applications};
+    Callers all_changing{"changing COM-alive call, 16 applications", "changing", 1, k_applications};
+    for (int round = 0; round < whole_or_short(k_rounds, k_short_rounds); ++round) {
+        for (auto* callers : {&empty, &repeated, &changing, &all_repeated, &all_changing}) {
+            callers->calls += answered_calls(*callers);
         }
     }
+    auto const tell_beside = [](Callers const& callers, Callers const& yardstick, double most) {
+        tell({callers.name, us_a_call(callers), us_a_call(yardstick), "us", at_most_times(most)});
+    };
+    tell_beside(repeated, empty, 1.3);
+    tell_beside(changing, empty, 2.2);
+    tell_beside(all_repeated, repeated, 1.0);
+    tell_beside(all_changing, changing, 1.0);
     stop_daemon(vehicle);
 }
 
