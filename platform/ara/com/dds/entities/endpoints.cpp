@@ -126,8 +126,8 @@ Entity Reader::make_own_topic(Participant& participant) {
     }
 }
 
-// The handler may run before the constructor knows its reader. Making a sample and freeing it costs more than a look that
-// finds nothing, so the one that was made in vain, or that the handler has left, is there for the next time.
+// The handler may run before the constructor knows its reader. Making a sample and freeing it costs more than a look
+// that finds nothing, so the one that was made in vain, or that the handler has left, is there for the next time.
 void Reader::deliver(dds_entity_t reader) const {
     auto sample = unused_sample();
     for (;;) {
