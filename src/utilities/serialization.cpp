@@ -90,8 +90,9 @@ void deserialize_vector(std::uint64_t length, Bytes_iterator& iterator, Bytes_it
         auto const type = static_cast<Payload_type>(read_number<std::uint32_t>(iterator, end));
         auto const element_length = read_number<std::uint64_t>(iterator, end);
         if (count < list.size()) {
-            auto const* const value = &*iterator;
+            auto const first = iterator;
             advance_with_check(iterator, element_length, end);
+            auto const* const value = first == iterator ? nullptr : &*first;  // there is no byte at the end
             list[count].assign(type, value, value + element_length);
         } else {
             list.reserve(k_usual_count);

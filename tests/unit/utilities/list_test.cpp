@@ -56,6 +56,14 @@ TEST(List, An_empty_text_is_twelve_bytes_with_length_zero) {
     EXPECT_THAT(serialize(Type_length_value("")), SizeIs(12));
 }
 
+TEST(List, An_empty_text_at_the_end_takes_the_place_of_an_element_that_was_there) {
+    auto const bytes = header(0, 3) + Bytes({'k', 'O', 'n'}) + header(0, 0);
+    Type_length_values list{Type_length_value(7U), Type_length_value("kOff"), Type_length_value("surplus")};
+    auto iterator = bytes.begin();
+    deserialize_vector(bytes.size(), iterator, bytes.end(), list);
+    EXPECT_THAT(list, ElementsAre(Type_length_value("kOn"), Type_length_value("")));
+}
+
 TEST(List, An_empty_list_is_a_frame_of_twelve_bytes) {
     EXPECT_EQ(serialize(Type_length_values{}), header(2, 0));
 }
