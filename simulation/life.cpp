@@ -38,6 +38,13 @@ bool parse(std::string const& text, sm::config::State_manager_config& configurat
     return sm::config::State_manager_json_parser::read_state_manager_configuration(member, configuration);
 }
 
+/// Without the name that the JSON library gives an error.
+std::string in_words(std::string why) {
+    auto const begin = why.find("[json.exception.");
+    auto const end = why.find("] ", begin);
+    return begin == std::string::npos || end == std::string::npos ? why : why.erase(begin, end + 2 - begin);
+}
+
 /// The real queue of commands; what it offers is remembered, and a wait can be heard of.
 class Input final : public sm::virtio::Virtio_interface_abstract {
  public:
@@ -173,7 +180,7 @@ void Life::Daemon::read_configuration() {
     } catch (std::exception const& error) {
         why = error.what();
     }
-    throw std::runtime_error("the daemon refuses the configuration: " + why);
+    throw std::runtime_error("the daemon refuses the configuration: " + in_words(why));
 }
 
 void Life::Daemon::add_control_files() {

@@ -3,7 +3,10 @@
 #include "simulation/report.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <functional>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <utility>
 
 namespace simulation {
@@ -13,6 +16,9 @@ namespace {
 using nlohmann::json;
 
 constexpr char const* k_root = "ap_statemanager";
+
+// A day of cycles of 50 ms, and more.
+constexpr std::uint64_t k_most_cycles = 2'000'000;
 
 // The example configuration, with network management.
 constexpr char const* k_built_in = R"({
@@ -57,16 +63,27 @@ void set(json& settings, Script::Setting const& setting) {
     std::replace(path.begin(), path.end(), '.', '/');
     json::json_pointer const place(is_name ? path : std::string());
     if (!is_name || !json::parse(k_built_in).contains(place)) {
-        throw Script_error(setting.line, 1, "there is no setting \"" + setting.key + '"');
+        throw Script_error(setting.line, setting.key_column, "there is no setting \"" + setting.key + '"');
     }
     auto const value = json::parse(setting.value, nullptr, false);
     if (value.is_discarded()) {
-        throw Script_error(setting.line, 1, "the value of " + setting.key + " is not JSON");
+        throw Script_error(setting.line, setting.value_column, "the value of " + setting.key + " is not JSON");
     }
     try {
         settings[place] = value;
     } catch (json::exception const&) {  // what it would be in is something else
-        throw Script_error(setting.line, 1, "the configuration has no place for " + setting.key);
+        throw Script_error(setting.line, setting.key_column, "the configuration has no place for " + setting.key);
+    }
+}
+
+json parsed(std::string const& file) {
+    try {
+        return json::parse(file);
+    } catch (json::parse_error const& error) {
+        auto const read = file.substr(0, std::max<std::size_t>(error.byte, 1) - 1);
+        throw std::runtime_error("it is no JSON from line " +
+                                 std::to_string(1 + std::count(read.begin(), read.end(), '\n')) + ", column " +
+                                 std::to_string(read.size() - (read.rfind('\n') + 1) + 1) + " on");
     }
 }
 
@@ -114,7 +131,7 @@ bool Outcome::is_kept() const {
 std::string configuration_of(Script const& script, std::optional<std::string> const& file) {
     json root{{k_root, built_in_for(script)}};
     if (file) {
-        root = json::parse(*file, nullptr, false);
+        root = parsed(*file);
         if (!root.is_object() || !root.contains(k_root) || !root[k_root].is_object()) {
             throw std::runtime_error("the configuration is no JSON object with a member \"ap_statemanager\"");
         }
@@ -146,9 +163,21 @@ void enact(Script const& script, Life& life) {
 Outcome play(Script const& script, std::string const& configuration, bool with_log) {
     auto options = options_of(script, configuration);
     options.with_log = with_log;
+    std::uint64_t cycles = 0;
+    std::function<void()> stop;
+    options.on_wait = [&] {
+        if (++cycles > k_most_cycles) {
+            stop();
+        }
+    };
     Life life(std::move(options));
+    stop = [&life] { life.terminate(); };
     enact(script, life);
     life.run(script.end());
+    if (cycles > k_most_cycles) {
+        throw std::runtime_error("a life has at most " + std::to_string(k_most_cycles) +
+                                 " cycles: it needs an earlier \"until\" or a longer StateManagerMainPeriod");
+    }
     Outcome outcome{life.timeline(), {}, life.longest_cycle()};
     for (auto const& expectation : script.expectations) {
         outcome.verdicts.push_back(judge(expectation, outcome.timeline));

@@ -26,14 +26,15 @@ struct Outcome {
 };
 
 /// The configuration of a script: a file's text, or a built-in one whose instances are those that the script calls,
-/// with the script's settings. Throws `std::runtime_error`; for a setting that there is not, with its line.
+/// with the script's settings. Throws `std::runtime_error`; for a setting that there is not, with its place.
 std::string configuration_of(Script const& script, std::optional<std::string> const& file);
 
 /// What a script wants of a life, and what is to happen in it; the script outlives the life.
 Life_options options_of(Script const& script, std::string const& configuration);
 void enact(Script const& script, Life& life);
 
-/// Plays a script. Throws `std::runtime_error` for a configuration that the daemon refuses.
+/// Plays a script. Throws `std::runtime_error` for a configuration that the daemon refuses, and for a life of more than
+/// two million cycles.
 Outcome play(Script const& script, std::string const& configuration, bool with_log = false);
 
 }  // namespace simulation

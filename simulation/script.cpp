@@ -20,8 +20,11 @@ constexpr std::size_t k_most_lines = 10000;
 constexpr std::size_t k_longest_line = 2000;
 
 void setting(Script_line& line, Script& script) {
+    auto const key_column = line.column();
     auto key = line.next("the name of a setting");
-    script.settings.push_back({std::move(key), line.rest("its value, in JSON"), line.number()});
+    auto const value_column = line.column();
+    script.settings.push_back(
+        {std::move(key), line.rest("its value, in JSON"), line.number(), key_column, value_column});
 }
 
 void clients(Script_line& line, Script& script) {

@@ -19,6 +19,8 @@ struct Script {
         std::string key;    ///< "KnockOutTimer", "NmUserDataConfig.CabBitsEnabled"
         std::string value;  ///< JSON
         unsigned line;
+        unsigned key_column;
+        unsigned value_column;
     };
     struct Client {
         std::string name;

@@ -17,6 +17,9 @@ class Script_line {
     Script_line(unsigned number, std::string_view text);
 
     unsigned number() const { return number_; }
+
+    /// Of the next word, from 1.
+    unsigned column() const { return column_of(place_); }
     bool at_end() const { return place_ == words_.size(); }
 
     /// The next word, "" at the end.

@@ -2,10 +2,13 @@
 // along the trace after the other (trace_walk.cpp), each with an order that went farther than the last.
 #include "simulation/trace_check.h"
 
+#include "simulation/life.h"
+#include "simulation/play.h"
 #include "simulation/trace_walk.h"
 #include "simulation/trace_words.h"
 
 #include <algorithm>
+#include <exception>
 #include <optional>
 #include <vector>
 
@@ -72,6 +75,20 @@ std::optional<Outcome_of_walk> go_farther(Trace_life const& life, std::string co
 }
 
 }  // namespace
+
+Trace_verdict check_as_told(Trace_life const& life) {
+    std::string configuration;
+    try {
+        configuration = configuration_in(life);
+        if (configuration.empty()) {
+            configuration = configuration_of({}, std::nullopt);
+        }
+        Life const refused_here({configuration});
+    } catch (std::exception const& error) {
+        return {Finding::undecidable, 0, std::string("the configuration in the trace can't be used: ") + error.what()};
+    }
+    return check(life, configuration);
+}
 
 Trace_verdict check(Trace_life const& life, std::string const& configuration) {
     if (!says(life.front(), "Configuration for hostname: ") && !says(life.front(), "Parsing configuration file:")) {

@@ -19,6 +19,10 @@ namespace simulation {
 /// Throws `std::runtime_error` for a configuration that the daemon refuses.
 Trace_verdict check(Trace_life const& life, std::string const& configuration);
 
+/// The same with the configuration that the trace tells, or the built-in one where it tells none. A life whose trace
+/// tells one that can't be used is not decidable.
+Trace_verdict check_as_told(Trace_life const& life);
+
 }  // namespace simulation
 
 #endif

@@ -97,7 +97,14 @@ std::string configuration_in(Trace_life const& life) {
                 base::from_hex(argument(message, 1)).value_or(std::vector<std::uint8_t>());
         }
     }
-    return is_told ? root.dump() : "";
+    if (!is_told) {
+        return "";
+    }
+    try {
+        return root.dump();
+    } catch (json::type_error const&) {
+        throw std::runtime_error("a text in it is not UTF-8");
+    }
 }
 
 }  // namespace simulation

@@ -16,7 +16,7 @@ using Trace_life = std::vector<dlt::Message>;
 std::vector<Trace_life> lives_of(std::string_view trace);
 
 /// What the daemon says that it was configured with, as text of a configuration file; empty where it doesn't: the level
-/// of its log was not verbose.
+/// of its log was not verbose. Throws `std::runtime_error` where it is no text.
 std::string configuration_in(Trace_life const& life);
 
 }  // namespace simulation

@@ -59,18 +59,27 @@ int play(Options const& options, simulation::Script const& script, std::string c
     return outcome.is_kept() ? 0 : k_missed;
 }
 
+/// Nothing where there is no file. One that the daemon refuses is refused before anything is judged with it.
+std::optional<std::string> read_configuration(std::string const& path) {
+    if (path.empty()) {
+        return std::nullopt;
+    }
+    auto configuration = simulation::configuration_of({}, read(path));
+    simulation::Life const refused_here({configuration});
+    return configuration;
+}
+
 int check_trace(Options const& options) {
     auto subject = options.trace;
     try {
         auto const lives = simulation::lives_of(read(options.trace));
         subject = options.configuration;
-        auto const file = options.configuration.empty() ? std::nullopt : std::optional(read(options.configuration));
+        auto const configuration = read_configuration(options.configuration);
         subject = options.trace;
         bool agrees = true;
         for (std::size_t place = 0; place < lives.size(); ++place) {
-            auto const told = file ? "" : simulation::configuration_in(lives[place]);
-            auto const verdict =
-                simulation::check(lives[place], told.empty() ? simulation::configuration_of({}, file) : told);
+            auto const verdict = configuration ? simulation::check(lives[place], *configuration)
+                                               : simulation::check_as_told(lives[place]);
             std::cout << "life " << place + 1 << ": " << simulation::text_of(verdict) << std::endl;
             agrees = agrees && verdict.kind != simulation::Trace_verdict::Kind::disagrees;
         }
@@ -105,14 +114,17 @@ int main(int argc, char** argv) {
         application.add_option("SCRIPT", options.script, "What happens, a line an event; - is standard input");
     application.add_option("--config", options.configuration, "Configuration file of the daemon (default: built in)");
     auto* const json = application.add_flag("--json", options.with_json, "Print JSON");
-    application.add_flag("--log", options.with_log, "Show what the daemon logs as well");
+    auto* const log = application.add_flag("--log", options.with_log, "Show what the daemon logs as well");
     auto* const worst =
         application.add_option("--worst", options.worst, "Search for the longest suspend, resume or shutdown")
             ->check(CLI::IsMember({"suspend", "resume", "shutdown"}))
-            ->excludes(json);
+            ->excludes(json)
+            ->excludes(log);
     application.add_option("--trace", options.trace, "Hold a DLT trace of the daemon against the rules")
         ->excludes(script)
-        ->excludes(worst);
+        ->excludes(worst)
+        ->excludes(json)
+        ->excludes(log);
     try {
         application.parse(argc, argv);
     } catch (CLI::ParseError const& error) {

@@ -19,6 +19,7 @@ namespace simulation {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 struct Bad_script {
@@ -77,11 +78,11 @@ INSTANTIATE_TEST_SUITE_P(
         Bad_script{"expect Nowhere", k_wanted},
         Bad_script{"expect Running within 1s", "1:25: here what follows is missing"},
         Bad_script{"config KnockOutTimer", "1:21: here its value, in JSON is missing"},
-        Bad_script{"\nconfig Knockout 3", "2:1: there is no setting \"Knockout\""},
-        Bad_script{"config KnockOutTimer three", "1:1: the value of KnockOutTimer is not JSON"},
+        Bad_script{"\nconfig Knockout 3", "2:8: there is no setting \"Knockout\""},
+        Bad_script{"config KnockOutTimer three", "1:22: the value of KnockOutTimer is not JSON"},
         Bad_script{"config NmUserDataConfig 3\nconfig NmUserDataConfig.CABBytes 3",
-                   "2:1: the configuration has no place for NmUserDataConfig.CABBytes"},
-        Bad_script{"config a/~ 3", "1:1: there is no setting \"a/~\""}));
+                   "2:8: the configuration has no place for NmUserDataConfig.CABBytes"},
+        Bad_script{"config a/~ 3", "1:8: there is no setting \"a/~\""}));
 
 TEST(A_script, Has_lines_of_two_thousand_characters_and_at_most_ten_thousand_of_them) {
     EXPECT_EQ(complaint_about('#' + std::string(1999, ' ')), "none");
@@ -166,8 +167,41 @@ TEST(A_script, Is_not_played_with_a_configuration_that_the_daemon_refuses) {
     } catch (std::runtime_error const& error) {
         EXPECT_THAT(error.what(), StartsWith("the daemon refuses the configuration: "));
         EXPECT_THAT(error.what(), HasSubstr("type must be number"));
+        EXPECT_THAT(error.what(), Not(HasSubstr("json.exception")));
     }
     EXPECT_THROW(configuration_of(parse_script(""), "[]"), std::runtime_error);
+}
+
+std::string complaint_about_file(std::string const& text) {
+    try {
+        configuration_of(parse_script(""), text);
+    } catch (std::runtime_error const& error) {
+        return error.what();
+    }
+    return "none";
+}
+
+TEST(A_configuration, Is_refused_with_the_place_from_which_on_it_is_no_JSON) {
+    EXPECT_EQ(complaint_about_file("{\"a\": }"), "it is no JSON from line 1, column 7 on");
+    EXPECT_EQ(complaint_about_file("{\n  \"a\": 1,\n  b\n}"), "it is no JSON from line 3, column 3 on");
+    EXPECT_EQ(complaint_about_file(""), "it is no JSON from line 1, column 1 on");
+    EXPECT_EQ(complaint_about_file("{"), "it is no JSON from line 1, column 2 on");
+}
+
+TEST(A_script, Is_played_for_two_million_cycles_at_most) {
+    for (auto const* const text :
+         {"config StateManagerMainPeriod 1\nuntil 1440min", "at 0s keyboard lost\nuntil 1440min"}) {
+        std::string complaint;
+        try {
+            played(text);
+        } catch (std::runtime_error const& error) {
+            complaint = error.what();
+        }
+        EXPECT_EQ(
+            complaint,
+            "a life has at most 2000000 cycles: it needs an earlier \"until\" or a longer StateManagerMainPeriod");
+    }
+    EXPECT_EQ(played("until 1440min").timeline.back().what, k_end_of_the_look);
 }
 
 // A long period makes the search short.

@@ -116,6 +116,38 @@ TEST(A_kept_trace, A_log_without_the_drivers_cycles_is_not_judged) {
     EXPECT_EQ(configuration_in(told), "");
 }
 
+/// On the first life, had it told another value of a setting.
+Trace_verdict verdict_where_trace_tells(std::string const& setting, std::string const& value) {
+    auto life = kept_lives().front();
+    auto const is_told = [&](dlt::Message const& message) {
+        return message.arguments.size() == 4 && message.arguments[1] == setting;
+    };
+    auto const message = std::find_if(life.begin(), life.end(), is_told);
+    if (message == life.end()) {
+        throw std::logic_error("the trace does not tell " + setting);
+    }
+    message->arguments[3] = value;
+    return check_as_told(life);
+}
+
+TEST(A_kept_trace, A_configuration_in_it_that_cannot_be_used_ends_the_judgement_of_its_life_alone) {
+    struct Told {
+        char const* setting;
+        char const* value;
+        char const* why;
+    };
+    for (auto const& told :
+         {Told{"AliveSupervisionInstanceId", "\xff", "a text in it is not UTF-8"},
+          Told{"KnockOutTimer", "soon",
+               "the daemon refuses the configuration: State_manager_json_parser: Incorrect key type:  type must be "
+               "number, but is string"}}) {
+        auto const verdict = verdict_where_trace_tells(told.setting, told.value);
+        EXPECT_EQ(verdict.kind, Trace_verdict::Kind::undecidable);
+        EXPECT_EQ(verdict.text, std::string("the configuration in the trace can't be used: ") + told.why);
+    }
+    EXPECT_EQ(check_as_told(kept_lives().back()).kind, Trace_verdict::Kind::agrees);
+}
+
 TEST(A_kept_trace, A_file_that_is_no_trace_is_refused_with_the_reason) {
     EXPECT_THROW(lives_of(""), std::runtime_error);
     EXPECT_THROW(lives_of("no trace"), std::runtime_error);
@@ -160,7 +192,7 @@ TEST(A_kept_trace, A_step_with_another_word_is_found_nearly_always) {
 }
 
 // The step and the next one that is another. Two threads' have no order to keep, nor have two clients that come.
-TEST(TraceTest, steps_that_are_exchanged_are_found_mostly) {
+TEST(A_kept_trace, Steps_that_are_exchanged_are_found_mostly) {
     auto const result = spoilt([](Trace_life& life, std::size_t place) {
         auto other = place + 1;
         while (other < life.size() && (!carries_step(life[other]) || life[other].arguments == life[place].arguments)) {
