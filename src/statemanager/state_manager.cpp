@@ -45,6 +45,7 @@ void State_manager::run() {
     while (running_) {
         run_cyclic_task();
     }
+    status::log_lost(ara::log::LostMessages());
     status::loop_ended();
     service_handler_->deinit();
     ara::log::LogInfo() << "AP_StateManger reporting kTerminating to EM";

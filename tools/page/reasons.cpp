@@ -118,7 +118,9 @@ Reasons client_reasons(Snapshot const& page) {
                                     " of those that were asked left without an answer; their time is over in " +
                                     span_text(page.now, page.server.deadline)});
     }
-    if (reasons.empty()) {
+    if (reasons.empty() && page.server.in_progress != 0 && page.server.clients_untold != 0) {
+        reasons.push_back({"next-step", "the page has no room for all clients: one that it lacks may owe an answer"});
+    } else if (reasons.empty()) {
         auto const has_asked = page.driver.group_at != 0 && page.driver.group_at >= page.driver.since;
         reasons.push_back({"next-step", (has_asked ? "all of the " + group_word(page.driver.group) +
                                                          " have answered or had their time"
@@ -299,9 +301,10 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
                                                  ", and all clients had to connect again"});
     }
     if (page.driver.log_lost != 0) {
-        troubles.push_back({"log-lost", "the log lost " + std::to_string(page.driver.log_lost) +
-                                            " messages, the last " + span_text(page.driver.log_lost_at, page.now) +
-                                            " ago"});
+        auto const what = page.driver.log_lost == 1 ? std::string("1 message, ")
+                                                    : std::to_string(page.driver.log_lost) + " messages, the last ";
+        troubles.push_back(
+            {"log-lost", "the log lost " + what + span_text(page.driver.log_lost_at, page.now) + " ago"});
     }
     add_restarts(page, troubles);
     return troubles;

@@ -270,6 +270,17 @@ TEST_F(Driver_after_a_flood, Tells_how_many_messages_the_log_has_lost) {
     EXPECT_EQ(status::own(page->driver.log_lost), ara::log::LostMessages());
 }
 
+TEST_F(Driver_after_a_flood, Tells_at_its_end_what_was_lost_after_the_last_beat) {
+    auto const page = std::make_unique<status::Page>();
+    start_and_run();
+    em->listener = [&](std::string const& /*action*/) { status::set_page(page.get()); };
+    press(Virtio_command::shutdown);
+    sut.run();
+    status::set_page(nullptr);
+    EXPECT_GT(ara::log::LostMessages(), 0U);
+    EXPECT_EQ(status::own(page->driver.log_lost), ara::log::LostMessages());
+}
+
 TEST_F(Driver, Runs_without_any_collaborator) {
     State_manager alone(configuration, nullptr, nullptr, nullptr, nullptr);
     configuration.set_nm_usage(false);

@@ -115,6 +115,13 @@ TEST(Reasons, Of_a_suspend_are_the_clients_that_owe_an_answer) {
     page.server.unanswered = 3;
     EXPECT_EQ(sentence(reasons_of(page), "client-vanished"),
               "2 of those that were asked left without an answer; their time is over in 6.8 s");
+    page.clients.clear();
+    page.server.unanswered = 0;
+    page.server.clients_untold = 1;
+    EXPECT_EQ(sentence(reasons_of(page), "next-step"),
+              "the page has no room for all clients: one that it lacks may owe an answer");
+    page.server.in_progress = 0;
+    EXPECT_THAT(sentence(reasons_of(page), "next-step"), HasSubstr("have answered or had their time"));
 }
 
 TEST(Reasons, Of_a_command_that_waits_are_told_beside_those_of_the_state) {
@@ -230,6 +237,12 @@ TEST(Troubles, Are_told_each_by_its_sentence) {
                   page.driver.log_lost_at = 90 * k_s;
               },
               "lost 7 messages, the last 10.0 s ago"},
+             {"log-lost",
+              [](Snapshot& page) {
+                  page.driver.log_lost = 1;
+                  page.driver.log_lost_at = 90 * k_s;
+              },
+              "lost 1 message, 10.0 s ago"},
              {"restart-failed", [](Snapshot& page) { page.counters.restarts_failed = 1; }, "not be written once"},
              {"restarted",
               [](Snapshot& page) {
