@@ -28,7 +28,7 @@ void Caller::open() {
 std::shared_ptr<Call_path> Caller::make_path() {
     return std::make_shared<Call_path>(
         engine_->participant(), type_, instance_.ToString(),
-        [this](Sample&& reply, dds_sample_info_t const& info) {
+        [this](Sample reply, dds_sample_info_t const& info) {
             if (info.valid_data) {
                 received(reply.get());
             }

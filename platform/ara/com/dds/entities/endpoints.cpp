@@ -127,7 +127,8 @@ Entity Reader::make_own_topic(Participant& participant) {
 }
 
 // The handler may run before the constructor knows its reader. Making a sample and freeing it costs more than a look
-// that finds nothing, so the one that was made in vain, or that the handler has left, is there for the next time.
+// that finds nothing, so the one that was made in vain is there for the next time. One that was filled never is: where
+// the next has another case of a union, the engine forgets what it owned.
 void Reader::deliver(dds_entity_t reader) const {
     auto sample = unused_sample();
     for (;;) {
@@ -136,12 +137,15 @@ void Reader::deliver(dds_entity_t reader) const {
         }
         void* slot = sample.get();
         dds_sample_info_t info;
-        if (dds_take(reader, &slot, &info, 1, 1) <= 0) {
-            break;
+        auto const taken = dds_take(reader, &slot, &info, 1, 1);
+        if (taken == 0) {
+            keep_unused(std::move(sample));
+        }
+        if (taken <= 0) {
+            return;
         }
         received_(std::move(sample), info);
     }
-    keep_unused(std::move(sample));
 }
 
 Sample Reader::unused_sample() const {

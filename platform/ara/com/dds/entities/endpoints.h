@@ -25,8 +25,7 @@ struct Channel {
 using Matched_handler = std::function<void()>;
 /// Decides on each sample before it is kept, under locks of the engine. Without data nobody is asked.
 using Admission = std::function<bool(void const* sample, dds_instance_handle_t writer)>;
-/// May keep the sample; one that it leaves is used again for the next.
-using Received_handler = std::function<void(Sample&& sample, dds_sample_info_t const& info)>;
+using Received_handler = std::function<void(Sample sample, dds_sample_info_t const& info)>;
 
 /// Thread-safe. Constructors throw `tarq::com::Infrastructure_exception`.
 class Writer {

@@ -23,7 +23,7 @@ void Event_receiver::open(InstanceIdentifier const& instance) {
     auto const opening = engine_->adopt(weak_from_this());
     auto reader = std::make_unique<Reader>(engine_->participant(), Channel{event_.sample, instance.ToString()},
                                            event_reader_quality(event_.is_field),
-                                           [this](Sample&& sample, dds_sample_info_t const& info) {
+                                           [this](Sample sample, dds_sample_info_t const& info) {
                                                if (info.valid_data) {
                                                    received(std::move(sample), info.source_timestamp);
                                                }
