@@ -93,6 +93,7 @@ int run(long calls) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    long const calls = argc > 1 ? std::stol(argv[1]) : benchmarks::whole_or_short(k_calls, k_short_calls);
+    bool const is_told = argc > 1 && argv[1][0] != '-';  // other words are for programs that repeat
+    long const calls = is_told ? std::stol(argv[1]) : benchmarks::whole_or_short(k_calls, k_short_calls);
     return benchmarks::run_in_world("benchmark_call_memory", [calls] { return run(calls); });
 }
