@@ -14,8 +14,9 @@
 /// A sample is a pointer to an IDL type in the standard C mapping; it is valid during the call that it is given to.
 namespace ara::com {
 
-/// Sends the answer of the call that is being handled; the binding fills the header.
-using Reply_sink = std::function<void(void* reply)>;
+/// Sends the answer of the call that is being handled; the binding fills the header. It may keep a copy of the reply's
+/// octets until the client can be reached, and `contents` with it: what the reply's pointers look at; null without any.
+using Reply_sink = std::function<void(void* reply, std::shared_ptr<void const> contents)>;
 
 /// Handles one call: acts and answers through the sink, once. Throws `Unknown_operation` for a method that the
 /// interface does not have; what else it throws is answered as an unknown exception.

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <utility>
 #include <vector>
 
 /// How the interfaces' code puts octets into IDL types and takes them out.
@@ -29,6 +31,11 @@ Sequence view_of_result(std::vector<std::uint8_t> const& octets) {
         throw tarq::com::Infrastructure_exception("a result that is too long");
     }
     return view<Sequence>(octets);
+}
+
+/// For the contents of a reply that may be kept.
+inline std::shared_ptr<std::vector<std::uint8_t> const> shared(std::vector<std::uint8_t> octets) {
+    return std::make_shared<std::vector<std::uint8_t> const>(std::move(octets));
 }
 
 template <class Sequence>

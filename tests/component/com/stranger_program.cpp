@@ -1,5 +1,6 @@
 // A client of the COM-alive service that knows docs/wire.md, the IDL files and the DDS engine, and nothing of the
-// binding. Arguments: the instance, the AC number, what is to be wrong with the request if anything, and CAB bits.
+// binding. Arguments: the instance, the AC number, what is to be wrong with the request if anything ("late": its reader
+// of replies is made a while after it was sent), and CAB bits.
 // Prints the remote exception code of the reply and the number of the method that it answers.
 #include "service_offer.h"
 #include "state_management_com_alive_interface.h"
@@ -32,11 +33,11 @@ dds_entity_t checked(dds_return_t result) {
 }
 
 template <class Condition>
-void await(Condition const& condition) {
+void await(Condition const& condition, char const* what) {
     auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
-            std::printf("nothing came\n");
+            std::printf("no %s\n", what);
             std::exit(EXIT_FAILURE);
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -80,12 +81,16 @@ bool is_offered(dds_entity_t offers, std::string const& instance) {
     return false;
 }
 
-bool is_connected(dds_entity_t writer, dds_entity_t reader) {
-    dds_publication_matched_status_t requests;
-    dds_subscription_matched_status_t replies;
-    checked(dds_get_publication_matched_status(writer, &requests));
-    checked(dds_get_subscription_matched_status(reader, &replies));
-    return requests.current_count > 0 && replies.current_count > 0;
+bool is_matched_by_reader(dds_entity_t writer) {
+    dds_publication_matched_status_t status;
+    checked(dds_get_publication_matched_status(writer, &status));
+    return status.current_count > 0;
+}
+
+bool is_matched_by_writer(dds_entity_t reader) {
+    dds_subscription_matched_status_t status;
+    checked(dds_get_subscription_matched_status(reader, &status));
+    return status.current_count > 0;
 }
 
 std::string hexadecimal(dds_guid_t const& guid) {
@@ -132,14 +137,22 @@ void call(dds_entity_t participant, std::string const& instance, std::uint8_t nu
     dds_guid_t guid;
     checked(dds_get_guid(writer, &guid));
     auto const subscriber = checked(dds_create_subscriber(participant, partition(hexadecimal(guid)).get(), nullptr));
-    auto const reader = checked(dds_create_reader(subscriber, replies, reliable(false).get(), nullptr));
-    await([&] { return is_connected(writer, reader); });
+    auto const make_reader = [&] {
+        return checked(dds_create_reader(subscriber, replies, reliable(false).get(), nullptr));
+    };
+    auto reader = fault == "late" ? DDS_ENTITY_NIL : make_reader();
+    await([&] { return is_matched_by_reader(writer); }, "reader of requests came");
+    await([&] { return reader == DDS_ENTITY_NIL || is_matched_by_writer(reader); }, "writer of replies came");
 
     auto const request = make_request(guid, instance, number, bits, fault);
     checked(dds_write(writer, &request));
+    if (reader == DDS_ENTITY_NIL) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        reader = make_reader();
+    }
     Reply reply{};
     dds_sample_info_t info;
-    await([&] { return take(reader, reply, info) && info.valid_data; });
+    await([&] { return take(reader, reply, info) && info.valid_data; }, "reply came");
     auto const& related = reply.header.relatedRequestId;
     bool const is_ours = std::memcmp(&related, &request.header.requestId, sizeof related) == 0;
     std::printf("%s: exception %d, method %d\n", is_ours ? "reply" : "reply to another request",
@@ -161,7 +174,7 @@ int main(int argc, char** argv) {
     auto const topic =
         checked(dds_create_topic(participant, &ara_com_ServiceOffer_desc, "ara/com/ServiceOffer", nullptr, nullptr));
     auto const offers = checked(dds_create_reader(participant, topic, reliable(true).get(), nullptr));
-    await([&] { return is_offered(offers, instance); });
+    await([&] { return is_offered(offers, instance); }, "offer came");
     call(participant, instance, static_cast<std::uint8_t>(std::stoi(argv[2])), argv[3], bits);
     dds_delete(participant);
     return EXIT_SUCCESS;

@@ -51,6 +51,10 @@ TEST_F(Stranger, An_unknown_method_is_refused) {
     EXPECT_EQ(printed_by({"app", "7", "method"}), "reply: exception 4, method -1\n");
 }
 
+TEST_F(Stranger, The_reply_waits_for_its_reader) {
+    EXPECT_EQ(printed_by({"app", "7", "late"}), "reply: exception 0, method 1\n");
+}
+
 TEST_F(Stranger, A_request_to_another_instance_is_refused) {
     EXPECT_EQ(printed_by({"app", "7", "instance"}), "reply: exception 2, method -1\n");
     EXPECT_EQ(peer_.log().messages().size(), 1U);

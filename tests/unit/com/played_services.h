@@ -71,7 +71,7 @@ inline std::uint32_t number_of_call(void const* request) {
 inline void answer_well(ara::com::Reply_sink const& answer) {
     Reply reply{};
     reply.data._d = k_method;
-    answer(&reply);
+    answer(&reply, nullptr);
 }
 
 /// A binding of its own, as another process has it.

@@ -7,9 +7,11 @@
 #include "support/played_dds.h"
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <future>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,7 +46,7 @@ class Client_ends {
 TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_keep_theirs) {
     Participant participant;
     Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
-    Reply_writers sut(participant, offer_topic());
+    Reply_writers sut(participant, offer_topic(), [] {});
     std::vector<std::unique_ptr<Client_ends>> clients;
     for (int number = 0; number < 5; ++number) {
         clients.push_back(std::make_unique<Client_ends>(participant));
@@ -74,7 +76,7 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
     test_support::Log_capture log;
     Participant participant;
     Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
-    Reply_writers sut(participant, offer_topic());
+    Reply_writers sut(participant, offer_topic(), [] {});
     std::vector<std::unique_ptr<Client_ends>> clients;
     for (int number = 0; number < 128; ++number) {
         clients.push_back(std::make_unique<Client_ends>(participant));
@@ -93,13 +95,52 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
     std::function<void()> const after_look = [&has_looked] { has_looked = true; };
     constexpr dds_instance_handle_t k_nobody = 1;
     test_support::played_dds::faults().after_look = &after_look;
-    sut.send(requests.entity(), k_nobody, nullptr);
+    sut.send(requests.entity(), k_nobody, nullptr, nullptr);
     test_support::played_dds::faults().after_look = nullptr;
     EXPECT_FALSE(has_looked) << "there is no room for whoever asks";
 
     clients.erase(clients.begin());
     sut.follow(requests.entity());
     EXPECT_EQ(late.times_found(), 1U);
+}
+
+// The client's writer is known before its reader: each is announced by itself.
+TEST(Reply_writers_test, Keep_the_first_sixteen_replies_and_what_they_look_at_until_there_is_a_reader) {
+    Participant participant;
+    Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
+    int times_told = 0;
+    Reply_writers sut(participant, offer_topic(), [&times_told] { ++times_told; });
+    Writer const client(participant, {offer_topic(), "app"}, call_quality(k_longest_write));
+    sut.follow(requests.entity());
+    auto const handle = writers_matched_by(requests.entity()).front().handle;
+    auto const contents = std::make_shared<int>();
+    auto const send = [&](int number) {
+        ara_com_ServiceOffer reply{};
+        reply.process = number;
+        sut.send(requests.entity(), handle, &reply, contents);
+    };
+    for (int number = 0; number < 18; ++number) {
+        send(number);
+    }
+    EXPECT_EQ(times_told, 0);
+    EXPECT_EQ(contents.use_count(), 1 + 16);
+
+    std::vector<std::int64_t> received;
+    Reader const replies(participant, {offer_topic(), to_text(guid_of(client.entity()))}, call_quality(k_longest_write),
+                         [&received](Sample const& sample, auto&&...) {
+                             received.push_back(static_cast<ara_com_ServiceOffer const*>(sample.get())->process);
+                         });
+    EXPECT_EQ(times_told, 1);
+    EXPECT_THAT(received, testing::IsEmpty()) << "not on the engine's thread";
+    sut.send_kept();
+    std::vector<std::int64_t> wanted(16);
+    std::iota(wanted.begin(), wanted.end(), 0);
+    EXPECT_EQ(received, wanted);
+    EXPECT_EQ(contents.use_count(), 1);
+    send(18);
+    sut.send_kept();
+    wanted.push_back(18);
+    EXPECT_EQ(received, wanted);
 }
 
 TEST(Reply_writers_test, Of_a_service_are_tried_again_when_one_could_not_be_made) {
@@ -125,7 +166,7 @@ TEST(Reply_writers_test, Of_a_service_are_tried_again_when_one_could_not_be_made
 TEST(Reply_writers_test, A_look_that_another_one_overtakes_leaves_a_new_client_its_writer) {
     Participant participant;
     Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
-    Reply_writers sut(participant, offer_topic());
+    Reply_writers sut(participant, offer_topic(), [] {});
     std::optional<Client_ends> client;
     std::future<void> other;
     std::function<void()> const meanwhile = [&] {

@@ -27,16 +27,16 @@ void serve(NetworkStateInterfaceSkeleton& service, void const* sample, ara::com:
             break;
         }
         case tarq_udpnm_interface_NetworkStateInterface_Method_GetNetworkState: {
-            auto const value = service.NetworkState.get();
+            auto const value = ara::com::shared(service.NetworkState.get());
             reply.data._u.getNetworkState._u.result.value =
-                ara::com::view_of_result<tarq_udpnm_interface_NetworkStateInterface_Bytes>(value);
-            answer(&reply);
+                ara::com::view_of_result<tarq_udpnm_interface_NetworkStateInterface_Bytes>(*value);
+            answer(&reply, value);
             return;
         }
         default:
             throw ara::com::Unknown_operation();
     }
-    answer(&reply);
+    answer(&reply, nullptr);
 }
 
 void encode(std::vector<std::uint8_t> const& value, std::function<void(void const*)> const& sink) {

@@ -17,10 +17,10 @@ void serve(UserDataInterfaceSkeleton& service, void const* sample, ara::com::Rep
     reply.data._d = request.data._d;
     switch (request.data._d) {
         case tarq_udpnm_interface_UserDataInterface_Method_GetUserData: {
-            auto const output = service.GetUserData().get();
+            auto const data = ara::com::shared(service.GetUserData().get().data);
             reply.data._u.getUserData._u.result.data =
-                ara::com::view_of_result<tarq_udpnm_interface_UserDataInterface_Bytes>(output.data);
-            answer(&reply);
+                ara::com::view_of_result<tarq_udpnm_interface_UserDataInterface_Bytes>(*data);
+            answer(&reply, data);
             return;
         }
         case tarq_udpnm_interface_UserDataInterface_Method_SetUserData: {
@@ -31,7 +31,7 @@ void serve(UserDataInterfaceSkeleton& service, void const* sample, ara::com::Rep
         default:
             throw ara::com::Unknown_operation();
     }
-    answer(&reply);
+    answer(&reply, nullptr);
 }
 
 void encode(std::vector<std::uint8_t> const& value, std::function<void(void const*)> const& sink) {

@@ -22,7 +22,7 @@ void serve(DSAInterfaceSkeleton& service, void const* sample, ara::com::Reply_si
         default:
             throw ara::com::Unknown_operation();
     }
-    answer(&reply);
+    answer(&reply, nullptr);
 }
 
 }  // namespace

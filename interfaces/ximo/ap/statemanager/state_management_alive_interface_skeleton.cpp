@@ -23,7 +23,7 @@ void serve(StateManagementAliveInterfaceSkeleton& service, void const* sample, a
         default:
             throw ara::com::Unknown_operation();
     }
-    answer(&reply);
+    answer(&reply, nullptr);
 }
 
 }  // namespace

@@ -28,7 +28,7 @@ void serve(StateManagementComAliveInterfaceSkeleton& service, void const* sample
         default:
             throw ara::com::Unknown_operation();
     }
-    answer(&reply);
+    answer(&reply, nullptr);
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ void serve(StateManagementCWUInterfaceSkeleton& service, void const* sample, ara
         default:
             throw ara::com::Unknown_operation();
     }
-    answer(&reply);
+    answer(&reply, nullptr);
 }
 
 }  // namespace

@@ -3,23 +3,20 @@
 #include "ara/log/logging.h"
 #include "tarq/com/exception.h"
 
-#include <chrono>
 #include <cstddef>
 #include <exception>
-#include <thread>
 #include <utility>
+#include <vector>
 
 namespace ara::com::dds {
 
 namespace {
 
-// How long the first reply to a client waits for the client's reader to be known. It is known already when the client
-// waits for this writer before its first call, as clients should.
-constexpr std::chrono::milliseconds k_longest_wait_for_reader{50};
-constexpr std::chrono::microseconds k_look_again{200};
-
 // More than find a place on a machine, unless each calls through several proxies.
 constexpr std::size_t k_most_ways = 128;
+
+// More than a client has calls on their way before it is known.
+constexpr std::size_t k_most_kept = 16;
 
 bool has_reader(dds_entity_t writer) {
     dds_publication_matched_status_t status{};
@@ -28,29 +25,44 @@ bool has_reader(dds_entity_t writer) {
 
 }  // namespace
 
-/// One client. A single thread at a time sends.
+/// One client. Its reader may be known later than its requests come, even though it waited for both ends: each end is
+/// announced by itself. What was written before would be lost, so it is kept. A single thread at a time sends.
 class Reply_writers::Way {
  public:
-    Way(Participant& participant, Topic_type const& reply, Guid const& client)
-        : writer_(participant, {reply, to_text(client)}, call_quality(k_longest_reply_write)) {}
+    Way(Participant& participant, Topic_type const& reply, Guid const& client, Matched_handler const& reader_came)
+        : size_(reply.size),
+          writer_(participant, {reply, to_text(client)}, call_quality(k_longest_reply_write), reader_came) {}
 
-    void send(void const* reply) {
-        if (!std::exchange(began_, true)) {
-            await_reader();
+    void send(void const* reply, std::shared_ptr<void const> contents) {
+        send_kept();
+        if (reached_) {
+            writer_.write(reply);
+        } else if (kept_.size() < k_most_kept) {
+            auto const* const octets = static_cast<std::byte const*>(reply);
+            kept_.push_back({{octets, octets + size_}, std::move(contents)});
         }
-        writer_.write(reply);
+    }
+
+    void send_kept() {
+        reached_ = reached_ || has_reader(writer_.entity());
+        if (!reached_) {
+            return;
+        }
+        for (auto const& reply : std::exchange(kept_, {})) {
+            writer_.write(reply.octets.data());
+        }
     }
 
  private:
-    void await_reader() const {
-        auto const deadline = std::chrono::steady_clock::now() + k_longest_wait_for_reader;
-        while (!has_reader(writer_.entity()) && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(k_look_again);
-        }
-    }
+    struct Kept {
+        std::vector<std::byte> octets;
+        std::shared_ptr<void const> contents;
+    };
 
+    std::size_t const size_;
     Writer const writer_;
-    bool began_{false};
+    bool reached_{false};
+    std::vector<Kept> kept_;
 };
 
 // Clients are looked at under the mutex: a look that another thread overtook would take a new client's way from it.
@@ -79,7 +91,7 @@ void Reply_writers::add_those_of(std::vector<Peer> const& clients) {
             break;
         }
         try {
-            ways_.emplace(client.handle, std::make_shared<Way>(participant_, reply_, client.identity));
+            ways_.emplace(client.handle, std::make_shared<Way>(participant_, reply_, client.identity, reader_came_));
         } catch (tarq::com::Infrastructure_exception const&) {
             failure = std::current_exception();
         }
@@ -100,20 +112,36 @@ bool Reply_writers::is_full() {
     return ways_.size() >= k_most_ways;
 }
 
+std::vector<std::shared_ptr<Reply_writers::Way>> Reply_writers::all() {
+    base::Lock_guard const lock(mutex_);
+    std::vector<std::shared_ptr<Way>> ways;
+    for (auto const& [client, way] : ways_) {
+        ways.push_back(way);
+    }
+    return ways;
+}
+
 std::shared_ptr<Reply_writers::Way> Reply_writers::way_to(dds_instance_handle_t client) {
     base::Lock_guard const lock(mutex_);
     auto const known = ways_.find(client);
     return known == ways_.end() ? nullptr : known->second;
 }
 
-void Reply_writers::send(dds_entity_t requests, dds_instance_handle_t client, void const* reply) {
+void Reply_writers::send(dds_entity_t requests, dds_instance_handle_t client, void const* reply,
+                         std::shared_ptr<void const> contents) {
     auto way = way_to(client);
     if (!way && !is_full()) {
         follow(requests);
         way = way_to(client);
     }
     if (way) {
-        way->send(reply);
+        way->send(reply, std::move(contents));
+    }
+}
+
+void Reply_writers::send_kept() {
+    for (auto const& way : all()) {
+        way->send_kept();
     }
 }
 

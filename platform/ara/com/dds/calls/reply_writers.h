@@ -8,6 +8,7 @@
 
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace ara::com::dds {
@@ -17,15 +18,23 @@ namespace ara::com::dds {
 /// at most; a client that comes later gets one, and so its first reply, when another has gone. Thread-safe.
 class Reply_writers {
  public:
-    Reply_writers(Participant& participant, Topic_type const& reply) : participant_(participant), reply_(reply) {}
+    /// `reader_came` is called on the engine's threads when a client's reader became known or went, also while a writer
+    /// is being made; `send_kept` is to follow, not on the same thread.
+    Reply_writers(Participant& participant, Topic_type const& reply, Matched_handler reader_came)
+        : participant_(participant), reply_(reply), reader_came_(std::move(reader_came)) {}
 
     /// Makes a writer for each client whose requests the reader gets, and gives up those of clients that have gone.
     /// Throws `tarq::com::Infrastructure_exception` when one can't be made; the others are there all the same.
     void follow(dds_entity_t requests);
 
-    /// Sends a reply to the client that sent a request; to nobody when it has gone. Bounded in time. Throws
-    /// `tarq::com::Infrastructure_exception`.
-    void send(dds_entity_t requests, dds_instance_handle_t client, void const* reply);
+    /// Sends a reply to the client that sent a request; to nobody when it has gone. While the client's reader is not
+    /// known, up to 16 replies are kept: their octets, and `contents`, which their pointers look at. Bounded in time.
+    /// Throws `tarq::com::Infrastructure_exception`. One thread at a time, this or `send_kept`.
+    void send(dds_entity_t requests, dds_instance_handle_t client, void const* reply,
+              std::shared_ptr<void const> contents);
+
+    /// Sends what was kept for those whose readers are known now. Throws as `send`.
+    void send_kept();
 
     /// Gives up all; from then on nothing is made nor sent.
     void close();
@@ -35,12 +44,14 @@ class Reply_writers {
     using Ways = std::map<dds_instance_handle_t, std::shared_ptr<Way>>;
 
     std::shared_ptr<Way> way_to(dds_instance_handle_t client);
+    std::vector<std::shared_ptr<Way>> all();
     bool is_full();
     void add_those_of(std::vector<Peer> const& clients) REQUIRES(mutex_);
     void tell_once() REQUIRES(mutex_);
 
     Participant& participant_;
     Topic_type const reply_;
+    Matched_handler const reader_came_;
     base::Mutex mutex_;
     Ways ways_ GUARDED_BY(mutex_);
     bool closed_ GUARDED_BY(mutex_){false};

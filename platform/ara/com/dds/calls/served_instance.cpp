@@ -36,7 +36,7 @@ Served_instance::Served_instance(std::shared_ptr<Engine> engine, Service_type co
       instance_(std::move(instance)),
       handler_(std::move(handler)),
       strand_(std::make_shared<Strand>(engine_->workers(), Strand::Beginning::k_when_told)),
-      replies_(engine_->participant(), type.reply) {}
+      replies_(engine_->participant(), type.reply, [this] { send_kept(); }) {}
 
 // A client may be matched before the reader is known here, so the clients are looked at once more. What was requested
 // before others could know of the offer waits for that, so that no handler runs if it fails.
@@ -138,9 +138,9 @@ void Served_instance::serve(Request const& request) {
         return;
     }
     bool answered = false;
-    auto const answer = [&](void* reply) {
+    auto const answer = [&](void* reply, std::shared_ptr<void const> contents) {
         if (!std::exchange(answered, true)) {
-            send(request, dds_rpc_REMOTE_EX_OK, reply);
+            send(request, dds_rpc_REMOTE_EX_OK, reply, std::move(contents));
         }
     };
     auto const code = handle(request, answer);
@@ -170,21 +170,41 @@ dds_rpc_RemoteExceptionCode_t Served_instance::handle(Request const& request, Re
 void Served_instance::refuse(Request const& request, dds_rpc_RemoteExceptionCode_t code) {
     auto const reply = make_sample(type_.reply);
     std::memcpy(static_cast<std::byte*>(reply.get()) + type_.reply_union, &k_no_operation, sizeof k_no_operation);
-    send(request, code, reply.get());
+    send(request, code, reply.get(), nullptr);
 }
 
 // Nobody here can do anything about a reply that does not reach its client: it is missed there, or the client has gone.
-void Served_instance::send(Request const& request, dds_rpc_RemoteExceptionCode_t code, void* reply) {
+void Served_instance::send(Request const& request, dds_rpc_RemoteExceptionCode_t code, void* reply,
+                           std::shared_ptr<void const> contents) {
     auto& header = *static_cast<dds_rpc_ReplyHeader*>(reply);
     header.relatedRequestId = request.header().requestId;
     header.remoteEx = code;
     try {
         if (auto const reader = requests()) {
-            replies_.send(reader->entity(), request.client, reply);
+            replies_.send(reader->entity(), request.client, reply, std::move(contents));
         }
     } catch (tarq::com::Infrastructure_exception const& error) {
-        ara::log::LogWarn() << "A reply of " << instance_.ToString() << " is lost: " << error.what();
+        tell_lost(error);
     }
+}
+
+void Served_instance::tell_lost(tarq::com::Infrastructure_exception const& error) const {
+    ara::log::LogWarn() << "A reply of " << instance_.ToString() << " is lost: " << error.what();
+}
+
+// A client's reader became known, or went.
+void Served_instance::send_kept() {
+    strand_->post([weak = weak_from_this()] {
+        auto const self = weak.lock();
+        if (!self) {
+            return;
+        }
+        try {
+            self->replies_.send_kept();
+        } catch (tarq::com::Infrastructure_exception const& error) {
+            self->tell_lost(error);
+        }
+    });
 }
 
 }  // namespace ara::com::dds

@@ -10,6 +10,7 @@
 #include "ara/com/dds/threads/strand.h"
 #include "base/mutex.h"
 #include "rpc_headers.h"
+#include "tarq/com/exception.h"
 
 #include <atomic>
 #include <memory>
@@ -25,9 +26,9 @@ namespace ara::com::dds {
 ///
 /// The way of a call: a thread of the engine brings the request (`received`), which is counted and posted to the
 /// strand; there it is left alone if it came before, or else handled (`handle`) and answered on the client's way
-/// (`send`). Clients come and go by themselves: the engine tells that some did, and one look at all of them on the
-/// engine's strand
-/// (`follow_clients_now`) makes and drops ways, again by the timer where one could not be made.
+/// (`send`), later when the client can't be reached yet (`send_kept`). Clients come and go by themselves: the engine
+/// tells that some did, and one look at all of them on the engine's strand (`follow_clients_now`) makes and drops ways,
+/// again by the timer where one could not be made.
 class Served_instance : public Part, public Expiring, public std::enable_shared_from_this<Served_instance> {
  public:
     Served_instance(std::shared_ptr<Engine> engine, Service_type const& type, InstanceIdentifier instance,
@@ -51,7 +52,10 @@ class Served_instance : public Part, public Expiring, public std::enable_shared_
     void received(Sample sample, dds_sample_info_t const& info);
     void serve(Request const& request);
     dds_rpc_RemoteExceptionCode_t handle(Request const& request, Reply_sink const& answer);
-    void send(Request const& request, dds_rpc_RemoteExceptionCode_t code, void* reply);
+    void send(Request const& request, dds_rpc_RemoteExceptionCode_t code, void* reply,
+              std::shared_ptr<void const> contents);
+    void send_kept();
+    void tell_lost(tarq::com::Infrastructure_exception const& error) const;
     void refuse(Request const& request, dds_rpc_RemoteExceptionCode_t code);
 
     std::shared_ptr<Engine> const engine_;
