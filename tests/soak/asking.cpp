@@ -25,6 +25,10 @@ void Asking::hear_log(Event const& event, Finding const& finding) {
     } else if (auto const gone = behind("client disconnected: ", text)) {
         auto& client = clients_[word_at(*gone, 0)];
         at(client, client.server).is_over = true;
+    } else if (auto const told = behind("State notification client [ ", text)) {
+        if (told->find("] timed out") != std::string::npos) {
+            ++clients_[word_at(*told, 0)].timed_out;
+        }
     } else if (auto const state = behind("sending state change request to clients. new state = ", text)) {
         send(word_at(*state, 0));
     } else if (auto const request = behind("Requesting ", text)) {
@@ -71,10 +75,13 @@ void Asking::hear_act(Event const& event, Finding const& finding) {
         at(client, ++client.client);
     } else if (act.what == "asked" && act.status != 0) {
         auto& connection = at(client, client.client);
-        if (act.status != ++connection.number) {
-            finding(event.text + " with the number " + std::to_string(act.status) + ", not " +
-                    std::to_string(connection.number));
+        auto const next = connection.received.size() + 1;
+        auto const number = static_cast<std::size_t>(act.status);
+        if (number < next) {
+            finding(event.text + " with the number " + std::to_string(number) + ", not " + std::to_string(next));
+            return;
         }
+        connection.received.resize(number - 1);
         connection.received.push_back(act.of);
     }
 }
@@ -90,18 +97,26 @@ std::string Asking::missing_at_rest() {
     }
     for (auto const& [name, client] : clients_) {
         for (auto const& connection : client.all) {
-            auto const& sent = connection.sent;
-            auto const& received = connection.received;
-            bool const is_part =
-                received.size() <= sent.size() && std::equal(received.begin(), received.end(), sent.begin());
             bool const is_known = client.client > 0 && client.server > 0;
-            if (is_known && (!is_part || (!connection.is_over && sent.size() != received.size()))) {
-                return name + " was asked " + std::to_string(received.size()) + " times, not " +
-                       std::to_string(sent.size()) + " times, or for other states";
+            if (is_known && !has_heard_all(client, connection)) {
+                return name + " was asked " + std::to_string(connection.received.size()) + " times, not " +
+                       std::to_string(connection.sent.size()) + " times, or for other states";
             }
         }
     }
     return asked_at_ == 0 ? "" : "the answers of " + group_;
+}
+
+bool Asking::has_heard_all(Client const& client, Connection const& connection) {
+    auto const& sent = connection.sent;
+    auto const& received = connection.received;
+    if (received.size() > sent.size() || (!connection.is_over && received.size() != sent.size())) {
+        return false;
+    }
+    auto const passed_over = std::count(received.begin(), received.end(), "");
+    return passed_over <= client.timed_out &&
+           std::equal(received.begin(), received.end(), sent.begin(),
+                      [](auto const& heard, auto const& asked) { return heard.empty() || heard == asked; });
 }
 
 }  // namespace soak
