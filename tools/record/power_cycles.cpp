@@ -54,6 +54,14 @@ class Teller {
         }
     }
 
+    void take(Recorded_count const& counted) {
+        if (counted.at > last_at_) {
+            last_at_ = counted.at;
+            last_real_ = counted.real;
+        }
+        tell_counts(told(), seconds(std::max(counted.at, begin_)), counted.more);
+    }
+
     std::vector<Power_cycle> end(std::string const& how) {
         auto const at = std::max({recorded_.end ? recorded_.end->at : 0, recorded_.last_at, last_at_});
         if (recorded_.last_at >= last_at_) {
@@ -151,9 +159,14 @@ std::vector<Power_cycle> power_cycles(Records const& records, Present const& pre
         auto const& life = records.lives[i];
         auto const& boot_after = i + 1 < records.lives.size() ? records.lives[i + 1].identity.boot : present.boot;
         Teller teller(life);
+        auto counted = life.counted.begin();
         for (auto const& event : life.events) {
+            for (; counted != life.counted.end() && counted->at < event.at; ++counted) {
+                teller.take(*counted);
+            }
             teller.take(event);
         }
+        std::for_each(counted, life.counted.end(), [&](Recorded_count const& rest) { teller.take(rest); });
         auto told = teller.end(end_of(life, boot_after, present));
         std::move(told.begin(), told.end(), std::back_inserter(cycles));
     }

@@ -19,6 +19,7 @@ using status::State;
 
 constexpr Number k_second = 1'000'000'000;
 constexpr Number k_alive_every = 600 * k_second;
+constexpr Number k_counts_every = 60 * k_second;
 constexpr double k_allowance = 2'000;  // events at once
 constexpr double k_allowance_a_second = 50;
 constexpr std::size_t k_most_holds = 32;
@@ -57,8 +58,8 @@ Number lives_between(Identity const& before, Identity const& after) {
     return before.boot == after.boot && after.number > before.number ? after.number - before.number - 1 : 0;
 }
 
-// The beginning of what is told of a life: from that moment on, when it had this state.
-std::string life_line(Snapshot const& page, Number from, Number state) {
+// The beginning of what is told of a life: from that moment on, when it had this state and that much was counted.
+std::string life_line(Snapshot const& page, Counts const& counts, Number from, Number state) {
     return text({{"line", "life"},
                  {"version", 1},
                  {"boot", text_of(page.life.boot)},
@@ -70,24 +71,25 @@ std::string life_line(Snapshot const& page, Number from, Number state) {
                  {"configuration", text_of(page.life.configuration)},
                  {"from", from},
                  {"state", state},
+                 {"counted", counts},
                  {"held", held_json(page, from)}});
 }
 
-std::string line_from_now(Snapshot const& page) {
-    return life_line(page, page.now, page.driver.state);
+std::string line_from_now(Snapshot const& page, Counts const& counts) {
+    return life_line(page, counts, page.now, page.driver.state);
 }
 
 // With all that the page tells of the life.
-std::string line_from_beginning(Snapshot const& page, Number events) {
+std::string line_from_beginning(Snapshot const& page, Counts const& counts, Number events) {
     if (events <= page.events.size()) {
-        return life_line(page, page.life.started, number(State::starting_up));
+        return life_line(page, counts, page.life.started, number(State::starting_up));
     }
     for (auto const& event : page.events) {
         if (is(event.kind, Event_kind::transition)) {
-            return life_line(page, page.events.front().at, event.numbers[0]);
+            return life_line(page, counts, page.events.front().at, event.numbers[0]);
         }
     }
-    return line_from_now(page);
+    return line_from_now(page, counts);
 }
 
 // Another boot's times are no times of this one.
@@ -114,6 +116,7 @@ void Recorder::look(Snapshot const& page, Look const& now) {
     }
     allowance_ = std::min(k_allowance, allowance_ + k_allowance_a_second * static_cast<double>(now.at - looked_) / 1e9);
     take_events(page, now);
+    take_counts(page, now);
     tell_missed(now);
     if (page.is_alive && now.at - told_alive_ >= k_alive_every) {
         add("alive", "", now);
@@ -124,7 +127,7 @@ void Recorder::look(Snapshot const& page, Look const& now) {
     }
     was_alive_ = page.is_alive;
     looked_ = now.at;
-    first_line_ = line_from_now(page);
+    first_line_ = line_from_now(page, counts_);
     files_.write(first_line_, std::exchange(is_urgent_, false));
 }
 
@@ -140,20 +143,22 @@ void Recorder::begin_life(Snapshot const& page, Identity const& identity, Look c
     auto const skipped = lives_between(last_life(), identity);
     identity_ = identity;
     seen_.clear();
-    taken_ = missed_ = 0;
+    taken_ = missed_ = told_counts_ = 0;
+    counts_ = {};
     was_alive_ = is_over_ = false;
     told_alive_ = page.now;
     for (auto const& life : before_.lives) {
         if (life.identity == identity) {
             is_over_ = life.end.has_value();
             missed_ = life.missed;
-            taken_ = life.events.size();
+            counts_ = life.counts;
+            taken_ = life.events.size() + restarts_in(counts_);
             for (auto const& event : life.events) {
                 seen_.insert({event.at, event.kind, event.numbers, event.text});
             }
         }
     }
-    first_line_ = taken_ != 0 ? line_from_now(page) : line_from_beginning(page, now.events);
+    first_line_ = taken_ != 0 ? line_from_now(page, counts_) : line_from_beginning(page, counts_, now.events);
     if (!is_over_) {
         files_.add(first_line_, true);
     }
@@ -196,6 +201,23 @@ bool Recorder::has_allowance(Number kind) {
     }
     allowance_ -= allowance_ >= 1 ? 1 : 0;
     return allowance_ >= 1;
+}
+
+// A restart is told at once, for the machine may go with it, and stands among the page's events; the rest may go on and
+// on.
+void Recorder::take_counts(Snapshot const& page, Look const& now) {
+    auto const counts = counts_of(page);
+    auto const restarts = restarts_in(counts) - std::min(restarts_in(counts), restarts_in(counts_));
+    bool const is_due = restarts != 0 || !page.is_alive || told_counts_ == 0 || now.at - told_counts_ >= k_counts_every;
+    if (counts == counts_ || !is_due || is_over_) {
+        return;
+    }
+    auto const at = counted_at(page);
+    add("counted", R"(,"counts":)" + text(counts), {at, real_of(page, at, now), 0});
+    counts_ = counts;
+    told_counts_ = now.at;
+    taken_ += restarts;
+    is_urgent_ = is_urgent_ || restarts != 0;
 }
 
 // Events that had gone from the page before they were seen, or that flooded it, and lines that a disk did not take.

@@ -38,6 +38,7 @@ class Recorder {
     Identity last_life() const;
     void take_events(Snapshot const& page, Look const& now);
     bool has_allowance(Number kind);
+    void take_counts(Snapshot const& page, Look const& now);
     void tell_missed(Look const& now);
     void tell_end(Snapshot const& page, Look const& now);
     char const* end_of(Snapshot const& page, bool is_watched) const;
@@ -51,6 +52,8 @@ class Recorder {
     std::set<Key> seen_;      // events that stand on the page and were taken
     Number taken_{0};         // events of this life
     Number missed_{0};        // of it, as they were told
+    Counts counts_{};         // of it, as they were told
+    Number told_counts_{0};   // when; 0: not yet
     std::size_t lost_{0};     // lines, as they were told
     bool is_over_{false};     // the life's end was told
     bool was_alive_{false};   // at the last look

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <system_error>
+#include <utility>
 
 namespace statectl::record {
 
@@ -61,6 +62,25 @@ std::vector<Recorded_hold> holds_in(json const& object) {
     return holds;
 }
 
+Counts counts_in(json const& object, char const* name) {
+    Counts counts{};
+    auto const found = object.find(name);
+    for (std::size_t i = 0; found != object.end() && found->is_array() && i < std::min(found->size(), counts.size());
+         ++i) {
+        counts[i] = (*found)[i].is_number_unsigned() ? (*found)[i].get<Number>() : 0;
+    }
+    return counts;
+}
+
+void take_counts(Recorded_life& life, json const& object) {
+    Recorded_count counted{number_in(object, "at"), number_in(object, "real"), counts_in(object, "counts")};
+    for (std::size_t i = 0; i < counted.more.size(); ++i) {
+        auto const count = std::max(life.counts[i], counted.more[i]);
+        counted.more[i] = count - std::exchange(life.counts[i], count);
+    }
+    life.counted.push_back(counted);
+}
+
 // A file that goes on with a life begins with it anew; so does one who was away for a while.
 void take_life(Records& records, json const& object) {
     Recorded_life life;
@@ -78,6 +98,7 @@ void take_life(Records& records, json const& object) {
     life.from = number_in(object, "from");
     life.state = number_in(object, "state");
     life.held = holds_in(object);
+    life.counts = counts_in(object, "counted");
     life.last_at = life.from;
     life.last_real = life.started_real + (std::max(life.from, life.identity.started) - life.identity.started);
     records.lives.push_back(std::move(life));
@@ -101,6 +122,8 @@ void take_event(Recorded_life& life, json const& object) {
 bool is_taken(Recorded_life& life, std::string const& line, json const& object) {
     if (line == "event") {
         take_event(life, object);
+    } else if (line == "counted") {
+        take_counts(life, object);
     } else if (line == "missed") {
         life.missed += number_in(object, "count");
     } else if (line == "left") {
@@ -141,9 +164,10 @@ void take_line(Records& records, std::string const& line) {
 }
 
 void finish(Records& records) {
+    auto const is_earlier = [](auto const& left, auto const& right) { return left.at < right.at; };
     for (auto& life : records.lives) {
-        std::stable_sort(life.events.begin(), life.events.end(),
-                         [](auto const& left, auto const& right) { return left.at < right.at; });
+        std::stable_sort(life.events.begin(), life.events.end(), is_earlier);
+        std::stable_sort(life.counted.begin(), life.counted.end(), is_earlier);
     }
 }
 

@@ -2,6 +2,7 @@
 #define TOOLS_RECORD_RECORDS_H
 
 #include "tools/page/page_view.h"
+#include "tools/record/counts.h"
 
 #include <array>
 #include <cstddef>
@@ -66,6 +67,12 @@ struct Recorded_event {
     std::string text;
 };
 
+struct Recorded_count {
+    Number at{0};
+    Number real{0};
+    Counts more{};  ///< than the time before
+};
+
 struct Recorded_hold {
     Number hold{0};
     std::string name;
@@ -85,6 +92,8 @@ struct Recorded_life {
     Number state{0};  ///< then
     std::vector<Recorded_hold> held;
     std::vector<Recorded_event> events;  ///< in the order of their times
+    std::vector<Recorded_count> counted;
+    Counts counts{};  ///< altogether
     std::optional<Recorded_end> end;
     Number last_at{0};  ///< when something was recorded last
     Number last_real{0};
@@ -101,7 +110,7 @@ struct Records {
 /// Takes lines as they stand in the files, one after the other. Whatever they are, they fail nothing.
 void take_line(Records& records, std::string const& line);
 
-/// Puts each life's events into the order of their times.
+/// Puts what was told of each life into the order of their times.
 void finish(Records& records);
 
 /// The numbers of the files in the directory, the oldest first. Throws std::system_error without a directory that can

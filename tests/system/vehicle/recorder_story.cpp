@@ -13,9 +13,7 @@
 #include <fstream>
 #include <functional>
 
-#include <poll.h>
 #include <sys/mount.h>
-#include <unistd.h>
 
 namespace bench::vehicle {
 namespace {
@@ -41,36 +39,19 @@ class Recorder_story : public Network_story {
         std::filesystem::remove_all("/run/adaptive/ara_SM");
     }
 
-    /// Its words come to its standard output, which is read by `recorder_says`.
+    /// Its words come to its standard output, which is read.
     void start_recorder_that_is_heard() {
-        recorder = std::make_unique<Child_process>(
-            std::vector<std::string>{
-                "/bin/sh", "-c",
-                "exec " VEHICLE_BUILD "/tools/ap_statemanager_recorder --directory " + records() + " 2>&1"},
-            std::vector<std::string>{});
-    }
-    bool recorder_says(std::string const& words, std::chrono::milliseconds limit) {
-        pollfd news{recorder->output(), POLLIN, 0};
-        char buffer[4096];
-        while (said.find(words) == std::string::npos && ::poll(&news, 1, static_cast<int>(limit.count())) == 1) {
-            auto const count = ::read(recorder->output(), buffer, sizeof buffer);
-            if (count <= 0) {
-                return false;
-            }
-            said.append(buffer, static_cast<std::size_t>(count));
-        }
-        return said.find(words) != std::string::npos;
+        recorder = std::make_unique<Companion>(std::vector<std::string>{
+            "/bin/sh", "-c",
+            "exec " VEHICLE_BUILD "/tools/ap_statemanager_recorder --directory " + records() + " 2>&1"});
     }
 
     void start_recorder() {
-        recorder =
-            std::make_unique<Child_process>(std::vector<std::string>{VEHICLE_BUILD "/tools/ap_statemanager_recorder",
-                                                                     "--directory", records(), "--watchdog", watchdog},
-                                            std::vector<std::string>{});
+        recorder = std::make_unique<Companion>(std::vector<std::string>{
+            VEHICLE_BUILD "/tools/ap_statemanager_recorder", "--directory", records(), "--watchdog", watchdog});
     }
     void stop_recorder() {
-        recorder->signal(SIGTERM);
-        EXPECT_EQ(recorder->wait(std::chrono::seconds(20)), 0);
+        EXPECT_EQ(recorder->end(), 0);
         recorder.reset();
     }
     /// Until the recorder has seen the machine there.
@@ -85,9 +66,9 @@ class Recorder_story : public Network_story {
         machine->await_end();
     }
     void kill_recorder() {
-        recorder->expect(128 + SIGKILL);
-        recorder->signal(SIGKILL);
-        recorder->wait(std::chrono::seconds(20));
+        recorder->program.expect(128 + SIGKILL);
+        recorder->program.signal(SIGKILL);
+        recorder->program.wait(std::chrono::seconds(20));
         recorder.reset();
     }
 
@@ -165,25 +146,27 @@ class Recorder_story : public Network_story {
     bool is_in(std::string const& state) { return statectl({"wait", state, "--for", "20"}).status == 0; }
 
     test_support::Temporary_directory directory;
-    std::unique_ptr<Child_process> recorder;
-    std::string said;  ///< by the recorder that is heard
+    std::unique_ptr<Companion> recorder;
     std::string watchdog{"20"};
 };
 
-TEST_F(Recorder_story, Tells_that_the_daemon_was_killed_and_what_was_held_then) {
+TEST_F(Recorder_story, Tells_that_the_daemon_was_killed_what_was_held_and_what_diagnostics_had_asked_for) {
     build();
     start_recorder();
     start_and_run();
     request("2", k_ecu_alive);
+    restart(5);
     machine->press("n");
     await_recorded("NM Controlled");
     kill_daemon();
     auto const cycle = last_that_ended("killed");
     EXPECT_EQ(cycle.value("state", ""), "NM Controlled");
     EXPECT_EQ(cycle.at("holds").at(0).at("who"), "2") << cycle;
+    EXPECT_EQ(cycle.at("missed"), 0) << cycle;
     auto const text = told("last").output;
     EXPECT_THAT(text, HasSubstr("killed in NM Controlled (no farewell"));
     EXPECT_THAT(text, HasSubstr("2 held ECU alive, and did not release it"));
+    EXPECT_THAT(text, HasSubstr("diagnostics asked for a restart: the co-processor (M3)"));
 }
 
 TEST_F(Recorder_story, Names_each_end_of_a_power_cycle_over_many_lives) {
@@ -257,13 +240,13 @@ TEST_F(Recorder_story, Tells_lives_that_came_and_went_between_two_looks) {
     start_recorder();
     start_and_run();
     await_recorded("Running");
-    recorder->signal(SIGSTOP);
+    recorder->program.signal(SIGSTOP);
     for (int life = 0; life < 3; ++life) {
         kill_daemon();
         machine->start_daemon();
         ASSERT_TRUE(is_in("Running"));
     }
-    recorder->signal(SIGCONT);
+    recorder->program.signal(SIGCONT);
     auto const history =
         told_when("history", [](json const& told) { return told.at("cycles").back().at("end_word") == "running"; });
     EXPECT_THAT(ends(), ElementsAre(HasSubstr(" in Running"), HasSubstr(" in Running"), "running in Running"));
@@ -296,16 +279,16 @@ TEST_F(Recorder_story, Lacks_nothing_of_the_time_in_which_its_disk_was_full) {
     start_recorder_that_is_heard();
     start_and_run();
     std::size_t suspends = 0;
-    while (!recorder_says("No space left on device", std::chrono::milliseconds(0)) && suspends < 20) {
+    while (!recorder->says("No space left on device", std::chrono::milliseconds(0)) && suspends < 20) {
         machine->press("p");
         ASSERT_TRUE(is_in("PreparedSD"));
         machine->press("r");
         ASSERT_TRUE(is_in("Running"));
         ++suspends;
     }
-    EXPECT_THAT(said, HasSubstr(records() + ": nothing can be written: No space left on device"));
+    EXPECT_THAT(recorder->said, HasSubstr(records() + ": nothing can be written: No space left on device"));
     disk.make_room();
-    EXPECT_TRUE(recorder_says("all is well again", Machine::k_patience)) << said;
+    EXPECT_TRUE(recorder->says("all is well again", Machine::k_patience)) << recorder->said;
     json history;
     told_when("history", [&](json const& /*newest*/) {
         history = json::parse(told("history", {"--json", "-n", "100"}).output);

@@ -4,10 +4,12 @@
 #include "bench/process/child_process.h"
 
 #include <chrono>
+#include <csignal>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace bench::vehicle {
@@ -36,6 +38,35 @@ inline Outcome statectl(std::vector<std::string> words, std::vector<std::string>
     words.insert(words.begin(), VEHICLE_BUILD "/tools/ap_statectl");
     return run(words, environment);
 }
+
+/// A program that goes on while the machine does, and what it prints.
+class Companion {
+ public:
+    explicit Companion(std::vector<std::string> const& words) : program(words, {}) {}
+
+    /// Whether the words stand in what it has printed, as soon as they do.
+    bool says(std::string const& words, std::chrono::milliseconds limit) {
+        pollfd news{program.output(), POLLIN, 0};
+        char buffer[4096];
+        while (said.find(words) == std::string::npos && ::poll(&news, 1, static_cast<int>(limit.count())) == 1) {
+            auto const count = ::read(program.output(), buffer, sizeof buffer);
+            if (count <= 0) {
+                return false;
+            }
+            said.append(buffer, static_cast<std::size_t>(count));
+        }
+        return said.find(words) != std::string::npos;
+    }
+
+    /// Its status when it is asked to end.
+    std::optional<int> end() {
+        program.signal(SIGTERM);
+        return program.wait(std::chrono::seconds(20));
+    }
+
+    Child_process program;
+    std::string said;
+};
 
 }  // namespace bench::vehicle
 

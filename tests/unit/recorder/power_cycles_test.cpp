@@ -126,6 +126,31 @@ TEST(Power_cycles, Tell_what_was_held_over_a_suspend_and_who_was_late_in_it) {
     }
 }
 
+TEST(Power_cycles, Tell_what_was_counted_in_each_and_nothing_twice) {
+    auto const counted = [](Number second, char const* numbers) {
+        return R"({"line":"counted","at":)" + std::to_string(second * k_second) + R"(,"real":0,"counts":[)" + numbers +
+               "]}";
+    };
+    std::string begin = life_line("a", 1);
+    begin.insert(begin.size() - 1, R"(,"counted":[0,0,0,0,3])");
+    auto const cycles =
+        power_cycles(records_of({begin, transition(1, "0,1,1"), counted(2, "1,0,0,0,3"),
+                                 counted(3, R"("none",-1,0,0,2)"), transition(4, "1,5,3"), transition(5, "5,6,3"),
+                                 transition(6, "6,7,1"), begin, counted(7, "3,0,0,0,4,0,0,0,0,0,0,9"), counted(8, "")}),
+                     {});
+    ASSERT_EQ(cycles.size(), 2U);
+    auto const& first = cycles[0].told;
+    auto const& second = cycles[1].told;
+    ASSERT_EQ(first.troubles.size(), 1U);
+    EXPECT_EQ(first.troubles[0].text, "a call of network management failed: RequestNetwork");
+    EXPECT_TRUE(first.requests.empty());
+    ASSERT_EQ(second.troubles.size(), 1U);
+    EXPECT_EQ(second.troubles[0].text, "a call of network management failed: RequestNetwork, 2 times");
+    ASSERT_EQ(second.requests.size(), 1U);
+    EXPECT_EQ(second.requests[0].text, "diagnostics asked for a restart: this machine");
+    EXPECT_EQ(second.requests[0].time, 7.0);
+}
+
 TEST(Records, Are_those_whole_lines_that_there_are_wherever_a_file_is_torn) {
     std::string const whole = life_line("a", 1) + "\n" + transition(1, "0,1,1") + "\n" + transition(2, "1,5,3") + "\n";
     auto const first = life_line("a", 1).size();

@@ -2,7 +2,9 @@
 
 #include "lines.h"
 #include "status/driver_status.h"
+#include "status/network_status.h"
 #include "status/page_writer.h"
+#include "status/restart_status.h"
 #include "status/services_status.h"
 #include "support/temporary_directory.h"
 #include "tools/record/power_cycles.h"
@@ -199,6 +201,46 @@ TEST_F(Following, Keeps_a_flood_from_driving_the_past_away) {
     EXPECT_LT(all.lines, 4'000U);
     EXPECT_EQ(all.lives.at(0).events.back().kind, static_cast<Number>(status::Event_kind::transition));
     EXPECT_EQ(all.lives.at(0).missed + all.lives.at(0).events.size(), 20 * status::k_events + 2);
+}
+
+std::vector<std::string> texts_of(std::vector<trace::Remark> const& remarks) {
+    std::vector<std::string> texts;
+    for (auto const& remark : remarks) {
+        texts.push_back(remark.text);
+    }
+    return texts;
+}
+
+TEST_F(Following, Tells_once_what_the_page_only_counts) {
+    run();
+    status::restart_requested(1);
+    status::restart_failed();
+    look();
+    status::restart_requested(5);
+    status::restart_requested(5);
+    status::call_failed(status::Network_call::set_user_data);
+    for (int i = 0; i < 2; ++i) {
+        look();
+        restart();
+    }
+    status::log_lost(7);  // not told at once: the machine might lose one each cycle
+    look();
+    EXPECT_EQ(records().lives.at(0).counted.size(), 3U);
+    status::log_lost(8);
+    look();
+    EXPECT_EQ(records().lives.at(0).counted.size(), 3U);
+    find_gone(0);
+    auto const all = records();
+    EXPECT_EQ(all.damaged, 0U);
+    EXPECT_EQ(all.lives.at(0).missed, 0U);
+    auto const cycles = power_cycles(all, {"b", {}});
+    ASSERT_EQ(cycles.size(), 1U);
+    EXPECT_THAT(texts_of(cycles[0].told.requests),
+                ElementsAre("diagnostics asked for a restart: this machine",
+                            "diagnostics asked for a restart: the co-processor (M3), 2 times"));
+    EXPECT_THAT(texts_of(cycles[0].told.troubles), ElementsAre("the word for a restart was not written",
+                                                               "a call of network management failed: SetUserData",
+                                                               "the log lost 7 messages", "the log lost 1 message"));
 }
 
 TEST_F(Following, Begins_a_life_for_each_page) {
