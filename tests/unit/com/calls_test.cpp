@@ -121,7 +121,7 @@ TEST_F(Calls, Of_those_that_wait_a_thousand_are_handled_and_as_many_refused) {
 }
 
 // A client's request writer, which is all that there is of it: nobody reads replies.
-TEST_F(Calls, A_client_that_never_reads_is_waited_for_once_and_the_next_is_served) {
+TEST_F(Calls, The_requests_of_a_client_that_never_reads_are_handled_and_the_next_client_is_served) {
     std::atomic<int> handled{0};
     offer([&handled](auto const* /*request*/, auto const& answer) {
         ++handled;
@@ -133,15 +133,11 @@ TEST_F(Calls, A_client_that_never_reads_is_waited_for_once_and_the_next_is_serve
     request.data._d = k_method;
     std::memcpy(&request.header.requestId.writer_guid, guid_of(deaf.entity()).data(), sizeof(Guid));
     std::strcpy(request.header.instanceName, "app");
-    auto const begin = std::chrono::steady_clock::now();
     for (std::int64_t number = 1; number <= 3; ++number) {
         request.header.requestId.sequence_number = to_wire(number);
         deaf.write(&request);
     }
     EXPECT_EQ(end_of(call(*client_.reach())), "value");
-    auto const taken = std::chrono::steady_clock::now() - begin;
-    EXPECT_GE(taken, std::chrono::milliseconds(50));
-    EXPECT_LT(taken, std::chrono::seconds(4));
     EXPECT_EQ(handled, 4);
 }
 
