@@ -34,7 +34,7 @@ struct Address {
     sockaddr const* generic() const { return reinterpret_cast<sockaddr const*>(&name); }
 };
 
-/// Where NOTIFY_SOCKET says that it is; nothing for a name that is none.
+/// Where this name says that it is; nothing for a name that is none.
 std::optional<Address> address_of(std::string_view name) {
     Address address;
     address.name.sun_family = AF_UNIX;
@@ -48,6 +48,17 @@ std::optional<Address> address_of(std::string_view name) {
     }
     address.size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size() + (is_abstract ? 0 : 1));
     return address;
+}
+
+/// Sends with this function, to where NOTIFY_SOCKET says now that the service manager is; without it nobody is told.
+template <typename Function>
+std::error_code if_told_where(Function send_to) {
+    auto const* const name = std::getenv("NOTIFY_SOCKET");
+    if (name == nullptr) {
+        return {};
+    }
+    auto const address = address_of(name);
+    return address ? send_to(*address) : std::error_code(EINVAL, std::system_category());
 }
 
 int make_socket() {
@@ -96,20 +107,14 @@ class Datagram_socket {
 };
 
 std::error_code send(std::string_view line, std::chrono::milliseconds limit) {
-    auto const* const name = std::getenv("NOTIFY_SOCKET");
-    if (name == nullptr) {
-        return {};
-    }
-    auto const address = address_of(name);
-    if (!address) {
-        return {EINVAL, std::system_category()};
-    }
-    Datagram_socket const socket;
-    if (!socket.is_open()) {
-        return last_error();
-    }
-    auto const error = socket.connect_to(*address);
-    return error ? error : socket.send(line, steady_clock::now() + limit);
+    return if_told_where([&](Address const& address) {
+        Datagram_socket const socket;
+        if (!socket.is_open()) {
+            return last_error();
+        }
+        auto const error = socket.connect_to(address);
+        return error ? error : socket.send(line, steady_clock::now() + limit);
+    });
 }
 
 std::error_code send_at_once(std::string_view line) {
@@ -161,23 +166,17 @@ std::error_code Beats::send() {
         }
         ready_is_owed = false;
     }
-    auto const* const name = std::getenv("NOTIFY_SOCKET");
-    if (name == nullptr) {
-        return {};
-    }
-    auto const address = address_of(name);
-    if (!address) {
-        return {EINVAL, std::system_category()};
-    }
-    if (!socket_ || !socket_->is_open()) {
-        socket_.emplace(make_socket());
-    }
-    constexpr std::string_view k_line = "WATCHDOG=1";
-    if (socket_->is_open() && ::sendto(socket_->number(), k_line.data(), k_line.size(), MSG_NOSIGNAL,
-                                       address->generic(), address->size) >= 0) {
-        return {};
-    }
-    return errno == EINTR ? std::error_code(EAGAIN, std::system_category()) : last_error();
+    return if_told_where([this](Address const& address) {
+        if (!socket_ || !socket_->is_open()) {
+            socket_.emplace(make_socket());
+        }
+        constexpr std::string_view k_line = "WATCHDOG=1";
+        if (socket_->is_open() && ::sendto(socket_->number(), k_line.data(), k_line.size(), MSG_NOSIGNAL,
+                                           address.generic(), address.size) >= 0) {
+            return std::error_code();
+        }
+        return errno == EINTR ? std::error_code(EAGAIN, std::system_category()) : last_error();
+    });
 }
 
 bool may_pass(std::error_code const& error) {
