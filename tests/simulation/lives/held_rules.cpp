@@ -1,5 +1,7 @@
 #include "held_rules.h"
 
+#include "life_texts.h"
+
 #include <algorithm>
 #include <sstream>
 #include <utility>
@@ -9,8 +11,6 @@ namespace lives {
 using bench::rules::Command;
 using bench::rules::Row;
 using bench::rules::State;
-using exploration::Group;
-using exploration::Mode;
 using simulation::Entry;
 using simulation::Kind;
 using simulation::Network;
@@ -39,11 +39,6 @@ Command command_of(std::string const& key) {
     return all.at(key);
 }
 
-/// What stands behind a text's beginning; nothing when it begins otherwise.
-std::optional<std::string> behind(std::string const& begin, std::string const& text) {
-    return text.rfind(begin, 0) == 0 ? std::optional(text.substr(begin.size())) : std::nullopt;
-}
-
 /// The milliseconds that stand behind a word.
 std::optional<Time> time_behind(std::string const& word, std::string const& text) {
     auto const place = text.find(word);
@@ -70,18 +65,6 @@ std::uint64_t number_of(simulation::Bits const& bytes) {
     return number;
 }
 
-Group group_of(std::string const& name) {
-    return name == "diag::dcm" ? exploration::dcm : name == "diag::dem" ? exploration::dem : exploration::applications;
-}
-
-char const* text_of(Mode mode) {
-    return mode == Mode::on ? "kOn" : mode == Mode::prepare_sd ? "kPrepSD" : "nothing";
-}
-
-std::string text_of(Time time) {
-    return std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(time).count()) + " ms";
-}
-
 }  // namespace
 
 /// What the driver finds now.
@@ -98,20 +81,20 @@ class Held_rules::Situation : public bench::rules::Situation {
     bool is_to_prepare() const override { return rules_.is_to_prepare_; }
     bool time_is_over() const override { return rules_.ticks_ >= rules_.terms_.knockout; }
     bool clients_are_asked() const override {
-        rules_.notifier_.check();
-        return rules_.notifier_.is_running();
+        rules_.clients_.notifier().check();
+        return rules_.clients_.notifier().is_running();
     }
 
     /// All of it as a number.
     std::uint64_t number() const {
-        auto const asked = rules_.notifier_.asked();
+        auto const asked = rules_.clients_.notifier().asked();
         std::uint64_t number = static_cast<std::uint64_t>(command());
         for (bool const bit : {nm_is_used(), nm_is_found(), network_sleeps(), ecu_is_kept(), com_is_kept(),
-                               is_to_prepare(), time_is_over(), rules_.notifier_.is_running()}) {
+                               is_to_prepare(), time_is_over(), rules_.clients_.notifier().is_running()}) {
             number = number << 1U | (bit ? 1U : 0U);
         }
         number = number << 2U | (asked ? *asked : 3U);
-        return number << 2U | (asked ? static_cast<unsigned>(rules_.notifier_.requested_from(*asked)) : 0U);
+        return number << 2U | (asked ? static_cast<unsigned>(rules_.clients_.notifier().requested_from(*asked)) : 0U);
     }
 
  private:
@@ -141,7 +124,7 @@ void Held_rules::take(Entry const& entry) {
             records_.insert(records_.end(), {command_of(entry.what), Command::none, Command::none, Command::none});
             return;
         case Kind::client:
-            return take_client(entry.who, entry.what);
+            return clients_.take_client(now_, entry.who, entry.what);
         case Kind::machine_state:
             return take_machine_state(entry);
         case Kind::request:
@@ -175,7 +158,7 @@ void Held_rules::wait(simulation::Life& life) {
         find(is_to_prepare_ ? "the intention to suspend is forgotten" : "an intention to suspend nobody has");
     }
     check_way_taken();
-    check_group();
+    clients_.check(now_);
     check_network(life);
     has_waited_ = true;
     went_ = false;
@@ -239,15 +222,13 @@ void Held_rules::enter(State state) {
     }
     switch (state) {
         case State::preparing:
-            notifier_.request_standby();
-            sequence_begins_ = true;
+            clients_.begin_suspend();
             default_held_ = false;
             is_standing_by_ = true;
             break;
         case State::resuming:
             is_standing_by_ = false;
-            sequence_begins_ = !notifier_.is_running();
-            notifier_.request_resume();
+            clients_.begin_resume();
             default_held_ = true;
             break;
         case State::running:
@@ -381,114 +362,8 @@ void Held_rules::take_log(std::string const& text) {
         if (is_asleep_ && rests_ < 2) {
             find("the network is taken for asleep after " + std::to_string(rests_) + " reports of rest");
         }
-    } else if (auto const request = behind("Requesting ", text)) {
-        if (request->find(" mode for ") != std::string::npos) {
-            group_asked(*request);
-        }
-    } else if (text.rfind("Received ", 0) == 0 && text.find(" completion notification for ") != std::string::npos) {
-        group_completed(text);
-    }
-}
-
-void Held_rules::group_asked(std::string const& text) {
-    static std::map<std::string, Group> const groups{
-        {"DCM", exploration::dcm}, {"client applications", exploration::applications}, {"DEM", exploration::dem}};
-    auto const group = groups.at(text.substr(text.find(" mode for ") + 10));
-    auto const begin = text.find_first_not_of(' ');
-    auto const mode = text.substr(begin, text.find(' ', begin) - begin);
-    if (!std::exchange(sequence_begins_, false)) {
-        if (notifier_.asked()) {
-            find("a group is asked while another request waits for its answers: " + text);
-        }
-        // The driver's cycle asks before it decides.
-        auto ahead = notifier_;
-        ahead.check();
-        if (ahead.asked() != group || text_of(ahead.requested_from(group)) != mode) {
-            find("this group is not next, or not for that: " + text);
-        }
-    } else if (state_ != State::preparing && state_ != State::resuming) {
-        find("a sequence begins: " + text);
-    } else if (notifier_.asked() != group || text_of(notifier_.requested_from(group)) != mode) {
-        find("a sequence begins with " + text);
-    }
-    asked_at_ = answered_at_ = now_;
-    for (auto& [name, client] : clients_) {
-        client.at_request = group_of(name) == group ? client.connections : 0;
-        // Who leaves or comes in the moment of a request may be asked.
-        client.is_unsure = client.connections > 1 || client.left_at == now_;
-        client.asked = client.answered = 0;
-    }
-}
-
-Time Held_rules::limit_of(Group group) const {
-    return group == exploration::applications ? terms_.application : terms_.diagnosis;
-}
-
-void Held_rules::group_completed(std::string const& text) {
-    if (!notifier_.asked()) {
-        return find("a group has answered that was not asked: " + text);
-    }
-    auto const limit = limit_of(*notifier_.asked());
-    bool const is_late = text.find("Status:  1") != std::string::npos;
-    if (is_late && now_ - asked_at_ != limit) {
-        find("a group had " + text_of(now_ - asked_at_) + ", not " + text_of(limit));
-    }
-    for (auto const& [name, client] : clients_) {
-        bool const was_asked = client.at_request > 0 && !client.is_unsure;
-        if (was_asked && client.connections > 0 && client.asked == 0) {
-            find(name + " was not asked by " + text);
-        }
-        if (was_asked && !is_late && client.answered != client.at_request) {
-            find(name + " has not answered, and " + text);
-        }
-    }
-    notifier_.answered();
-}
-
-void Held_rules::check_group() {
-    if (!notifier_.asked()) {
-        return;
-    }
-    if (now_ > asked_at_ + limit_of(*notifier_.asked())) {
-        find("a group has had " + text_of(now_ - asked_at_));
-    }
-    bool const is_open = std::any_of(clients_.begin(), clients_.end(), [](auto const& entry) {
-        return entry.second.is_unsure || entry.second.answered < entry.second.at_request;
-    });
-    if (!is_open && now_ > answered_at_) {
-        find("all have answered, and nobody notes it");
-    }
-}
-
-void Held_rules::take_client(std::string const& name, std::string const& what) {
-    auto& client = clients_[name];
-    if (auto const state = behind("connected in ", what)) {
-        client.is_unsure = client.is_unsure || client.connections > 0 || client.at_request > 0 ||
-                           (notifier_.asked() && now_ == asked_at_);
-        ++client.connections;
-        client.greeted += *state == "kOn" ? 0U : 1U;
-    } else if (what == "disconnected" || what == "crashed" || what == "was dropped") {
-        --client.connections;  // at_request stays: whoever goes without an answer is waited for
-        client.greeted = 0;
-        client.left_at = now_;
-    } else if (auto const wanted = behind("asked ", what)) {
-        asked(name, *wanted);
-    } else if (what.rfind("answered ", 0) == 0) {
-        client.answered += client.asked > client.answered ? 1U : 0U;
-        answered_at_ = now_;
-    }
-}
-
-void Held_rules::asked(std::string const& name, std::string const& state) {
-    auto& client = clients_[name];
-    auto const group = group_of(name);
-    bool const is_of_group = notifier_.asked() == group && text_of(notifier_.requested_from(group)) == state;
-    if (client.greeted > 0 && state == "kOn") {
-        --client.greeted;
-    } else if (!is_of_group) {
-        find(name + " was asked " + state + ", and it is not its turn");
-    } else if (++client.asked > std::max(client.connections, client.at_request)) {
-        find(name + " was asked twice");
+    } else {
+        clients_.take_log(now_, text, state_ == State::preparing || state_ == State::resuming);
     }
 }
 

@@ -3,8 +3,9 @@
 
 #include "bench/rules/rules.h"
 #include "coverage.h"
-#include "notifier_model.h"
+#include "held_clients.h"
 #include "simulation/life.h"
+#include "terms.h"
 
 #include <array>
 #include <cstdint>
@@ -17,25 +18,18 @@
 
 namespace lives {
 
-/// What the rules need to know of a life's configuration.
-struct Terms {
-    bool nm_usage{true};
-    bool requests_on_entry{true};
-    bool manager_is_there{true};
-    bool channel_is_there{true};
-    bool sends_cab_area{false};
-    unsigned knockout{3};
-    simulation::Time period{0};
-    simulation::Time application{0};  ///< that a group of clients has
-    simulation::Time diagnosis{0};
-    simulation::Bits default_pattern{};
-};
-
 /// The rules of the machine as invariants over one life: told each entry of its timeline with its log, and each wait of
 /// the driver.
 class Held_rules {
  public:
-    Held_rules(Terms terms, Coverage& coverage) : terms_(std::move(terms)), coverage_(coverage) {}
+    Held_rules(Terms terms, Coverage& coverage)
+        : terms_(std::move(terms)),
+          coverage_(coverage),
+          clients_(terms_, [this](std::string const& what) { find(what); }) {}
+
+    Held_rules(Held_rules const&) = delete;  // its clients tell it what they find
+    Held_rules& operator=(Held_rules const&) = delete;
+    ~Held_rules() = default;
 
     void take(simulation::Entry const& entry);
 
@@ -60,15 +54,6 @@ class Held_rules {
         std::uint32_t bits{0};
         unsigned long number{0};  ///< of the one AC bit, from 1; 0 for none
     };
-    struct Client {
-        unsigned connections{0};
-        unsigned at_request{0};  ///< of these, when its group was asked last
-        unsigned asked{0};       ///< by that request
-        unsigned answered{0};
-        unsigned greeted{0};    ///< has come in another state, and was not told the current one yet
-        bool is_unsure{false};  ///< several have the name: who of them was asked or answers can't be told
-        Time left_at{-1};
-    };
 
     void find(std::string const& what);
 
@@ -82,13 +67,6 @@ class Held_rules {
     void take_request(simulation::Entry const& entry);
     void take_neighbour(simulation::Entry const& entry);
     void take_log(std::string const& text);
-
-    void take_client(std::string const& name, std::string const& what);
-    void asked(std::string const& name, std::string const& state);
-    void group_asked(std::string const& text);
-    void group_completed(std::string const& text);
-    void check_group();
-    Time limit_of(exploration::Group group) const;
 
     void check_way_taken();
     void check_network(simulation::Life& life);
@@ -134,11 +112,7 @@ class Held_rules {
     std::map<std::string, Held> held_;
     std::map<std::string, Held> held_before_;  ///< the call that goes on
 
-    exploration::Notifier_model notifier_;
-    bool sequence_begins_{false};
-    std::map<std::string, Client> clients_;
-    Time asked_at_{0};
-    Time answered_at_{0};  ///< the last answer, or the last change of who is there
+    Held_clients clients_;
 };
 
 }  // namespace lives

@@ -1,0 +1,23 @@
+#ifndef TESTS_SIMULATION_LIVES_LIFE_TEXTS_H
+#define TESTS_SIMULATION_LIVES_LIFE_TEXTS_H
+
+#include "simulation/time.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace lives {
+
+/// What stands behind a text's beginning; nothing when it begins otherwise.
+inline std::optional<std::string> behind(std::string const& begin, std::string const& text) {
+    return text.rfind(begin, 0) == 0 ? std::optional(text.substr(begin.size())) : std::nullopt;
+}
+
+inline std::string text_of(simulation::Time time) {
+    return std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(time).count()) + " ms";
+}
+
+}  // namespace lives
+
+#endif
