@@ -52,6 +52,7 @@ record::Present present(std::string const& path) {
         auto const page = Page_view(path).snapshot();
         if (page.is_alive) {
             now.running = {shown(text_of(page.life.boot)), page.life.number, page.life.pid, page.life.started};
+            now.now = page.now;
         }
     } catch (No_page const&) {
         return now;
@@ -245,7 +246,9 @@ int offenders(History_options const& options) {
                             2)
                       .c_str());
     } else {
-        std::printf("In %zu power cycles since %s:\n", history.cycles.size(), begin_of(history.cycles.front()).c_str());
+        auto const count = history.cycles.size();
+        std::printf("In %zu power cycle%s since %s:\n", count, count == 1 ? "" : "s",
+                    begin_of(history.cycles.front()).c_str());
         for (std::size_t i = 0; i < std::min(summary.offenders.size(), k_most_offenders); ++i) {
             std::printf("%12s  %s\n", duration_text(summary.offenders[i].seconds).c_str(),
                         summary.offenders[i].text.c_str());

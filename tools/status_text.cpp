@@ -170,7 +170,7 @@ std::string status_text(Snapshot const& page) {
                 Mark::bold);
     text += row("Because", cause_of(page));
     for (auto const& reason : reasons_of(page)) {
-        text += row("Waits", reason.text);
+        text += row(reason.code.rfind("key-", 0) == 0 ? "Key" : "Waits", reason.text);
     }
     text += row("Word", word_text(page));
     text += row("Commands", commands_text(page));

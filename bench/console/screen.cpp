@@ -81,7 +81,7 @@ void draw_side(Canvas& canvas, Machine_view const& machine) {
         canvas.put(3, k_side, std::string("no state yet"), Style::dim);
     }
     auto const next = draw_list(canvas, 4, "Words written", machine.words(), 4);
-    draw_list(canvas, std::max<std::size_t>(next, 9), "Keys pressed", machine.keys(), 3);
+    draw_list(canvas, std::max<std::size_t>(next, 9), "Keys pressed", machine.keys(), 2);
 }
 
 Style style_of(int level) {

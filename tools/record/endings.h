@@ -11,6 +11,7 @@ namespace statectl::record {
 struct Present {
     std::string boot;
     Identity running;  ///< the daemon that runs, if one does
+    Number now{0};     ///< then, by CLOCK_MONOTONIC
 };
 
 /// How a life's last power cycle ended, one of `ending`: by what was recorded of it, and by what came after it.

@@ -62,8 +62,10 @@ class Teller {
         tell_counts(told(), seconds(std::max(counted.at, begin_)), counted.more);
     }
 
-    std::vector<Power_cycle> end(std::string const& how) {
-        auto const at = std::max({recorded_.end ? recorded_.end->at : 0, recorded_.last_at, last_at_});
+    /// `now` is the end of a life that has none.
+    std::vector<Power_cycle> end(std::string const& how, Number now) {
+        auto const at = std::max(
+            {recorded_.end ? recorded_.end->at : 0, recorded_.last_at, last_at_, how == ending::running ? now : 0});
         if (recorded_.last_at >= last_at_) {
             last_at_ = recorded_.last_at;
             last_real_ = recorded_.last_real;
@@ -167,7 +169,7 @@ std::vector<Power_cycle> power_cycles(Records const& records, Present const& pre
             teller.take(event);
         }
         std::for_each(counted, life.counted.end(), [&](Recorded_count const& rest) { teller.take(rest); });
-        auto told = teller.end(end_of(life, boot_after, present));
+        auto told = teller.end(end_of(life, boot_after, present), present.now);
         std::move(told.begin(), told.end(), std::back_inserter(cycles));
     }
     return cycles;

@@ -81,6 +81,22 @@ TEST(Screen, Says_which_key_starts_a_machine_that_has_ended) {
     EXPECT_THAT(drawn(Machine_view()), HasSubstr(L"p suspend"));
 }
 
+TEST(Screen, Shows_keys_beside_the_diagram_and_not_in_the_rows_below) {
+    for (auto const key : {"n", "r", "p"}) {
+        Machine_view view;
+        for (auto const* const word : {"running", "runnmcontrolled", "running", "preparing"}) {
+            view.hear({1, Kind::state_word, word});
+        }
+        for (auto const* const pressed : {"n", "r", "s", key}) {
+            view.hear({2, Kind::key, pressed});
+        }
+        Canvas canvas(40, 100);
+        draw(canvas, view, 4);
+        EXPECT_EQ(canvas.row_text(11).substr(64, 1), std::wstring(1, static_cast<wchar_t>(key[0])));
+        EXPECT_EQ(canvas.row_text(12).find_first_of(L"nrp", 64), std::wstring::npos) << "where the clients begin";
+    }
+}
+
 TEST(Screen, Shows_the_log_up_to_its_level) {
     Machine_view view;
     view.hear({1, Kind::log, "an error", 2, "DFLT"});

@@ -91,6 +91,16 @@ TEST(Power_cycles, Begin_by_the_clock_as_it_was_right_later) {
     EXPECT_EQ(cycles[0].told.end - cycles[0].told.begin, 5.0);
 }
 
+TEST(Power_cycles, That_have_not_ended_last_until_now) {
+    auto const lines = {life_line("a", 1), transition(1, "0,1,1")};
+    auto const length = [&](Present const& present) {
+        auto const told = power_cycles(records_of(lines), present).back().told;
+        return told.end - told.begin;
+    };
+    EXPECT_EQ(length({"a", {"a", 1, 7, 0}, 9 * k_second}), 9.0);
+    EXPECT_EQ(length({"b", {"b", 1, 7, 0}, 9 * k_second}), 1.0) << "another boot's now is none of it";
+}
+
 TEST(Power_cycles, Tell_what_was_held_over_a_suspend_and_who_was_late_in_it) {
     auto const s = k_second;
     auto const cycles =
