@@ -149,7 +149,7 @@ void print_table(std::vector<Power_cycle> const& cycles) {
 void write_page(std::vector<Power_cycle> const& cycles, std::string const& path) {
     std::ofstream file(path, std::ios::binary);
     constexpr trace::Parts k_parts{"power cycle", "power cycles", "recorded event", "recorded events"};
-    file << trace::html_report(story_of(cycles), "power cycles", k_parts) << std::flush;
+    file << trace::html_report(story_of(cycles), "Power cycles", k_parts) << std::flush;
     if (!file) {
         throw std::runtime_error(path + " can't be written");
     }
