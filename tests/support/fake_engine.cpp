@@ -172,7 +172,7 @@ void Engine::call(Key const& key, void* request, ara::com::Pending_reply& pendin
     using Code = tarq::com::Remote_exception_code;
     auto const handler = offer->second;  // it may be withdrawn while it runs
     try {
-        handler(request, [&pending](void* reply) { pending.succeed(reply); });
+        handler(request, [&pending](void* reply, std::shared_ptr<void const> const&) { pending.succeed(reply); });
     } catch (ara::com::Unknown_operation const&) {
         pending.fail(std::make_exception_ptr(tarq::com::Remote_exception(Code::kUnknownOperation)));
     } catch (std::exception const&) {
