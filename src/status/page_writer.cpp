@@ -59,8 +59,12 @@ std::uint64_t now() {
 }
 
 void put_text(Shared_word* words, std::size_t count, std::string_view text) {
-    for (std::size_t place = 0; place < count; ++place) {
+    auto const used = std::min(count, (text.size() + k_word - 1) / k_word);
+    for (std::size_t place = 0; place < used; ++place) {
         put(words[place], word_of(text, place, count));
+    }
+    for (std::size_t place = used; place < count; ++place) {
+        put(words[place], 0U);
     }
 }
 
