@@ -7,8 +7,6 @@
 #include "tools/table.h"
 
 #include <CLI/CLI.hpp>
-#include <array>
-#include <cstdio>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -20,12 +18,6 @@ namespace {
 using nlohmann::json;
 using status::Client;
 using status::Name;
-
-std::string digest_text(Number digest) {
-    std::array<char, 17> text{};
-    std::snprintf(text.data(), text.size(), "%016llx", static_cast<unsigned long long>(digest));
-    return text.data();
-}
 
 double seconds(Number nanoseconds) {
     return static_cast<double>(nanoseconds) / 1e9;

@@ -118,6 +118,12 @@ std::string call_word(Number call) {
     return word_at(k_words, call);
 }
 
+std::string digest_text(Number digest) {
+    std::array<char, 17> text{};
+    std::snprintf(text.data(), text.size(), "%016llx", static_cast<unsigned long long>(digest));
+    return text.data();
+}
+
 std::string restart_word(Number type) {
     constexpr std::array<std::string_view, status::k_restart_types> k_words{
         "an unknown type",   "this machine",      "type 2, no action",

@@ -20,6 +20,9 @@ std::string hold_word(Number hold);
 std::string ecu_word(Number ecu_state);
 std::string call_word(Number call);
 
+/// 16 hexadecimal digits.
+std::string digest_text(Number digest);
+
 /// What a restart request of this type restarts.
 std::string restart_word(Number type);
 

@@ -28,6 +28,11 @@ TEST_F(Status_page, Tells_state_cause_word_and_the_oldest_command) {
     auto const then = told("status");
     EXPECT_EQ(then.at("cause").at("command"), "NMControlledPrepareSD");
     EXPECT_EQ(then.at("configuration"), "/etc/adaptive/ap_statemanager.json");
+    std::uint64_t digest = 0xcbf29ce484222325U;
+    for (char const byte : options.configuration) {
+        digest = (digest ^ static_cast<std::uint8_t>(byte)) * 0x100000001b3U;
+    }
+    EXPECT_EQ(std::stoull(then.at("configuration_digest").get<std::string>(), nullptr, 16), digest);
 }
 
 TEST_F(Status_page, Says_a_farewell_where_there_is_one) {
