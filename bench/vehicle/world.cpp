@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <fstream>
@@ -141,6 +142,7 @@ int run_inside(std::string const& project, std::function<int()> const& inside) {
         make_namespaces();
         return run_in_child([&] {
             move_into_new_root(project);
+            ::unsetenv("TMPDIR");  // the host's, which may lie in what is private here
             bring_loopback_up();
             end_at_signals();
             return inside();
