@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t k_restarts = status::k_network_calls;
 constexpr std::size_t k_restarts_failed = k_restarts + status::k_restart_types;
 constexpr std::size_t k_log_lost = k_restarts_failed + 1;
+constexpr std::size_t k_most_remarks = 1'000;  // of a cycle
 
 std::string times_text(Number times) {
     return times == 1 ? "" : ", " + std::to_string(times) + " times";
@@ -52,9 +53,10 @@ Number restarts_in(Counts const& counts) {
 
 void tell_counts(trace::Life& cycle, double moment, Counts const& more) {
     for (std::size_t place = 0; place < more.size(); ++place) {
-        if (more[place] != 0) {
-            bool const is_request = place >= k_restarts && place < k_restarts_failed;
-            (is_request ? cycle.requests : cycle.troubles).push_back({moment, text_at(place, more[place])});
+        bool const is_request = place >= k_restarts && place < k_restarts_failed;
+        auto& remarks = is_request ? cycle.requests : cycle.troubles;
+        if (more[place] != 0 && remarks.size() < k_most_remarks) {
+            remarks.push_back({moment, text_at(place, more[place])});
         }
     }
 }

@@ -92,7 +92,7 @@ TEST(Power_cycles, Begin_by_the_clock_as_it_was_right_later) {
 }
 
 TEST(Power_cycles, That_have_not_ended_last_until_now) {
-    auto const lines = {life_line("a", 1), transition(1, "0,1,1")};
+    std::vector<std::string> const lines{life_line("a", 1), transition(1, "0,1,1")};
     auto const length = [&](Present const& present) {
         auto const told = power_cycles(records_of(lines), present).back().told;
         return told.end - told.begin;
