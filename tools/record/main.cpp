@@ -71,7 +71,7 @@ std::unique_ptr<Page_view> opened(std::string const& path, Complaint& complaint)
     }
 }
 
-void take(Recorder& recorder, Page_view const& view) {
+void show(Recorder& recorder, Page_view const& view) {
     auto const events = view.events();
     auto const page = view.snapshot();
     recorder.look(page, look_at(events));
@@ -87,10 +87,10 @@ record::Records records_before(std::string const& directory, Complaint& complain
     }
 }
 
-void take_previous(Options const& options, Recorder& recorder, Complaint& complaint) {
+void show_previous(Options const& options, Recorder& recorder, Complaint& complaint) {
     auto const earlier = opened(options.page + status::k_previous, complaint);
     if (earlier) {
-        take(recorder, *earlier);
+        show(recorder, *earlier);
     }
 }
 
@@ -98,7 +98,7 @@ void take_previous(Options const& options, Recorder& recorder, Complaint& compla
 std::unique_ptr<Page_view> newest(Options const& options, Recorder& recorder, Complaint& complaint) {
     auto view = opened(options.page, complaint);
     if (view) {
-        take_previous(options, recorder, complaint);
+        show_previous(options, recorder, complaint);
     }
     return view;
 }
@@ -106,11 +106,11 @@ std::unique_ptr<Page_view> newest(Options const& options, Recorder& recorder, Co
 // Goes on for a moment after the wish to end: the daemon's farewell may be on its way.
 void follow(Options const& options, Recorder& recorder, record::Record_files const& files, Complaint& disk) {
     Complaint complaint;
-    take_previous(options, recorder, complaint);
+    show_previous(options, recorder, complaint);
     std::unique_ptr<Page_view> view;
     for (Number end_at = 0;;) {
         if (view && view->is_outdated()) {
-            take(recorder, *view);
+            show(recorder, *view);
             view.reset();
         }
         view = view ? std::move(view) : newest(options, recorder, complaint);

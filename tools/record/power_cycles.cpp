@@ -31,7 +31,7 @@ class Teller {
         }
     }
 
-    void take(Recorded_event const& event) {
+    void note(Recorded_event const& event) {
         if (event.at < recorded_.from) {
             return;
         }
@@ -49,12 +49,12 @@ class Teller {
                 hold_released(event.numbers[0], event.text, event.at);
                 break;
             default:
-                take_request(told(), event);
-                take_trouble(told(), event);
+                note_request(told(), event);
+                note_trouble(told(), event);
         }
     }
 
-    void take(Recorded_count const& counted) {
+    void note(Recorded_count const& counted) {
         if (counted.at > last_at_) {
             last_at_ = counted.at;
             last_real_ = counted.real;
@@ -164,11 +164,11 @@ std::vector<Power_cycle> power_cycles(Records const& records, Present const& pre
         auto counted = life.counted.begin();
         for (auto const& event : life.events) {
             for (; counted != life.counted.end() && counted->at < event.at; ++counted) {
-                teller.take(*counted);
+                teller.note(*counted);
             }
-            teller.take(event);
+            teller.note(event);
         }
-        std::for_each(counted, life.counted.end(), [&](Recorded_count const& rest) { teller.take(rest); });
+        std::for_each(counted, life.counted.end(), [&](Recorded_count const& rest) { teller.note(rest); });
         auto told = teller.end(end_of(life, boot_after, present), present.now);
         std::move(told.begin(), told.end(), std::back_inserter(cycles));
     }

@@ -84,7 +84,7 @@ void close_group(trace::Life& cycle, Number at) {
     }
 }
 
-void take_request(trace::Life& cycle, Recorded_event const& event) {
+void note_request(trace::Life& cycle, Recorded_event const& event) {
     switch (static_cast<Event_kind>(event.kind)) {
         case Event_kind::group_asked:
             return group_asked(cycle, event);

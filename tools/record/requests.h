@@ -18,7 +18,7 @@ void close_sequence(trace::Life& cycle, Number at, Number state);
 void close_group(trace::Life& cycle, Number at);
 
 /// With each other event; those of something else are left alone.
-void take_request(trace::Life& cycle, Recorded_event const& event);
+void note_request(trace::Life& cycle, Recorded_event const& event);
 
 }  // namespace statectl::record
 

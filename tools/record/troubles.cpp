@@ -18,7 +18,7 @@ void remark(std::vector<trace::Remark>& remarks, Recorded_event const& event, st
 
 }  // namespace
 
-void take_trouble(trace::Life& cycle, Recorded_event const& event) {
+void note_trouble(trace::Life& cycle, Recorded_event const& event) {
     auto const key = "command \"" + command_word(event.numbers[0]) + '"';
     bool const has_failed = event.numbers[0] != 0;
     switch (static_cast<Event_kind>(event.kind)) {

@@ -8,7 +8,7 @@ namespace statectl::record {
 
 /// Remarks what went wrong in a power cycle, and which commands came to nothing, as its events tell it one after the
 /// other; those of something else are left alone.
-void take_trouble(trace::Life& cycle, Recorded_event const& event);
+void note_trouble(trace::Life& cycle, Recorded_event const& event);
 
 }  // namespace statectl::record
 

@@ -52,15 +52,15 @@ class Following : public testing::Test {
     void look() {
         auto snapshot = snapshot_of(*page, 3);
         snapshot.is_alive = true;
-        take(snapshot, status::now());
+        look(snapshot, status::now());
     }
     /// Finds the daemon gone, so long after its last sign of life.
     void find_gone(Number silent) {
         auto snapshot = snapshot_of(*page, 3);
         snapshot.silent = silent;
-        take(snapshot, status::now());
+        look(snapshot, status::now());
     }
-    void take(Snapshot const& snapshot, Number now) {
+    void look(Snapshot const& snapshot, Number now) {
         recorder->look(snapshot, {now, now + k_second, page->events.load()});
     }
     void run() { status::transition(0, 1, 0); }
