@@ -112,7 +112,7 @@ for path in [ROOT / "README.md", ROOT / "CONTRIBUTING.md", *sorted((ROOT / "docs
                 check_script(page, line, program, rest)
             elif program == "cmake":
                 check_cmake(page, line, rest)
-            elif re.fullmatch(f"build/{BUILD.name}/[/\\w]+", program):
+            elif re.fullmatch(f"build/{BUILD.name}/[/\\w]+", program) and not (ROOT / program).is_dir():
                 check_program(page, line, program)
             else:
                 looked_at -= 1
