@@ -44,6 +44,36 @@ inline rlim_t allow_descriptors(rlim_t needed) {
     return limit.rlim_cur;
 }
 
+/// So many descriptors can still be opened while it lives.
+class Descriptors_left {
+ public:
+    explicit Descriptors_left(std::size_t left) {
+        ::getrlimit(RLIMIT_NOFILE, &before_);
+        rlimit few = before_;
+        few.rlim_cur = std::min<rlim_t>(before_.rlim_max, static_cast<rlim_t>(next_descriptor()) + 20);
+        ::setrlimit(RLIMIT_NOFILE, &few);
+        for (int taken = ::dup(0); taken >= 0; taken = ::dup(0)) {
+            taken_.push_back(taken);
+        }
+        for (std::size_t i = 0; i < left; ++i) {
+            ::close(taken_.back());
+            taken_.pop_back();
+        }
+    }
+    ~Descriptors_left() {
+        for (int const taken : taken_) {
+            ::close(taken);
+        }
+        ::setrlimit(RLIMIT_NOFILE, &before_);
+    }
+    Descriptors_left(Descriptors_left const&) = delete;
+    Descriptors_left& operator=(Descriptors_left const&) = delete;
+
+ private:
+    rlimit before_{};
+    std::vector<int> taken_;
+};
+
 }  // namespace test_support
 
 #endif

@@ -101,8 +101,8 @@ bool Log_engine::drain() {
         deliver(*message_);
     }
     is_stuck_ = !has_room();
-    report_drops();
-    return queue_.size() == 0;
+    bool const all_drops_are_told = report_drops();
+    return queue_.size() == 0 && all_drops_are_told;
 }
 
 bool Log_engine::has_room() {
@@ -116,10 +116,13 @@ void Log_engine::deliver(Queued_message const& message) {
     }
 }
 
-void Log_engine::report_drops() {
+bool Log_engine::report_drops() {
     auto const dropped = dropped_.load();
-    if (dropped == reported_drops_ || !has_room()) {
-        return;
+    if (dropped == reported_drops_) {
+        return true;
+    }
+    if (!has_room()) {
+        return false;
     }
     Argument_encoder arguments;
     arguments.add_text("Log queue was full, messages dropped: ");
@@ -129,6 +132,7 @@ void Log_engine::report_drops() {
                         arguments.count(), LogLevel::kWarn};
     std::copy_n(arguments.data(), arguments.size(), message_->arguments.begin());
     deliver(*message_);
+    return true;
 }
 
 void Log_engine::start_writer() {

@@ -75,7 +75,7 @@ class Log_engine {
     void stop_writer();
 
     /// Hands everything queued to the sinks, but not what comes meanwhile: others may want the log, too. False when
-    /// something is left.
+    /// something is left, the report of dropped messages included.
     bool drain();
 
  private:
@@ -83,7 +83,7 @@ class Log_engine {
 
     void deliver(Queued_message const& message) REQUIRES(consumer_);
     void give_up_the_rest();
-    void report_drops() REQUIRES(consumer_);
+    bool report_drops() REQUIRES(consumer_);  ///< false when there are some and no sink has room for the report
     bool has_room() REQUIRES(consumer_);
     void decide_about_waiting() REQUIRES(consumer_);
 

@@ -5,6 +5,7 @@
 #include "ara/exec/application_client.h"
 #include "support/log_capture.h"
 #include "support/notify_socket.h"
+#include "support/open_descriptors.h"
 
 #include <cerrno>
 #include <chrono>
@@ -129,6 +130,32 @@ TEST(Service_notification, Leaves_the_watchdog_where_nobody_heard_that_the_proce
     EXPECT_EQ(ara::core::watchdog_time(), std::chrono::seconds(2));
     ::unsetenv("NOTIFY_SOCKET");
     ::unsetenv("WATCHDOG_USEC");
+}
+
+TEST(Service_notification, Knows_a_name_that_is_none) {
+    constexpr std::size_t k_longest = sizeof sockaddr_un::sun_path - 1;
+    struct Row {
+        std::string name;
+        int error;
+    };
+    for (auto const& [name, error] : {Row{"", EINVAL}, Row{"/" + std::string(k_longest - 1, 'n'), ENOENT},
+                                      Row{"/" + std::string(k_longest, 'n'), EINVAL},
+                                      Row{"/" + std::string(k_longest + 1, 'n'), EINVAL}, Row{"@none", ECONNREFUSED}}) {
+        ::setenv("NOTIFY_SOCKET", name.c_str(), 1);
+        EXPECT_EQ(ara::core::Beats().send().value(), error) << name;
+    }
+    ::unsetenv("NOTIFY_SOCKET");
+}
+
+TEST(Service_notification, Beats_as_soon_as_there_is_a_descriptor) {
+    test_support::Notify_socket const service_manager;
+    ara::core::Beats sut;
+    {
+        test_support::Descriptors_left const none(0);
+        EXPECT_EQ(sut.send().value(), EMFILE);
+    }
+    EXPECT_FALSE(sut.send());
+    EXPECT_THAT(service_manager.received(), ElementsAre("WATCHDOG=1"));
 }
 
 TEST(Service_notification, Gives_up_in_time_when_the_queue_of_the_service_manager_stays_full) {

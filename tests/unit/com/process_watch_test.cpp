@@ -1,14 +1,11 @@
 #include "ara/com/dds/offers/process_watch.h"
 
 #include "ara/com/dds/offers/process_space.h"
-#include "base/descriptor.h"
 #include "idle_process.h"
 #include "support/open_descriptors.h"
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <deque>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -16,7 +13,6 @@
 #include <vector>
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
 namespace ara::com::dds {
 namespace {
@@ -111,35 +107,11 @@ TEST_F(Process_watch_test, Sixty_four_processes_are_watched_at_most) {
     EXPECT_EQ(descriptors(), with_one + 63);
 }
 
-/// So many descriptors can still be opened while it lives.
-class Descriptors_left {
- public:
-    explicit Descriptors_left(std::size_t left) {
-        ::getrlimit(RLIMIT_NOFILE, &before_);
-        rlimit few = before_;
-        few.rlim_cur = std::min<rlim_t>(before_.rlim_max, static_cast<rlim_t>(test_support::next_descriptor()) + 20);
-        ::setrlimit(RLIMIT_NOFILE, &few);
-        for (int taken = ::dup(0); taken >= 0; taken = ::dup(0)) {
-            taken_.emplace_back(taken);
-        }
-        for (std::size_t i = 0; i < left; ++i) {
-            taken_.pop_back();
-        }
-    }
-    ~Descriptors_left() { ::setrlimit(RLIMIT_NOFILE, &before_); }
-    Descriptors_left(Descriptors_left const&) = delete;
-    Descriptors_left& operator=(Descriptors_left const&) = delete;
-
- private:
-    rlimit before_{};
-    std::deque<base::Descriptor> taken_;
-};
-
 // It takes one for the process, and two for its thread.
 TEST_F(Process_watch_test, What_finds_no_descriptor_is_watched_when_it_is_asked_for_again) {
     Idle_process process;
     for (std::size_t const left : {0U, 1U, 2U}) {
-        Descriptors_left const few(left);
+        test_support::Descriptors_left const few(left);
         EXPECT_TRUE(sut_.watch(process.id()));
     }
     EXPECT_TRUE(sut_.watch(process.id()));

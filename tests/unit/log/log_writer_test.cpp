@@ -1,6 +1,7 @@
 #include "ara/log/log_writer.h"
 
 #include "ara/log/message_queue.h"
+#include "support/open_descriptors.h"
 
 #include <atomic>
 #include <chrono>
@@ -105,6 +106,19 @@ TEST(Log_writer, Finds_the_messages_of_several_threads_the_last_included) {
         sender.join();
     }
     EXPECT_TRUE(sut.counts(k_senders * k_messages));
+}
+
+// With none it has neither of those that wake it, with one no alarm.
+TEST(Log_writer, Finds_each_message_where_the_system_has_no_descriptors_left_for_it) {
+    for (std::size_t const left : {0U, 1U}) {
+        test_support::Descriptors_left const few(left);
+        Counted_queue sut(milliseconds(1));
+        unsigned sent = 0;
+        for (bool const is_severe : {false, true, false, false, true}) {
+            sut.send(is_severe);
+            EXPECT_TRUE(sut.counts(++sent)) << left;
+        }
+    }
 }
 
 TEST(Log_writer, Does_not_look_while_nothing_was_sent) {

@@ -48,7 +48,7 @@ using testing::ElementsAre;
 class Narrow_sink : public Keeping_sink {
  public:
     using Keeping_sink::Keeping_sink;
-    bool has_room() override { return room != 0; }
+    bool has_room() override { return room > 0; }
     void write(Queued_message const& message) override {
         --room;
         Keeping_sink::write(message);
@@ -74,6 +74,39 @@ TEST(Stuck_sink, Leaves_messages_in_the_queue_and_tells_of_drops_when_it_has_roo
     ASSERT_EQ(lines.size(), Message_queue::k_slots - Message_queue::k_kept_slots + 2);
     EXPECT_EQ(lines[lines.size() - 2], "4 last words");
     EXPECT_EQ(lines.back(), "3 Log queue was full, messages dropped:  256");
+}
+
+/// Has room at as many questions as it is told, and at none after.
+class Fickle_sink : public Keeping_sink {
+ public:
+    using Keeping_sink::Keeping_sink;
+    bool has_room() override { return yeses-- > 0; }
+    static inline int yeses = 0;
+};
+
+// Nobody would look again before the next message.
+TEST(Stuck_sink, Is_done_with_the_queue_only_when_it_has_told_of_drops_at_whichever_question_its_room_is_lost) {
+    static std::vector<std::string> lines;
+    auto& engine = Log_engine::instance();
+    Narrow_sink::room = 0;
+    engine.add_sink(std::make_unique<Fickle_sink>(lines), LogLevel::kVerbose);
+    constexpr int k_kept = Message_queue::k_slots - Message_queue::k_kept_slots;
+    for (int yeses = k_kept - 1; yeses < k_kept + 5; ++yeses) {
+        lines.clear();
+        Fickle_sink::yeses = 0;
+        engine.drain();
+        for (int number = 0; number <= k_kept; ++number) {
+            LogDebug() << number;
+        }
+        Fickle_sink::yeses = yeses;
+        if (!engine.drain()) {
+            Fickle_sink::yeses = 10'000;
+            EXPECT_TRUE(engine.drain());
+        }
+        ASSERT_EQ(lines.size(), k_kept + 1) << yeses;
+        EXPECT_EQ(lines.back(), "3 Log queue was full, messages dropped:  1") << yeses;
+    }
+    Fickle_sink::yeses = 0;
 }
 
 milliseconds waited(std::uint64_t left, std::uint64_t taken_each_time) {
