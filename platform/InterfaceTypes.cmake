@@ -3,7 +3,8 @@ find_program(IDLC_PROGRAM idlc REQUIRED)
 
 # add_interface_types(NAME target IDL file...)
 #   Compiles IDL files into a library; <file>.idl gives the header <file>.h. They may include rpc_headers.idl, the headers
-#   of requests and replies.
+#   of requests and replies. They have no type information (-t): making a topic that has some, the engine (0.10.2) looks
+#   through the known endpoints of others, also at those that it has just freed.
 function(add_interface_types)
     cmake_parse_arguments(PARSE_ARGV 0 T "" "NAME" "IDL")
     set(out ${CMAKE_CURRENT_BINARY_DIR}/${T_NAME})
@@ -14,7 +15,7 @@ function(add_interface_types)
         cmake_path(GET idl STEM stem)
         add_custom_command(OUTPUT ${out}/${stem}.c ${out}/${stem}.h
             COMMAND ${CMAKE_COMMAND} -E make_directory ${out}
-            COMMAND ${IDLC_PROGRAM} -f case-sensitive -W no-implicit-extensibility -I ${include_dir} -o ${out} ${idl}
+            COMMAND ${IDLC_PROGRAM} -t -f case-sensitive -W no-implicit-extensibility -I ${include_dir} -o ${out} ${idl}
             DEPENDS ${idl} ${include_dir}/rpc_headers.idl VERBATIM)
         list(APPEND generated ${out}/${stem}.c ${out}/${stem}.h)
     endforeach()

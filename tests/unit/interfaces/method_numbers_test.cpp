@@ -1,4 +1,4 @@
-// The numbers of the methods, which clients of other makes put into their requests.
+// The numbers of the methods, which clients of other makes put into their requests, and what else they see of types.
 
 #include "completed.h"
 #include "dsa_interface.h"
@@ -157,6 +157,22 @@ TEST(Method_numbers, Beyond_the_last_method_call_nothing) {
 
     EXPECT_THAT(alive.called, ElementsAre("request"));
     EXPECT_THAT(restart.called, testing::IsEmpty());
+}
+
+// The engine looks through the endpoints of others for the sake of it, also through those that it has just freed.
+TEST(Types, Have_no_type_information) {
+    auto const has_some = [](ara::com::Topic_type const& type) {
+        return (static_cast<dds_topic_descriptor_t const*>(type.descriptor)->m_flagset & DDS_TOPIC_XTYPES_METADATA) !=
+               0;
+    };
+    for (auto const* service : {&ap::k_state_management_alive_interface, &ap::k_state_management_com_alive_interface,
+                                &ap::k_state_management_cwu_interface, &ap::k_dsa_interface,
+                                &udpnm::k_network_state_interface, &udpnm::k_user_data_interface}) {
+        EXPECT_FALSE(has_some(service->request)) << service->name;
+        EXPECT_FALSE(has_some(service->reply)) << service->name;
+    }
+    EXPECT_FALSE(has_some(udpnm::k_network_state.sample));
+    EXPECT_FALSE(has_some(udpnm::k_user_data_changed.sample));
 }
 
 }  // namespace
