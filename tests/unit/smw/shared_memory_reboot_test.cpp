@@ -5,6 +5,7 @@
 #include "support/temporary_directory.h"
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -20,17 +21,14 @@ using test_support::Temporary_directory;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Notes the words instead of writing them; fails as it is told, then succeeds.
+/// Notes the words instead of writing them; succeeds and fails as it is told.
 class Noting_reboot : public Shared_memory_reboot {
  public:
     explicit Noting_reboot(std::deque<bool> results)
         : Shared_memory_reboot("/dev/null"), results_(std::move(results)) {}
     bool write_to_memory(std::string data) override {
         words.push_back(std::move(data));
-        if (results_.empty()) {
-            return true;
-        }
-        bool const result = results_.front();
+        bool const result = results_.at(0);
         results_.pop_front();
         return result;
     }
@@ -52,64 +50,30 @@ TEST(Shared_memory_reboot_test, A_request_that_gets_through_is_the_only_word) {
     EXPECT_EQ(directory.read("command_request"), "restartaorestartm3");
 }
 
-TEST(Shared_memory_reboot_test, A_request_that_fails_is_cancelled_and_made_once_more) {
-    Noting_reboot sut({false});
+// What becomes of the cancel changes nothing, and nothing here is logged.
+TEST(Shared_memory_reboot_test, A_request_that_fails_is_cancelled_and_made_once_more_and_told_when_both_fail) {
+    std::vector<std::pair<std::string, std::function<void(Shared_memory_reboot&)>>> const requests{
+        {"restartao", [](auto& sut) { sut.restart_vm(); }},
+        {"restartm3", [](auto& sut) { sut.restart_m3(); }},
+        {"restartx", [](auto& sut) { sut.try_reboot("restartx"); }}};
+    for (auto const& [word, request] : requests) {
+        for (unsigned outcomes = 0; outcomes < 8; ++outcomes) {
+            bool const first = (outcomes & 1U) != 0;
+            bool const second = (outcomes & 2U) != 0;
+            auto const page = std::make_unique<status::Page>();
+            status::set_page(page.get());
+            Log_capture log;
+            Noting_reboot sut({first, (outcomes & 4U) != 0, second});
 
-    sut.restart_vm();
+            request(sut);
+            status::set_page(nullptr);
 
-    EXPECT_THAT(sut.words, ElementsAre("restartao", "cancel", "restartao"));
-}
-
-TEST(Shared_memory_reboot_test, The_co_processor_s_restart_is_cancelled_in_the_same_way) {
-    Noting_reboot sut({false});
-
-    sut.restart_m3();
-
-    EXPECT_THAT(sut.words, ElementsAre("restartm3", "cancel", "restartm3"));
-}
-
-TEST(Shared_memory_reboot_test, A_cancel_that_fails_changes_nothing) {
-    Noting_reboot sut({false, false});
-
-    sut.restart_vm();
-
-    EXPECT_THAT(sut.words, ElementsAre("restartao", "cancel", "restartao"));
-}
-
-TEST(Shared_memory_reboot_test, A_second_failure_is_the_end_of_it) {
-    Noting_reboot sut({false, true, false});
-
-    sut.restart_vm();
-
-    EXPECT_THAT(sut.words, ElementsAre("restartao", "cancel", "restartao"));
-}
-
-TEST(Shared_memory_reboot_test, Only_a_request_that_never_got_through_is_told_as_failed) {
-    auto const page = std::make_unique<status::Page>();
-    status::set_page(page.get());
-    Noting_reboot({false}).restart_vm();
-    EXPECT_EQ(status::own(page->counters.restarts_failed), 0U);
-    Noting_reboot({false, true, false}).restart_vm();
-    status::set_page(nullptr);
-    EXPECT_EQ(status::own(page->counters.restarts_failed), 1U);
-}
-
-TEST(Shared_memory_reboot_test, Any_word_may_be_tried) {
-    Noting_reboot sut({false});
-
-    sut.try_reboot("restartx");
-
-    EXPECT_THAT(sut.words, ElementsAre("restartx", "cancel", "restartx"));
-}
-
-TEST(Shared_memory_reboot_test, It_logs_nothing_of_its_own) {
-    Log_capture log;
-    Noting_reboot sut({false, false, false});
-
-    sut.restart_vm();
-    sut.restart_m3();
-
-    EXPECT_THAT(log.messages(), IsEmpty());
+            auto const words = first ? std::vector{word} : std::vector<std::string>{word, "cancel", word};
+            EXPECT_EQ(sut.words, words) << word << " with outcomes " << outcomes;
+            EXPECT_EQ(status::own(page->counters.restarts_failed), first || second ? 0U : 1U);
+            EXPECT_THAT(log.messages(), IsEmpty());
+        }
+    }
 }
 
 TEST(Shared_memory_reboot_test, Each_of_three_real_failures_is_told) {

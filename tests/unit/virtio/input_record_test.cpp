@@ -1,18 +1,18 @@
 #include "statemanager/virtio/input_record.h"
 
+#include <cstdint>
+#include <map>
+#include <optional>
+
 #include <gmock/gmock.h>
 
 namespace ximo::ap::statemanager::virtio {
 namespace {
 
-using testing::Eq;
-using testing::Optional;
+constexpr unsigned k_key = 1;
+constexpr unsigned k_power = 22;
 
-using Codes = std::initializer_list<std::uint16_t>;
-
-constexpr std::uint16_t k_key = 1;
-constexpr std::uint16_t k_power = 22;
-
+// What stands before them is the time stamp.
 TEST(Input_record, Is_taken_apart_at_its_offsets_least_significant_byte_first) {
     Input_record_bytes bytes{};
     bytes.fill(0xEE);
@@ -43,60 +43,33 @@ TEST(Input_record, Type_and_code_have_no_sign_and_the_value_has_one) {
     EXPECT_EQ(record.value, -1);
 }
 
-TEST(Input_record, The_time_stamp_does_not_matter) {
-    Input_record_bytes bytes{};
-    for (std::size_t i = 0; i < 16; ++i) {
-        bytes.at(i) = 0xFF;
-    }
+std::map<unsigned, Virtio_command> const k_commands{{19, Virtio_command::run},
+                                                    {49, Virtio_command::nm_controlled},
+                                                    {31, Virtio_command::nm_controlled_prepare_sd},
+                                                    {25, Virtio_command::prepare_sd},
+                                                    {116, Virtio_command::shutdown}};
 
-    Input_record const record = decode_input_record(bytes);
-
-    EXPECT_EQ(record.type, 0);
-    EXPECT_EQ(record.code, 0);
-    EXPECT_EQ(record.value, 0);
+std::optional<Virtio_command> expected(unsigned type, unsigned code, std::int32_t value) {
+    bool const is_press = value == 1 && (type == k_key || (type == k_power && code == 116));
+    return is_press && k_commands.count(code) != 0 ? std::optional(k_commands.at(code)) : std::nullopt;
 }
 
-TEST(Input_record, Each_key_press_is_its_command) {
-    EXPECT_THAT(command_of({k_key, 19, 1}), Optional(Virtio_command::run));
-    EXPECT_THAT(command_of({k_key, 49, 1}), Optional(Virtio_command::nm_controlled));
-    EXPECT_THAT(command_of({k_key, 31, 1}), Optional(Virtio_command::nm_controlled_prepare_sd));
-    EXPECT_THAT(command_of({k_key, 25, 1}), Optional(Virtio_command::prepare_sd));
-    EXPECT_THAT(command_of({k_key, 116, 1}), Optional(Virtio_command::shutdown));
+void expect_command(unsigned type, unsigned code, std::int32_t value) {
+    ASSERT_EQ(command_of({static_cast<std::uint16_t>(type), static_cast<std::uint16_t>(code), value}),
+              expected(type, code, value))
+        << type << ' ' << code << ' ' << value;
 }
 
-TEST(Input_record, Only_the_power_key_may_come_as_a_power_event) {
-    EXPECT_THAT(command_of({k_power, 116, 1}), Optional(Virtio_command::shutdown));
-    for (std::uint16_t const code : Codes{19, 25, 31, 49}) {
-        EXPECT_THAT(command_of({k_power, code, 1}), Eq(std::nullopt)) << code;
-    }
-}
-
-TEST(Input_record, A_release_a_repeat_and_any_other_value_are_no_command) {
-    for (std::uint16_t const code : Codes{19, 25, 31, 49, 116}) {
-        for (std::int32_t const value : {0, 2, -1, 257, 65537}) {
-            EXPECT_THAT(command_of({k_key, code, value}), Eq(std::nullopt)) << code << ' ' << value;
-            EXPECT_THAT(command_of({k_power, code, value}), Eq(std::nullopt)) << code << ' ' << value;
+TEST(Input_record, Is_a_command_when_a_known_key_is_pressed_or_power_comes_as_a_power_event_and_else_never) {
+    for (auto const value : {1, 0, 2, -1, 257, 65537}) {
+        for (unsigned number = 0; number <= 65535; ++number) {
+            expect_command(k_key, number, value);
+            expect_command(k_power, number, value);
         }
-    }
-}
-
-TEST(Input_record, Every_other_code_is_no_command) {
-    for (std::uint32_t code = 0; code <= 65535; ++code) {
-        if (code == 19 || code == 25 || code == 31 || code == 49 || code == 116) {
-            continue;
-        }
-        ASSERT_THAT(command_of({k_key, static_cast<std::uint16_t>(code), 1}), Eq(std::nullopt)) << code;
-        ASSERT_THAT(command_of({k_power, static_cast<std::uint16_t>(code), 1}), Eq(std::nullopt)) << code;
-    }
-}
-
-TEST(Input_record, Every_other_type_is_no_command) {
-    for (std::uint32_t type = 0; type <= 65535; ++type) {
-        if (type == k_key || type == k_power) {
-            continue;
-        }
-        for (std::uint16_t const code : Codes{19, 25, 31, 49, 116}) {
-            ASSERT_THAT(command_of({static_cast<std::uint16_t>(type), code, 1}), Eq(std::nullopt)) << type;
+        for (auto const& [code, command] : k_commands) {
+            for (unsigned type = 0; type <= 65535; ++type) {
+                expect_command(type, code, value);
+            }
         }
     }
 }
