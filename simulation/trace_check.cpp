@@ -21,17 +21,15 @@ using Finding = Trace_verdict::Kind;
 
 constexpr std::size_t k_most_orders = 200;
 
-/// What other threads tell between the two waits before a place, and what they told in the wait between them.
+/// What came from outside between the two waits before a place, and in the wait between them.
 std::vector<std::size_t> concurrent_before(Trace_life const& trace, std::size_t place) {
     constexpr int k_cycles = 3;
     constexpr std::size_t k_most = 12;
     std::vector<std::size_t> places;
     int cycles = 0;
     for (place = std::min(place + 1, trace.size()); place > 0 && cycles < k_cycles && places.size() < k_most; --place) {
-        auto const& message = trace[place - 1];
-        cycles += begins_wait(message) ? 1 : 0;
-        auto const family = family_of(argument(message, 0));
-        if (family != Family::none ? family != Family::driver : says(message, "SIGTERM") || ends_search(message)) {
+        cycles += begins_wait(trace[place - 1]) ? 1 : 0;
+        if (is_input(trace[place - 1])) {
             places.push_back(place - 1);
         }
     }

@@ -23,6 +23,11 @@ namespace {
 using dlt::Message;
 using Finding = Trace_verdict::Kind;
 
+bool needs_network(Family family) {
+    return family == Family::network || family == Family::requests || family == Family::ecu ||
+           family == Family::ecu_release;
+}
+
 class Walk {
  public:
     Walk(Trace_life const& trace, std::string const& configuration, Order const& order)
@@ -172,7 +177,7 @@ void Walk::pass(std::size_t place) {
         return;
     }
     auto const family = family_of(argument(message, 0));
-    if (!has_network_ && !has_left_ && (family == Family::network || family == Family::requests)) {
+    if (!has_network_ && !has_left_ && needs_network(family)) {
         held_.push_back(place);
         return;
     }

@@ -9,8 +9,9 @@
 
 namespace simulation {
 
-/// Whose lines they are. One thread writes them, or several under one mutex.
-enum class Family { driver, network, requests, restart, server, signal, none };
+/// Whose lines they are. One thread writes them, or several under one mutex; but `ecu`, which threads write before they
+/// wait for that mutex, and `ecu_release`, which follows from one of these when it has it.
+enum class Family { driver, network, requests, ecu, ecu_release, restart, server, signal, none };
 
 /// That of the line that begins so.
 Family family_of(std::string_view text);
