@@ -40,6 +40,8 @@ constexpr std::array k_words{Words{"AP_StateManger transition from", Family::dri
                              Words{"AP_StateManger reporting kTerminating", Family::driver},
                              Words{"We received the notification", Family::network},
                              Words{"Ecu state based on NM activity", Family::network},
+                             Words{"State_manager::ecu_alive_request:  End standby call", Family::driver},
+                             Words{"State_manager::ecu_alive_release:  Standby call", Family::driver},
                              Words{"State_manager::ecu_alive_release network", Family::ecu_release},
                              Words{"State_manager::ecu_alive_", Family::ecu},
                              Words{"State_manager::", Family::requests},

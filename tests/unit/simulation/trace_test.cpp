@@ -72,6 +72,27 @@ TEST(A_kept_trace, A_client_that_was_not_asked_in_its_turn_is_found) {
     EXPECT_EQ(verdict_on(life).kind, Trace_verdict::Kind::disagrees);
 }
 
+/// Calls for the ECU, written before they wait for the mutex that the call at the place has: this many applications'.
+Trace_life with_calls_in_another(Trace_life life, std::size_t count) {
+    auto const begins = [](char const* words) {
+        return [=](dlt::Message const& message) { return says(message, words); };
+    };
+    auto const call = std::find_if(life.begin(), life.end(), begins("State_manager::ecu_alive_request: "));
+    auto const other = std::find_if(call, life.end(), begins("State_manager::handle_com_alive_request("));
+    if (other == life.end()) {
+        throw std::logic_error("the trace has no such lines");
+    }
+    auto const message = *call;
+    life.insert(other + 1, count, message);
+    return life;
+}
+
+// More of them than there are orders to try.
+TEST(A_kept_trace, Calls_for_the_ecu_may_be_told_in_the_middle_of_another_call) {
+    auto const verdict = verdict_on(with_calls_in_another(kept_lives().front(), 250));
+    EXPECT_EQ(verdict.kind, Trace_verdict::Kind::agrees) << verdict.text;
+}
+
 TEST(A_kept_trace, Other_bits_of_the_network_are_found) {
     auto life = kept_lives().front();
     auto const place = place_of(life, "State_manager::set_user_data(", ")");
