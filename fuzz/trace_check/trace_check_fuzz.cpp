@@ -1,5 +1,5 @@
-// Traces of any bytes, held against the rules: they are refused with one sentence, or each life in them has a verdict, which
-// says where and why unless it agrees, and counts no more steps than there are messages.
+// Traces of any bytes, held against the rules: they are refused with one sentence, or each life in them has a verdict,
+// which says where and why unless it agrees, and counts no more steps than there are messages.
 #include "require.h"
 #include "simulation/trace_check.h"
 #include "simulation/trace_life.h"
