@@ -1,14 +1,20 @@
 #include "statemanager/state_manager.h"
 
+#include "ara/phm/phm_client.h"
+#include "ara/phm/supervision_entity.h"
+#include "statemanager/phm/supervision_manager.h"
 #include "statemanager/states/state_interface.h"
 #include "status/page_writer.h"
 #include "support/fake_client_states.h"
 #include "support/fake_neighbours.h"
 #include "support/fake_service_handler.h"
 #include "support/log_capture.h"
+#include "support/no_memory.h"
 #include "support/notify_socket.h"
 #include "support/temporary_directory.h"
 
+#include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -279,6 +285,69 @@ TEST_F(Driver_after_a_flood, Tells_at_its_end_what_was_lost_after_the_last_beat)
     status::set_page(nullptr);
     EXPECT_GT(ara::log::LostMessages(), 0U);
     EXPECT_EQ(status::own(page->driver.log_lost), ara::log::LostMessages());
+}
+
+/// What a hypervisor presses that takes no memory of its own.
+class Quiet_input : public virtio::Virtio_interface_abstract {
+ public:
+    explicit Quiet_input(Virtio_command& pressed) : pressed_(pressed) {}
+
+    bool init(std::string /*device_directory*/) override { return true; }
+    Virtio_command get_command(unsigned int /*timeout_ms*/) override { return pressed_; }
+    void command_consumed() override { pressed_ = Virtio_command::none; }
+
+ private:
+    Virtio_command& pressed_;
+};
+
+// Memory that can't be had would end the daemon, so a cycle in which nothing happens wants none: in each state, with
+// all levels logged and the beat sent.
+TEST_F(Driver, Takes_no_memory_in_a_cycle_without_a_transition) {
+    test_support::Notify_socket const service_manager;
+    ara::phm::Phm_client const client("state manager");
+    auto pressed = Virtio_command::none;
+    State_manager quiet(
+        configuration, services, em, std::make_unique<Quiet_input>(pressed),
+        std::make_unique<phm::Supervision_manager>(std::make_unique<ara::phm::SupervisionEntity>(client)));
+    auto const rest_in = [&](char const* words) {
+        SCOPED_TRACE(words);
+        EXPECT_EQ(written(), words);
+        quiet.run_cyclic_task();  // what a state does once
+        log.clear();
+        bool wanted_memory = false;
+        {
+            test_support::No_memory const lack;
+            try {
+                quiet.run_cyclic_task();
+                quiet.run_cyclic_task();
+            } catch (std::bad_alloc const&) {
+                wanted_memory = true;
+            }
+            wanted_memory = wanted_memory || lack.was_met();
+        }
+        EXPECT_FALSE(wanted_memory);
+        EXPECT_EQ(written(), words);
+        EXPECT_THAT(log.messages(), Contains(logged(LogLevel::kVerbose, "Starting AP_StateManager run_cyclic_task")));
+    };
+    auto const press_and_enter = [&](Virtio_command command) {
+        pressed = command;
+        quiet.run_cyclic_task();
+    };
+    ASSERT_TRUE(quiet.init());
+    clients = test_support::last_made_clients;
+    rest_in("startingup");
+    services->nm_found = true;
+    quiet.run_cyclic_task();
+    rest_in("startinguprunning");
+    press_and_enter(Virtio_command::prepare_sd);
+    rest_in("startinguprunningpreparing");
+    for (int group = 0; group < 3; ++group) {
+        clients->requests.back().completed(client_state_notifier::Callback_status::succeeded, {});
+        quiet.run_cyclic_task();
+    }
+    rest_in("startinguprunningpreparingprepared4sd");
+    press_and_enter(Virtio_command::run);
+    rest_in("startinguprunningpreparingprepared4sdresuming");
 }
 
 TEST_F(Driver, Runs_without_any_collaborator) {
