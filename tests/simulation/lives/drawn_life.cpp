@@ -179,8 +179,14 @@ void Drawing::disturb() {
             return happens("service-manager " + answer +
                            (in_100(50) ? " after " + std::to_string(below(900)) + "ms" : ""));
         }
-        case 2:
+        case 2: {
+            if (in_100(25)) {
+                auto const manner = one_of({"refuses", "takes", "deaf"});
+                return happens("restart-file " + manner +
+                               (in_100(30) ? " after " + std::to_string(below(900)) + "ms" : ""));
+            }
             return happens("diagnostics restart " + std::to_string(below(7)));
+        }
         case 3:
             return happens(one_of({"others need network", "others release network"}));
         case 4:

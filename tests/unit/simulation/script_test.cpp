@@ -7,6 +7,7 @@
 #include "simulation/worst.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -277,6 +278,25 @@ TEST_P(Examples, Are_kept_and_the_same_each_time) {
     EXPECT_FALSE(outcome.verdicts.empty());
     EXPECT_TRUE(outcome.is_kept()) << text_of(outcome);
     EXPECT_EQ(json_of(outcome), json_of(played(text)));
+}
+
+/// FNV-1a.
+std::uint64_t hash_of(std::string const& text) {
+    std::uint64_t hash = 0xCBF29CE484222325U;
+    for (char const character : text) {
+        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001B3U;
+    }
+    return hash;
+}
+
+// On every machine. Whoever changes an example or what the daemon does in one changes this number.
+TEST(All_examples, Give_the_same_bytes_with_each_compiler) {
+    std::string all;
+    for (auto const& name : examples()) {
+        std::ifstream file(WHATIF_EXAMPLES "/" + name + ".whatif");
+        all += json_of(played({std::istreambuf_iterator<char>(file), {}}));
+    }
+    EXPECT_EQ(hash_of(all), 12193207007998595815U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Examples, testing::ValuesIn(examples()), [](auto const& example) {
