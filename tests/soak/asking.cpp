@@ -67,13 +67,14 @@ void Asking::send(std::string const& state) {
     }
 }
 
-// A request with the number 0 comes when the client connects, and nobody waits for its answer.
+// A request with the number 0 comes when the client connects, and nobody waits for its answer. One that stood still may
+// tell of a request by the daemon before.
 void Asking::hear_act(Event const& event, Finding const& finding) {
     auto const& act = event.act;
     auto& client = clients_[act.who];
     if (act.what == "connected") {
         at(client, ++client.client);
-    } else if (act.what == "asked" && act.status != 0) {
+    } else if (act.what == "asked" && act.status != 0 && client.client > 0) {
         auto& connection = at(client, client.client);
         auto const next = connection.received.size() + 1;
         auto const number = static_cast<std::size_t>(act.status);
