@@ -2,6 +2,7 @@
 
 import collections
 import concurrent.futures
+import ctypes
 import os
 import re
 import resource
@@ -16,6 +17,9 @@ JUDGES_AT_ONCE = 2 * AT_ONCE  # they wait for much of their time
 # What a changed program does to other processes ends with it.
 ALONE = ["unshare", *(["--map-root-user"] if os.geteuid() else []), "--pid", "--fork", "--kill-child", "--mount-proc"]
 
+LIBC = ctypes.CDLL(None)
+PR_SET_PDEATHSIG = 1
+
 Test = collections.namedtuple("Test", "program name seconds reached")
 
 
@@ -24,6 +28,7 @@ def run(program, names, variables, seconds, alone=()):
     def limits():
         resource.setrlimit(resource.RLIMIT_DATA, (4 << 30, 4 << 30))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+        LIBC.prctl(PR_SET_PDEATHSIG, signal.SIGKILL)  # when this one is ended, however
     with tempfile.TemporaryDirectory() as folder, tempfile.TemporaryFile() as said, subprocess.Popen(
             [*alone, BUILD / program, "--gtest_brief=1", "--gtest_fail_fast", "--gtest_filter=" + ":".join(names)],
             cwd=(BUILD / program).parent, stdin=subprocess.DEVNULL, stdout=said, stderr=subprocess.STDOUT,
