@@ -35,6 +35,7 @@ let shown = [];   // what the list has
 let isRunning = false;
 let lastTick = 0;
 let isToEnd = false;
+let isTrace = false;  // the timeline is that of a trace, and not of the script
 
 const seconds = (ms) => (ms / 1000).toFixed(3) + ' s';
 const isOver = () => timeline.length > 0 && timeline[timeline.length - 1].kind === 'end';
@@ -167,7 +168,7 @@ function show() {
 
 function go(to) {
   now = Math.max(0, Math.round(to));
-  if (now > played && !isOver()) play(now + ahead);
+  if (now > played && !isOver() && !isTrace) play(now + ahead);
   if (isOver() && now >= lastAt()) {
     now = Math.ceil(lastAt());
     isRunning = false;
@@ -176,6 +177,7 @@ function go(to) {
 }
 
 function playAgain() {
+  leaveTrace();
   const isGood = play(now + ahead);
   if (isGood) show();
   return isGood;
@@ -183,6 +185,7 @@ function playAgain() {
 
 // A line more, a millisecond after what is shown: nothing that was seen changes.
 function happen(what) {
+  leaveTrace();
   const script = byId('script');
   const before = script.value;
   const at = now + 1;
@@ -211,13 +214,73 @@ function begin(script) {
   byId('script').value = script;
   now = 0;
   isRunning = false;
+  isTrace = false;
   if (!play(ahead)) timeline = [];
   show();
 }
 
+// What is done next goes into the script's own life.
+function leaveTrace() {
+  if (!isTrace) return;
+  isTrace = false;
+  now = 0;
+}
+
+// The lives that `ap_statectl explain --json` tells, one after the other; the clock of a machine that was started again begins anew.
+function entriesOfTrace(lives) {
+  const entries = [];
+  const add = (at, kind, who, what) => {
+    if (!Number.isFinite(at)) throw new Error('a time is missing');
+    entries.push({ at, kind, who, what, text: `${who}: ${what}` });
+  };
+  let from = 0;
+  let over = -Infinity;
+  for (const life of lives) {
+    if (over === -Infinity) from = life.begin;
+    else if (life.begin < over) from -= over - life.begin;
+    over = life.end;
+    const at = (time) => (time - from) * 1000;
+    add(at(life.begin), 'life', `life ${life.ecu}`, `process ${life.process}`);
+    for (const one of life.states) add(at(one.begin), 'state', String(one.state), String(one.cause));
+    add(at(life.end), life === lives[lives.length - 1] ? 'end' : 'life', 'end', String(life.ending));
+  }
+  return entries;
+}
+
+function showTrace(lives) {
+  let entries;
+  try {
+    entries = entriesOfTrace(lives);
+    if (entries.length === 0) throw new Error('it has no life');
+  } catch (error) {
+    tell('the trace can\'t be shown: ' + error.message);
+    return;
+  }
+  tell('');
+  timeline = entries;
+  expectations = [];
+  isTrace = true;
+  isRunning = false;
+  byId('life').value = '';
+  played = Math.ceil(lastAt());
+  go(played);
+}
+
+function livesOf(text) {
+  try {
+    return JSON.parse(text).lives;
+  } catch (error) {
+    return undefined;  // no JSON: said by whoever takes it for a configuration
+  }
+}
+
 async function take(file) {
   const text = await file.text();
-  if (/^\s*\{/.test(text)) {
+  if (text.startsWith('DLT\u0001')) {
+    tell('a DLT file: what is shown here is the output of ap_statectl explain --json');
+  } else if (Array.isArray(livesOf(text))) {
+    showTrace(livesOf(text));
+  } else if (/^\s*\{/.test(text)) {
     const before = configuration;
     configuration = text;
     if (play(now + ahead)) {
@@ -256,11 +319,11 @@ function listen() {
   for (const button of document.querySelectorAll('[data-jump]')) button.onclick = () => go(now + Number(button.dataset.jump));
   byId('run').onclick = () => { isRunning = !isRunning && !(isOver() && now >= lastAt()); show(); };
   byId('next').onclick = () => {
-    if (!timeline.some((entry) => entry.at > now)) play(now + 10 * ahead);
+    if (!isTrace && !timeline.some((entry) => entry.at > now)) play(now + 10 * ahead);
     const next = timeline.find((entry) => entry.at > now);
     if (next) go(Math.ceil(next.at)); else go(played);
   };
-  byId('end').onclick = () => { if (play(0)) { now = played; isRunning = false; show(); } };
+  byId('end').onclick = () => { if (isTrace || play(0)) { now = played; isRunning = false; show(); } };
   byId('goto').onsubmit = (event) => {
     event.preventDefault();
     const to = Number(byId('when').value.replace(',', '.'));
@@ -271,7 +334,7 @@ function listen() {
     happen(`client ${byId('name').value} connects`);
     byId('name').value = '';
   };
-  byId('log').onchange = playAgain;
+  byId('log').onchange = () => { if (!isTrace) playAgain(); };
   byId('script').onchange = playAgain;
   byId('again').onclick = () => { byId('life').value = ''; begin(firstScript); };
   byId('life').onchange = () => {
