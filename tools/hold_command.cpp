@@ -1,6 +1,6 @@
 // ap_statectl hold: three processes. ap_statectl starts a guardian, which holds the request, and the command. The
 // guardian watches the command by its process descriptor, so that the request is released however the command ends, and
-// held until then however ap_statectl ends.
+// held until then however ap_statectl ends. Where the guardian is killed, ap_statectl releases after the command.
 
 #include "base/descriptor.h"
 #include "base/signals.h"
@@ -179,6 +179,13 @@ pid_t start_guardian(Hold_options const& options, Holding const& holding, std::u
     return 0;
 }
 
+/// What a guardian that was killed would have released: it is asked for once more, and given up at once.
+void release_in_its_place(Hold_options const& options, Holding const& holding) {
+    std::fprintf(stderr, "ap_statectl: the holding process was killed; what it held is released now\n");
+    tarq::com::runtime::Component_singleton const communication(false, "");
+    holding.keep(options)->await(std::chrono::milliseconds(options.wait_ms));
+}
+
 int hold(Hold_options& options, Holding const& holding) {
     std::unique_ptr<Channel> channel;
     auto const guardian = start_guardian(options, holding, channel);
@@ -193,7 +200,9 @@ int hold(Hold_options& options, Holding const& holding) {
     channel->send(std::to_string(command));
     channel->receive();  // from here on it is watched
     int const status = await(command);
-    await(guardian);
+    if (await(guardian) != k_success) {
+        release_in_its_place(options, holding);
+    }
     return status;
 }
 

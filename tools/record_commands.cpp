@@ -278,7 +278,9 @@ void add_history_command(CLI::App& program, Action& chosen) {
     auto const options =
         add(program, chosen, "history", "List the machine's power cycles, and how each ended", history);
     auto* const command = program.get_subcommand("history");
-    command->add_option("-n,--count", options->count, "How many of the newest")->capture_default_str();
+    command->add_option("-n,--count", options->count, "How many of the newest")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
     command->add_option("--html", options->html, "Write a page for a browser into a file");
 }
 

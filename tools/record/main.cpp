@@ -15,6 +15,8 @@
 #include <system_error>
 #include <thread>
 
+#include <sys/prctl.h>
+
 namespace {
 
 using namespace statectl;  // NOLINT(google-build-using-namespace): everything here is its
@@ -167,6 +169,8 @@ int main(int argc, char** argv) {
             std::fputs("--watchdog: seconds, from 0.1 to 1,000,000,000\n", stderr);
             return k_usage;
         }
+        // A process's name has 15 characters: the daemon's, of this one as it stands.
+        ::prctl(PR_SET_NAME, "ap_sm_recorder");
         base::handle_end_signals([](int /*number*/) { is_to_end = 1; });
         run(options);
         return EXIT_SUCCESS;

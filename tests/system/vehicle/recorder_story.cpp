@@ -65,6 +65,12 @@ class Recorder_story : public Network_story {
         machine->signal_daemon(SIGKILL);
         machine->await_end();
     }
+    /// By which `pgrep -x` and the like know it: not as the daemon.
+    std::string name_of_recorder() const {
+        std::string name;
+        std::getline(std::ifstream("/proc/" + std::to_string(recorder->program.pid()) + "/comm"), name);
+        return name;
+    }
     void kill_recorder() {
         recorder->program.expect(128 + SIGKILL);
         recorder->program.signal(SIGKILL);
@@ -158,6 +164,7 @@ TEST_F(Recorder_story, Tells_that_the_daemon_was_killed_what_was_held_and_what_d
     restart(5);
     machine->press("n");
     await_recorded("NM Controlled");
+    EXPECT_EQ(name_of_recorder(), "ap_sm_recorder");
     kill_daemon();
     auto const cycle = last_that_ended("killed");
     EXPECT_EQ(cycle.value("state", ""), "NM Controlled");

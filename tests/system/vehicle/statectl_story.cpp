@@ -124,6 +124,21 @@ TEST_F(Holding, Outlives_ap_statectl_and_not_the_command) {
     EXPECT_TRUE(is_released());
 }
 
+TEST_F(Holding, Releases_in_the_place_of_a_killed_guardian) {
+    auto const process = hold();
+    EXPECT_TRUE(is_requested());
+    auto const main_thread = "/proc/" + std::to_string(process->pid()) + "/task/" + std::to_string(process->pid());
+    std::ifstream children(main_thread + "/children");
+    for (pid_t child = 0; children >> child;) {
+        if (child != command) {
+            ::kill(child, SIGKILL);
+        }
+    }
+    open_gate();
+    EXPECT_EQ(process->wait(Player::k_patience), 7);
+    EXPECT_TRUE(is_released());
+}
+
 TEST_F(Holding, Asks_again_after_a_restart_of_the_daemon) {
     auto const process = hold();
     EXPECT_TRUE(is_requested());
