@@ -146,6 +146,7 @@ TEST_F(Reasons_story, A_group_that_has_answered_is_followed_by_the_next_step) {
     start_and_run();
     tell_node({{"do", "reaction"}, {"silent", true}, {"count", 4}});
     machine->press("p");
+    ASSERT_TRUE(sees(Kind::log, "Received DCM client completion notification for  kPrepSD . Status:  0"));
     EXPECT_THAT(why("next-step"), StartsWith("all of the diagnostic communication have answered"));
     kill();  // its calls of network management wait for two seconds each
 }
