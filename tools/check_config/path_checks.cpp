@@ -24,6 +24,10 @@ std::string trouble_of(std::string const& path, Unit const& unit) {
     if (path.front() != '/') {
         return "is \"" + path + "\", which does not begin with a /";
     }
+    std::error_code error;
+    if (path.back() == '/' || std::filesystem::is_directory(path, error)) {
+        return "is " + path + ", which names a folder";
+    }
     auto const plain = std::filesystem::path(path).lexically_normal().string();
     if (unit.has_private_tmp && (is_below(plain, "/tmp") || is_below(plain, "/var/tmp"))) {
         return "is " + path + ", and " + unit.name + " has a /tmp of its own, which nobody else sees";

@@ -95,6 +95,8 @@ void check_values(Scene const& scene, Findings& findings) {
     constexpr char const* k_at_once = "each request times out at once";
     check_zero("ApplicationSuspendRequestTimeout", config.get_app_timeout(), k_at_once, scene, findings);
     check_zero("DMSuspendRequestTimeout", config.get_dm_timeout(), k_at_once, scene, findings);
+    check_zero("PMSuspendRequestTimeout", config.get_pm_timeout(),
+               "a fast shutdown grants the power-off service no time", scene, findings);
 }
 
 }  // namespace statectl::check_config

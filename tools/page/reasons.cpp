@@ -45,7 +45,8 @@ std::string usual_text(Snapshot const& page, status::Client<Number> const& clien
         return "; was never asked before";
     }
     auto const answers = known->in_time + known->failed;
-    auto const text = "; of " + std::to_string(known->asked - open) + " answers before, ";
+    auto const owed = known->asked - open;
+    auto const text = "; of " + std::to_string(owed) + (owed == 1 ? " answer before, " : " answers before, ");
     return answers == 0
                ? text + "none came in time"
                : text + std::to_string(answers) + " came in time, after " + span_text(mean_of(*known)) + " on average";

@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -91,6 +92,16 @@ TEST(A_configuration, With_a_mistake_is_told_by_its_sentence) {
     }
     EXPECT_EQ(table.size(), files_in(CONFIGURATIONS, ".json").size());
     EXPECT_GT(table.size(), 50U);
+}
+
+TEST(A_configuration, Whose_control_file_is_a_folder_is_told_so_with_and_without_a_slash) {
+    test_support::Temporary_directory const directory;
+    auto document = nlohmann::json::parse(content(CONFIGURATIONS "/good.json"));
+    for (auto const& path : {directory.path().string(), directory.path().string() + '/'}) {
+        document["ap_statemanager"]["SharedMemoryConfig"]["UpdateStatusFile"] = path;
+        EXPECT_THAT(sentences_of(answer_for(directory.write("folder.json", document.dump()))),
+                    ElementsAre(EndsWith("UpdateStatusFile is " + path + ", which names a folder")));
+    }
 }
 
 TEST(A_configuration, Is_refused_exactly_when_the_daemons_parser_refuses_it) {

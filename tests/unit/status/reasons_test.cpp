@@ -103,6 +103,8 @@ TEST(Reasons, Of_a_suspend_are_the_clients_that_owe_an_answer) {
     page.names.push_back(name);
     EXPECT_EQ(sentence(reasons_of(page), "client-open"),
               "\"radio\" has 6.8 s left to answer kPrepSD (asked 3.2 s ago; was never asked before)");
+    page.names[0].asked = 2;
+    EXPECT_THAT(sentence(reasons_of(page), "client-open"), HasSubstr("; of 1 answer before, none came in time)"));
     page.names[0].asked = 4;
     page.names[0].timed_out = 3;
     page.names[0].late = 1;
