@@ -105,7 +105,7 @@ void print_text(Check_config_options const& options, Answer const& answer) {
         }
     }
     if (answer.read_file) {
-        std::printf("  %s is what a machine named %s reads\n", answer.read_file->c_str(), options.host->c_str());
+        std::printf("  %s is what a machine named \"%s\" reads\n", answer.read_file->c_str(), options.host->c_str());
     }
 }
 

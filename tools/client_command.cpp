@@ -123,6 +123,7 @@ class Session {
 
 void add_client_command(CLI::App& program, Action& chosen) {
     constexpr std::int64_t k_longest_ms = 86'400'000;
+    constexpr std::uint64_t k_most_requests = 1'000'000'000;
     auto const options = std::make_shared<Client_options>();
     auto* const command = program.add_subcommand("client", "Take part in suspends and resumes as a client");
     command->add_option("--name", options->name, "Name of the client, e.g. diag::dcm")->required();
@@ -137,7 +138,7 @@ void add_client_command(CLI::App& program, Action& chosen) {
     command
         ->add_option("--requests", options->requests,
                      "End after so many requests; without it, by SIGINT, SIGTERM and the like")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(std::uint64_t{1}, k_most_requests));
     command->add_flag("--json", options->as_json, "One JSON object a line");
     command->add_option("--socket", options->connection.socket_path,
                         "Socket of the state manager, instead of this machine's");

@@ -2,6 +2,7 @@
 
 #include "tools/json_text.h"
 #include "tools/page/words.h"
+#include "tools/time_text.h"
 
 #include <array>
 #include <cstdio>
@@ -13,13 +14,19 @@ namespace {
 
 using nlohmann::json;
 
+std::string now() {
+    return time_text(std::chrono::system_clock::now());
+}
+
 void print(std::string const& line) {
-    std::puts(line.c_str());
+    std::printf("%s  %s\n", now().c_str(), line.c_str());
     std::fflush(stdout);
 }
 
-void print(json const& event) {
-    print(json_text(event));
+void print(json event) {
+    event["time"] = now();
+    std::puts(json_text(event).c_str());
+    std::fflush(stdout);
 }
 
 std::string describe(std::uint32_t status) {

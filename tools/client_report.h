@@ -9,7 +9,8 @@
 
 namespace statectl {
 
-/// Tells on standard output what happens to a client, one line for each event: for people, or as JSON objects.
+/// Tells on standard output what happens to a client, one line for each event, with its
+/// time: for people, or as JSON objects.
 class Client_report {
  public:
     explicit Client_report(bool as_json) : as_json_(as_json) {}

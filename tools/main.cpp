@@ -4,9 +4,12 @@
 #include "tools/completion.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -24,29 +27,38 @@ bool is_unknown(CLI::App const& program, std::string const& word) {
     return word.rfind('-', 0) != 0 && known.empty();
 }
 
+int act(int argc, char** argv) {
+    CLI::App program("Looks at and takes part in the power life of this machine", "ap_statectl");
+    program.set_version_flag("--version", "ap_statectl " STATECTL_VERSION);
+    program.require_subcommand(1);
+    statectl::Action chosen;
+    statectl::add_commands(program, chosen);
+    if (argc > 1 && std::string(argv[1]) == k_complete) {
+        print_completions(program, {argv + 2, argv + argc});
+        return statectl::k_success;
+    }
+    if (argc > 1 && is_unknown(program, argv[1])) {
+        std::fprintf(stderr, "\"%s\" is no subcommand\nRun with --help for more information.\n", argv[1]);
+        return statectl::k_usage;
+    }
+    try {
+        program.parse(argc, argv);
+    } catch (CLI::ParseError const& error) {
+        return program.exit(error) == 0 ? statectl::k_success : statectl::k_usage;
+    }
+    return chosen();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     try {
-        CLI::App program("Looks at and takes part in the power life of this machine", "ap_statectl");
-        program.set_version_flag("--version", "ap_statectl " STATECTL_VERSION);
-        program.require_subcommand(1);
-        statectl::Action chosen;
-        statectl::add_commands(program, chosen);
-        if (argc > 1 && std::string(argv[1]) == k_complete) {
-            print_completions(program, {argv + 2, argv + argc});
-            return statectl::k_success;
+        auto const status = act(argc, argv);
+        std::cout.flush();
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+            throw std::system_error(errno, std::generic_category(), "what was to be printed is not all there");
         }
-        if (argc > 1 && is_unknown(program, argv[1])) {
-            std::fprintf(stderr, "\"%s\" is no subcommand\nRun with --help for more information.\n", argv[1]);
-            return statectl::k_usage;
-        }
-        try {
-            program.parse(argc, argv);
-        } catch (CLI::ParseError const& error) {
-            return program.exit(error) == 0 ? statectl::k_success : statectl::k_usage;
-        }
-        return chosen();
+        return status;
     } catch (std::exception const& error) {
         std::fprintf(stderr, "ap_statectl: %s\n", error.what());
         return statectl::k_failure;

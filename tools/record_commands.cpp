@@ -27,6 +27,7 @@ using trace::duration_text;
 
 constexpr std::size_t k_offenders_of_a_cycle = 3;
 constexpr std::size_t k_most_offenders = 20;
+constexpr std::size_t k_most_cycles = 1'000'000'000;
 
 struct History_options {
     std::string directory{record::k_directory};
@@ -39,8 +40,8 @@ struct History_options {
 /// What the files tell, the oldest cycle first.
 struct History {
     std::vector<Power_cycle> cycles;
-    std::size_t lines;
     std::size_t damaged;
+    std::vector<std::string> troubles;  ///< what is not told for a reason
 };
 
 // Of the daemon that runs now, if one does and the page may be read.
@@ -60,20 +61,24 @@ record::Present present(std::string const& path) {
     return now;
 }
 
+void complain(History const& history) {
+    for (auto const& trouble : history.troubles) {
+        std::fprintf(stderr, "%s\n", trouble.c_str());
+    }
+}
+
 History history_of(History_options const& options) {
     auto const records = record::read_records(options.directory);
-    History history{record::power_cycles(records, present(options.page)), records.lines, records.damaged};
+    History history{record::power_cycles(records, present(options.page)), records.damaged, records.unreadable};
+    if (records.damaged != 0) {
+        history.troubles.push_back(std::to_string(records.damaged) + " of " + std::to_string(records.lines) +
+                                   " lines of the records are damaged and were left out");
+    }
     if (history.cycles.empty()) {
+        complain(history);
         throw std::runtime_error(options.directory + " holds no record of a power cycle");
     }
     return history;
-}
-
-void complain(History const& history) {
-    if (history.damaged != 0) {
-        std::fprintf(stderr, "%zu of %zu lines of the records are damaged and were left out\n", history.damaged,
-                     history.lines);
-    }
 }
 
 std::string begin_of(Power_cycle const& cycle) {
@@ -279,7 +284,7 @@ void add_history_command(CLI::App& program, Action& chosen) {
         add(program, chosen, "history", "List the machine's power cycles, and how each ended", history);
     auto* const command = program.get_subcommand("history");
     command->add_option("-n,--count", options->count, "How many of the newest")
-        ->check(CLI::PositiveNumber)
+        ->check(CLI::Range(std::size_t{1}, k_most_cycles))
         ->capture_default_str();
     command->add_option("--html", options->html, "Write a page for a browser into a file");
 }

@@ -43,14 +43,14 @@ std::string end_of(Recorded_life const& life, std::string const& boot_after, Pre
     if (life.end) {
         return life.end->how;
     }
+    if (life.identity == present.running) {
+        return ending::running;  // a switch-off that hangs or was refused is none
+    }
     if (is_switched_off(life)) {
         return ending::fast;
     }
     if (has_ended_loop(life)) {
         return was_shutting_down(life) ? ending::normal : ending::signal;
-    }
-    if (life.identity == present.running) {
-        return ending::running;
     }
     return life.is_left || life.identity.boot == boot_after ? ending::no_farewell : ending::went_down;
 }

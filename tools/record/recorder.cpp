@@ -1,4 +1,4 @@
-// By recorder_main.cpp: `look` with each page, the one of the life before first; a life's end is told with the first
+// By main.cpp: `look` with each page, the one of the life before first; a life's end is told with the first
 // look at which its daemon is gone.
 
 #include "tools/record/recorder.h"

@@ -142,11 +142,15 @@ bool is_taken(Recorded_life& life, std::string const& line, json const& object) 
 }
 
 void read_file(Records& records, std::string const& name) {
+    errno = 0;
     std::ifstream file(name, std::ios::binary);
     for (std::string line; std::getline(file, line);) {
         if (!line.empty()) {
             take_line(records, line);
         }
+    }
+    if (!file.is_open() || file.bad()) {
+        records.unreadable.push_back(name + ": " + std::generic_category().message(errno));
     }
 }
 

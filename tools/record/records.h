@@ -104,7 +104,8 @@ struct Recorded_life {
 struct Records {
     std::vector<Recorded_life> lives;  ///< in the order of the files
     std::size_t lines{0};
-    std::size_t damaged{0};  ///< lines that are none, as a torn last one; each is left out
+    std::size_t damaged{0};               ///< lines that are none, as a torn last one; each is left out
+    std::vector<std::string> unreadable;  ///< files that could not be opened or read to their end, each with the reason
 };
 
 /// Takes lines as they stand in the files, one after the other. Whatever they are, they fail nothing.

@@ -48,16 +48,15 @@ void Client_requests::begin_sequence(bool is_standby, double now) {
     sequences_.push_back({is_standby, now, std::nullopt, {}});
 }
 
-// The last group of a way is the first one of the way back.
-void Client_requests::complete_group(double now) {
-    if (sequences_.empty() || sequences_.back().groups.empty()) {
-        return;
+void Client_requests::finish_sequence(double now) {
+    if (!sequences_.empty() && !sequences_.back().end) {
+        sequences_.back().end = now;
     }
-    auto& sequence = sequences_.back();
-    auto& group = sequence.groups.back();
-    group.end = now;
-    if (group.name == (sequence.is_standby ? "DEM" : "DCM")) {
-        sequence.end = now;
+}
+
+void Client_requests::complete_group(double now) {
+    if (!sequences_.empty() && !sequences_.back().groups.empty()) {
+        sequences_.back().groups.back().end = now;
     }
 }
 

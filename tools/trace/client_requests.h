@@ -17,6 +17,9 @@ class Client_requests {
     /// Whether the message was about that.
     bool hear(dlt::Message const& message, double now);
 
+    /// The newest sequence has led where it should: the machine is suspended, or runs again.
+    void finish_sequence(double now);
+
     /// Nobody waits for those any more who are asked just now.
     void leave_sequence(double now);
 

@@ -146,7 +146,8 @@ std::string sentence_of(Sequence const& sequence, Life const& life) {
         separator = ", ";
     }
     constexpr double k_worth_telling = 0.05;
-    return sequence.end && between > k_worth_telling ? text + ", between them " + duration_text(between) : text;
+    return sequence.end && between > k_worth_telling ? text + ", between and after them " + duration_text(between)
+                                                     : text;
 }
 
 std::string duration_text(double seconds) {

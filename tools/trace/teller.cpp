@@ -109,6 +109,8 @@ void Teller::change_state(std::string const& from, std::string const& to) {
     telling.is_cause_of_newest = cause.by_command;
     if (to == "Shutting down") {
         telling.requests.leave_sequence(now_);
+    } else if (to == "PreparedSD" || from == "Resuming") {
+        telling.requests.finish_sequence(now_);
     }
     stays.push_back({to, now_, std::nullopt, cause.text});
 }

@@ -1,3 +1,4 @@
+#include "tools/page/words.h"
 #include "tools/trace/cause.h"
 #include "tools/trace/reports.h"
 #include "tools/trace/summary.h"
@@ -13,14 +14,17 @@ namespace {
 constexpr std::size_t k_most_remarks = 10;  // of one kind, in one life
 constexpr std::size_t k_most_offenders = 5;
 
-/// Lines of text, with colours where they are wanted.
+/// Lines of text, with colours where they are wanted. What a trace says may be anybody's: a terminal obeys none of it.
 class Page {
  public:
     explicit Page(bool is_coloured) : is_coloured_(is_coloured) {}
 
-    void line(std::string const& text) { text_ += text + '\n'; }
-    std::string coloured(std::string const& text, char const* colour) const {
-        return is_coloured_ ? std::string("\033[") + colour + 'm' + text + "\033[0m" : text;
+    void line(std::string const& text) { text_ += shown(text) + '\n'; }
+    void coloured_line(std::string const& coloured, char const* colour, std::string const& text = "",
+                       std::string const& before = "") {
+        auto const words = shown(coloured);
+        text_ += before + (is_coloured_ ? std::string("\033[") + colour + 'm' + words + "\033[0m" : words) +
+                 shown(text) + '\n';
     }
     std::string take() { return std::move(text_); }
 
@@ -98,16 +102,21 @@ void tell(Life const& life, Page& page) {
     remarks("commands that no state acted on", life.dropped, life, page);
     remarks("restarts asked for", life.requests, life, page);
     remarks("warnings and errors", life.troubles, life, page);
-    page.line("  " + offset(life.end, life) + "  " +
-              (life.is_orderly ? life.ending : page.coloured(life.ending, k_red)));
+    auto const when = "  " + offset(life.end, life) + "  ";
+    if (life.is_orderly) {
+        page.line(when + life.ending);
+    } else {
+        page.coloured_line(life.ending, k_red, "", when);
+    }
 }
 
 void tell(Life const& life, std::size_t number, Page& page) {
     auto const who = (life.process ? ", process " + std::to_string(*life.process) : "") +
                      (life.ecu.empty() ? "" : ", ECU " + life.ecu);
     page.line("");
-    page.line(page.coloured("life " + std::to_string(number), k_bold) + "  " + begin_text(life) + ", " +
-              duration_text(life.end - life.begin) + who + (life.has_start ? "" : ", begun before the trace"));
+    page.coloured_line("life " + std::to_string(number), k_bold,
+                       "  " + begin_text(life) + ", " + duration_text(life.end - life.begin) + who +
+                           (life.has_start ? "" : ", begun before the trace"));
     tell(life, page);
 }
 
@@ -116,7 +125,7 @@ void offenders(Summary const& summary, Page& page) {
         return;
     }
     page.line("");
-    page.line(page.coloured("what cost time", k_bold));
+    page.coloured_line("what cost time", k_bold);
     for (std::size_t i = 0; i < std::min(summary.offenders.size(), k_most_offenders); ++i) {
         page.line("  " + right(duration_text(summary.offenders[i].seconds), 12) + "  " + summary.offenders[i].text);
     }

@@ -22,7 +22,8 @@ using testing::HasSubstr;
 
 // Times are told, and another one in each run.
 std::string without_times(std::string const& output) {
-    return std::regex_replace(output, std::regex("after [0-9]+ ms"), "after N ms");
+    auto const text = std::regex_replace(output, std::regex("after [0-9]+ ms"), "after N ms");
+    return std::regex_replace(text, std::regex("[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:.]{12}[+-][0-9]{4}  "), "T ");
 }
 
 /// ap_statectl client, which ends by itself after the requests that it was told.
@@ -54,11 +55,11 @@ TEST_F(Client, Takes_part_and_tells_each_request) {
     auto const ended = result.get();
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(without_times(ended.output),
-              "connected as me, state kOn\n"
-              "request 1: kPrepSD\n"
-              "answer 1: succeeded, state kPrepSD, after N ms\n"
-              "request 2: kOn\n"
-              "answer 2: succeeded, state kOn, after N ms\n");
+              "T connected as me, state kOn\n"
+              "T request 1: kPrepSD\n"
+              "T answer 1: succeeded, state kPrepSD, after N ms\n"
+              "T request 2: kOn\n"
+              "T answer 2: succeeded, state kOn, after N ms\n");
     EXPECT_EQ(ended.errors, "");
 }
 
@@ -70,6 +71,7 @@ TEST_F(Client, Tells_the_same_in_JSON) {
     std::vector<json> events;
     for (std::string line; std::getline(output, line);) {
         events.push_back(json::parse(line));
+        EXPECT_EQ(events.back().erase("time"), 1U);
     }
     EXPECT_EQ(events.back().erase("after_ms"), 1U);
     EXPECT_THAT(
@@ -117,7 +119,7 @@ TEST_F(Client, Is_silent_when_told) {
     start({"--requests", "1", "--silent"});
     peer->request(1, "kPrepSD");
     EXPECT_TRUE(peer->is_closed()) << "it ends without an answer";
-    EXPECT_EQ(result.get().output, "connected as me, state kOn\nrequest 1: kPrepSD\n");
+    EXPECT_EQ(without_times(result.get().output), "T connected as me, state kOn\nT request 1: kPrepSD\n");
 }
 
 TEST_F(Client, Comes_back_and_says_so) {
@@ -130,11 +132,11 @@ TEST_F(Client, Comes_back_and_says_so) {
     peer->request(1, "kOn");
     peer->reply();
     EXPECT_EQ(without_times(result.get().output),
-              "connected as me, state kOn\n"
-              "connection lost; waiting for the state manager\n"
-              "connected as me, state kOn\n"
-              "request 1: kOn\n"
-              "answer 1: succeeded, state kOn, after N ms\n");
+              "T connected as me, state kOn\n"
+              "T connection lost; waiting for the state manager\n"
+              "T connected as me, state kOn\n"
+              "T request 1: kOn\n"
+              "T answer 1: succeeded, state kOn, after N ms\n");
 }
 
 TEST_F(Client, Says_what_is_wrong_with_its_words) {

@@ -45,8 +45,8 @@ class Machine_with_a_disk : public Target {
     }
 
     /// The emulator is killed once the recorder has the state on the disk, or says that it may be there.
-    void lose_power_in(std::string const& state, std::string const& end_until_then = "running") {
-        ASSERT_TRUE(comes_to(state, end_until_then));
+    void lose_power_in(std::string const& state) {
+        ASSERT_TRUE(comes_to(state));
         machine().cut_power();
         ASSERT_TRUE(ends_by("the emulator is gone"));
     }
@@ -124,10 +124,10 @@ class Machine_with_a_disk : public Target {
 
     /// Whether the state comes to be recorded. Preparing is on the disk as soon as the recorder waits again, and every
     /// other state a second later.
-    static bool comes_to(std::string const& state, std::string const& end = "running") {
+    static bool comes_to(std::string const& state) {
         auto const waits = std::string(R"(grep -q futex "/proc/$(pidof ap_statemanager_recorder)/wchan")");
         auto const newest = std::string(R"(ap_statectl history -n 1 --json | tr -d '\n' | grep -q )");
-        return comes_true(newest + R"('"end_word": ")" + end + R"(".*"state": ")" + state + "\"'") &&
+        return comes_true(newest + R"('"end_word": "running".*"state": ")" + state + "\"'") &&
                (state == "Preparing" || output_of("sleep 3").empty()) && comes_true(waits);
     }
 
@@ -217,7 +217,7 @@ TEST_F(Machine_with_a_disk, Tells_after_each_boot_in_which_state_the_power_went)
     ASSERT_NO_FATAL_FAILURE(suspend());
     machine().press("power");
     ASSERT_TRUE(shows("shuttingdown"));
-    ASSERT_NO_FATAL_FAILURE(lose_power_in("Shutting down", "fast"));
+    ASSERT_NO_FATAL_FAILURE(lose_power_in("Shutting down"));
     ASSERT_NO_FATAL_FAILURE(switch_on());
     EXPECT_EQ(last(), "fast in Shutting down");
 }

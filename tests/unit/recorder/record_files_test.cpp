@@ -12,6 +12,7 @@
 namespace statectl::record {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -48,6 +49,16 @@ TEST_F(Files_of_records, Are_bounded_in_size_and_count_and_each_begins_with_a_li
         EXPECT_LT(std::filesystem::file_size(file_name(path(), number)), 500U);
     }
     EXPECT_EQ(read_records(path()).damaged, 0U);
+}
+
+TEST_F(Files_of_records, That_can_not_be_read_are_named_with_the_reason_and_the_others_are_told) {
+    directory.write("record.000001.jsonl", first + "\n");
+    std::filesystem::create_directory(file_name(path(), 2));
+    std::filesystem::create_symlink("nowhere", file_name(path(), 3));
+    auto const records = read_records(path());
+    EXPECT_EQ(records.lives.size(), 1U);
+    EXPECT_THAT(records.unreadable, ElementsAre(file_name(path(), 2) + ": Is a directory",
+                                                file_name(path(), 3) + ": No such file or directory"));
 }
 
 TEST_F(Files_of_records, Are_gone_on_with_behind_a_torn_line) {

@@ -13,6 +13,29 @@ using namespace statectl::trace;
 using testing::HasSubstr;
 using testing::Not;
 
+TEST(A_report, Sends_nothing_to_a_terminal_that_it_would_obey) {
+    std::string const name = "c\x1b[2J\xc2\x9b";
+    auto lines = suspend_by_key();
+    add(lines, {{20.1, {"client dropped: ", name, ", reason: ", name}},
+                {20.2, {"State_manager::ecu_alive_request: ", name}},
+                {20.3, {"AP_StateManger transition from", "PreparedSD", " to ", name}}});
+    lines.push_back({{"Failed " + name}, 20.4, 2});
+    for (auto& line : lines) {
+        for (auto& argument : line.arguments) {
+            argument = argument == "radio" ? name : argument;
+        }
+    }
+    auto const story = told(lines);
+    auto const text = statectl::trace::text_report(story, false);
+    EXPECT_THAT(text, HasSubstr("applications 8.8 s (c?[2J? timed out)"));
+    EXPECT_THAT(text, HasSubstr("c?[2J? held ECU alive"));
+    EXPECT_EQ(text.find('\x1b'), std::string::npos);
+    EXPECT_EQ(text.find("\xc2\x9b"), std::string::npos);
+    auto const coloured = statectl::trace::text_report(story, true);
+    EXPECT_EQ(coloured.find("\x1b[2J"), std::string::npos);
+    EXPECT_THAT(coloured, HasSubstr("\x1b[1mlife 1\x1b[0m"));
+}
+
 TEST(The_text_of_a_trace, Tells_states_sequences_and_what_cost_time) {
     auto const text = text_report(told(suspend_by_key()), false);
     EXPECT_THAT(text, HasSubstr("1 life of the state manager in 25 messages\n"));

@@ -81,6 +81,23 @@ TEST(A_suspend, Is_the_sum_of_its_groups) {
     EXPECT_EQ(story.lives[0].clients.at("navigation").succeeded, 1U);
 }
 
+TEST(A_suspend, Lasts_until_its_state_is_reached_and_a_resume_does_as_well) {
+    auto lines = start();
+    add(lines, {{2.0, {"AP_StateManger transition from", "Running", " to ", "Preparing"}},
+                {2.0, {"Starting standby sequence"}},
+                {2.0, {"Requesting ", "kPrepSD", " mode for DEM"}},
+                {2.5, {"Received DEM client completion notification for ", "kPrepSD", ". Status: ", "0"}},
+                {3.0, {"AP_StateManger transition from", "Preparing", " to ", "PreparedSD"}},
+                {4.0, {"AP_StateManger transition from", "PreparedSD", " to ", "Resuming"}},
+                {4.0, {"Starting resume sequence"}},
+                {4.0, {"Requesting ", "kOn", " mode for DCM"}},
+                {4.25, {"Received DCM client completion notification for ", "kOn", ". Status: ", "0"}},
+                {4.5, {"AP_StateManger transition from", "Resuming", " to ", "Running"}}});
+    EXPECT_THAT(sentences_of(told(lines).lives[0]),
+                ElementsAre("the suspend took 1.0 s: DEM 0.500 s, between and after them 0.500 s",
+                            "the resume took 0.500 s: DCM 0.250 s, between and after them 0.250 s"));
+}
+
 TEST(A_suspend, That_is_turned_back_is_not_finished) {
     auto lines = start();
     add(lines, {{2.0, {"New command received", "PrepareSD"}},
