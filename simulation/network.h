@@ -37,7 +37,7 @@ class Network {
 
     /// It takes a time for each call, one after the other; one that would take as long as a caller waits never answers,
     /// and does nothing.
-    void take(Time time) { takes_ = time; }
+    void answer_after(Time time) { takes_ = time; }
 
     /// Done at once, or when nobody waits for an answer of the manager's any more: what applications lead to waits for
     /// it.

@@ -124,7 +124,7 @@ Act manager(Script_line& line) {
                 return life.network().withdraw();
             default:
                 life.network().fail(does == 2);
-                return life.network().take(takes);
+                return life.network().answer_after(takes);
         }
     };
 }

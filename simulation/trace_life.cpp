@@ -33,7 +33,7 @@ constexpr std::array k_lists{
     List{"NetworkAliveInterfaceInstance", "ApplicationsRequestNetworkConfig", "MaxNumberOfApplicationsRequestNetwork"},
     List{"CWUInterfaceInstance", "CWURequestConfig", "MaxNumberOfCWURequest"}};
 
-void take(json& settings, std::string const& key, std::string const& value) {
+void set_told(json& settings, std::string const& key, std::string const& value) {
     for (auto const& list : k_lists) {
         if (key == list.member) {
             settings[list.list].push_back({{key, value}});
@@ -91,7 +91,7 @@ std::string configuration_in(Trace_life const& life) {
     for (auto const& message : life) {
         if (argument(message, 0) == "State_manager_json_parser: Get ") {
             is_told = true;
-            take(settings, argument(message, 1), argument(message, 3));
+            set_told(settings, argument(message, 1), argument(message, 3));
         } else if (argument(message, 0) == "The following NM request pattern is used: ") {
             settings["DefautNMRequestPattern"] =
                 base::from_hex(argument(message, 1)).value_or(std::vector<std::uint8_t>());

@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     std::size_t lines = 0;
     for (std::string_view rest(reinterpret_cast<char const*>(data), size); !rest.empty();) {
         auto const end = std::min(rest.find('\n'), rest.size());
-        take_line(records, std::string(rest.substr(0, end)));
+        add_line(records, std::string(rest.substr(0, end)));
         rest.remove_prefix(std::min(end + 1, rest.size()));
         ++lines;
     }

@@ -115,8 +115,8 @@ void Recorder::look(Snapshot const& page, Look const& now) {
         begin_life(page, identity_of(page), now);
     }
     allowance_ = std::min(k_allowance, allowance_ + k_allowance_a_second * static_cast<double>(now.at - looked_) / 1e9);
-    take_events(page, now);
-    take_counts(page, now);
+    write_new_events(page, now);
+    write_new_counts(page, now);
     tell_missed(now);
     if (page.is_alive && now.at - told_alive_ >= k_alive_every) {
         add("alive", "", now);
@@ -172,7 +172,7 @@ Identity Recorder::last_life() const {
     return identity_.boot.empty() && !before_.lives.empty() ? before_.lives.back().identity : identity_;
 }
 
-void Recorder::take_events(Snapshot const& page, Look const& now) {
+void Recorder::write_new_events(Snapshot const& page, Look const& now) {
     std::set<Key> on_page;
     for (auto const& event : page.events) {
         Key const key{event.at, event.kind, event.numbers, shown(text_of(event.text))};
@@ -205,7 +205,7 @@ bool Recorder::has_allowance(Number kind) {
 
 // A restart is told at once, for the machine may go with it, and stands among the page's events; the rest may go on and
 // on.
-void Recorder::take_counts(Snapshot const& page, Look const& now) {
+void Recorder::write_new_counts(Snapshot const& page, Look const& now) {
     auto const counts = counts_of(page);
     auto const restarts = restarts_in(counts) - std::min(restarts_in(counts), restarts_in(counts_));
     bool const is_due = restarts != 0 || !page.is_alive || told_counts_ == 0 || now.at - told_counts_ >= k_counts_every;

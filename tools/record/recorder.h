@@ -36,9 +36,9 @@ class Recorder {
 
     void begin_life(Snapshot const& page, Identity const& identity, Look const& now);
     Identity last_life() const;
-    void take_events(Snapshot const& page, Look const& now);
+    void write_new_events(Snapshot const& page, Look const& now);
     bool has_allowance(Number kind);
-    void take_counts(Snapshot const& page, Look const& now);
+    void write_new_counts(Snapshot const& page, Look const& now);
     void tell_missed(Look const& now);
     void tell_end(Snapshot const& page, Look const& now);
     char const* end_of(Snapshot const& page, bool is_watched) const;

@@ -1,5 +1,5 @@
 // By the recorder at its start, for the newest files, and by the subcommands that tell of the past, for all of them:
-// read_records hands each line to take_line, and the lives to finish.
+// read_records hands each line to add_line, and the lives to finish.
 
 #include "tools/record/records.h"
 
@@ -72,7 +72,7 @@ Counts counts_in(json const& object, char const* name) {
     return counts;
 }
 
-void take_counts(Recorded_life& life, json const& object) {
+void add_counts(Recorded_life& life, json const& object) {
     Recorded_count counted{number_in(object, "at"), number_in(object, "real"), counts_in(object, "counts")};
     for (std::size_t i = 0; i < counted.more.size(); ++i) {
         auto const count = std::max(life.counts[i], counted.more[i]);
@@ -82,7 +82,7 @@ void take_counts(Recorded_life& life, json const& object) {
 }
 
 // A file that goes on with a life begins with it anew; so does one who was away for a while.
-void take_life(Records& records, json const& object) {
+void add_life(Records& records, json const& object) {
     Recorded_life life;
     life.identity = {text_in(object, "boot"), number_in(object, "life"), number_in(object, "pid"),
                      number_in(object, "started")};
@@ -104,7 +104,7 @@ void take_life(Records& records, json const& object) {
     records.lives.push_back(std::move(life));
 }
 
-void take_event(Recorded_life& life, json const& object) {
+void add_event(Recorded_life& life, json const& object) {
     Recorded_event event;
     event.kind = kind_named(text_in(object, "event")).value_or(0);
     event.at = number_in(object, "at");
@@ -119,11 +119,11 @@ void take_event(Recorded_life& life, json const& object) {
     life.events.push_back(std::move(event));
 }
 
-bool is_taken(Recorded_life& life, std::string const& line, json const& object) {
+bool is_added(Recorded_life& life, std::string const& line, json const& object) {
     if (line == "event") {
-        take_event(life, object);
+        add_event(life, object);
     } else if (line == "counted") {
-        take_counts(life, object);
+        add_counts(life, object);
     } else if (line == "missed") {
         life.missed += number_in(object, "count");
     } else if (line == "left") {
@@ -146,7 +146,7 @@ void read_file(Records& records, std::string const& name) {
     std::ifstream file(name, std::ios::binary);
     for (std::string line; std::getline(file, line);) {
         if (!line.empty()) {
-            take_line(records, line);
+            add_line(records, line);
         }
     }
     if (!file.is_open() || file.bad()) {
@@ -156,13 +156,13 @@ void read_file(Records& records, std::string const& name) {
 
 }  // namespace
 
-void take_line(Records& records, std::string const& line) {
+void add_line(Records& records, std::string const& line) {
     ++records.lines;
     auto const object = line.size() > k_longest_line ? json() : json::parse(line, nullptr, false);
     auto const name = object.is_object() ? text_in(object, "line") : "";
     if (name == "life") {
-        take_life(records, object);
-    } else if (records.lives.empty() || !is_taken(records.lives.back(), name, object)) {
+        add_life(records, object);
+    } else if (records.lives.empty() || !is_added(records.lives.back(), name, object)) {
         ++records.damaged;
     }
 }

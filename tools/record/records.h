@@ -108,8 +108,8 @@ struct Records {
     std::vector<std::string> unreadable;  ///< files that could not be opened or read to their end, each with the reason
 };
 
-/// Takes lines as they stand in the files, one after the other. Whatever they are, they fail nothing.
-void take_line(Records& records, std::string const& line);
+/// Adds what one line of a file tells; lines come as they stand in the files. Whatever they are, they fail nothing.
+void add_line(Records& records, std::string const& line);
 
 /// Puts what was told of each life into the order of their times.
 void finish(Records& records);

@@ -31,7 +31,7 @@ inline std::string end_line(char const* how, Number at) {
 inline Records records_of(std::vector<std::string> const& lines) {
     Records records;
     for (auto const& line : lines) {
-        take_line(records, line);
+        add_line(records, line);
     }
     finish(records);
     return records;

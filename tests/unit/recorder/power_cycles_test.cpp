@@ -172,7 +172,7 @@ TEST(Records, Are_those_whole_lines_that_there_are_wherever_a_file_is_torn) {
         auto const text = whole.substr(0, cut);
         for (std::size_t begin = 0; begin < text.size();) {
             auto const end = std::min(text.find('\n', begin), text.size());
-            take_line(records, text.substr(begin, end - begin));
+            add_line(records, text.substr(begin, end - begin));
             begin = end + 1;
         }
         EXPECT_LE(records.damaged, 1U);
