@@ -6,8 +6,6 @@
 #include "support/virtual_slot.h"
 
 #include <csignal>
-#include <cstdint>
-#include <limits>
 #include <memory>
 
 #include <gmock/gmock.h>
@@ -68,28 +66,27 @@ TEST_F(Fast_shutdown, Descriptor_0_is_as_good_as_any_other) {
     ::close(standard_input);
 }
 
-TEST_F(Fast_shutdown, The_look_up_is_told_and_written) {
-    sut->process_lookup();
-
-    EXPECT_EQ(channel.take(), "lookup vyn_per_daemon\n");
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Lookup for PM daemon PID"),
-                                            logged(LogLevel::kVerbose, "Command send: ", "lookup vyn_per_daemon\n")));
-}
-
-TEST_F(Fast_shutdown, The_termination_is_told_and_written) {
-    sut->shutdown_pm();
-
-    EXPECT_EQ(channel.take(), "terminate\n");
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Shutting down PM daemon"),
-                                            logged(LogLevel::kVerbose, "Command send: ", "terminate\n")));
-}
-
-TEST_F(Fast_shutdown, The_power_off_is_told_and_written) {
-    sut->call_exit_app(milliseconds(120'000));
-
-    EXPECT_EQ(channel.take(), "poweroff 120000\n");
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Starting ExitApp"),
-                                            logged(LogLevel::kVerbose, "Command send: ", "poweroff 120000\n")));
+TEST_F(Fast_shutdown, Each_command_is_told_and_written) {
+    struct Row {
+        void (*act)(Fast_shutdown_handler& handler);
+        char const* told;
+        char const* written;
+    };
+    for (auto const& [act, told, written] :
+         {Row{[](auto& handler) { handler.process_lookup(); }, "Lookup for PM daemon PID", "lookup vyn_per_daemon\n"},
+          Row{[](auto& handler) { handler.shutdown_pm(); }, "Shutting down PM daemon", "terminate\n"},
+          Row{[](auto& handler) { handler.call_exit_app(milliseconds(120'000)); }, "Starting ExitApp",
+              "poweroff 120000\n"},
+          Row{[](auto& handler) { handler.call_exit_app(milliseconds(0)); }, "Starting ExitApp", "poweroff 0\n"},
+          Row{[](auto& handler) { handler.call_exit_app(milliseconds(-15)); }, "Starting ExitApp", "poweroff -15\n"},
+          Row{[](auto& handler) { handler.call_exit_app(milliseconds::max()); }, "Starting ExitApp",
+              "poweroff 9223372036854775807\n"}}) {
+        log.clear();
+        act(*sut);
+        EXPECT_EQ(channel.take(), written);
+        EXPECT_THAT(log.messages(),
+                    ElementsAre(logged(LogLevel::kInfo, told), logged(LogLevel::kVerbose, "Command send: ", written)));
+    }
 }
 
 TEST_F(Fast_shutdown, Starting_it_terminates_first_and_then_powers_off) {
@@ -100,17 +97,6 @@ TEST_F(Fast_shutdown, Starting_it_terminates_first_and_then_powers_off) {
                                             logged(LogLevel::kVerbose, "Command send: ", "terminate\n"),
                                             logged(LogLevel::kInfo, "Starting ExitApp"),
                                             logged(LogLevel::kVerbose, "Command send: ", "poweroff 2500\n")));
-}
-
-TEST_F(Fast_shutdown, Any_number_of_milliseconds_is_written_in_plain_decimal) {
-    sut->call_exit_app(milliseconds(0));
-    EXPECT_EQ(channel.take(), "poweroff 0\n");
-
-    sut->call_exit_app(milliseconds(-15));
-    EXPECT_EQ(channel.take(), "poweroff -15\n");
-
-    sut->call_exit_app(milliseconds(std::numeric_limits<std::int64_t>::max()));
-    EXPECT_EQ(channel.take(), "poweroff 9223372036854775807\n");
 }
 
 TEST_F(Fast_shutdown, A_service_that_went_away_is_a_failed_write) {
@@ -160,27 +146,20 @@ TEST_F(Fast_shutdown, A_close_that_fails_is_told_with_the_usual_path_whatever_wa
                                    " Error: ", "Bad file descriptor")));
 }
 
-TEST(Fast_shutdown_without_a_channel, A_missing_path_is_told_and_not_made) {
-    Log_capture log;
+TEST(Fast_shutdown_without_a_channel, A_path_that_cannot_be_opened_is_told_and_not_made) {
     test_support::Temporary_directory const directory;
+    Power_off_channel const nobody_listens;
+    for (auto const& [path, reason] : {std::pair(directory.file("poweroff"), "No such file or directory"),
+                                       std::pair(nobody_listens.path(), "No such device or address")}) {
+        Log_capture log;
 
-    Fast_shutdown_handler const sut(directory.file("poweroff"));
+        Fast_shutdown_handler const sut(path);
 
-    EXPECT_FALSE(sut.is_possible());
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "Failed to open file:", directory.file("poweroff"),
-                                                   " Error: ", "No such file or directory")));
+        EXPECT_FALSE(sut.is_possible());
+        EXPECT_THAT(log.messages(),
+                    ElementsAre(logged(LogLevel::kError, "Failed to open file:", path, " Error: ", reason)));
+    }
     EXPECT_FALSE(std::filesystem::exists(directory.file("poweroff")));
-}
-
-TEST(Fast_shutdown_without_a_channel, A_fifo_on_which_nobody_listens_cannot_be_opened) {
-    Log_capture log;
-    Power_off_channel const channel;
-
-    Fast_shutdown_handler const sut(channel.path());
-
-    EXPECT_FALSE(sut.is_possible());
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "Failed to open file:", channel.path(),
-                                                   " Error: ", "No such device or address")));
 }
 
 TEST(Fast_shutdown_without_a_channel, Starting_it_does_and_logs_nothing) {
@@ -195,28 +174,20 @@ TEST(Fast_shutdown_without_a_channel, Starting_it_does_and_logs_nothing) {
     EXPECT_THAT(log.messages(), IsEmpty());
 }
 
-TEST(Fast_shutdown_without_a_channel, Each_single_command_is_an_error) {
-    Fast_shutdown_handler const sut("");
+TEST(Fast_shutdown_without_a_channel, Each_single_command_is_an_error_and_the_end_is_silent) {
+    auto sut = std::make_unique<Fast_shutdown_handler>("");
     Log_capture log;
 
-    sut.process_lookup();
-    sut.shutdown_pm();
-    sut.call_exit_app(milliseconds(1));
-    sut.write_command("anything");
+    sut->process_lookup();
+    sut->shutdown_pm();
+    sut->call_exit_app(milliseconds(1));
+    sut->write_command("anything");
+    sut.reset();
 
     auto const invalid = logged(LogLevel::kError, "File descriptor of PowerOFF not valid");
     EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kInfo, "Lookup for PM daemon PID"), invalid,
                                             logged(LogLevel::kInfo, "Shutting down PM daemon"), invalid,
                                             logged(LogLevel::kInfo, "Starting ExitApp"), invalid, invalid));
-}
-
-TEST(Fast_shutdown_without_a_channel, The_end_closes_nothing_and_is_silent) {
-    auto sut = std::make_unique<Fast_shutdown_handler>("");
-    Log_capture log;
-
-    sut.reset();
-
-    EXPECT_THAT(log.messages(), IsEmpty());
 }
 
 TEST(Fast_shutdown_handler_interface, The_operations_stand_in_the_order_of_the_interface) {

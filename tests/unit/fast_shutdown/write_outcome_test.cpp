@@ -13,6 +13,7 @@ namespace {
 
 using ara::log::LogLevel;
 using test_support::Log_capture;
+using test_support::Log_message;
 using test_support::logged;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -21,66 +22,47 @@ using testing::ThrowsMessage;
 
 class Write_outcome : public testing::Test {
  protected:
-    void report(long written, std::string const& command) const { sut.write_info(written, command); }
-
     Fast_shutdown_handler const sut{""};
     Log_capture log;
 };
 
-TEST_F(Write_outcome, A_whole_command_is_told_as_sent) {
-    report(10, "terminate\n");
+TEST_F(Write_outcome, Is_told_as_sent_as_failed_or_with_what_went_out_and_what_did_not) {
+    auto const cut = [](char const* out, char const* rest) {
+        return logged(LogLevel::kWarn, "Only part of command written: ", out, "Try to write remaining command: ", rest);
+    };
+    auto const sent = [](char const* command) { return logged(LogLevel::kVerbose, "Command send: ", command); };
+    struct Row {
+        long written;
+        char const* command;
+        Log_message told;
+    };
+    for (auto const& [written, command, told] :
+         {Row{10, "terminate\n", sent("terminate\n")}, Row{0, "", sent("")},
+          Row{-1, "terminate\n",
+              logged(LogLevel::kError, "Failed to write command: ", "terminate\n", " Error: ", "Broken pipe")},
+          // The rest begins with the last byte that went out, and lacks the command's final one.
+          Row{1, "terminate\n", cut("t", "terminate")}, Row{5, "terminate\n", cut("termi", "inate")},
+          Row{9, "terminate\n", cut("terminate", "e")}}) {
+        long count = written;
+        errno = EPIPE;
+        log.clear();
 
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "Command send: ", "terminate\n")));
-}
+        sut.write_info(count, command);
 
-TEST_F(Write_outcome, A_failure_is_told_with_its_reason) {
-    errno = EPIPE;
-    report(-1, "terminate\n");
-
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "Failed to write command: ", "terminate\n",
-                                                   " Error: ", "Broken pipe")));
-}
-
-TEST_F(Write_outcome, A_short_write_shows_what_went_out_and_the_rest_from_its_last_byte_on_without_the_final_one) {
-    report(5, "terminate\n");
-
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kWarn, "Only part of command written: ", "termi",
-                                                   "Try to write remaining command: ", "inate")));
-}
-
-TEST_F(Write_outcome, A_write_of_one_byte_shows_the_command_without_its_final_byte) {
-    report(1, "terminate\n");
-
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kWarn, "Only part of command written: ", "t",
-                                                   "Try to write remaining command: ", "terminate")));
-}
-
-TEST_F(Write_outcome, A_write_of_all_but_one_byte_shows_one_byte) {
-    report(9, "terminate\n");
-
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kWarn, "Only part of command written: ", "terminate",
-                                                   "Try to write remaining command: ", "e")));
+        EXPECT_THAT(log.messages(), ElementsAre(told));
+        EXPECT_EQ(count, written) << "it stays as it is";
+    }
 }
 
 TEST_F(Write_outcome, A_write_that_took_nothing_throws_to_the_caller_and_logs_nothing) {
-    EXPECT_THAT([this] { report(0, "terminate\n"); },
-                ThrowsMessage<std::out_of_range>(HasSubstr("basic_string::substr")));
+    EXPECT_THAT(
+        [this] {
+            long nothing = 0;
+            sut.write_info(nothing, "terminate\n");
+        },
+        ThrowsMessage<std::out_of_range>(HasSubstr("basic_string::substr")));
 
     EXPECT_THAT(log.messages(), IsEmpty());
-}
-
-TEST_F(Write_outcome, An_empty_command_is_sent_whole) {
-    report(0, "");
-
-    EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kVerbose, "Command send: ", "")));
-}
-
-TEST_F(Write_outcome, The_byte_count_stays_as_it_is) {
-    long written = 5;
-
-    sut.write_info(written, "terminate\n");
-
-    EXPECT_EQ(written, 5);
 }
 
 TEST_F(Write_outcome, A_command_that_the_channel_cuts_is_not_completed) {

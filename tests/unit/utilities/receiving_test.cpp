@@ -3,11 +3,9 @@
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <thread>
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 
@@ -71,23 +69,6 @@ TEST_F(Receiving, Both_exceptions_are_runtime_errors) {
 
 TEST_F(Receiving, Any_other_failure_is_a_system_error) {
     expect_system_error(EBADF, "Socket::recv(...)", [&] { Socket().recv(buffer.data(), 1, 0); });
-}
-
-TEST_F(Receiving, Goes_on_after_a_signal) {
-    struct sigaction interrupting {};
-    interrupting.sa_handler = [](int) {};  // without SA_RESTART
-    struct sigaction before {};
-    ::sigaction(SIGUSR1, &interrupting, &before);
-
-    std::thread receiver([this] { sut.recvl(buffer.data(), 16, 0); });
-    for (int i = 0; i < 16; ++i) {
-        ::pthread_kill(receiver.native_handle(), SIGUSR1);
-        peer.sendl("x", 1, 0);
-    }
-    receiver.join();
-
-    EXPECT_EQ(std::string(buffer.data(), 16), std::string(16, 'x'));
-    ::sigaction(SIGUSR1, &before, nullptr);
 }
 
 TEST_F(Receiving, All_of_it_waits_for_the_last_byte) {

@@ -2,11 +2,9 @@
 #include "utilities/socket.h"
 
 #include <cerrno>
-#include <csignal>
 #include <thread>
 #include <vector>
 
-#include <pthread.h>
 #include <sys/socket.h>
 
 namespace utilities {
@@ -42,30 +40,6 @@ TEST(Sending, What_does_not_fit_is_an_error_when_told_not_to_wait) {
 
     expect_system_error(EAGAIN, "Socket::sendl(...)",
                         [&sut = sut, &much] { sut.sendl(much.data(), much.size(), MSG_DONTWAIT); });
-}
-
-// A signal ends a call in the middle, so that only a part is taken.
-TEST(Sending, Goes_on_after_a_signal_where_the_call_before_ended) {
-    struct sigaction interrupting {};
-    interrupting.sa_handler = [](int) {};  // without SA_RESTART
-    struct sigaction before {};
-    ::sigaction(SIGUSR1, &interrupting, &before);
-    auto const [sut, peer] = socket_pair();
-    std::vector<char> sent(1'000'000);
-    for (std::size_t at = 0; at < sent.size(); ++at) {
-        sent[at] = static_cast<char>(at % 127);
-    }
-
-    std::thread sender([&sut = sut, &sent] { sut.sendl(sent.data(), sent.size(), 0); });
-    std::vector<char> received(sent.size());
-    for (std::size_t at = 0; at < received.size(); at += 1000) {
-        ::pthread_kill(sender.native_handle(), SIGUSR1);
-        peer.recvl(&received[at], 1000, 0);
-    }
-    sender.join();
-
-    EXPECT_EQ(received, sent);
-    ::sigaction(SIGUSR1, &before, nullptr);
 }
 
 }  // namespace

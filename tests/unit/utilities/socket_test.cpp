@@ -5,7 +5,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -104,6 +106,49 @@ TEST(Socket, A_failed_close_is_logged_and_not_thrown) {
 
 TEST(Socket, That_can_not_listen_throws) {
     expect_system_error(EOPNOTSUPP, "Socket::listen(int32_t)", [] { Socket(AF_UNIX, SOCK_DGRAM, 0).listen(1); });
+}
+
+/// Calls that take and give a byte at a time, each of them after a signal has interrupted it.
+class Interrupted_calls final : public Socket_calls {
+ public:
+    ssize_t send(int /*socket*/, void const* bytes, std::size_t /*length*/, int /*flags*/) override {
+        if (is_interrupted()) {
+            return -1;
+        }
+        sent += *static_cast<char const*>(bytes);
+        return 1;
+    }
+    ssize_t recv(int /*socket*/, void* bytes, std::size_t /*length*/, int /*flags*/) override {
+        if (is_interrupted()) {
+            return -1;
+        }
+        *static_cast<char*>(bytes) = 'x';
+        return 1;
+    }
+    int close(int /*socket*/) override { return 0; }
+    int poll(pollfd* /*entries*/, std::size_t /*count*/, timespec const* /*timeout*/) override { return 0; }
+
+    std::string sent;
+
+ private:
+    bool is_interrupted() {
+        errno = EINTR;
+        return std::exchange(is_next_, !is_next_);
+    }
+
+    bool is_next_{true};
+};
+
+TEST(Socket, Sends_and_receives_all_however_often_signals_interrupt_it) {
+    Interrupted_calls calls;
+    Socket const sut(7, calls);
+
+    sut.sendl("abcd", 4, 0);
+    char received[4];
+    sut.recvl(received, sizeof received, 0);
+
+    EXPECT_EQ(calls.sent, "abcd");
+    EXPECT_EQ(std::string(received, 4), "xxxx");
 }
 
 TEST(Socket_pair, Is_two_stream_sockets_that_are_connected) {
