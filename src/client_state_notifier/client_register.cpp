@@ -93,6 +93,11 @@ std::string Client_register::name_of(int connection) const {
     return at(connection).second.name;
 }
 
+std::string Client_register::requested_state_of(int connection) const {
+    base::Lock_guard const lock(mutex_);
+    return at(connection).second.requested_state;
+}
+
 std::vector<std::pair<int, std::string>> Client_register::select(Client_predicate const& predicate) const {
     std::vector<std::pair<int, std::string>> clients;
     {

@@ -48,6 +48,9 @@ class Client_register {
 
     std::string name_of(int connection) const;
 
+    /// The state of the last request sent to the client; empty before the first one.
+    std::string requested_state_of(int connection) const;
+
     /// Connection and name of each client that the predicate selects, in the order of the connections. The predicate
     /// is called without the lock.
     std::vector<std::pair<int, std::string>> select(Client_predicate const& predicate) const;
