@@ -111,6 +111,25 @@ TEST_F(Log_levels, Are_few_for_a_context_that_was_made_for_few_until_a_viewer_wa
     EXPECT_EQ(quiet_words(latecomer, program).size(), 3U);
 }
 
+// Each message that is logged wakes the log's writer; here none is until the level is in force.
+TEST_F(Log_levels, Are_those_that_a_viewer_wants_of_a_program_that_says_nothing) {
+    Dlt_reader viewer;
+    auto const program = started("wait");
+    texts_until(viewer, "waiting");
+    ASSERT_TRUE(viewer.set_level("PROG", "DFLT", 2));
+    auto const deadline = steady_clock::now() + k_patience;
+    while (told_levels(viewer, program) != 0 && steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(milliseconds(20));
+    }
+    ASSERT_TRUE(viewer.set_level("PROG", "DFLT", 6));
+    std::vector<std::string> texts;
+    do {
+        tell(program, 'x');
+        texts = texts_until(viewer, "told in detail", milliseconds(100));
+    } while (texts.back() != "DFLT told in detail" && steady_clock::now() < deadline);
+    EXPECT_EQ(texts.back(), "DFLT told in detail");
+}
+
 // What keeps libdlt from being initialised at first; a later attempt finds it gone.
 struct Obstacle {
     char const* name;
