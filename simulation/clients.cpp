@@ -52,7 +52,11 @@ class Clients::Server final : public Memory_server {
             if (status == notifier::Callback_status::timed_out) {
                 clients_.note_silent(results);
             }
-            completed(status, results);
+            if (clients_.is_holding_) {
+                clients_.held_.emplace_back([=] { completed(status, results); });
+            } else {
+                completed(status, results);
+            }
         };
         return Memory_server::request_state_change(state, predicate, noted, timeout);
     }
@@ -103,6 +107,12 @@ void Clients::report(std::string const& name, std::string const& state) {
         if (auto const& end = clients_.at(id).end) {
             end->answer({clients_.at(id).number_before, state}, 0);
         }
+    }
+}
+
+void Clients::let_completions() {
+    for (auto const& complete : std::exchange(held_, {})) {
+        complete();
     }
 }
 

@@ -5,6 +5,7 @@
 #include "simulation/stage.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -43,6 +44,15 @@ class Clients {
 
     bool has(std::string const& name) const;
 
+    /// From now on the notifier hears that a request is over when it is let, as a server's thread tells it when it
+    /// comes to it.
+    void hold_completions() { is_holding_ = true; }
+    bool has_held_completions() const { return !held_.empty(); }
+    void let_completions();
+
+    /// When the server stops waiting for answers.
+    std::optional<Time> deadline() const { return deadline_; }
+
  private:
     class Server;
 
@@ -71,6 +81,8 @@ class Clients {
     Server* server_{nullptr};  ///< the notifier's
     bool is_due_{false};       ///< a turn
     std::optional<Time> deadline_;
+    bool is_holding_{false};
+    std::vector<std::function<void()>> held_;  ///< completions
     std::map<std::uint64_t, Client> clients_;  ///< in the order in which they came
     std::uint64_t next_id_{0};
 };

@@ -31,7 +31,7 @@ std::vector<std::size_t> concurrent_before(Trace_life const& trace, std::size_t 
     int cycles = 0;
     for (place = std::min(place + 1, trace.size()); place > 0 && cycles < k_cycles && places.size() < k_most; --place) {
         cycles += begins_wait(trace[place - 1]) ? 1 : 0;
-        if (is_input(trace[place - 1])) {
+        if (is_input(trace[place - 1]) && !says(trace[place - 1], "calling callback")) {
             places.push_back(place - 1);
         }
     }

@@ -28,6 +28,22 @@ bool needs_network(Family family) {
            family == Family::ecu_release;
 }
 
+/// For what another thread has to do when it comes to it: it has come to it within some cycles and a second.
+class Patience {
+ public:
+    void begin_wait(bool is_due, Time now) {
+        waits_ = is_due ? waits_ + 1 : 0;
+        since_ = waits_ > 1 ? since_ : now;
+        is_over_ = waits_ > 3 && now - since_ > std::chrono::seconds(1);
+    }
+    bool is_over() const { return is_over_; }
+
+ private:
+    int waits_{0};
+    Time since_{0};
+    bool is_over_{false};
+};
+
 class Walk {
  public:
     Walk(Trace_life const& trace, std::string const& configuration, Order const& order)
@@ -42,11 +58,13 @@ class Walk {
     Life_options options(std::string const& configuration);
     void hear(Entry const& entry);
     void cycle();
+    void catch_up();
     void walk();
     bool ends_before_cycle();
     void pass(std::size_t place);
     void compare(Message const& message);
     void hold_releases();
+    void hold_server(Time now);
     void pass_time(Message const& message);
     Time time_of(Message const& message) const;
 
@@ -56,6 +74,9 @@ class Walk {
     bool apply_network(Message const& message);
     void offer();
     void answer(std::size_t place);
+    void complete(std::size_t place);
+    void stop(std::size_t place);
+    bool is_postponed(Family family) const;
     void settle();
 
     void decide(Finding kind, std::string const& why);
@@ -71,6 +92,8 @@ class Walk {
     std::size_t steps_{0};
     std::size_t owed_releases_{0};   ///< of the ECU, since the cycle before
     std::vector<std::size_t> held_;  ///< told before the network was there
+    Patience deadline_;              ///< for the server that stops waiting for answers
+    Patience owed_;                  ///< for the server that has something to tell
     bool has_network_{false};
     bool has_left_{false};  ///< the simulated driver, its loop
     std::optional<std::uint32_t> first_ticks_;
@@ -102,6 +125,7 @@ void Walk::hear(Entry const& entry) {
 Trace_verdict Walk::run() {
     first_ticks_ = trace_.front().ticks;
     life_.network().report_only();
+    life_.clients().hold_completions();
     life_.run(std::chrono::hours(1'000'000));
     has_left_ = true;
     if (!verdict_) {
@@ -119,13 +143,24 @@ void Walk::cycle() {
         return;
     }
     settle();
-    for (auto const place : std::exchange(postponed_, {})) {
-        apply(place);
-        compare(trace_[place]);
-    }
+    catch_up();
     walk();
+    if (place_ == trace_.size()) {
+        catch_up();
+    }
     if (verdict_ || place_ == trace_.size()) {
         life_.terminate();
+    }
+}
+
+void Walk::catch_up() {
+    for (auto const place : std::exchange(postponed_, {})) {
+        if (!verdict_ && is_input(trace_[place]) && applied_.count(place) == 0) {
+            apply(place);
+        }
+        if (!verdict_) {
+            compare(trace_[place]);
+        }
     }
 }
 
@@ -177,11 +212,16 @@ void Walk::pass(std::size_t place) {
             decide(Finding::disagrees, expected_[Family::driver].front());
         }
         hold_releases();
+        hold_server(time_of(message));
         return;
     }
     auto const family = family_of(text_of(message));
     if (!has_network_ && !has_left_ && needs_network(family)) {
         held_.push_back(place);
+        return;
+    }
+    if (family != Family::none && is_postponed(family)) {
+        postponed_.push_back(place);
         return;
     }
     bool const comes_now = !has_left_ && applied_.count(place) == 0 && is_input(message);
@@ -230,6 +270,17 @@ void Walk::hold_releases() {
     owed_releases_ = expected.size();
 }
 
+// So has the server's thread with what is due.
+void Walk::hold_server(Time now) {
+    auto const& clients = life_.clients();
+    deadline_.begin_wait(clients.deadline() && now >= *clients.deadline(), now);
+    auto const& expected = expected_[Family::server];
+    owed_.begin_wait(clients.has_held_completions() || !expected.empty(), now);
+    if (owed_.is_over() && !has_left_) {
+        decide(Finding::disagrees, expected.empty() ? "that what clients were asked for is over" : expected.front());
+    }
+}
+
 Time Walk::time_of(Message const& message) const {
     auto const ticks = message.ticks.value_or(0) - first_ticks_.value_or(0);
     return std::chrono::microseconds(100) * ticks;
@@ -237,9 +288,14 @@ Time Walk::time_of(Message const& message) const {
 
 void Walk::pass_time(Message const& message) {
     constexpr std::uint32_t k_backwards = 0x8000'0000U;
+    constexpr auto k_room_for_cycles = std::chrono::milliseconds(100);  // each passes one
     bool const is_later = message.ticks && message.ticks.value() - first_ticks_.value_or(0) < k_backwards;
     if (!has_left_ && is_later && !says(message, "calling callback")) {
-        auto const until = time_of(message);
+        auto until = time_of(message);
+        auto const deadline = life_.clients().deadline();
+        if (deadline && !deadline_.is_over()) {
+            until = std::min<Time>(until, *deadline - k_room_for_cycles);
+        }
         if (until > life_.events().now()) {
             life_.events().run_until(until, [] { return false; });
         }
@@ -259,9 +315,11 @@ void Walk::apply(std::size_t place) {
     auto const& message = trace_[place];
     applied_.insert(place);
     if (says(message, "SIGTERM received!")) {
-        life_.terminate();
+        stop(place);
     } else if (says(message, "calling callback")) {
         answer(place);
+    } else if (says(message, "Received ") && family_of(text_of(message)) == Family::server) {
+        complete(place);
     } else if (!apply_network(message) && !apply_application(message, life_.applications())) {
         apply_client(message, life_.clients());
     }
@@ -326,6 +384,36 @@ void Walk::answer(std::size_t place) {
     if (!is_told()) {
         life_.events().run_until(std::max(life_.events().now(), time_of(trace_[place]) + k_patience), is_told);
     }
+}
+
+// The server's thread tells of it under a mutex that the driver takes as well.
+void Walk::complete(std::size_t place) {
+    auto before = place;
+    while (before > 0 && family_of(text_of(trace_[before - 1])) != Family::server) {
+        --before;
+    }
+    if (before > 0 && says(trace_[before - 1], "calling callback") && applied_.count(before - 1) == 0) {
+        apply(before - 1);
+    }
+    life_.clients().let_completions();
+}
+
+// What comes before the driver has begun is told and lost.
+void Walk::stop(std::size_t place) {
+    auto const begin = std::find_if(trace_.begin(), trace_.end(), [](Message const& message) {
+        return says(message, "AP_StateManger daemon started");
+    });
+    bool const is_early = begin - trace_.begin() > static_cast<std::ptrdiff_t>(place);
+    if (is_early && order_.count(place) == 0) {
+        expected_[Family::signal].emplace_back("Shutting down AP_StateManger");
+    } else {
+        life_.terminate();
+    }
+}
+
+bool Walk::is_postponed(Family family) const {
+    return std::any_of(postponed_.begin(), postponed_.end(),
+                       [&](std::size_t place) { return family_of(text_of(trace_[place])) == family; });
 }
 
 std::string Walk::place_text() const {

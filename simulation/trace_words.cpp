@@ -59,9 +59,20 @@ constexpr std::array k_words{Words{"AP_StateManger transition from", Family::dri
                              Words{"Client ", Family::server},
                              Words{"Shutting down AP_StateManger", Family::signal}};
 
-/// Warnings that tell nothing about the neighbours' manners.
-constexpr std::array k_harmless{"Failed to close event file descriptor", "Could not find ",
-                                "client dropped: ", "connection dropped before"};
+/// Warnings that tell nothing about the neighbours' manners, or of a failure that no step depends on.
+constexpr std::array k_harmless{"Failed to close event file descriptor",
+                                "Could not find ",
+                                "client dropped: ",
+                                "connection dropped before",
+                                "no connection can be taken",
+                                "I/O exception while writing",
+                                "Invalid Shared memory file provided",
+                                "StateClient::SetState(",
+                                "AliveSupervision: caught",
+                                "DSA received unknown RestartType",
+                                "State_manager_json_parser:",
+                                "Application state not reported",
+                                "Stopping AliveSupervision reporting"};
 
 bool begins(std::string_view text, std::string_view begin) {
     return text.substr(0, begin.size()) == begin;
@@ -118,7 +129,7 @@ bool is_goodbye(Message const& message) {
 bool is_input(Message const& message) {
     constexpr std::array k_inputs{k_complete,         "We received the notification", "State_manager::handle_",
                                   "client connected", "client disconnected",          "calling callback",
-                                  "Client ",          "RequestDiagnosticRestart",     "Received unused Request",
+                                  "Client ",          "RequestDiagnosticRestart",     "Received ",
                                   "SIGTERM received!"};
     bool const is_ecu =
         says(message, "State_manager::ecu_alive_request: ") || says(message, "State_manager::ecu_alive_release: ");

@@ -18,7 +18,10 @@ namespace bench::vehicle {
 /// A machine whose daemon is asked through its page alone, as ap_statectl does it.
 class Status_page : public Network_story {
  protected:
-    Status_page() { options.clients.clear(); }
+    Status_page() {
+        options.clients.clear();
+        std::filesystem::remove_all(k_directory);  // the pages of stories before
+    }
 
     void TearDown() override {
         finish();

@@ -2,12 +2,14 @@
 #define TESTS_SYSTEM_VEHICLE_STORY_H
 
 #include "bench/vehicle/vehicle.h"
+#include "tool.h"
 
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -54,6 +56,7 @@ class Story : public testing::Test {
     void finish() {
         EXPECT_FALSE(machine && machine->has_ended_unawaited()) << "The daemon ended, and the story didn't wait for it";
         machine.reset();
+        hold_trace();
     }
 
     bool sees(Kind kind, std::string const& text) { return machine->await(kind, text).has_value(); }
@@ -90,20 +93,52 @@ class Story : public testing::Test {
         return result;
     }
 
-    /// Where the environment names a folder, each story's log is stored there, for ap_whatif --trace.
+    /// Each story's log is stored, for good where the environment names a folder.
     void record() {
-        auto const* const folder = std::getenv("STORY_TRACES");
-        if (folder == nullptr || options.trace != nullptr) {
+        if (options.trace != nullptr) {
             return;
         }
+        auto const* const folder = std::getenv("STORY_TRACES");
         auto const& info = *testing::UnitTest::GetInstance()->current_test_info();
         auto name = std::string(info.test_suite_name()) + '.' + info.name() + ".dlt";
         std::replace(name.begin(), name.end(), '/', '_');
-        trace_.open(std::filesystem::path(folder) / name, std::ios::binary);
+        trace_path_ = std::filesystem::path(folder == nullptr ? "/tmp" : folder) / name;
+        trace_.open(trace_path_, std::ios::binary);
         options.trace = &trace_;
     }
 
+    /// The daemon's lives are those that the simulated machine has, given what came from outside; as far as its log can
+    /// decide it.
+    void hold_trace() {
+        if (!trace_.is_open()) {
+            return;
+        }
+        trace_.close();
+#ifdef AP_WHATIF
+        constexpr int k_no_life = 2;
+        auto const [status, verdict] = run({AP_WHATIF, "--trace", trace_path_.string()});
+        EXPECT_THAT(status, testing::AnyOf(0, k_no_life)) << verdict;
+        for (auto const* const words : {"agrees", "not decidable"}) {
+            RecordProperty(words, static_cast<int>(count(verdict, words)));
+        }
+        if (count(verdict, "not decidable") != 0) {
+            std::cout << verdict;
+        }
+#endif
+    }
+
+    /// How many of a trace's lives have the verdict.
+    static std::size_t count(std::string const& verdicts, std::string const& verdict) {
+        std::size_t lives = 0;
+        for (auto place = verdicts.find(": " + verdict); place != std::string::npos;
+             place = verdicts.find(": " + verdict, place + 1)) {
+            ++lives;
+        }
+        return lives;
+    }
+
     nlohmann::json configuration;
+    std::filesystem::path trace_path_;
     std::ofstream trace_;
     Options options;
     std::unique_ptr<Vehicle> machine;

@@ -75,6 +75,7 @@ TEST_F(Suspend, Is_taken_back_in_the_opposite_order) {
 TEST_F(Suspend, Needs_no_clients_and_no_socket_for_them) {
     options.clients.clear();
     std::filesystem::create_directories("/run/adaptive");
+    std::filesystem::remove_all("/run/adaptive/ara_SM");  // of the stories before
     std::ofstream("/run/adaptive/ara_SM") << "in the way";
     start_and_run();
     EXPECT_TRUE(logs("Client_states_impl thread crashed: "));

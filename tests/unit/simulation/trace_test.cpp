@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -113,10 +114,10 @@ TEST(A_kept_trace, What_a_neighbour_did_that_is_not_simulated_ends_the_judgement
     auto life = kept_lives().front();
     constexpr int k_warning = 3;
     life[life.size() / 2].level = k_warning;
-    life[life.size() / 2].arguments = {"I/O exception while writing \"Running\" to file: /sys/vmctl/set_status"};
+    life[life.size() / 2].arguments = {"infrastructure exception", "The service did not answer in time"};
     auto const verdict = verdict_on(life);
     EXPECT_EQ(verdict.kind, Trace_verdict::Kind::undecidable);
-    EXPECT_THAT(verdict.text, HasSubstr("I/O exception"));
+    EXPECT_THAT(verdict.text, HasSubstr("infrastructure exception"));
 }
 
 TEST(A_kept_trace, A_life_without_its_start_is_not_judged) {
@@ -135,6 +136,60 @@ TEST(A_kept_trace, A_log_without_the_drivers_cycles_is_not_judged) {
     EXPECT_EQ(verdict_on(told).kind, Trace_verdict::Kind::undecidable);
     EXPECT_THAT(verdict_on(told).text, HasSubstr("debug"));
     EXPECT_EQ(configuration_in(told), "");
+}
+
+/// The first life in another kept trace, of a story of the virtual vehicle.
+Trace_life kept_life(char const* name) {
+    std::ifstream file(std::string(KEPT_STORIES "/") + name, std::ios::binary);
+    return lives_of(std::string(std::istreambuf_iterator<char>(file), {})).front();
+}
+
+// Keys come fast, and the server's thread has its turn some of the driver's cycles later.
+TEST(A_kept_trace, May_tell_late_that_a_group_without_clients_is_through) {
+    auto life = kept_life("nobody_there.dlt");
+    auto const verdict = check_as_told(life);
+    EXPECT_EQ(verdict.kind, Trace_verdict::Kind::agrees) << verdict.text;
+
+    auto const told = std::find_if(life.begin(), life.end(), [](dlt::Message const& message) {
+        return says(message, "Received application client completion notification for ");
+    });
+    ASSERT_NE(told, life.end());
+    life.erase(told);
+    EXPECT_EQ(check_as_told(life).kind, Trace_verdict::Kind::disagrees);
+}
+
+/// With cycles of the driver, this long in all, in which nothing happens before a client's time-out is told.
+Trace_life with_cycles_before_time_out(std::uint32_t count, std::uint32_t ticks) {
+    auto life = kept_life("silent_application.dlt");
+    auto const told = std::find_if(life.begin(), life.end(), [](dlt::Message const& message) {
+        return says(message, "calling callback after some clients timed out");
+    });
+    if (told == life.end() || !begins_wait(*(told - 1)) || !ends_wait(*(told - 4))) {
+        throw std::logic_error("the trace has no such lines");
+    }
+    Trace_life const cycle(told - 4, told);
+    auto place = told - life.begin();
+    for (std::uint32_t number = 1; number <= count; ++number) {
+        for (auto message : cycle) {
+            message.ticks = life[static_cast<std::size_t>(place)].ticks.value_or(0) + number * ticks / count;
+            life.insert(life.begin() + place, message);
+            ++place;
+        }
+    }
+    return life;
+}
+
+TEST(A_kept_trace, May_tell_a_time_out_some_cycles_late_and_no_later) {
+    constexpr std::uint32_t k_second = 10'000;
+    auto const verdict = check_as_told(with_cycles_before_time_out(2, k_second / 5));
+    EXPECT_EQ(verdict.kind, Trace_verdict::Kind::agrees) << verdict.text;
+    EXPECT_EQ(check_as_told(with_cycles_before_time_out(30, 3 * k_second)).kind, Trace_verdict::Kind::disagrees);
+}
+
+// A daemon that is told to stop before its driver begins goes on.
+TEST(A_kept_trace, May_tell_of_a_signal_that_comes_too_early) {
+    auto const verdict = check_as_told(kept_life("early_signal.dlt"));
+    EXPECT_EQ(verdict.kind, Trace_verdict::Kind::agrees) << verdict.text;
 }
 
 /// On the first life, had it told another value of a setting.
