@@ -52,8 +52,9 @@ std::unique_ptr<bench::Child_process> Machine::start(std::vector<std::string> co
                                         "NOTIFY_SOCKET=/run/notify", "WATCHDOG_USEC=2000000"});
 }
 
-std::unique_ptr<bench::Child_process> Machine::start_daemon() {
-    return start({PROGRAMS "/src/main/ap_statemanager"});
+std::unique_ptr<bench::Child_process> Machine::start_daemon(std::vector<std::string> starter) {
+    starter.emplace_back(PROGRAMS "/src/main/ap_statemanager");
+    return start(starter);
 }
 
 std::int64_t Machine::await_word(std::string const& word, std::size_t from) {

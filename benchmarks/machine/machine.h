@@ -26,12 +26,14 @@ class Machine {
     explicit Machine(unsigned period_ms = 100, unsigned applications = 0);
 
     std::unique_ptr<bench::Child_process> start(std::vector<std::string> const& words);
-    std::unique_ptr<bench::Child_process> start_daemon();
+    /// `starter` is a program, and its arguments, that becomes the daemon; empty for none.
+    std::unique_ptr<bench::Child_process> start_daemon(std::vector<std::string> starter = {});
 
     /// Waits for a word in the status file, from a position of the hypervisor's messages on; returns its time in ns.
     std::int64_t await_word(std::string const& word, std::size_t from);
 
     bench::Player& hypervisor() { return vehicle_.hypervisor(); }
+    bench::Player& service_manager() { return vehicle_.service_manager(); }
     bench::vehicle::Dlt_reader& log() { return vehicle_.log(); }
 
  private:

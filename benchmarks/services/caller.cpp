@@ -1,10 +1,11 @@
 // An application that calls its COM-alive service as fast as it is answered:
 //
-//     benchmark_caller INSTANCE changing|repeated MILLISECONDS
+//     benchmark_caller INSTANCE changing|repeated|paced MILLISECONDS
 //     benchmark_caller INSTANCE serve ANY
 //
 // Writes "ready" when it has found the service, waits for a line, calls for the given time and writes how many calls
-// were answered. "changing" requests and releases a bit of its own in turn, "repeated" requests the same one each time.
+// were answered. "changing" requests and releases a bit of its own in turn, "repeated" requests the same one each time,
+// and so does "paced", with a pause before each call: it writes how long each of them took, in nanoseconds.
 // "serve" is the other side: it offers the instance, does nothing in its handlers, writes "ready" and ends with its
 // standard input.
 
@@ -19,12 +20,15 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
 
 using Proxy = ximo::ap::statemanager::proxy::StateManagementComAliveInterfaceProxy;
 using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds k_pace{2};
 
 /// One of the 32 bits that count, by the number in the instance's name.
 std::vector<std::uint8_t> own_bit(std::string const& instance) {
@@ -46,7 +50,18 @@ int answered_calls(Proxy& proxy, std::vector<std::uint8_t> const& bits, bool cha
     return calls;
 }
 
-int run(std::string const& instance, bool changing, std::chrono::milliseconds time) {
+std::string times_of_calls(Proxy& proxy, std::vector<std::uint8_t> const& bits, std::chrono::milliseconds time) {
+    std::string times;
+    for (auto const end = Clock::now() + time; Clock::now() < end;) {
+        std::this_thread::sleep_for(k_pace);
+        auto const before = Clock::now();
+        proxy.RequestComAlive(bits, 0).get();
+        times += std::to_string(std::chrono::nanoseconds(Clock::now() - before).count()) + ' ';
+    }
+    return times;
+}
+
+int run(std::string const& instance, std::string const& kind, std::chrono::milliseconds time) {
     tarq::com::runtime::Component_singleton const communication(false, "");
     services::Found_instance<Proxy> service(instance);
     auto const proxy = service.await(std::chrono::seconds(10));
@@ -57,8 +72,11 @@ int run(std::string const& instance, bool changing, std::chrono::milliseconds ti
     std::cout << "ready" << std::endl;
     std::string go;
     std::getline(std::cin, go);
-    auto const calls = answered_calls(*proxy, own_bit(instance), changing, time);
-    std::cout << calls << std::endl;
+    if (kind == "paced") {
+        std::cout << times_of_calls(*proxy, own_bit(instance), time) << std::endl;
+    } else {
+        std::cout << answered_calls(*proxy, own_bit(instance), kind == "changing", time) << std::endl;
+    }
     proxy->ReleaseComAlive(own_bit(instance)).get();
     return EXIT_SUCCESS;
 }
@@ -95,14 +113,14 @@ int serve(std::string const& instance) {
 
 int main(int argc, char** argv) {
     if (argc != 4) {
-        std::cerr << "usage: benchmark_caller INSTANCE changing|repeated|serve MILLISECONDS\n";
+        std::cerr << "usage: benchmark_caller INSTANCE changing|repeated|paced|serve MILLISECONDS\n";
         return 2;
     }
     try {
         if (std::string(argv[2]) == "serve") {
             return serve(argv[1]);
         }
-        return run(argv[1], std::string(argv[2]) == "changing", std::chrono::milliseconds(std::stoi(argv[3])));
+        return run(argv[1], argv[2], std::chrono::milliseconds(std::stoi(argv[3])));
     } catch (std::exception const& error) {
         std::cerr << "benchmark_caller: " << error.what() << '\n';
         return EXIT_FAILURE;
