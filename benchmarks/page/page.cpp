@@ -22,6 +22,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -48,9 +49,10 @@ constexpr std::chrono::seconds k_idle_time{3};
 
 /// What was counted of one life.
 struct Life {
-    Work idle;     ///< a cycle in which nothing happens
-    Work word;     ///< from a key to the word that it leads to
-    Work suspend;  ///< from there until the machine is prepared, and has said so
+    Work idle;                                            ///< a cycle in which nothing happens
+    Work word;                                            ///< from a key to the word that it leads to
+    Work suspend;                                         ///< from there until the machine is prepared, and has said so
+    std::map<std::string, std::uint64_t> shares_of_word;  ///< of its instructions, by the file that they lie in
 };
 
 Work more(Work const& sum, Work const& other) {
@@ -72,9 +74,11 @@ Life counted(Machine& machine, pid_t daemon) {
         cycles.push_back(driver.until_it_waits());
     }
     machine.hypervisor().command({{"do", "press"}, {"key", "p"}});
+    driver.take_shares();
     auto const word = driver.until_it_writes("preparing");
+    auto const shares = driver.take_shares();
     auto const suspend = driver.until_it_writes("prepared4sd");
-    return {usual(cycles), word, more(suspend, driver.until_it_waits())};
+    return {usual(cycles), word, more(suspend, driver.until_it_waits()), shares};
 }
 
 // Where there is to be no page, a file is in its way.
@@ -300,6 +304,10 @@ void count() {
     tell("idle cycle", with, without, &Life::idle);
     tell("key to word", with, without, &Life::word);
     tell("word to prepared", with, without, &Life::suspend);
+    for (auto const& [file, instructions] : with[0].shares_of_word) {
+        std::printf("key to word, with the page, instructions in %s: %llu\n", file.c_str(),
+                    static_cast<unsigned long long>(instructions));
+    }
     start_in_turn(machine);
     std::fflush(stdout);  // the rest takes minutes
 }

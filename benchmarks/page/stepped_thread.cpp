@@ -2,7 +2,11 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include <elf.h>
 #include <sys/ptrace.h>
@@ -73,6 +77,26 @@ Work Stepped_thread::until_it_writes(std::string const& text) {
     });
 }
 
+std::map<std::string, std::uint64_t> Stepped_thread::take_shares() {
+    std::map<std::uint64_t, std::pair<std::uint64_t, std::string>> files;  // by the begin: end and name
+    std::ifstream maps("/proc/" + std::to_string(process_) + "/maps");
+    for (std::string line; std::getline(maps, line);) {
+        std::uint64_t begin = 0;
+        std::uint64_t end = 0;
+        char dash = 0;
+        std::istringstream(line) >> std::hex >> begin >> dash >> end;
+        files[begin] = {end, line.substr(line.find_last_of(" /") + 1)};
+    }
+    std::map<std::string, std::uint64_t> shares;
+    for (auto const& [address, times] : done_) {
+        auto const next = files.upper_bound(address);
+        bool const is_known = next != files.begin() && address < std::prev(next)->second.first;
+        shares[is_known ? std::prev(next)->second.second : "?"] += times;
+    }
+    done_.clear();
+    return shares;
+}
+
 // It leaves the call at which it stands before it looks for the next one.
 template <class Predicate>
 Work Stepped_thread::until(Predicate const& is_there) {
@@ -103,6 +127,7 @@ bool Stepped_thread::is_at_call(Call& call) {
         fail("PTRACE_GETREGSET");
     }
     auto const address = place_of(registers);
+    ++done_[address];
     auto known = is_call_.find(address);
     if (known == is_call_.end()) {
         auto const word = static_cast<std::uint64_t>(::ptrace(PTRACE_PEEKTEXT, process_, address, nullptr));

@@ -2,6 +2,7 @@
 #define BENCHMARKS_PAGE_STEPPED_THREAD_H
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <unordered_map>
 
@@ -37,6 +38,9 @@ class Stepped_thread {
     /// The same, until it is about to write a text.
     Work until_it_writes(std::string const& text);
 
+    /// How many of the instructions since the last look lie in which file: "libc.so.6".
+    std::map<std::string, std::uint64_t> take_shares();
+
  private:
     template <class Predicate>
     Work until(Predicate const& is_there);
@@ -45,7 +49,8 @@ class Stepped_thread {
     bool has_text_at(std::uint64_t address, std::string const& text) const;
 
     pid_t process_;
-    std::unordered_map<std::uint64_t, bool> is_call_;  // by the instruction's address
+    std::unordered_map<std::uint64_t, bool> is_call_;        // by the instruction's address
+    std::unordered_map<std::uint64_t, std::uint64_t> done_;  // how often
 };
 
 }  // namespace benchmarks
