@@ -108,7 +108,7 @@ void Drawing::configure(Lines& lines) {
     set("ApplicationSuspendRequestTimeout", std::to_string(1 + below(5)));
     set("DMSuspendRequestTimeout", std::to_string(1 + below(4)));
     set("DefautNMRequestPattern",
-        one_of({"[0,0,0,0,0,0]", "[0,16,0,0,0,0]", "[0,32,0,0]", "[0,48]", "[64,16,0,0,0,0]"}));
+        one_of({"[0,0,0,0,0,0]", "[0,16,0,0,0,0]", "[0,32,0,0]", "[0,48]", "[64,16,0,0,0,0]", "[1,16,0,0,0,0]"}));
     if (in_100(12)) {
         set("StateManagerNMUsage", "false");
     }

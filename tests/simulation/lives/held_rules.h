@@ -62,6 +62,7 @@ class Held_rules {
     void enter(State state);
     void take_word(simulation::Entry const& entry);
     void take_machine_state(simulation::Entry const& entry);
+    void owe_power_off(std::deque<std::string> lines);
     void take_power_off(std::string const& line);
     void take_application(std::string const& who, std::string const& what);
     void take_request(simulation::Entry const& entry);
@@ -95,7 +96,7 @@ class Held_rules {
 
     unsigned words_owed_{1};
     unsigned machine_states_owed_{0};
-    bool power_off_owed_{false};
+    std::deque<std::string> power_off_owed_;  ///< what the power-off service is to be told, in this order
 
     // How long the driver may wait for its neighbours.
     Time longest_write_{0};
@@ -109,6 +110,7 @@ class Held_rules {
     bool is_exact_{true};         ///< network management has taken whatever it was told
     bool is_standing_by_{false};  ///< from the beginning of a suspend to that of a resume
     bool default_held_{false};
+    std::uint64_t bits_seen_{0};  ///< that applications have ever held
     std::map<std::string, Held> held_;
     std::map<std::string, Held> held_before_;  ///< the call that goes on
 

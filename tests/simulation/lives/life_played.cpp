@@ -23,6 +23,7 @@ Terms terms_of(simulation::Script const& script, std::string const& configuratio
     terms.period = std::chrono::milliseconds(settings.at("StateManagerMainPeriod").get<unsigned>());
     terms.application = seconds("ApplicationSuspendRequestTimeout");
     terms.diagnosis = seconds("DMSuspendRequestTimeout");
+    terms.power_off = seconds("PMSuspendRequestTimeout");
     terms.sends_cab_area = settings.at("NmUserDataConfig").at("CabBitsEnabled");
     terms.default_pattern = settings.at("DefautNMRequestPattern").get<simulation::Bits>();
     return terms;

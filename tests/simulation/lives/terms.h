@@ -17,6 +17,7 @@ struct Terms {
     simulation::Time period{0};
     simulation::Time application{0};  ///< that a group of clients has
     simulation::Time diagnosis{0};
+    simulation::Time power_off{0};  ///< that a fast shutdown grants the power-off service
     simulation::Bits default_pattern{};
 };
 
