@@ -1,17 +1,12 @@
 // From the hypervisor's key press to the state word in the VM-control file: the daemon, and beside it in the same run
-// on the same files a bare relay, and the daemon without a status page, since a file is in its way. Both times are
-// taken by the hypervisor, at the press and at the arrival of the word.
+// on the same files a bare relay. Both times are taken by the hypervisor, at the press and at the arrival of the word.
 
 #include "benchmarks/machine/figures.h"
 #include "benchmarks/machine/machine.h"
-#include "status/layout.h"
 
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -77,13 +72,7 @@ void measure_relay(benchmark::State& state, Machine& machine, Samples& samples) 
     relay->wait(std::chrono::seconds(5));
 }
 
-void measure_daemon(benchmark::State& state, Machine& machine, Samples& samples, bool has_page) {
-    namespace fs = std::filesystem;
-    auto const place = fs::path(status::k_page_path).parent_path();
-    fs::remove_all(place);
-    if (!has_page) {
-        std::ofstream(place) << "in the way";
-    }
+void measure_daemon(benchmark::State& state, Machine& machine, Samples& samples) {
     std::size_t const from = machine.hypervisor().position();
     auto const daemon = machine.start_daemon();
     machine.await_word("running", from);
@@ -105,27 +94,14 @@ int run() {
     Machine machine;
     Samples relay;
     Samples daemon;
-    Samples daemon_again;
-    Samples without_page;
     register_benchmark("relay", [&](benchmark::State& state) { measure_relay(state, machine, relay); });
-    auto const register_daemon = [&](char const* name, Samples& samples, bool has_page) {
-        register_benchmark(name, [&machine, &samples, has_page](benchmark::State& state) {
-            measure_daemon(state, machine, samples, has_page);
-        });
-    };
-    register_daemon("daemon", daemon, true);
-    register_daemon("daemon without a page", without_page, false);
-    register_daemon("daemon, again", daemon_again, true);
+    register_benchmark("daemon", [&](benchmark::State& state) { measure_daemon(state, machine, daemon); });
     benchmark::RunSpecifiedBenchmarks();
     benchmarks::print("key to word, relay", relay);
     benchmarks::print("key to word, daemon", daemon);
-    benchmarks::print("key to word, daemon, again", daemon_again);
-    benchmarks::print("key to word, daemon without a page", without_page);
     if (relay.count() == 0 || daemon.count() == 0) {
         return EXIT_SUCCESS;
     }
-    std::printf("daemon / daemon without a page: %.3f; daemon / daemon, again, which is the same: %.3f\n",
-                daemon.median_us() / without_page.median_us(), daemon.median_us() / daemon_again.median_us());
     benchmarks::tell({"key to word, median", daemon.median_us(), relay.median_us(), "us",
                       benchmarks::at_most_times(k_target_ratio)});
     benchmarks::tell(

@@ -1,8 +1,11 @@
 // What the status page costs the daemon's driver while nothing happens and on the way of a command, in two measures
 // that bear a busy machine. First the instructions of its thread, and the system calls that it makes, with the page and
 // without: these are counted, each in two lives. What the system does in its calls is not seen so; hence the processor
-// time of two daemons that run beside each other, of which one has the page: without a reader, with those that a
-// machine may have, and with one that never pauses.
+// time of two daemons that run beside each other, of which one has the page: without a reader, and, for
+//
+//     benchmark_page readers
+//
+// with those that a machine may have, and with one that never pauses.
 
 #include "bench/json_lines/clock.h"
 #include "benchmarks/machine/figures.h"
@@ -45,7 +48,7 @@ constexpr int k_rounds = 9;
 constexpr int k_short_rounds = 3;
 constexpr int k_starts = 40;
 constexpr int k_suspends = 100;
-constexpr std::chrono::seconds k_idle_time{3};
+constexpr std::chrono::seconds k_idle_time{2};
 
 /// What was counted of one life.
 struct Life {
@@ -263,18 +266,21 @@ constexpr std::array<Pair, 4> k_pairs{{{"two without", false, Read::by_nobody},
                                        {"and with readers", true, Read::by_the_usual},
                                        {"and read all the time", true, Read::all_the_time}}};
 
+constexpr std::size_t k_pairs_without_readers = 2;
+
 // Judged is the page alone.
-void compare(Machine& machine, char const* name, std::function<void(Two_daemons&)> const& something) {
+void compare(Machine& machine, std::size_t pairs, char const* name,
+             std::function<void(Two_daemons&)> const& something) {
     std::array<std::vector<double>, k_pairs.size()> ratios;
     for (int round = 0; round < benchmarks::whole_or_short(k_rounds, k_short_rounds); ++round) {
-        for (std::size_t i = 0; i < k_pairs.size(); ++i) {
+        for (std::size_t i = 0; i < pairs; ++i) {
             Two_daemons daemons(machine, k_pairs[i].has_page);
             Readers const readers(machine, k_pairs[i].read);
             ratios[i].push_back(daemons.ratio_while(something));
         }
     }
     auto const what = std::string("driver with a page, processor, ") + name;
-    for (std::size_t i = 0; i < k_pairs.size(); ++i) {
+    for (std::size_t i = 0; i < pairs; ++i) {
         auto const middle = middle_of(ratios[i]);
         std::printf("%s, processor time as a multiple of a daemon's without the page, %s: %.3f (%.3f to %.3f)\n", name,
                     k_pairs[i].name, middle.median, middle.lower, middle.upper);
@@ -312,16 +318,18 @@ void count() {
     std::fflush(stdout);  // the rest takes minutes
 }
 
-int run() {
+int run(std::size_t pairs) {
     count();
     Machine machine(k_short_period_ms);
-    compare(machine, "idle", do_nothing);
-    compare(machine, "suspends and resumes", suspend_and_resume);
+    compare(machine, pairs, "idle", do_nothing);
+    compare(machine, pairs, "suspends and resumes", suspend_and_resume);
     return EXIT_SUCCESS;
 }
 
 }  // namespace
 
-int main() {
-    return benchmarks::run_in_world("benchmark_page", &run);
+int main(int argc, char** argv) {
+    bool const with_readers = argc == 2 && std::string(argv[1]) == "readers";
+    auto const pairs = with_readers ? k_pairs.size() : k_pairs_without_readers;
+    return benchmarks::run_in_world("benchmark_page", [pairs] { return run(pairs); });
 }
