@@ -1,3 +1,7 @@
+// One run of `check-client`: each chosen rule is judged after the other, on this thread, with the same directory for
+// the socket. A verdict is a line as soon as it is there, or all are one JSON object; a rule that does not hold is the
+// status.
+
 #include "base/temporary_directory.h"
 #include "tools/check/left_behind.h"
 #include "tools/check/private_place.h"

@@ -1,3 +1,6 @@
+// `check_configuration` makes a question of the options and prints the answer, as text or as JSON; the checks stand in
+// `check_config`.
+
 #include "tools/check_config/check.h"
 #include "tools/check_config/words.h"
 #include "tools/commands.h"

@@ -1,3 +1,6 @@
+// A session is one client of the library on this thread: it waits for the next request or the time of the next answer,
+// prints what comes, and ends after its number of requests or by a signal.
+
 #include "component_client/client.h"
 #include "tools/client_report.h"
 #include "tools/commands.h"

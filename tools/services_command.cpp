@@ -1,3 +1,6 @@
+// `list_services` begins a lookup for each service, lets offers become known for its time, ends the lookups, and prints
+// what there is then.
+
 #include "ara/com/find_service.h"
 #include "base/mutex.h"
 #include "tarq/com/runtime/component_singleton.h"

@@ -1,3 +1,6 @@
+// One snapshot of the page as JSON for programs: `status_json` has everything, `why_json` the reasons alone. Both only
+// read.
+
 #include "base/hex.h"
 #include "services/user_data_names.h"
 #include "tools/page/words.h"

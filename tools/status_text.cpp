@@ -1,3 +1,6 @@
+// What people read of one snapshot of the page. `status_text` puts its rows in the order in which one asks: whether it
+// runs, the state and why, what came in and what is held, the troubles last. `why_text` tells the reasons alone.
+
 #include "base/hex.h"
 #include "services/user_data_names.h"
 #include "tools/page/words.h"

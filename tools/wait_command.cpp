@@ -1,3 +1,6 @@
+// `wait` opens the page, again and again while there is no daemon, and looks at it whenever it shows news. A state may
+// be there already; an event has to come after the call. Its time may be over before.
+
 #include "tools/commands.h"
 #include "tools/json_text.h"
 #include "tools/page/words.h"

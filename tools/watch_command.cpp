@@ -1,3 +1,6 @@
+// `watch` looks for both services of the network manager and then sleeps until a signal ends it; each value is reported
+// on a thread of the binding as it comes.
+
 #include "services/found_instance.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "tarq/udpnm/interface/network_state_interface_proxy.h"

@@ -1,3 +1,6 @@
+// What a test or a player tells the hypervisor about input devices. Each command takes its arguments, refuses any that
+// are left, changes the model, and answers with what it touched.
+
 #include "bench/hypervisor/commands.h"
 #include "bench/hypervisor/key_names.h"
 #include "bench/json_lines/clock.h"

@@ -1,3 +1,6 @@
+// The tour's life with network management, a part a function, in the order in which they are walked; each step says
+// what is done, what must be seen, and which rows of the states' tables it reaches.
+
 #include "bench/tour/actions.h"
 
 namespace bench::tour {

@@ -1,3 +1,6 @@
+// `check_instances` takes each of the three lists as the daemon does: its form, its names up to the maximum, each name,
+// and names that stand twice; at the end the lists are held against each other.
+
 #include "ara/com/instance.h"
 #include "tools/check_config/finding.h"
 #include "tools/check_config/words.h"

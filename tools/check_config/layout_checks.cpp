@@ -1,3 +1,6 @@
+// `check_layout` first asks what the daemon asks, whether the areas fit; only of a layout that it takes, where network
+// management is used, it asks whether what is sent makes sense.
+
 #include "statemanager/config/json_conversion.h"
 #include "tools/check_config/finding.h"
 

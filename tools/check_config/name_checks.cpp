@@ -1,3 +1,6 @@
+// `check_names` looks at every object of the configuration: unknown names first, each with the missing one that it is
+// taken for, then what is missing and was not taken for another's slip, then names that stand there twice.
+
 #include "tools/check_config/finding.h"
 #include "tools/check_config/words.h"
 
