@@ -28,7 +28,7 @@ using benchmarks::Peer;
 using benchmarks::Samples;
 using ximo::ap::statemanager::proxy::StateManagementAliveInterfaceProxy;
 
-constexpr int k_turns = 20;
+constexpr int k_turns = 10;
 constexpr int k_turns_in_short = 5;
 constexpr int k_calls_in_a_turn = 1'000;
 constexpr int k_warm_up = 200;

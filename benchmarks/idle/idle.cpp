@@ -24,7 +24,7 @@ using bench::Child_process;
 using benchmarks::Machine;
 
 constexpr std::chrono::seconds k_settling{2};
-constexpr int k_seconds = 20;
+constexpr int k_seconds = 10;
 constexpr int k_short_seconds = 5;
 constexpr unsigned k_applications = 16;  // and four instances more
 constexpr std::size_t k_clients = 45;
