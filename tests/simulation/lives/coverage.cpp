@@ -5,6 +5,12 @@ namespace lives {
 using bench::rules::Row;
 using bench::rules::State;
 
+namespace {
+
+constexpr std::uint64_t k_rare = 10;
+
+}  // namespace
+
 void Coverage::decided(Row const& row, std::uint64_t situation) {
     ++rows_[&row];
     ++situations_[{row.from, situation}];
@@ -29,12 +35,19 @@ std::string Coverage::text() const {
             text += "  " + name + ": " + std::to_string(found->second) + '\n';
         }
     }
-    std::map<State, unsigned> of_state;
+    struct Found {
+        unsigned all{0};
+        unsigned once{0};
+    };
+    std::map<State, Found> of_state;
     for (auto const& [situation, count] : situations_) {
-        ++of_state[situation.first];
+        auto& found = of_state[situation.first];
+        ++found.all;
+        found.once += count == 1 ? 1U : 0U;
     }
     std::size_t pairs = 0;
     std::string pairs_missing;
+    std::string pairs_rare;
     for (auto const& first : bench::rules::rows()) {
         for (auto const& second : bench::rules::rows()) {
             bool const can_follow = first.to == second.from && second.to != State::stay;
@@ -42,17 +55,23 @@ std::string Coverage::text() const {
                 continue;
             }
             ++pairs;
-            if (pairs_.count({&first, &second}) == 0) {
-                pairs_missing += "  " + bench::rules::name(first) + " -> " + bench::rules::name(second) + '\n';
+            auto const name = "  " + bench::rules::name(first) + " -> " + bench::rules::name(second);
+            auto const found = pairs_.find({&first, &second});
+            if (found == pairs_.end()) {
+                pairs_missing += name + '\n';
+            } else if (found->second < k_rare) {
+                pairs_rare += name + ": " + std::to_string(found->second) + '\n';
             }
         }
     }
     text += "situations (command, conditions, phase of the notification):\n";
-    for (auto const& [state, count] : of_state) {
-        text += std::string("  ") + bench::rules::name(state) + ": " + std::to_string(count) + '\n';
+    for (auto const& [state, found] : of_state) {
+        text += std::string("  ") + bench::rules::name(state) + ": " + std::to_string(found.all) + ", of which " +
+                std::to_string(found.once) + " once\n";
     }
     text += "transitions after transitions: " + std::to_string(pairs_.size()) + " of " + std::to_string(pairs) + '\n';
     text += missing.empty() ? "" : "rows that never decided:" + missing + '\n';
+    text += pairs_rare.empty() ? "" : "rarely one after the other:\n" + pairs_rare;
     text += pairs_missing.empty() ? "" : "never one after the other:\n" + pairs_missing;
     return text;
 }

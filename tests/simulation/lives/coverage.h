@@ -17,7 +17,8 @@ class Coverage {
     /// notification.
     void decided(bench::rules::Row const& row, std::uint64_t situation);
 
-    /// The rows with how often they decided, the pairs of transitions, the situations, and what was never seen.
+    /// The rows with how often they decided, how many situations of each state there were, the pairs of transitions,
+    /// and what was seen rarely or never.
     std::string text() const;
 
  private:

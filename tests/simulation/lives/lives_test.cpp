@@ -24,6 +24,27 @@ TEST(Lives_of_the_machine, Break_no_rule) {
     }
 }
 
+TEST(What_lives_came_by, Names_what_is_rare_and_what_is_missing) {
+    Coverage coverage;
+    auto const& rows = bench::rules::rows();
+    auto const leads_to = [&](auto from, auto to) -> auto const& {
+        return *std::find_if(rows.begin(), rows.end(),
+                             [&](auto const& row) { return row.from == from && row.to == to; });
+    };
+    using bench::rules::State;
+    auto const& first = leads_to(State::starting_up, State::running);
+    auto const& second = leads_to(State::running, State::preparing);
+    coverage.decided(first, 7);
+    coverage.decided(second, 7);
+    coverage.decided(second, 8);
+    coverage.decided(second, 8);
+    auto const pair = "  " + name(first) + " -> " + name(second);
+    EXPECT_THAT(coverage.text(), HasSubstr(": 2, of which 1 once\n"));
+    EXPECT_THAT(coverage.text(), HasSubstr("rarely one after the other:\n" + pair + ": 1\n"));
+    EXPECT_THAT(coverage.text(), HasSubstr("never one after the other:\n"));
+    EXPECT_THAT(coverage.text(), HasSubstr("rows that never decided:"));
+}
+
 TEST(Lives_of_the_machine, Are_the_same_each_time) {
     Coverage first;
     Coverage second;
