@@ -165,8 +165,8 @@ TEST_F(Answer, Does_not_take_an_answer_from_whoever_gets_the_place_of_a_client_t
     radio->receive();
     radio.reset();
     EXPECT_TRUE(eventually([&] { return sut->get_connected_clients().empty(); }));
-    auto next = connect("radio");
-    next.answer(0, "kPrepSD", 0);
+    auto next = connect("radio", "kPrepSD");  // and is asked for something, so that its answer is in turn
+    next.answer(next.receive().number, "kOn");
     EXPECT_EQ(outcome_of(outcome).status, Callback_status::timed_out);
 }
 
