@@ -2,8 +2,6 @@
 #include "support/played_server.h"
 #include "support/temporary_directory.h"
 
-#include <csignal>
-#include <optional>
 #include <string>
 
 #include <gmock/gmock.h>

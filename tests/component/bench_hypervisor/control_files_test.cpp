@@ -1,7 +1,6 @@
 #include "bench/json_lines/clock.h"
 #include "mounted_fixture.h"
 
-#include <chrono>
 #include <fstream>
 #include <thread>
 

@@ -1,10 +1,8 @@
 #include "bench/json_lines/clock.h"
 #include "mounted_fixture.h"
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <thread>

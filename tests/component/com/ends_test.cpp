@@ -8,7 +8,6 @@
 #include "subscribed.h"
 #include "tarq/udpnm/interface/network_state_interface_type.h"
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <future>

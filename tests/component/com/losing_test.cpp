@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <optional>
 #include <string>
 #include <thread>

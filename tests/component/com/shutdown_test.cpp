@@ -13,7 +13,6 @@
 #include <functional>
 #include <future>
 #include <iterator>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>

@@ -1,10 +1,6 @@
 #include "client_fixture.h"
 #include "peer_numbers.h"
 
-#include <csignal>
-#include <fstream>
-#include <sstream>
-
 #include <unistd.h>
 
 namespace com_test {

@@ -5,8 +5,6 @@
 namespace bench::tour {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using vehicle::Kind;
 using vehicle::Timeline;
 using Outcome = Client_bar::Outcome;

@@ -13,7 +13,6 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 using vehicle::Kind;
-using vehicle::Timeline;
 
 constexpr std::int64_t k_second = 1'000'000'000;
 

@@ -8,7 +8,6 @@ namespace {
 using nlohmann::json;
 using testing::IsEmpty;
 using testing::SizeIs;
-using vehicle::Kind;
 
 json const& configuration() {
     static auto const& text =

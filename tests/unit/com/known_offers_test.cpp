@@ -9,7 +9,6 @@
 #include "support/log_capture.h"
 #include "support/played_dds.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>

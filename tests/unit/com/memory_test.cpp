@@ -14,7 +14,6 @@
 #include <future>
 #include <memory>
 #include <new>
-#include <vector>
 
 #include <gmock/gmock.h>
 

@@ -13,7 +13,6 @@
 #include <memory>
 #include <numeric>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace com_unit {
