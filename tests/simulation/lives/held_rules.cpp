@@ -293,25 +293,8 @@ void Held_rules::owe_power_off(std::deque<std::string> lines) {
 }
 
 void Held_rules::take_power_off(std::string const& line) {
-<<<<<<< HEAD
     if (power_off_owed_.empty() || line != power_off_owed_.front()) {
         return find("the power-off service was told: " + line);
-=======
-    bool const is_lookup = line.rfind("lookup", 0) == 0;
-    if (is_lookup != (state_ == State::preparing) || (!is_lookup && state_ != State::shutting_down)) {
-        find("the power-off service was told: " + line);
-    }
-    if (line.rfind("terminate", 0) == 0) {
-        is_terminated_ = true;
-    } else if (line.rfind("poweroff", 0) == 0) {
-        if (!is_terminated_) {
-            find("the power-off service has terminated nothing before: " + line);
-        }
-        if (!power_off_owed_) {
-            find("the power-off service was told once more: " + line);
-        }
-        power_off_owed_ = false;
->>>>>>> e3ec643 (Planted faults with today's draw: 43 found by 600 lives; two scripts can fail now, and rare pairs are told)
     }
     power_off_owed_.pop_front();
 }

@@ -96,12 +96,7 @@ class Held_rules {
 
     unsigned words_owed_{1};
     unsigned machine_states_owed_{0};
-<<<<<<< HEAD
     std::deque<std::string> power_off_owed_;  ///< what the power-off service is to be told, in this order
-=======
-    bool power_off_owed_{false};
-    bool is_terminated_{false};  ///< what the power-off service ends before it
->>>>>>> e3ec643 (Planted faults with today's draw: 43 found by 600 lives; two scripts can fail now, and rare pairs are told)
 
     // How long the driver may wait for its neighbours.
     Time longest_write_{0};
