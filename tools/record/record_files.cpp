@@ -47,8 +47,10 @@ void Record_files::add(std::string const& line, bool begins_life) {
 
 void Record_files::write(std::string const& first_line, bool at_once) {
     if (is_ready(first_line) && is_writable() && is_handed_over(first_line)) {
-        trouble_.clear();
         sync(at_once);
+        if (!is_dirty_) {
+            trouble_.clear();
+        }
     }
 }
 

@@ -4,10 +4,31 @@
 #include "support/file_size_limit.h"
 #include "support/temporary_directory.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
+
+namespace {
+
+bool is_disk_failing = false;
+int failed_syncs = 0;
+
+}  // namespace
+
+// This takes the place of the C library's in this program.
+extern "C" int fdatasync(int file) {
+    using Function = int (*)(int);
+    static auto* const real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "fdatasync"));
+    if (!is_disk_failing) {
+        return real(file);
+    }
+    ++failed_syncs;
+    errno = EIO;
+    return -1;
+}
 
 namespace statectl::record {
 namespace {
@@ -89,6 +110,28 @@ TEST_F(Files_of_records, Hold_every_line_once_after_a_disk_that_was_full_has_roo
     EXPECT_EQ(files.trouble(), "");
     EXPECT_EQ(text(1),
               first + "\n" + event_line("transition", 1, "0,1,1") + "\n" + event_line("transition", 2, "1,2,1") + "\n");
+}
+
+TEST_F(Files_of_records, Tell_a_disk_that_fails_until_it_has_taken_everything) {
+    Record_files files(path());
+    files.add(first, true);
+    is_disk_failing = true;
+    files.write(first, true);
+    auto const trouble = files.trouble();
+    EXPECT_THAT(trouble, HasSubstr("the disk does not take what was written: Input/output error"));
+    for (Number i = 0; i < 5; ++i) {
+        files.write(first, false);
+        EXPECT_EQ(files.trouble(), trouble) << "too early for another try";
+        files.add(event_line("transition", i, "1,2,3"));
+        files.write(first, i == 3);
+        EXPECT_EQ(files.trouble(), trouble);
+    }
+    EXPECT_EQ(failed_syncs, 2);
+    is_disk_failing = false;
+    files.write(first, false);
+    EXPECT_EQ(files.trouble(), trouble) << "nothing is known yet";
+    files.write(first, true);
+    EXPECT_EQ(files.trouble(), "");
 }
 
 TEST_F(Files_of_records, Count_what_has_no_room_to_wait) {
