@@ -242,6 +242,17 @@ void machine_state(std::string_view state, bool succeeded) {
     }
 }
 
+void supervision_stopped() {
+    if (auto* const page = status::page()) {
+        auto const at = now();
+        {
+            Change const change(page->driver.sequence);
+            put(page->driver.supervision_stopped, at);
+        }
+        tell(*page, page->driver_ring, at, Event_kind::supervision_stopped, {});
+    }
+}
+
 void default_pattern(bool held) {
     if (auto* const page = status::page()) {
         Change const change(page->driver.sequence);

@@ -44,6 +44,9 @@ void state_word(std::string_view word, Word_fate fate);
 /// Execution management was asked for a machine state.
 void machine_state(std::string_view state, bool succeeded);
 
+/// Health management is told no more that the daemon is alive: a report failed.
+void supervision_stopped();
+
 /// The states hold the network by the default pattern, or no longer.
 void default_pattern(bool held);
 

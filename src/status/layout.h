@@ -29,7 +29,7 @@ constexpr char const* k_previous = ".previous";
 constexpr char const* k_lock = ".lock";
 
 constexpr std::uint64_t k_magic = 0x45474150'4d534d41U;  ///< the bytes "AMSMPAGE"
-constexpr std::uint64_t k_version = 3;                   ///< of this layout; another one is another layout
+constexpr std::uint64_t k_version = 4;                   ///< of this layout; another one is another layout
 
 using Shared_word = std::atomic<std::uint64_t>;
 static_assert(Shared_word::is_always_lock_free && sizeof(Shared_word) == sizeof(std::uint64_t));
@@ -162,6 +162,8 @@ struct Driver {
     Text<Word, 24> machine_state;  ///< asked for last
     Word machine_state_at;
     Word machine_state_failed;
+    // Health management
+    Word supervision_stopped;  ///< when a report of being alive failed, after which there are none; 0: there are
     // The clients of a suspend, as the driver has them asked
     Word group;  ///< `Group`: asked last
     Word group_at;
@@ -318,14 +320,15 @@ enum class Event_kind : std::uint64_t {
     client_timed_out = 12,
     client_vanished = 13,
     client_out_of_turn = 14,
-    held = 15,      ///< `Hold`; text: instance
-    released = 16,  ///< `Hold`; text: instance
+    held = 15,      ///< `Hold`, 1: asked for nothing, and holds nothing; text: instance
+    released = 16,  ///< `Hold`, 1: not all of it, and still holds it; text: instance
     manager_found = 17,
     network_state = 18,  ///< ecu state, first eight bytes
     device_lost = 19,
     ended = 20,          ///< the loop was left
     key_swallowed = 21,  ///< command, state that was left, row
     keys_cleared = 22,   ///< the oldest command, how many
+    supervision_stopped = 23,
 };
 
 template <class Word>

@@ -57,10 +57,10 @@ void forget_ac_of_inactive(Shared_instance& instance) {
     }
 }
 
-void hold(Shared_instance& instance, Hold service, bool holds) {
+void hold(Shared_instance& instance, Hold service, bool holds, std::uint64_t at) {
     auto& since = instance.since[place(service)];
     if (!holds || own(since) == 0) {
-        put(since, holds ? now() : 0);
+        put(since, holds ? at : 0);
     }
 }
 
@@ -71,13 +71,15 @@ void change(std::string_view name, Hold service, bool is_request, Action const& 
     if (instance == nullptr) {
         return;
     }
+    auto const at = now();
     {
         Change const change(instance->sequence);
         add((is_request ? instance->requests : instance->releases)[place(service)]);
-        action(*instance);
+        action(*instance, at);
     }
-    tell(*page, page->services_ring, now(), is_request ? Event_kind::held : Event_kind::released, {place(service)},
-         name);
+    bool const is_other_way = is_request != (own(instance->since[place(service)]) != 0);
+    tell(*page, page->services_ring, at, is_request ? Event_kind::held : Event_kind::released,
+         {place(service), is_other_way ? 1U : 0U}, name);
 }
 
 }  // namespace
@@ -113,39 +115,41 @@ void sending(bool sends) {
 }
 
 void ecu_requested(std::string_view name) {
-    change(name, Hold::ecu_alive, true, [](Shared_instance& instance) { hold(instance, Hold::ecu_alive, true); });
+    change(name, Hold::ecu_alive, true,
+           [](Shared_instance& instance, std::uint64_t at) { hold(instance, Hold::ecu_alive, true, at); });
 }
 
 void ecu_released(std::string_view name) {
-    change(name, Hold::ecu_alive, false, [](Shared_instance& instance) { hold(instance, Hold::ecu_alive, false); });
+    change(name, Hold::ecu_alive, false,
+           [](Shared_instance& instance, std::uint64_t at) { hold(instance, Hold::ecu_alive, false, at); });
 }
 
 void com_requested(std::string_view name, std::vector<std::uint8_t> const& bits, std::uint64_t ac_number) {
-    change(name, Hold::com_alive, true, [&](Shared_instance& instance) {
+    change(name, Hold::com_alive, true, [&](Shared_instance& instance, std::uint64_t at) {
         put(instance.ac, valid(ac_number));
         put(instance.cab, own(instance.cab) | cab_of(bits));
-        hold(instance, Hold::com_alive, own(instance.cab) != 0);
+        hold(instance, Hold::com_alive, own(instance.cab) != 0, at);
     });
 }
 
 void com_released(std::string_view name, std::vector<std::uint8_t> const& bits) {
-    change(name, Hold::com_alive, false, [&](Shared_instance& instance) {
+    change(name, Hold::com_alive, false, [&](Shared_instance& instance, std::uint64_t at) {
         put(instance.cab, own(instance.cab) & ~cab_of(bits));
-        hold(instance, Hold::com_alive, own(instance.cab) != 0);
+        hold(instance, Hold::com_alive, own(instance.cab) != 0, at);
         forget_ac_of_inactive(instance);
     });
 }
 
 void cwu_requested(std::string_view name, std::uint64_t ac_number) {
-    change(name, Hold::car_wake_up, true, [&](Shared_instance& instance) {
+    change(name, Hold::car_wake_up, true, [&](Shared_instance& instance, std::uint64_t at) {
         put(instance.ac, valid(ac_number));
-        hold(instance, Hold::car_wake_up, true);
+        hold(instance, Hold::car_wake_up, true, at);
     });
 }
 
 void cwu_released(std::string_view name) {
-    change(name, Hold::car_wake_up, false, [](Shared_instance& instance) {
-        hold(instance, Hold::car_wake_up, false);
+    change(name, Hold::car_wake_up, false, [](Shared_instance& instance, std::uint64_t at) {
+        hold(instance, Hold::car_wake_up, false, at);
         forget_ac_of_inactive(instance);
     });
 }

@@ -301,6 +301,11 @@ std::vector<Reason> troubles_of(Snapshot const& page) {
         troubles.push_back({"server-failed", "the notification server failed " + times_text(page.server.failures) +
                                                  ", and all clients had to connect again"});
     }
+    if (page.driver.supervision_stopped != 0) {
+        troubles.push_back({"supervision-stopped", "a report to the watchdog failed " +
+                                                       span_text(page.driver.supervision_stopped, page.now) +
+                                                       " ago, and none follows: the watchdog ends the daemon"});
+    }
     if (page.driver.log_lost != 0) {
         auto const what = page.driver.log_lost == 1 ? std::string("1 message, ")
                                                     : std::to_string(page.driver.log_lost) + " messages, the last ";

@@ -20,7 +20,7 @@ std::string word_at(std::array<std::string_view, count> const& words, Number num
     return number < count ? std::string(words[number]) : "unknown (" + std::to_string(number) + ")";
 }
 
-constexpr std::array<std::string_view, 23> k_events{
+constexpr std::array<std::string_view, 24> k_events{
     "",
     "transition",
     "key-taken",
@@ -44,6 +44,7 @@ constexpr std::array<std::string_view, 23> k_events{
     "ended",
     "key-swallowed",
     "keys-cleared",
+    "supervision-stopped",
 };
 
 // Control characters, and those that turn the order of what stands around them.

@@ -5,10 +5,12 @@
 #include "tools/record/recorder.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <memory>
 #include <string>
@@ -42,8 +44,25 @@ Number now() {
     return static_cast<Number>(std::chrono::nanoseconds(Clock::now().time_since_epoch()).count());
 }
 
+Number since_boot() {
+    timespec time{};
+    ::clock_gettime(CLOCK_BOOTTIME, &time);
+    return static_cast<Number>(time.tv_sec) * 1'000'000'000 + static_cast<Number>(time.tv_nsec);
+}
+
+// A process that stands still between two of the clocks takes the time for one that the clock was set by.
 Look look_at(Number events) {
-    return {now<std::chrono::steady_clock>(), now<std::chrono::system_clock>(), events};
+    constexpr Number k_long = 100'000'000;
+    Look look{};
+    for (int tries = 0; tries < 5; ++tries) {
+        auto const at = now<std::chrono::steady_clock>();
+        auto const boot = since_boot();
+        look = {at, now<std::chrono::system_clock>(), events, boot - std::min(boot, at)};
+        if (now<std::chrono::steady_clock>() - at < k_long) {
+            break;
+        }
+    }
+    return look;
 }
 
 /// Says once what is wrong, and once that it is well again: into the journal.

@@ -43,10 +43,8 @@ class Teller {
                 transition(event);
                 break;
             case Event_kind::held:
-                hold_taken(event.numbers[0], event.text, event.at);
-                break;
             case Event_kind::released:
-                hold_released(event.numbers[0], event.text, event.at);
+                hold_changed(event);
                 break;
             default:
                 note_request(told(), event);
@@ -130,10 +128,20 @@ class Teller {
         }
     }
 
+    // The second number says that it is the other way round: nothing was asked for, or not all was given up.
+    void hold_changed(Recorded_event const& event) {
+        if ((static_cast<Event_kind>(event.kind) == Event_kind::held) == (event.numbers[1] == 0)) {
+            hold_taken(event.numbers[0], event.text, event.at);
+        } else {
+            hold_released(event.numbers[0], event.text, event.at);
+        }
+    }
+
+    // Who holds it may ask again.
     void hold_taken(Number hold, std::string const& name, Number at) {
-        hold_released(hold, name, at);
-        held_[{hold, name}] = told().holds.size();
-        told().holds.push_back({hold_word(hold), name, "", seconds(at), {}});
+        if (held_.insert({{hold, name}, told().holds.size()}).second) {
+            told().holds.push_back({hold_word(hold), name, "", seconds(at), {}});
+        }
     }
 
     void hold_released(Number hold, std::string const& name, Number at) {
@@ -153,6 +161,21 @@ class Teller {
     std::vector<Power_cycle> cycles_;
 };
 
+// Into the cycle that had begun.
+void tell_settings(std::vector<Power_cycle>& cycles, Recorded_life const& life) {
+    for (auto const& setting : life.settings) {
+        auto const had_begun = [&](Power_cycle const& cycle) { return cycle.told.begin <= seconds(setting.at); };
+        auto const cycle = std::find_if(cycles.rbegin(), cycles.rend(), had_begun);
+        if (cycle != cycles.rend()) {
+            auto& troubles = cycle->told.troubles;
+            auto const later = std::find_if(troubles.begin(), troubles.end(), [&](trace::Remark const& trouble) {
+                return trouble.time > seconds(setting.at);
+            });
+            troubles.insert(later, {seconds(setting.at), setting_text(setting.by)});
+        }
+    }
+}
+
 }  // namespace
 
 std::vector<Power_cycle> power_cycles(Records const& records, Present const& present) {
@@ -170,6 +193,7 @@ std::vector<Power_cycle> power_cycles(Records const& records, Present const& pre
         }
         std::for_each(counted, life.counted.end(), [&](Recorded_count const& rest) { teller.note(rest); });
         auto told = teller.end(end_of(life, boot_after, present), present.now);
+        tell_settings(told, life);
         std::move(told.begin(), told.end(), std::back_inserter(cycles));
     }
     return cycles;

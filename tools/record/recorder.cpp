@@ -20,7 +20,8 @@ using status::State;
 constexpr Number k_second = 1'000'000'000;
 constexpr Number k_alive_every = 600 * k_second;
 constexpr Number k_counts_every = 60 * k_second;
-constexpr double k_allowance = 2'000;  // events at once
+constexpr std::int64_t k_told_setting = 1'000'000'000;  // of the clock; less is an adjustment
+constexpr double k_allowance = 2'000;                   // events at once
 constexpr double k_allowance_a_second = 50;
 constexpr std::size_t k_most_holds = 32;
 
@@ -118,9 +119,8 @@ void Recorder::look(Snapshot const& page, Look const& now) {
     write_new_events(page, now);
     write_new_counts(page, now);
     tell_missed(now);
-    if (page.is_alive && now.at - told_alive_ >= k_alive_every) {
-        add("alive", "", now);
-        told_alive_ = now.at;
+    if (page.is_alive) {
+        tell_alive(now);
     }
     if (!page.is_alive && !is_over_) {
         tell_end(page, now);
@@ -146,7 +146,7 @@ void Recorder::begin_life(Snapshot const& page, Identity const& identity, Look c
     taken_ = missed_ = told_counts_ = 0;
     counts_ = {};
     was_alive_ = is_over_ = false;
-    told_alive_ = page.now;
+    told_alive_.reset();
     for (auto const& life : before_.lives) {
         if (life.identity == identity) {
             is_over_ = life.end.has_value();
@@ -229,6 +229,19 @@ void Recorder::tell_missed(Look const& now) {
     }
     missed_ = std::max(missed, missed_);
     lost_ = files_.lost();
+}
+
+// Without a sleep, the clock goes as far as the monotonic one. At a life's first look, and where the clock was set, the
+// line is what the life is dated by should nothing follow.
+void Recorder::tell_alive(Look const& now) {
+    auto const begin = static_cast<std::int64_t>(now.real - now.at - now.asleep);
+    auto const set_by = begin - clock_begin_.value_or(begin);
+    clock_begin_ = begin;
+    bool const is_set = set_by > k_told_setting || set_by < -k_told_setting;
+    if (is_set || !told_alive_ || now.at - *told_alive_ >= k_alive_every) {
+        add("alive", is_set ? R"(,"set_by":)" + std::to_string(set_by) : "", now);
+        told_alive_ = now.at;
+    }
 }
 
 void Recorder::tell_end(Snapshot const& page, Look const& now) {

@@ -5,17 +5,21 @@
 #include "tools/record/records.h"
 
 #include <array>
+#include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
 
 namespace statectl::record {
 
-/// When a look is taken: the same moment by both clocks, and how many events the page counted just before.
+/// When a look is taken: the same moment by both clocks, how many events the page counted just before, and how long the
+/// machine has slept since its boot.
 struct Look {
     Number at;
     Number real;
     Number events;
+    Number asleep{0};
 };
 
 /// Follows the status page of one life after the other, on one thread, and hands what is new to the files.
@@ -40,6 +44,7 @@ class Recorder {
     bool has_allowance(Number kind);
     void write_new_counts(Snapshot const& page, Look const& now);
     void tell_missed(Look const& now);
+    void tell_alive(Look const& now);
     void tell_end(Snapshot const& page, Look const& now);
     char const* end_of(Snapshot const& page, bool is_watched) const;
     void add(char const* line, std::string const& members, Look const& now);
@@ -59,7 +64,8 @@ class Recorder {
     bool was_alive_{false};   // at the last look
     bool is_urgent_{false};
     Number looked_{0};
-    Number told_alive_{0};
+    std::optional<Number> told_alive_;         // when, of this life
+    std::optional<std::int64_t> clock_begin_;  // what the clock said at the boot, as it was set at the last look
     double allowance_;
 };
 

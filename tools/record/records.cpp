@@ -119,6 +119,13 @@ void add_event(Recorded_life& life, json const& object) {
     life.events.push_back(std::move(event));
 }
 
+void add_setting(Recorded_life& life, json const& object) {
+    auto const by = object.find("set_by");
+    if (by != object.end() && by->is_number_integer()) {
+        life.settings.push_back({number_in(object, "at"), by->get<std::int64_t>()});
+    }
+}
+
 bool is_added(Recorded_life& life, std::string const& line, json const& object) {
     if (line == "event") {
         add_event(life, object);
@@ -131,7 +138,9 @@ bool is_added(Recorded_life& life, std::string const& line, json const& object) 
     } else if (line == "end") {
         life.end =
             Recorded_end{known_ending(text_in(object, "how")), number_in(object, "at"), number_in(object, "silent")};
-    } else if (line != "alive") {
+    } else if (line == "alive") {
+        add_setting(life, object);
+    } else {
         return false;
     }
     if (auto const at = number_in(object, "at"); at >= life.last_at) {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -73,6 +74,11 @@ struct Recorded_count {
     Counts more{};  ///< than the time before
 };
 
+struct Recorded_setting {
+    Number at{0};
+    std::int64_t by{0};  ///< nanoseconds
+};
+
 struct Recorded_hold {
     Number hold{0};
     std::string name;
@@ -93,7 +99,8 @@ struct Recorded_life {
     std::vector<Recorded_hold> held;
     std::vector<Recorded_event> events;  ///< in the order of their times
     std::vector<Recorded_count> counted;
-    Counts counts{};  ///< altogether
+    std::vector<Recorded_setting> settings;  ///< of the clock
+    Counts counts{};                         ///< altogether
     std::optional<Recorded_end> end;
     Number last_at{0};  ///< when something was recorded last
     Number last_real{0};

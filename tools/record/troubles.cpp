@@ -2,6 +2,10 @@
 
 #include "tools/page/words.h"
 
+#include <array>
+#include <cmath>
+#include <cstdio>
+
 namespace statectl::record {
 
 namespace {
@@ -33,6 +37,8 @@ void note_trouble(trace::Life& cycle, Recorded_event const& event) {
         case Event_kind::device_lost:
             return remark(cycle.troubles, event,
                           "an input device was lost, " + std::to_string(event.numbers[0]) + " are left");
+        case Event_kind::supervision_stopped:
+            return remark(cycle.troubles, event, "a report to the watchdog failed, and there were none from then on");
         case Event_kind::word:
             return has_failed ? remark(cycle.troubles, event, "the word " + quoted(event.text) + " was not written")
                               : void();
@@ -43,6 +49,14 @@ void note_trouble(trace::Life& cycle, Recorded_event const& event) {
         default:
             return;
     }
+}
+
+std::string setting_text(std::int64_t by) {
+    std::array<char, 64> text{};
+    auto const span = static_cast<double>(by) / 1e9;
+    std::snprintf(text.data(), text.size(), "the clock was set %s by %.3f s", by < 0 ? "back" : "forwards",
+                  std::abs(span));
+    return text.data();
 }
 
 }  // namespace statectl::record

@@ -10,6 +10,9 @@ namespace statectl::record {
 /// other; those of something else are left alone.
 void note_trouble(trace::Life& cycle, Recorded_event const& event);
 
+/// Of the clock, by nanoseconds.
+std::string setting_text(std::int64_t by);
+
 }  // namespace statectl::record
 
 #endif

@@ -1,6 +1,7 @@
 #include "statemanager/phm/supervision_manager.h"
 
 #include "ara/log/logging.h"
+#include "status/driver_status.h"
 
 #include <stdexcept>
 #include <utility>
@@ -20,6 +21,7 @@ void Supervision_manager::report_alive_status() {
         ara::log::LogError() << "AliveSupervision: caught " << error.what();
         ara::log::LogError() << "Stopping AliveSupervision reporting to PHM!";
         reporting_enabled_ = false;
+        status::supervision_stopped();
     }
 }
 

@@ -1,8 +1,10 @@
 #include "statemanager/phm/supervision_manager.h"
 
+#include "status/page_writer.h"
 #include "support/log_capture.h"
 #include "support/virtual_slot.h"
 
+#include <memory>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -64,6 +66,22 @@ TEST_F(Supervision, Stops_for_good_after_the_first_failure) {
     sut.report_alive_status();
     EXPECT_EQ(health.reports.size(), 1U);
     EXPECT_THAT(log.messages(), IsEmpty());
+}
+
+TEST_F(Supervision, Tells_the_status_page_once_that_it_has_stopped) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
+    sut.report_alive_status();
+    EXPECT_EQ(page->driver.supervision_stopped, 0U);
+    health.broken = true;
+    auto const before = status::now();
+    sut.report_alive_status();
+    auto const at = page->driver.supervision_stopped.load();
+    EXPECT_GE(at, before);
+    sut.report_alive_status();
+    EXPECT_EQ(page->driver.supervision_stopped, at);
+    EXPECT_EQ(page->events, 1U);
+    status::set_page(nullptr);
 }
 
 TEST_F(Supervision, Passes_other_exceptions_on_and_goes_on_reporting) {

@@ -94,6 +94,37 @@ TEST(Power_cycles, Begin_by_the_clock_as_it_was_right_later) {
     EXPECT_EQ(cycles[0].told.end - cycles[0].told.begin, 5.0);
 }
 
+TEST(Power_cycles, Tell_that_the_watchdog_was_told_nothing_any_more) {
+    auto const cycles = power_cycles(records_of({life_line("a", 1), transition(1, "0,1,1"),
+                                                 event_line("supervision-stopped", 2 * k_second, "0,0,0")}),
+                                     {"b", {}});
+    ASSERT_EQ(cycles.at(0).told.troubles.size(), 1U);
+    EXPECT_EQ(cycles[0].told.troubles[0].text, "a report to the watchdog failed, and there were none from then on");
+    EXPECT_EQ(cycles[0].told.troubles[0].time, 2.0);
+}
+
+TEST(Power_cycles, Tell_a_clock_that_was_set_in_the_one_in_which_it_was) {
+    auto const set = [](Number second, char const* by) {
+        return R"({"line":"alive","at":)" + std::to_string(second * k_second) + R"(,"real":0,"set_by":)" + by + "}";
+    };
+    auto const cycles = power_cycles(
+        records_of({life_line("a", 1), transition(1, "0,1,1"), set(2, "-2500000000"), transition(3, "1,5,3"),
+                    transition(4, "5,6,3"), transition(5, "6,7,1"), set(6, "\"none\""), set(7, "1000000000"),
+                    event_line("word", 8 * k_second, "1,0,0", "running"), set(9, "-9223372036854775808")}),
+        {"b", {}});
+    std::vector<std::vector<std::string>> told;
+    for (auto const& cycle : cycles) {
+        told.emplace_back();
+        for (auto const& trouble : cycle.told.troubles) {
+            told.back().push_back(std::to_string(static_cast<int>(trouble.time)) + ' ' + trouble.text);
+        }
+    }
+    EXPECT_THAT(told, ElementsAre(ElementsAre("2 the clock was set back by 2.500 s"),
+                                  ElementsAre("7 the clock was set forwards by 1.000 s",
+                                              "8 the word \"running\" was not written",
+                                              "9 the clock was set back by 9223372036.855 s")));
+}
+
 TEST(Power_cycles, That_have_not_ended_last_until_now) {
     std::vector<std::string> const lines{life_line("a", 1), transition(1, "0,1,1")};
     auto const length = [&](Present const& present) {
@@ -136,6 +167,34 @@ TEST(Power_cycles, Tell_what_was_held_over_a_suspend_and_who_was_late_in_it) {
             }
         }
         EXPECT_THAT(open, ElementsAre("nav"));
+    }
+}
+
+TEST(Power_cycles, Tell_a_hold_as_one_from_its_first_request_until_nothing_is_left_of_it) {
+    struct {
+        char const* name;
+        std::vector<std::pair<char const*, char const*>> events;  // one a second: the event, its numbers
+        std::vector<std::pair<double, double>> holds;             // from, until; 0: not given up
+    } const rows[]{
+        {"asked for again", {{"held", "0,0,0"}, {"held", "0,0,0"}, {"released", "0,0,0"}}, {{1, 3}}},
+        {"given up in part", {{"held", "1,0,0"}, {"released", "1,1,0"}, {"held", "1,0,0"}}, {{1, 0}}},
+        {"and altogether", {{"held", "1,0,0"}, {"released", "1,1,0"}, {"released", "1,0,0"}}, {{1, 3}}},
+        {"nothing", {{"held", "1,1,0"}}, {}},
+        {"first nothing, then something", {{"held", "1,1,0"}, {"held", "1,0,0"}}, {{2, 0}}},
+        {"of one kind and of another", {{"held", "0,0,0"}, {"held", "2,0,0"}, {"released", "0,0,0"}}, {{1, 3}, {2, 0}}},
+        {"twice", {{"held", "0,0,0"}, {"released", "0,0,0"}, {"held", "0,0,0"}}, {{1, 2}, {3, 0}}},
+    };
+    for (auto const& row : rows) {
+        std::vector<std::string> lines{life_line("a", 1)};
+        for (auto const& [event, numbers] : row.events) {
+            lines.push_back(event_line(event, lines.size() * k_second, numbers, "nav"));
+        }
+        std::vector<std::pair<double, double>> holds;
+        auto const cycles = power_cycles(records_of(lines), {"b", {}});
+        for (auto const& hold : cycles.at(0).told.holds) {
+            holds.emplace_back(hold.begin, hold.end.value_or(0));
+        }
+        EXPECT_EQ(holds, row.holds) << row.name;
     }
 }
 

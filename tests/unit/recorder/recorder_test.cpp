@@ -7,9 +7,13 @@
 #include "status/restart_status.h"
 #include "status/services_status.h"
 #include "support/temporary_directory.h"
+#include "tools/page/words.h"
 #include "tools/record/power_cycles.h"
 
 #include <memory>
+#include <random>
+#include <set>
+#include <tuple>
 
 #include <gmock/gmock.h>
 
@@ -241,6 +245,117 @@ TEST_F(Following, Tells_once_what_the_page_only_counts) {
     EXPECT_THAT(texts_of(cycles[0].told.troubles), ElementsAre("the word for a restart was not written",
                                                                "a call of network management failed: SetUserData",
                                                                "the log lost 7 messages", "the log lost 1 message"));
+}
+
+using Hold_since = std::tuple<std::string, std::string, double>;
+
+TEST_F(Following, Tells_what_is_held_since_when_as_the_page_does_whatever_is_asked_for) {
+    std::vector<std::string> const names{"nav", "map"};
+    for (auto const service : {status::Hold::ecu_alive, status::Hold::com_alive, status::Hold::car_wake_up}) {
+        status::provided(service, names);
+    }
+    std::mt19937 random(13);
+    auto const any = [&](unsigned count) { return random() % count; };
+    for (int i = 0; i < 300; ++i) {
+        auto const& name = names[any(2)];
+        std::vector<std::uint8_t> const bits(any(2), static_cast<std::uint8_t>(any(4)));
+        switch (any(6)) {
+            case 0:
+                status::ecu_requested(name);
+                break;
+            case 1:
+                status::ecu_released(name);
+                break;
+            case 2:
+                status::com_requested(name, bits, any(20));
+                break;
+            case 3:
+                status::com_released(name, bits);
+                break;
+            case 4:
+                status::cwu_requested(name, any(20));
+                break;
+            default:
+                status::cwu_released(name);
+        }
+        look();
+        if (i % 100 == 50) {
+            restart();
+        }
+        std::set<Hold_since> on_page;
+        auto const snapshot = snapshot_of(*page, 3);
+        for (auto const& instance : snapshot.instances) {
+            for (std::size_t hold = 0; hold < instance.since.size(); ++hold) {
+                if (instance.since[hold] != 0) {
+                    on_page.insert({text_of(instance.name), hold_word(hold), seconds(instance.since[hold])});
+                }
+            }
+        }
+        std::set<Hold_since> recorded;
+        auto const cycles = power_cycles(records(), {"b", {}});
+        for (auto const& hold : cycles.at(0).told.holds) {
+            if (!hold.end) {
+                recorded.insert({hold.who, hold.what, hold.begin});
+            }
+        }
+        ASSERT_EQ(recorded, on_page) << "after request " << i;
+    }
+}
+
+TEST_F(Following, Tells_a_clock_that_is_set_and_dates_the_power_cycle_by_it) {
+    constexpr std::int64_t k_year = 31'536'000 * std::int64_t{1'000'000'000};
+    struct {
+        char const* name;
+        std::int64_t set_by;
+        Number asleep;
+        char const* told;
+    } const rows[]{
+        {"forwards", 50 * k_year, 0, "the clock was set forwards by 1576800000.000 s"},
+        {"backwards", -k_year, 0, "the clock was set back by 31536000.000 s"},
+        {"by as much as is told", 1'500'000'000, 0, "the clock was set forwards by 1.500 s"},
+        {"by less", 900'000'000, 0, ""},
+        {"back by less", -900'000'000, 0, ""},
+        {"a sleep", 0, Number{3'600} * k_second, ""},
+    };
+    char boot = 'a';
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.name);
+        begin_page(std::string(1, ++boot));
+        run();
+        auto snapshot = snapshot_of(*page, 3);
+        snapshot.is_alive = true;
+        auto const begin = page->life.started.load();
+        auto const look_at = [&](Number at, Number real, Number asleep) {
+            recorder->look(snapshot, {at, real, page->events.load(), asleep});
+        };
+        auto const real = static_cast<Number>(60 * k_year);  // before it was set
+        look_at(begin, real, 0);
+        for (Number second = 1; second < 4; ++second) {
+            auto const at = begin + second * k_second;
+            auto const set_by = static_cast<Number>(second > 1 ? row.set_by : 0);
+            auto const asleep = second > 1 ? row.asleep : 0;
+            look_at(at, real + second * k_second + asleep + set_by, asleep);
+        }
+        auto const all = records();
+        EXPECT_EQ(all.damaged, 0U);
+        auto const cycles = power_cycles(all, {"", {}});
+        auto const& told = cycles.back().told;
+        EXPECT_EQ(texts_of(told.troubles),
+                  row.told == std::string() ? std::vector<std::string>{} : std::vector<std::string>{row.told});
+        if (row.told != std::string()) {
+            EXPECT_EQ(told.stored_us, (60 * k_year + row.set_by) / 1'000) << "where nothing else was recorded";
+        }
+    }
+}
+
+TEST_F(Following, Dates_a_life_by_the_clock_of_its_first_look) {
+    status::put(page->life.started_real, k_second);
+    auto snapshot = snapshot_of(*page, 3);
+    snapshot.is_alive = true;
+    auto const real = Number{1'700'000'000} * k_second;
+    recorder->look(snapshot, {page->life.started + 2 * k_second, real, page->events});
+    EXPECT_EQ(power_cycles(records(), {"b", {}}).at(0).told.stored_us,
+              static_cast<std::int64_t>((real - 2 * k_second) / 1'000));
 }
 
 TEST_F(Following, Begins_a_life_for_each_page) {

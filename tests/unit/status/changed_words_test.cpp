@@ -54,7 +54,7 @@ class Status_words : public Written_page {
             "last_cleared_at "
             "last_swallowed last_swallowed_at swallowed_from swallowed_row devices_found devices devices_lost "
             "device_lost_at log_lost log_lost_at word*3 word_at word_failed words_failed machine_state*3 "
-            "machine_state_at machine_state_failed group group_at mode*2");
+            "machine_state_at machine_state_failed supervision_stopped group group_at mode*2");
         sections.emplace_back(
             "server", written->server,
             "sequence clients clients_untold names names_untold failures requests in_progress asked_at "
@@ -205,13 +205,15 @@ TEST_F(Status_words, That_change_are_those_that_are_told_and_no_others) {
          "text[0]=Running"},
         {[] { machine_state("Running", false); },
          "driver: machine_state_at=now machine_state_failed=1; driver's event: at=now numbers[0]=1"},
+        {[] { supervision_stopped(); },
+         "driver: supervision_stopped=now; driver's event: at=now kind=23 numbers[0]=0 text[0]=0"},
         {[] { default_pattern(true); }, "driver: default_held=now"},
         {[] { default_pattern(false); }, "driver: default_held=0"},
         {[] { group_asked(Group::applications, "kPrepSD"); },
          "driver: group=2 group_at=now mode[0]=kPrepSD; driver's event: at=now kind=6 numbers[0]=2 text[0]=kPrepSD"},
         {[] { log_lost(3); }, "driver: log_lost=3 log_lost_at=now"},
         {[] { log_lost(3); }, ""},
-        {[] { loop_ended(); }, "driver: ended=now told=16; driver's event: at=now kind=20 numbers[0]=3 text[0]=0"},
+        {[] { loop_ended(); }, "driver: ended=now told=17; driver's event: at=now kind=20 numbers[0]=3 text[0]=0"},
         {[] { client_connected(k_connection, "radio", "kOn"); },
          "server: clients=1 names=1; client: since=now connection=999 uid=4294967295 name_record=268 "
          "name_digest=9805413986708565268 state[0]=kOn name[0]=radio; name: used=1 connections=1 "
@@ -263,12 +265,15 @@ TEST_F(Status_words, That_change_are_those_that_are_told_and_no_others) {
         {[] { ecu_released("1"); }, "instance: since[0]=0 releases[0]=1; services' event: at=now kind=16"},
         {[] { com_requested("1", {6}, 9); },
          "instance: since[1]=now requests[1]=1 cab=6 ac=9; services' event: at=now kind=15 numbers[0]=1"},
-        {[] { com_released("1", {2}); }, "instance: releases[1]=1 cab=4; services' event: at=now kind=16"},
+        {[] { com_requested("1", {}, 9); }, "instance: requests[1]=2; services' event: at=now"},
+        {[] { com_released("1", {2}); }, "instance: releases[1]=1 cab=4; services' event: at=now kind=16 numbers[1]=1"},
         {[] { cwu_requested("1", 3); },
-         "instance: since[2]=now requests[2]=1 ac=3; services' event: at=now kind=15 numbers[0]=2"},
+         "instance: since[2]=now requests[2]=1 ac=3; services' event: at=now kind=15 numbers[0]=2 numbers[1]=0"},
         {[] { com_released("1", {4}); },
          "instance: since[1]=0 releases[1]=2 cab=0; services' event: at=now kind=16 numbers[0]=1"},
         {[] { cwu_released("1"); }, "instance: since[2]=0 releases[2]=1 ac=0; services' event: at=now numbers[0]=2"},
+        {[] { com_requested("1", {}, 0); },
+         "instance: requests[1]=3; services' event: at=now kind=15 numbers[0]=1 numbers[1]=1"},
         {[] {
              cab_pattern(std::vector<std::uint8_t>{1, 2});
          },

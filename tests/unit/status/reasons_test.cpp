@@ -233,6 +233,8 @@ TEST(Troubles, Are_told_each_by_its_sentence) {
               },
               "failed: RequestNetwork 2 times and SetUserData once, the last 4.0 s ago"},
              {"server-failed", [](Snapshot& page) { page.server.failures = 1; }, "server failed once"},
+             {"supervision-stopped", [](Snapshot& page) { page.driver.supervision_stopped = 97 * k_s; },
+              "a report to the watchdog failed 3.0 s ago"},
              {"log-lost",
               [](Snapshot& page) {
                   page.driver.log_lost = 7;
