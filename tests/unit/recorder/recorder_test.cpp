@@ -321,6 +321,7 @@ TEST_F(Following, Tells_a_clock_that_is_set_and_dates_the_power_cycle_by_it) {
     for (auto const& row : rows) {
         SCOPED_TRACE(row.name);
         begin_page(std::string(1, ++boot));
+        restart();
         run();
         auto snapshot = snapshot_of(*page, 3);
         snapshot.is_alive = true;
