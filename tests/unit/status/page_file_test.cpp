@@ -240,12 +240,12 @@ TEST_F(Status_page_file, Is_read_by_those_who_know_its_layout_and_no_others) {
     lay([](auto& words) { words[0] = 0; });
     EXPECT_THAT(refusal(), testing::HasSubstr("this is no status page"));
     lay([](auto& words) { words[1] = k_version + 1; });
-    EXPECT_THAT(refusal(), testing::HasSubstr("the page has layout 4, and this program reads layout 3"));
+    EXPECT_THAT(refusal(), testing::HasSubstr("the page has layout 5, and this program reads layout 4"));
     lay([](auto& words) {
         words[1] = 1;
         words.resize(words.size() / 2);
     });
-    EXPECT_THAT(refusal(), testing::HasSubstr("the page has layout 1, and this program reads layout 3"));
+    EXPECT_THAT(refusal(), testing::HasSubstr("the page has layout 1, and this program reads layout 4"));
     lay([](auto& words) { words[2] = 1; });
     EXPECT_THAT(refusal(), testing::HasSubstr("another size"));
     lay([](auto& words) { words.resize(words.size() - 1); });
