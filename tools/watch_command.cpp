@@ -1,5 +1,5 @@
-// `watch` looks for both services of the network manager and then sleeps until a signal ends it; each value is reported
-// on a thread of the binding as it comes.
+// `watch` looks for both services of the network manager and then waits until a signal ends it; each value is reported
+// on a thread of the binding as it comes, and user data whose event was lost with the next second.
 
 #include "services/found_instance.h"
 #include "tarq/com/runtime/component_singleton.h"
@@ -12,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -81,13 +82,26 @@ services::User_data_layout layout_of(std::string const& configuration) {
     return verdict.config->get_nm_user_data_config();
 }
 
-void await_end(End_signals const& end) {
-    pollfd source{end.descriptor(), POLLIN, 0};
-    while (::poll(&source, 1, -1) < 0) {
-        if (errno != EINTR) {
-            throw std::system_error(errno, std::generic_category(), "poll");
+// An event that the network manager sends before its writer has heard of a new subscription is lost: the value is asked
+// for each second as well.
+void ask_again(services::Found_instance<UserDataInterfaceProxy>& user_data, Watch_report& report) {
+    try {
+        if (auto const way = user_data.await(std::chrono::milliseconds(0))) {
+            report.user_data_asked(way->GetUserData().get().data);
         }
+    } catch (std::exception const&) {
+        return;  // a manager that is going, or is slow: the next second tells
     }
+}
+
+// False when it is over.
+bool goes_on_for(std::chrono::milliseconds time, End_signals const& end) {
+    pollfd source{end.descriptor(), POLLIN, 0};
+    int const ready = ::poll(&source, 1, static_cast<int>(time.count()));
+    if (ready < 0 && errno != EINTR) {
+        throw std::system_error(errno, std::generic_category(), "poll");
+    }
+    return ready <= 0;
 }
 
 int watch(Watch_options const& options) {
@@ -96,9 +110,11 @@ int watch(Watch_options const& options) {
     tarq::com::runtime::Component_singleton const communication(false, "");
     services::Found_instance<NetworkStateInterfaceProxy> const network_state(
         options.instance, follower<NetworkStateInterfaceProxy>("network state", report));
-    services::Found_instance<UserDataInterfaceProxy> const user_data(
-        options.instance, follower<UserDataInterfaceProxy>("user data", report));
-    await_end(end);
+    services::Found_instance<UserDataInterfaceProxy> user_data(options.instance,
+                                                               follower<UserDataInterfaceProxy>("user data", report));
+    while (goes_on_for(std::chrono::seconds(1), end)) {
+        ask_again(user_data, report);
+    }
     return k_success;
 }
 

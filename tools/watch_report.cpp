@@ -16,7 +16,21 @@ void Watch_report::network_state(services::Octets const& state) {
     values("network_state", state, services::network_state_names(state));
 }
 
+void Watch_report::user_data_asked(services::Octets const& data) {
+    {
+        base::Lock_guard const lock(mutex_);
+        if (user_data_ == data) {
+            return;
+        }
+    }
+    user_data(data);
+}
+
 void Watch_report::user_data(services::Octets const& data) {
+    {
+        base::Lock_guard const lock(mutex_);
+        user_data_ = data;
+    }
     values("user_data", data, services::user_data_names(data, layout_));
 }
 

@@ -17,6 +17,8 @@ class Watch_report {
     void offered(std::string const& service, bool is_offered);
     void network_state(services::Octets const& state);
     void user_data(services::Octets const& data);
+    /// What was asked for, and is no news unless its event was lost.
+    void user_data_asked(services::Octets const& data);
     void trouble(std::string const& text);
 
  private:
@@ -26,6 +28,7 @@ class Watch_report {
     bool const as_json_;
     services::User_data_layout const layout_;
     base::Mutex mutex_;  ///< one line at a time
+    services::Octets user_data_ GUARDED_BY(mutex_);
 };
 
 }  // namespace statectl

@@ -14,6 +14,7 @@ namespace statectl {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -128,6 +129,18 @@ TEST(Report_of_a_watch, Names_each_bit) {
     EXPECT_THAT(text, HasSubstr("network_state  00 00 01  ECU alive\n"));
     EXPECT_THAT(text, HasSubstr("user_data      c0 01 00  car wake-up, awake, AC 1\n"));
     EXPECT_THAT(text, HasSubstr("withdrawn      NetworkStateInterface\n"));
+}
+
+TEST(Report_of_a_watch, Tells_user_data_that_was_asked_for_only_when_its_event_was_lost) {
+    Watch_report sut(false, {});
+    sut.user_data({0x80});
+    testing::internal::CaptureStdout();
+    sut.user_data_asked({0x80});
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    testing::internal::CaptureStdout();
+    sut.user_data_asked({0xc0});
+    sut.user_data_asked({0xc0});
+    EXPECT_THAT(testing::internal::GetCapturedStdout(), EndsWith("  user_data      c0  car wake-up, awake\n"));
 }
 
 TEST(Report_of_a_watch, Is_a_JSON_object_a_line_on_demand) {
