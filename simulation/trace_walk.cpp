@@ -393,7 +393,9 @@ void Walk::complete(std::size_t place) {
         --before;
     }
     if (before > 0 && says(trace_[before - 1], "calling callback") && applied_.count(before - 1) == 0) {
-        apply(before - 1);
+        applied_.insert(before - 1);
+        answer(before - 1);
+        settle();
     }
     life_.clients().let_completions();
 }
