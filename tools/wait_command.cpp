@@ -71,7 +71,7 @@ class Wish {
         }
         for (auto const& event : page.events) {
             if (event.at >= begin_ && is_wish(event)) {
-                return state_ ? nlohmann::json{{"state", state_word(*state_)}} : event_json(event);
+                return state_ ? nlohmann::json{{"state", state_word(*state_)}} : event_json(page, event);
             }
         }
         return std::nullopt;
@@ -85,8 +85,8 @@ class Wish {
         return event_word(event.kind) == event_;
     }
 
-    nlohmann::json event_json(status::Event<Number> const& event) const {
-        return {{"event", event_}, {"text", text_of(event.text)}, {"numbers", event.numbers}};
+    nlohmann::json event_json(Snapshot const& page, status::Event<Number> const& event) const {
+        return {{"event", event_}, {"text", event_text(page, event)}, {"numbers", event.numbers}};
     }
 
     std::optional<Number> const state_;

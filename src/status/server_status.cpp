@@ -77,6 +77,7 @@ std::array<char, k_longest_name> name_bytes(Shared_client const& client) {
 void tell_of(Page& page, Shared_client const& client, Event_kind kind, Numbers numbers = {}) {
     auto const bytes = name_bytes(client);
     std::string_view const name(bytes.data(), bytes.size());
+    numbers.third = own(client.name_digest);
     tell(page, page.server_ring, now(), kind, numbers, name.substr(0, name.find('\0')));
 }
 
@@ -281,7 +282,7 @@ void client_answered(int connection, std::string_view state, std::uint8_t result
 
 void client_out_of_turn(std::string_view name) {
     if (auto* const page = status::page()) {
-        tell(*page, page->server_ring, now(), Event_kind::client_out_of_turn, {}, name);
+        tell(*page, page->server_ring, now(), Event_kind::client_out_of_turn, {0, 0, digest_of(name)}, name);
     }
 }
 

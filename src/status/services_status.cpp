@@ -32,6 +32,10 @@ Shared_instance* add_instance(Page& page, std::string_view name) {
     return &instance;
 }
 
+std::uint64_t number_of(Page const& page, Shared_instance const& instance) {
+    return static_cast<std::uint64_t>(&instance - page.instances.data());
+}
+
 std::size_t place(Hold service) {
     return static_cast<std::size_t>(service);
 }
@@ -79,7 +83,7 @@ void change(std::string_view name, Hold service, bool is_request, Action const& 
     }
     bool const is_other_way = is_request != (own(instance->since[place(service)]) != 0);
     tell(*page, page->services_ring, at, is_request ? Event_kind::held : Event_kind::released,
-         {place(service), is_other_way ? 1U : 0U}, name);
+         {place(service), is_other_way ? 1U : 0U, number_of(*page, *instance) + 1}, name);
 }
 
 }  // namespace

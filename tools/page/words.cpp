@@ -139,6 +139,22 @@ status::Name<Number> const* record_of(Snapshot const& page, status::Client<Numbe
     return found == page.names.end() ? nullptr : &*found;
 }
 
+std::string event_text(Snapshot const& page, status::Event<Number> const& event) {
+    using status::Event_kind;
+    auto const text = text_of(event.text);
+    auto const number = event.numbers[2];
+    if (text.size() < sizeof event.text || number == 0) {
+        return text;
+    }
+    if (event.kind == static_cast<Number>(Event_kind::held) ||
+        event.kind == static_cast<Number>(Event_kind::released)) {
+        return number <= page.instances.size() ? text_of(page.instances[number - 1].name) : text;
+    }
+    auto const found =
+        std::find_if(page.names.begin(), page.names.end(), [&](auto const& name) { return name.digest == number; });
+    return found == page.names.end() ? text : text_of(found->name);
+}
+
 Number mean_of(status::Name<Number> const& name) {
     auto const answers = name.in_time + name.failed;
     return answers == 0 ? 0 : name.total / answers;

@@ -29,6 +29,9 @@ std::string restart_word(Number type);
 /// The record of the client's name; null when it had no room.
 status::Name<Number> const* record_of(Snapshot const& page, status::Client<Number> const& client);
 
+/// The event's text; a name that is cut in it as the page has it elsewhere.
+std::string event_text(Snapshot const& page, status::Event<Number> const& event);
+
 /// What answers in time took; 0 when there was none.
 Number mean_of(status::Name<Number> const& name);
 

@@ -175,7 +175,8 @@ Identity Recorder::last_life() const {
 void Recorder::write_new_events(Snapshot const& page, Look const& now) {
     std::set<Key> on_page;
     for (auto const& event : page.events) {
-        Key const key{event.at, event.kind, event.numbers, shown(text_of(event.text))};
+        auto const what = event_text(page, event);
+        Key const key{event.at, event.kind, event.numbers, shown(what)};
         on_page.insert(key);
         if (seen_.count(key) != 0 || event_word(event.kind).empty() || is_over_ || !has_allowance(event.kind)) {
             continue;
@@ -189,7 +190,7 @@ void Recorder::write_new_events(Snapshot const& page, Look const& now) {
                          {"real", real_of(page, event.at, now)},
                          {"event", event_word(event.kind)},
                          {"numbers", event.numbers},
-                         {"text", text_of(event.text)}}));
+                         {"text", what}}));
     }
     seen_ = std::move(on_page);
 }

@@ -5,6 +5,7 @@
 #include "status/network_status.h"
 #include "status/page_writer.h"
 #include "status/restart_status.h"
+#include "status/server_status.h"
 #include "status/services_status.h"
 #include "support/temporary_directory.h"
 #include "tools/page/words.h"
@@ -250,14 +251,17 @@ TEST_F(Following, Tells_once_what_the_page_only_counts) {
 using Hold_since = std::tuple<std::string, std::string, double>;
 
 TEST_F(Following, Tells_what_is_held_since_when_as_the_page_does_whatever_is_asked_for) {
-    std::vector<std::string> const names{"nav", "map"};
+    std::string const alike(63, 'n');  // a page tells 64 bytes of a name, and its event 24
+    std::vector<std::string> const names{
+        "nav",       "map",       alike.substr(0, 24),   alike.substr(0, 21) + "...", alike.substr(0, 25),
+        alike + '1', alike + '2', std::string(128, 'm'), 'o' + std::string(127, 'm')};
     for (auto const service : {status::Hold::ecu_alive, status::Hold::com_alive, status::Hold::car_wake_up}) {
         status::provided(service, names);
     }
     std::mt19937 random(13);
     auto const any = [&](unsigned count) { return random() % count; };
-    for (int i = 0; i < 300; ++i) {
-        auto const& name = names[any(2)];
+    for (int i = 0; i < 400; ++i) {
+        auto const& name = names[any(static_cast<unsigned>(names.size()))];
         std::vector<std::uint8_t> const bits(any(2), static_cast<std::uint8_t>(any(4)));
         switch (any(6)) {
             case 0:
@@ -300,6 +304,49 @@ TEST_F(Following, Tells_what_is_held_since_when_as_the_page_does_whatever_is_ask
         }
         ASSERT_EQ(recorded, on_page) << "after request " << i;
     }
+}
+
+TEST_F(Following, Tells_clients_apart_whose_names_are_alike_but_for_their_end) {
+    std::string const alike(63, 'c');
+    std::vector<std::string> const names{"radio", alike.substr(0, 40), alike + '1', alike + '2'};
+    int connection = 0;
+    for (auto const& name : names) {
+        status::client_connected(++connection, name, "kOn");
+    }
+    run();
+    status::transition(1, 5, 3);
+    status::group_asked(status::Group::applications, "kPrepSD");
+    status::request_began("kPrepSD", {});
+    for (int asked = 1; asked <= connection; ++asked) {
+        status::client_asked(asked);
+    }
+    look();
+    status::client_answered(1, "kPrepSD", 0);
+    status::client_answered(2, "kPrepSD", 1);
+    status::client_left(3);
+    status::request_ended(status::Answer::timed_out);
+    look();
+    restart();
+    status::client_answered(4, "kPrepSD", 0);
+    status::client_out_of_turn(names[2]);
+    look();
+    EXPECT_EQ(records().lives.at(0).missed, 0U);
+    auto const cycles = power_cycles(records(), {"b", {}});
+    auto const& clients = cycles.at(0).told.clients;
+    std::vector<std::array<unsigned, 6>> told;
+    for (auto const& name : names) {
+        ASSERT_EQ(clients.count(name), 1U) << name;
+        auto const& client = clients.at(name);
+        told.push_back(
+            {client.asked, client.succeeded, client.failed, client.late, client.dropped, client.out_of_turn});
+    }
+    EXPECT_EQ(clients.size(), names.size());
+    EXPECT_THAT(told, ElementsAre(ElementsAre(1, 1, 0, 0, 0, 0), ElementsAre(1, 0, 1, 0, 0, 0),
+                                  ElementsAre(1, 0, 0, 0, 1, 1), ElementsAre(1, 0, 0, 1, 0, 0)));
+    auto const& answers = cycles[0].told.sequences.at(0).groups.at(0).answers;
+    ASSERT_EQ(answers.size(), 3U);
+    EXPECT_EQ(answers[2].client, names[3]);
+    EXPECT_TRUE(answers[2].seconds) << "it has answered since";
 }
 
 TEST_F(Following, Tells_a_clock_that_is_set_and_dates_the_power_cycle_by_it) {

@@ -217,7 +217,8 @@ TEST_F(Status_words, That_change_are_those_that_are_told_and_no_others) {
         {[] { client_connected(k_connection, "radio", "kOn"); },
          "server: clients=1 names=1; client: since=now connection=999 uid=4294967295 name_record=268 "
          "name_digest=9805413986708565268 state[0]=kOn name[0]=radio; name: used=1 connections=1 "
-         "digest=9805413986708565268 name[0]=radio; server's event: at=now kind=8 text[0]=radio"},
+         "digest=9805413986708565268 name[0]=radio; server's event: at=now kind=8 numbers[2]=9805413986708565268 "
+         "text[0]=radio"},
         {[deadline] { request_began("kPrepSD", deadline); },
          "server: requests=1 in_progress=1 asked_at=now deadline=77 mode[0]=kPrepSD"},
         {[] { client_asked(k_connection); },
@@ -261,7 +262,7 @@ TEST_F(Status_words, That_change_are_those_that_are_told_and_no_others) {
         {[] { sending(true); }, "services: sending=1"},
         {[] { sending(false); }, "services: sending=0"},
         {[] { ecu_requested("1"); },
-         "instance: since[0]=now requests[0]=1; services' event: at=now kind=15 text[0]=49"},
+         "instance: since[0]=now requests[0]=1; services' event: at=now kind=15 numbers[2]=1 text[0]=49"},
         {[] { ecu_released("1"); }, "instance: since[0]=0 releases[0]=1; services' event: at=now kind=16"},
         {[] { com_requested("1", {6}, 9); },
          "instance: since[1]=now requests[1]=1 cab=6 ac=9; services' event: at=now kind=15 numbers[0]=1"},
