@@ -24,6 +24,7 @@ struct Member {
     nlohmann::json (*value)(Config const& config);  ///< what the daemon has of it; null for sections and instances
     char const* element;                            ///< of instances: the string in each element
     char const* maximum;                            ///< of instances: the member that bounds their number
+    nlohmann::ordered_json keywords;                ///< of its schema, beside or instead of those of its kind
 };
 
 /// Every member that the daemon reads, in its order. The checks and the schema are made from it.

@@ -47,6 +47,7 @@ using Type_of = ordered_json (*)(Member const& member);
 ordered_json described(Member const& member, Type_of type_of) {
     ordered_json described{{"description", member.meaning}};
     described.update(type_of(member));
+    described.update(member.keywords);
     if (!member.is_required && member.value != nullptr) {
         described["default"] = default_of(member);
     }

@@ -141,7 +141,7 @@ status::Name<Number> const* record_of(Snapshot const& page, status::Client<Numbe
 
 std::string event_text(Snapshot const& page, status::Event<Number> const& event) {
     using status::Event_kind;
-    auto const text = text_of(event.text);
+    auto text = text_of(event.text);
     auto const number = event.numbers[2];
     if (text.size() < sizeof event.text || number == 0) {
         return text;
