@@ -1,5 +1,6 @@
 """A copy of the project whose product is woven: makes it, and builds the test programs in it."""
 
+import collections
 import os
 import pathlib
 import re
@@ -67,17 +68,57 @@ def blamed(said, woven):
                 break
 
 
-def programs_with(folders):
-    """The test programs in which there is something of these folders."""
+class Graph:
+    """What ninja makes of what."""
+
+    def __init__(self, text):
+        self.rules, self.needs, self.after = {}, {}, {}
+        for outputs, rule, rest in re.findall(r"^build (.+?): (\S+)(.*)$", text, re.M):
+            needed, _, after = rest.partition(" || ")
+            for output in outputs.split():
+                self.rules[output], self.needs[output], self.after[output] = rule, needed.split(), after.split()
+
+    def all_of(self, target):
+        """What is linked into a program and into those that it starts: what they are made of."""
+        started = [name for name in self.after.get(target, ()) if self.rules.get(name, "").startswith("CXX_EXECUTABLE")]
+        found, left = set(), [target, *started]
+        while left:
+            name = left.pop()
+            if name not in found:
+                found.add(name)
+                left += self.needs.get(name, ())
+        return found
+
+
+Programs = collections.namedtuple("Programs", "all near objects")
+
+
+def programs_with(sources):
+    """The test programs in which there is something of these sources (of a header: of its folder), of those in most of them, the
+    log's, only what tests them; for each source the programs that test it, because they name its component or stand in a folder
+    that is named like one of its own; and the objects that are made of the sources."""
     subprocess.run(["cmake", "--preset", "release", "-DSTATEMANAGER_BENCHMARKS=OFF",
                     f"-DCMAKE_PROJECT_TOP_LEVEL_INCLUDES={COPY}/tests/mutants/options.cmake"],
                    cwd=COPY, check=True, stdout=subprocess.DEVNULL)
     text = (BUILD / "build.ninja").read_text(encoding="utf-8")
-    tests = re.findall(r"^build tests/tests_of_\w+: phony (.*)$", text, re.M)
-    for program in sorted({word for line in tests for word in line.split() if "/CMakeFiles/" not in word}):
-        inputs = subprocess.run(["ninja", "-t", "inputs", program], cwd=BUILD, check=True, capture_output=True, text=True).stdout
-        if folders & {os.path.dirname(os.path.relpath(BUILD / path, COPY)) for path in inputs.splitlines()}:
-            yield program
+    graph = Graph(text)
+    wanted = sources | {os.path.dirname(name) for name in sources if name.endswith(".h")}
+    tests = {component: {word for word in line.split() if "/CMakeFiles/" not in word}
+             for component, line in re.findall(r"^build tests/tests_of_(\w+): phony (.*)$", text, re.M)}
+    every = set().union(*tests.values())
+    linked, near, objects = collections.defaultdict(set), collections.defaultdict(set), set()
+    for program in every:
+        for made in (name for name in graph.all_of(program) if name.endswith(".o")):
+            for name in (os.path.relpath(BUILD / path, COPY) for path in graph.needs[made] if path.endswith(".cpp")):
+                for source in {name, os.path.dirname(name)} & wanted:
+                    linked[source].add(program)
+                    objects.add(made)
+                    near[source] |= tests.get(re.search(r"/(\w+)\.dir/", made).group(1), set())
+    for source, programs in linked.items():
+        folders = (os.path.dirname(source) if source.endswith(".cpp") else source).split("/")[1:]
+        near[source] |= {program for program in programs if set(folders) & set(program.split("/")[2:-1])}
+    chosen = (near[source] if near[source] and 2 * len(programs) > len(every) else programs for source, programs in linked.items())
+    return Programs(sorted(set().union(*chosen)), near, sorted(objects))
 
 
 def weave(texts, drawn, programs):
@@ -96,7 +137,7 @@ def weave(texts, drawn, programs):
                 for _, mutants in woven[name].crossing:
                     without.update({number: "not judged" for number, _ in mutants})
             write(name, woven[name].result if name in woven else text)
-        said = build(programs)
+        said = build(programs.objects) or build(programs.all)  # what is woven first, until it compiles
         if said is None:
             return without
         before = len(constant) + len(without)

@@ -3,6 +3,7 @@
 import collections
 import concurrent.futures
 import ctypes
+import itertools
 import os
 import re
 import resource
@@ -14,6 +15,7 @@ import time
 from building import AT_ONCE, BUILD
 
 JUDGES_AT_ONCE = 2 * AT_ONCE  # they wait for much of their time
+FAR_SECONDS = 10
 # What a changed program does to other processes ends with it.
 ALONE = ["unshare", *(["--map-root-user"] if os.geteuid() else []), "--pid", "--fork", "--kill-child", "--mount-proc"]
 
@@ -77,26 +79,50 @@ def survey_all(programs, count):
     return [test for test in tests if test]
 
 
-def judges_of(number, path, tests):
-    """The tests that come by a change, by their programs, those that tell soonest first: unit tests in folders that are named
-    like one of the source's, other unit tests, component tests."""
-    programs = collections.defaultdict(list)
-    for test in tests:
-        if number in test.reached:
-            programs[test.program].append(test)
-    return sorted(programs.values(), key=lambda ours: (
-        not ours[0].program.startswith("tests/unit/"), not set(ours[0].program.split("/")) & set(path.split("/")[1:-1]),
-        sum(test.seconds for test in ours)))
+class Judges:
+    """Put a change before the tests."""
 
+    def __init__(self, tests, near):
+        """near: for each source, or folder of headers, the programs that test it."""
+        self.tests, self.near = {(test.program, test.name): test for test in tests}, near
+        self.suspects = collections.defaultdict(list)  # for each source the unit tests that noticed changes of it, the last first
 
-def judge(number, path, tests):
-    """What becomes of a change, and who says so."""
-    programs = judges_of(number, path, tests)
-    for ours in programs:
-        names = [test.name for test in sorted(ours, key=lambda test: test.seconds)]
-        seconds = 4 + 4 * sum(test.seconds for test in ours)
-        passed, said = run(ours[0].program, names, {"MUTANT": str(number)}, seconds, ALONE)
-        failed = re.findall(r"^\[  FAILED  \] ([\w/]+\.[\w/]+)", said, re.M)[:1]
-        if passed is None or not (passed or run(ours[0].program, failed or names, {"MUTANT": str(number)}, seconds, ALONE)[0]):
-            return "killed", f"{ours[0].program} {failed[0] if failed else ''}"
-    return ("survived" if programs else "not reached"), ""
+    def programs_for(self, number, path):
+        """The tests that come by a change, by their programs: unit tests before others, those near to the source before others, and
+        the fastest first. Of programs that are not near so many tests judge as took FAR_SECONDS."""
+        programs = collections.defaultdict(list)
+        for test in self.tests.values():
+            if number in test.reached:
+                programs[test.program].append(test)
+        for ours in programs.values():
+            ours.sort(key=lambda test: test.seconds)
+        seconds = {program: sum(test.seconds for test in ours) for program, ours in programs.items()}
+        near = self.near[path] | self.near[os.path.dirname(path)]
+        left = FAR_SECONDS
+        for program in sorted(programs, key=lambda name: (not name.startswith("tests/unit/"), name not in near, seconds[name])):
+            ours = programs[program]
+            if program not in near:
+                sums = itertools.accumulate(test.seconds for test in ours)
+                ours = [test for test, sum_of_them in zip(ours, sums) if sum_of_them <= left]
+                left -= seconds[program]
+            if ours:
+                yield ours
+
+    def judge(self, number, path):
+        """What becomes of a change, and who says so."""
+        suspects = [[test] for test in self.suspects[path] if number in test.reached][:3]
+        programs = list(self.programs_for(number, path))
+        for ours in suspects + programs:
+            names = [test.name for test in ours]
+            seconds = 4 + 4 * sum(test.seconds for test in ours)
+            passed, said = run(ours[0].program, names, {"MUTANT": str(number)}, seconds, ALONE)
+            failed = re.findall(r"^\[  FAILED  \] ([\w/]+\.[\w/]+)", said, re.M)[:1]
+            if passed is None or not (passed or run(ours[0].program, failed or names, {"MUTANT": str(number)}, seconds, ALONE)[0]):
+                self.suspect(path, self.tests.get((ours[0].program, (failed or names)[0])))
+                return "killed", f"{ours[0].program} {failed[0] if failed else ''}"
+        return ("survived" if programs else "not reached"), ""
+
+    def suspect(self, path, test):
+        """Lets a unit test that noticed a change be the first that is asked about the source's next ones."""
+        if test and test.program.startswith("tests/unit/"):
+            self.suspects[path] = [test, *(other for other in self.suspects[path] if other is not test)]
