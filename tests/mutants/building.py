@@ -94,9 +94,9 @@ Programs = collections.namedtuple("Programs", "all near objects")
 
 
 def programs_with(sources):
-    """The test programs in which there is something of these sources (of a header: of its folder), of those in most of them, the
-    log's, only what tests them; for each source the programs that test it, because they name its component or stand in a folder
-    that is named like one of its own; and the objects that are made of the sources."""
+    """The test programs that judge these sources; for each source (of a header: for its folder) those that test it, because they
+    name its component or stand in a folder that is named like one of its own, and where none does, all that link it; and the
+    objects that are made of the sources."""
     subprocess.run(["cmake", "--preset", "release", "-DSTATEMANAGER_BENCHMARKS=OFF",
                     f"-DCMAKE_PROJECT_TOP_LEVEL_INCLUDES={COPY}/tests/mutants/options.cmake"],
                    cwd=COPY, check=True, stdout=subprocess.DEVNULL)
@@ -117,7 +117,7 @@ def programs_with(sources):
     for source, programs in linked.items():
         folders = (os.path.dirname(source) if source.endswith(".cpp") else source).split("/")[1:]
         near[source] |= {program for program in programs if set(folders) & set(program.split("/")[2:-1])}
-    chosen = (near[source] if near[source] and 2 * len(programs) > len(every) else programs for source, programs in linked.items())
+    chosen = (near[source] or programs for source, programs in linked.items())
     return Programs(sorted(set().union(*chosen)), near, sorted(objects))
 
 
