@@ -16,6 +16,7 @@ from building import AT_ONCE, BUILD
 
 JUDGES_AT_ONCE = 2 * AT_ONCE  # they wait for much of their time
 FAR_SECONDS = 10
+PORTION_SECONDS = 3
 # What a changed program does to other processes ends with it.
 ALONE = ["unshare", *(["--map-root-user"] if os.geteuid() else []), "--pid", "--fork", "--kill-child", "--mount-proc"]
 
@@ -79,6 +80,19 @@ def survey_all(programs, count):
     return [test for test in tests if test]
 
 
+def portions(tests):
+    """Tests of a program in portions of PORTION_SECONDS, so that what never ends costs no more than some of these."""
+    begun, sum_of_them = [], 0
+    for test in tests:
+        if begun and sum_of_them + test.seconds > PORTION_SECONDS:
+            yield begun
+            begun, sum_of_them = [], 0
+        begun.append(test)
+        sum_of_them += test.seconds
+    if begun:
+        yield begun
+
+
 class Judges:
     """Put a change before the tests."""
 
@@ -88,7 +102,7 @@ class Judges:
         self.suspects = collections.defaultdict(list)  # for each source the unit tests that noticed changes of it, the last first
 
     def programs_for(self, number, path):
-        """The tests that come by a change, by their programs: unit tests before others, those near to the source before others, and
+        """The tests that come by a change, in portions of a program: unit tests before others, those near to the source before others, and
         the fastest first. Of programs that are not near so many tests judge as took FAR_SECONDS."""
         programs = collections.defaultdict(list)
         for test in self.tests.values():
@@ -105,8 +119,7 @@ class Judges:
                 sums = itertools.accumulate(test.seconds for test in ours)
                 ours = [test for test, sum_of_them in zip(ours, sums) if sum_of_them <= left]
                 left -= seconds[program]
-            if ours:
-                yield ours
+            yield from portions(ours)
 
     def judge(self, number, path):
         """What becomes of a change, and who says so."""
