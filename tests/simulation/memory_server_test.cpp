@@ -2,7 +2,11 @@
 
 #include "simulation/notification/memory_server.h"
 
+#include "status/page_writer.h"
+
+#include <cstdint>
 #include <list>
+#include <memory>
 
 #include <gmock/gmock.h>
 
@@ -163,6 +167,30 @@ TEST_F(Server_without_a_thread, Needs_a_turn_whenever_something_has_changed) {
 
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(radio.take_request(), std::nullopt) << "no turn was made";
+}
+
+TEST_F(Server_without_a_thread, Tells_the_status_page_of_each_client_and_request) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
+    auto& radio = come("radio");
+    auto& seat = come("seat");
+    EXPECT_EQ(page->server.clients, 2U);
+    request("kPrepSD", 10s);
+    EXPECT_EQ(page->server.asked, 2U);
+    EXPECT_EQ(page->server.unanswered, 2U);
+    answer(radio);
+    EXPECT_EQ(page->server.unanswered, 1U);
+    answer(seat, 1);
+    EXPECT_EQ(page->server.in_progress, 0U);
+    EXPECT_EQ(page->server.ended_how, static_cast<std::uint64_t>(status::Answer::in_time));
+    auto const told = page->events.load();
+    radio.answer({7, "kOn"}, 0);
+    sut.serve();
+    EXPECT_EQ(page->events, told + 1) << "an answer out of turn";
+    clients.pop_back();
+    sut.serve();
+    EXPECT_EQ(page->server.clients, 1U);
+    status::set_page(nullptr);
 }
 
 TEST(Sockets_in_memory, Are_read_to_the_end_of_what_came_before_they_tell_of_the_close) {

@@ -120,25 +120,77 @@ TEST_F(Calls, Of_those_that_wait_a_thousand_are_handled_and_as_many_refused) {
                                            testing::Pair("refused: 3", 999), testing::Pair("value", 1001)));
 }
 
-// A client's request writer, which is all that there is of it: nobody reads replies.
+/// A client's request writer, which is all that there is of it.
+class Raw_client {
+ public:
+    Raw_client() {
+        request_.data._d = k_method;
+        std::memcpy(&request_.header.requestId.writer_guid, guid_of(requests_.entity()).data(), sizeof(Guid));
+        std::strcpy(request_.header.instanceName, "app");
+    }
+    void request(std::int64_t number) {
+        request_.header.requestId.sequence_number = to_wire(number);
+        requests_.write(&request_);
+    }
+    std::unique_ptr<Reader> read(Received_handler received) {
+        return std::make_unique<Reader>(participant_, Channel{k_service.reply, to_text(guid_of(requests_.entity()))},
+                                        call_quality(k_longest_write), std::move(received));
+    }
+
+ private:
+    Participant participant_;
+    Writer const requests_{participant_, {k_service.request, "app"}, call_quality(k_longest_write)};
+    Request request_{};
+};
+
 TEST_F(Calls, The_requests_of_a_client_that_never_reads_are_handled_and_the_next_client_is_served) {
     std::atomic<int> handled{0};
     offer([&handled](auto const* /*request*/, auto const& answer) {
         ++handled;
         answer_well(answer);
     });
-    Participant participant;
-    Writer const deaf(participant, {k_service.request, "app"}, call_quality(k_longest_write));
-    Request request{};
-    request.data._d = k_method;
-    std::memcpy(&request.header.requestId.writer_guid, guid_of(deaf.entity()).data(), sizeof(Guid));
-    std::strcpy(request.header.instanceName, "app");
+    Raw_client deaf;
     for (std::int64_t number = 1; number <= 3; ++number) {
-        request.header.requestId.sequence_number = to_wire(number);
-        deaf.write(&request);
+        deaf.request(number);
     }
     EXPECT_EQ(end_of(call(*client_.reach())), "value");
     EXPECT_EQ(handled, 4);
+}
+
+TEST_F(Calls, A_client_that_is_known_to_read_only_after_its_call_was_handled_gets_the_reply_then) {
+    std::promise<void> handled;
+    std::promise<void> replied;
+    offer([&handled](auto const* /*request*/, auto const& answer) {
+        answer_well(answer);
+        handled.set_value();
+    });
+    Raw_client client;
+    client.request(1);
+    handled.get_future().wait();
+    auto const reader = client.read([&replied](auto&&...) { replied.set_value(); });
+    EXPECT_EQ(replied.get_future().wait_for(k_patience), std::future_status::ready);
+}
+
+TEST_F(Calls, The_end_of_an_offer_waits_for_its_handler_and_no_other_begins) {
+    std::promise<void> begun;
+    std::promise<void> gate;
+    std::atomic<int> handled{0};
+    offer([&, open = gate.get_future().share()](auto const* /*request*/, auto const& answer) {
+        if (++handled == 1) {
+            begun.set_value();
+            open.wait();
+        }
+        answer_well(answer);
+    });
+    auto const sut = client_.reach();
+    auto const first = call(*sut);
+    auto const second = call(*sut);
+    begun.get_future().wait();
+    auto const end = std::async(std::launch::async, [this] { offer_.reset(); });
+    EXPECT_EQ(end.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    gate.set_value();
+    end.wait();
+    EXPECT_EQ(handled, 1);
 }
 
 /// A server that speaks the wire by itself: it makes known what it has of an offer, a reader of requests and a writer
@@ -207,7 +259,7 @@ TEST_F(Calls, A_reply_to_another_client_one_that_nobody_waits_for_and_a_second_o
     EXPECT_EQ(end_of(call(*sut, 2)), "value");
 }
 
-TEST_F(Calls, To_a_server_that_is_only_announced_or_never_answers_take_their_time) {
+TEST_F(Calls, To_a_server_that_is_only_announced_or_never_answers_take_their_time_each) {
     std::map<std::string, std::string> ends;
     std::map<std::string, std::string> const expected{
         {"announced", "The service could not be reached in time"},
@@ -227,7 +279,11 @@ TEST_F(Calls, To_a_server_that_is_only_announced_or_never_answers_take_their_tim
         if (name == "deaf") {
             server.take_no_requests();
         }
-        outcomes[name] = std::async(std::launch::async, [connection] { return end_of(call(*connection)); });
+        outcomes[name] = std::async(std::launch::async, [connection] {
+            auto const first = end_of(call(*connection));
+            auto const second = end_of(call(*connection));
+            return first == second ? first : first + ", then " + second;
+        });
     }
     for (auto const& [name, end] : expected) {
         EXPECT_EQ(end_of(std::move(outcomes[name])), end) << name;
@@ -304,6 +360,29 @@ TEST_P(Events, Of_those_that_wait_for_a_handler_the_newest_thousand_are_kept) {
     ASSERT_EQ(seen.size(), 1001U);
     EXPECT_EQ(seen[0], 0U);
     EXPECT_EQ(seen[1], 6U);
+}
+
+TEST_P(Events, The_end_of_a_subscription_waits_for_its_handler_and_no_other_begins) {
+    std::promise<void> begun;
+    std::promise<void> gate;
+    std::atomic<int> handled{0};
+    auto subscription =
+        client_.connect()->subscribe(*GetParam(), [&, open = gate.get_future().share()](auto const* /*sample*/) {
+            if (++handled == 1) {
+                begun.set_value();
+                open.wait();
+            }
+        });
+    auto const source = server_->offer_event(*GetParam(), k_app);
+    std::chrono::system_clock::time_point const set(std::chrono::hours(1));
+    send(*source, 0, set);
+    send(*source, 1, set + std::chrono::nanoseconds(1));
+    begun.get_future().wait();
+    auto const end = std::async(std::launch::async, [&subscription] { subscription.reset(); });
+    EXPECT_EQ(end.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    gate.set_value();
+    end.wait();
+    EXPECT_EQ(handled, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Events, testing::Values(&k_event, &k_field));

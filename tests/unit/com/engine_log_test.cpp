@@ -1,5 +1,4 @@
-#include "ara/com/dds/entities/engine_log.h"
-
+#include "ara/com/dds/entities/participant.h"
 #include "support/eventually.h"
 #include "support/log_capture.h"
 
@@ -19,9 +18,9 @@ using testing::Contains;
 
 class Engine_log : public testing::Test {
  protected:
-    Engine_log() { ara::com::dds::log_what_the_engine_tells(); }
-
-    static void say(std::uint32_t category) { dds_log(category, __FILE__, __LINE__, __func__, "a word\nand more\n"); }
+    static void say(std::uint32_t category) {
+        dds_log(category, __FILE__, __LINE__, __func__, "%s\nand more\n", category == DDS_LC_ERROR ? "bad" : "odd");
+    }
 
     std::size_t told() { return log_.messages().size(); }
 
@@ -34,6 +33,7 @@ class Engine_log : public testing::Test {
     }
 
     using Clock = std::chrono::steady_clock;
+    ara::com::dds::Participant const participant_;
     Clock::time_point begin_;  // of the last call
     test_support::Log_capture log_;
 };
@@ -48,8 +48,8 @@ TEST_F(Engine_log, Has_the_first_line_of_what_the_engine_tells_ten_times_a_secon
     auto const seconds = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - begin_).count();
     EXPECT_GE(told(), 9U);
     EXPECT_LE(told(), 9U + 10U * static_cast<std::size_t>(seconds));
-    EXPECT_THAT(log_.messages(), Contains(logged(LogLevel::kWarn, "DDS: ", "a word")));
-    EXPECT_THAT(log_.messages(), Contains(logged(LogLevel::kError, "DDS: ", "a word")));
+    EXPECT_THAT(log_.messages(), Contains(logged(LogLevel::kWarn, "DDS: ", "odd")));
+    EXPECT_THAT(log_.messages(), Contains(logged(LogLevel::kError, "DDS: ", "bad")));
 }
 
 }  // namespace

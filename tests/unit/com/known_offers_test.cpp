@@ -251,6 +251,7 @@ class Forged_offers : public Known_offers_test {
 TEST_F(Forged_offers, Don_t_take_the_watch_of_the_server_that_they_name) {
     test_support::Log_capture log;
     another_.write(server_.of(k_interface, "forged", another_process_.id()));
+    another_.write(server_.of(k_interface, "forged too", another_process_.id()));
     another_.write(server_.of(k_interface, "app", another_process_.id()));
     EXPECT_THAT(names(), IsEmpty());
     server_.write(server_.of(k_interface, "app", servers_process_.id()));
@@ -325,6 +326,11 @@ TEST_F(Known_offers_test, Of_this_process_what_is_claimed_is_known_whatever_its_
 // Who is found after the first second was not there before.
 TEST_F(Known_offers_test, Who_is_found_later_keeps_its_place_when_it_is_heard_again_with_the_same_offer_only) {
     observe(sut_);
+    auto const early = server_.of(k_interface, "early");
+    server_.write(early);
+    ASSERT_THAT(names(), ElementsAre("early"));
+    EXPECT_EQ(known().front().found, 0U);
+    server_.withdraw(early);
     std::this_thread::sleep_for(std::chrono::milliseconds(1100));
     auto const offer = server_.of(k_interface, "app");
     auto const time = system_clock::now();
@@ -349,8 +355,10 @@ TEST_F(Known_offers_test, Tell_once_that_they_can_t_be_heard_of_and_once_that_th
     test_support::Log_capture log;
     server_.write(server_.of(k_interface, "app"));
     test_support::played_dds::faults().readers_that_fail = 2;
+    auto const begin = std::chrono::steady_clock::now();
     observe(sut_);
     EXPECT_TRUE(eventually([this] { return known().size() == 1; }));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
     using ara::log::LogLevel;
     EXPECT_THAT(log.at_least(LogLevel::kInfo),
                 ElementsAre(test_support::logged(LogLevel::kError, "Offers of services can't be heard of yet: ",

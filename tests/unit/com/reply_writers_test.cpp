@@ -42,7 +42,7 @@ class Client_ends {
     Reader const replies_;
 };
 
-TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_keep_theirs) {
+TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_keep_theirs_until_the_end) {
     Participant participant;
     Reader const requests(participant, {offer_topic(), "app"}, call_quality(k_longest_write), [](auto&&...) {});
     Reply_writers sut(participant, offer_topic(), [] {});
@@ -69,6 +69,11 @@ TEST(Reply_writers_test, All_clients_but_the_one_whose_writer_could_not_be_made_
     EXPECT_EQ(found(), 9U);
     sut.follow(requests.entity());
     EXPECT_EQ(found(), 10U);
+
+    sut.close();
+    EXPECT_FALSE(clients.front()->has_writer());
+    sut.follow(requests.entity());
+    EXPECT_FALSE(clients.front()->has_writer());
 }
 
 TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_next_when_another_has_gone) {
@@ -82,8 +87,9 @@ TEST(Reply_writers_test, One_hundred_and_twenty_eight_clients_have_one_and_the_n
     }
     sut.follow(requests.entity());
     Client_ends const late(participant);
-    sut.follow(requests.entity());
-    sut.follow(requests.entity());
+    for (int look = 0; look < 3; ++look) {
+        sut.follow(requests.entity());
+    }
     EXPECT_EQ(clients.back()->times_found(), 1U);
     EXPECT_EQ(late.times_found(), 0U);
     EXPECT_THAT(log.messages(),
@@ -110,7 +116,6 @@ TEST(Reply_writers_test, Keep_the_first_sixteen_replies_and_what_they_look_at_un
     int times_told = 0;
     Reply_writers sut(participant, offer_topic(), [&times_told] { ++times_told; });
     Writer const client(participant, {offer_topic(), "app"}, call_quality(k_longest_write));
-    sut.follow(requests.entity());
     auto const handle = writers_matched_by(requests.entity()).front().handle;
     auto const contents = std::make_shared<int>();
     auto const send = [&](int number) {

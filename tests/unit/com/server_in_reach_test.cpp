@@ -116,6 +116,8 @@ TEST_F(Server_in_reach_test, A_look_that_something_has_overtaken_tells_nothing) 
     auto const candidate = sut_.candidate(0);
     ASSERT_TRUE(candidate);
     EXPECT_FALSE(sut_.candidate(candidate->version)) << "it has been looked at";
+    follow({offered_by(1)});
+    EXPECT_TRUE(sut_.candidate(candidate->version));
     sut_.connection_changed();
     sut_.set_reached(*candidate);
     EXPECT_FALSE(sut_.is_reached());

@@ -1,4 +1,5 @@
 #include "client_test.h"
+#include "component_client/answer_book.h"
 
 #include <thread>
 
@@ -68,6 +69,16 @@ TEST_F(Answering, Happens_by_itself_when_an_answer_is_overwritten) {
     EXPECT_EQ(peer->reply(), (Reply{1, "kOn", 1}));
 }
 
+TEST_F(Answering, Is_to_the_request_whose_answer_was_moved_here_last) {
+    auto const sut = connected_client(keep_answers());
+    auto answer = asked(1, "kPrepSD");
+    answer = asked(2, "kOff");
+    EXPECT_EQ(answer.number(), 2U);
+    EXPECT_EQ(answer.state(), "kOff");
+    EXPECT_TRUE(answer.send(Status::succeeded));
+    EXPECT_EQ(peer->reply(), (Reply{2, "kOff", 0}));
+}
+
 TEST_F(Answering, Does_not_happen_for_an_answer_that_was_moved_on) {
     auto const sut = connected_client(keep_answers());
     auto answer = asked(1, "kPrepSD");
@@ -124,6 +135,13 @@ TEST_F(Answering, After_the_client_has_gone_is_for_nobody) {
         answer = asked(1, "kPrepSD");
     }
     EXPECT_FALSE(answer->send(Status::succeeded));
+}
+
+TEST(Answer_book_test, Keeps_no_answer_for_the_next_connection) {
+    Answer_book sut("kOn");
+    EXPECT_TRUE(sut.put_answer(sut.open(1), Status::succeeded, nullptr));
+    sut.forget_requests();
+    EXPECT_THAT(sut.take_messages(), testing::IsEmpty());
 }
 
 TEST_F(Answering, Is_not_held_up_by_a_server_that_does_not_read) {

@@ -85,6 +85,22 @@ TEST_F(Callers_thread, Does_not_wait_in_a_dispatch_without_work) {
     EXPECT_FALSE(sut.connected());
 }
 
+TEST_F(Callers_thread, Closes_by_the_dispatch_after_it_was_stopped_and_connects_no_more) {
+    Client sut("me", succeed, options);
+    await_and_dispatch(sut);
+    auto const server_end = server->accept();
+    server_end.hello();
+    sut.stop();
+    await_and_dispatch(sut);
+    EXPECT_FALSE(sut.connected());
+    EXPECT_TRUE(server_end.is_closed());
+
+    Client other("me", succeed, options);
+    other.stop();
+    await_and_dispatch(other);
+    EXPECT_FALSE(other.connected());
+}
+
 TEST_F(Callers_thread, Gets_the_exception_of_its_handler) {
     Client sut(
         "me", [](std::string const&, Answer const&) { throw std::runtime_error("no brakes"); }, options);

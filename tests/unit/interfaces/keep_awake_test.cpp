@@ -122,9 +122,26 @@ TEST_F(Keeping_awake, Requests_when_the_service_comes_and_again_with_each_new_of
     service.OfferService();
     EXPECT_THAT(calls, ElementsAre("request", "request"));
     // Whoever offers now may have taken the place of another one unseen.
-    binding.report(k_alive, {ara::com::ServiceHandle(k_alive, ara::com::InstanceIdentifier("app"), "a new process")});
+    ara::com::ServiceHandle const other(k_alive, ara::com::InstanceIdentifier("app"), "a new process");
+    binding.report(k_alive, {other});
     EXPECT_THAT(calls, ElementsAre("request", "request", "request"));
     EXPECT_THAT(changes, ElementsAre(true, false, true));
+    binding.fail_next_call(k_alive, std::make_exception_ptr(tarq::com::Timeout_exception("on purpose")));
+    EXPECT_THROW(binding.report(k_alive, {other}), tarq::com::Timeout_exception);
+    EXPECT_FALSE(sut.is_held());
+    EXPECT_THAT(changes, ElementsAre(true, false, true, false));
+}
+
+TEST_F(Keeping_awake, Lets_who_waits_go_on_as_soon_as_it_is_held) {
+    Keep_awake sut("app", Ecu_alive());
+    Alive service("app", calls);
+    for (int i = 0; i < 20; ++i) {  // a wait that begins too late finds it held
+        auto waiting = std::async(std::launch::async, [&sut] { return sut.await(2 * k_patience); });
+        service.OfferService();
+        ASSERT_EQ(waiting.wait_for(k_patience), std::future_status::ready);
+        EXPECT_TRUE(waiting.get());
+        service.StopOfferService();
+    }
 }
 
 TEST_F(Keeping_awake, Leaves_the_instances_of_others_alone) {
@@ -162,13 +179,15 @@ TEST_F(Keeping_awake, Releases_when_its_time_is_over_and_requests_no_more) {
     Alive service("app", calls);
     service.OfferService();
     std::promise<void> over;
+    auto const begin = std::chrono::steady_clock::now();
     {
-        Keep_awake const sut("app", Ecu_alive(), {milliseconds(1), [&over](bool is_held) {
+        Keep_awake const sut("app", Ecu_alive(), {milliseconds(20), [&over](bool is_held) {
                                                       if (!is_held) {
                                                           over.set_value();
                                                       }
                                                   }});
         ASSERT_EQ(over.get_future().wait_for(k_patience), std::future_status::ready);
+        EXPECT_GE(std::chrono::steady_clock::now() - begin, milliseconds(20));
         EXPECT_FALSE(sut.is_held());
     }
     service.StopOfferService();

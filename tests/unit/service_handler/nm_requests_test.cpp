@@ -1,7 +1,11 @@
+#include "status/page_writer.h"
 #include "udp_nm_fixture.h"
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <stdexcept>
+#include <vector>
 
 namespace ximo::ap::statemanager {
 namespace {
@@ -72,6 +76,8 @@ TEST_F(Nm_requests, Request_the_network_although_the_user_data_was_never_found) 
 
 TEST_F(Nm_requests, Log_a_failure_of_the_binding_and_go_on_and_pass_every_other_one_on) {
     find();
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
     struct Request {
         std::string service;
         std::function<void(std::uint8_t)> make;
@@ -91,6 +97,9 @@ TEST_F(Nm_requests, Log_a_failure_of_the_binding_and_go_on_and_pass_every_other_
     }
     EXPECT_THAT(network_state.asked, ElementsAre("request 02 ", "release 02 "));
     EXPECT_THAT(user_data.given, ElementsAre("02 "));
+    status::set_page(nullptr);
+    auto const& failed = page->counters.failed_calls;
+    EXPECT_THAT(std::vector<std::uint64_t>(failed.begin(), failed.end()), ElementsAre(1, 1, 1));
 }
 
 TEST_F(Nm_requests, Log_that_a_service_has_gone_and_work_again_when_it_is_back) {

@@ -8,9 +8,14 @@
 
 #include <climits>
 #include <cstddef>
+#include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -23,6 +28,8 @@ namespace {
 namespace fs = std::filesystem;
 using statectl::No_page;
 using statectl::Page_view;
+
+constexpr std::uint64_t k_a_minute = 60'000'000'000;
 
 Facts const k_facts{"/nowhere/ap_statemanager.json", 100, 3, true};
 
@@ -80,6 +87,11 @@ TEST_F(Status_page_file, Is_made_whole_with_what_is_known_at_the_start) {
     EXPECT_EQ(page.life.number, 1U);
     EXPECT_EQ(page.life.period_ms, 100U);
     EXPECT_EQ(page.life.nm_usage, 1U);
+    EXPECT_EQ(page.life.knockout, 3U);
+    EXPECT_LE(now() - page.life.started, k_a_minute);
+    EXPECT_LE(static_cast<std::uint64_t>(std::time(nullptr)) * 1'000'000'000 - page.life.started_real + k_a_minute,
+              2 * k_a_minute);
+    EXPECT_EQ(page.services.sending, 1U);
     EXPECT_EQ(statectl::text_of(page.life.configuration), k_facts.configuration);
     EXPECT_EQ(page.life.digest, 0U);
     struct stat about {};
@@ -98,6 +110,31 @@ TEST_F(Status_page_file, Tells_configurations_apart_by_their_bytes) {
     };
     EXPECT_EQ(digest(""), 0xcbf29ce484222325U);
     EXPECT_EQ(digest("a"), 0xaf63dc4c8601ec8cU);
+    // Of one that the daemon would refuse, no more than the first 16 MiB.
+    std::string large((std::size_t{16} << 20U) + 1, 'a');
+    auto const before = digest(large);
+    large.back() = 'b';
+    EXPECT_EQ(digest(large), before);
+}
+
+TEST_F(Status_page_file, Tells_that_network_management_is_not_used) {
+    Page_file const file(path, {"/nowhere", 100, 3, false});
+    EXPECT_EQ(Page_view(path).snapshot().life.nm_usage, 0U);
+}
+
+TEST_F(Status_page_file, Is_made_although_a_daemon_was_killed_while_it_made_its_own) {
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path + ".new") << "half of one";
+    EXPECT_TRUE(can_be_written(path));
+}
+
+// What it has closed once may be somebody else's.
+TEST_F(Status_page_file, Leaves_the_descriptors_of_others_alone_when_it_could_not_be_made) {
+    fs::create_directories(path + ".new/full");
+    std::optional<Page_file> file(std::in_place, path, k_facts);
+    base::Descriptor const other(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    file.reset();
+    EXPECT_GE(::fcntl(other.number(), F_GETFD), 0);
 }
 
 TEST_F(Status_page_file, Stays_when_its_writer_has_gone_and_is_the_previous_one_then) {

@@ -64,6 +64,8 @@ TEST(Status_rows, Know_which_commands_a_state_takes) {
     EXPECT_EQ(blocked(State::running, Virtio_command::run), Blocked::by_state);
     EXPECT_EQ(blocked(State::running, Virtio_command::nm_controlled), Blocked::not_at_all);
     EXPECT_EQ(blocked(State::running, Virtio_command::nm_controlled, false), Blocked::by_setting);
+    EXPECT_EQ(blocked(State::running, Virtio_command::prepare_sd, false), Blocked::not_at_all);
+    EXPECT_EQ(blocked(State::nm_controlled, Virtio_command::run, false), Blocked::not_at_all);
     EXPECT_EQ(blocked(State::preparing, Virtio_command::shutdown), Blocked::by_state);
     EXPECT_EQ(blocked(State::resuming, Virtio_command::shutdown), Blocked::not_at_all);
     EXPECT_EQ(blocked(State::starting_up, Virtio_command::prepare_sd), Blocked::by_state);

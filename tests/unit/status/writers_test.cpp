@@ -1,3 +1,4 @@
+#include "base/descriptor.h"
 #include "base/temporary_directory.h"
 #include "status/driver_status.h"
 #include "status/network_status.h"
@@ -9,10 +10,15 @@
 #include "written_page.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace status {
 namespace {
@@ -41,7 +47,7 @@ TEST_F(Status_writers, Cut_a_text_that_is_too_long_and_tell_texts_apart_by_what_
                                      {"a", "a"},
                                      {"0123456789abcdef", "0123456789abcdef"},
                                      {"0123456789abcdefg", "0123456789abc..."},
-                                     {std::string(1000, 'x'), "xxxxxxxxxxxxx..."}}) {
+                                     {std::string(1000, 'y'), "yyyyyyyyyyyyy..."}}) {
         put(place, text);
         EXPECT_TRUE(holds(place, text));
         EXPECT_FALSE(holds(place, "other"));
@@ -111,6 +117,43 @@ TEST_F(Status_writers, Count_what_any_thread_tells) {
     EXPECT_EQ(counters.restarts_failed, 36U);
     EXPECT_THAT(counters.failed_calls, ElementsAre(0, 0, 4));
     EXPECT_EQ(own(written->events), 36U) << "watchers look";
+}
+
+TEST_F(Status_writers, Tell_since_when_the_ecu_is_in_its_state) {
+    ecu_state(0);
+    auto const since = own(written->network.ecu_since);
+    EXPECT_NE(since, 0U);
+    ecu_state(0);
+    EXPECT_EQ(own(written->network.ecu_since), since);
+    ecu_state(1);
+    EXPECT_GT(own(written->network.ecu_since), since);
+    EXPECT_EQ(own(written->network.ecu_state), 1U);
+    EXPECT_EQ(own(written->network.sequence), 6U) << "two for each change, and for each that was none";
+}
+
+TEST_F(Status_writers, Tell_the_first_eight_bytes_of_a_report_as_an_event) {
+    std::array<std::uint8_t, 9> const report{0x10, 2, 3, 4, 5, 6, 7, 8, 9};
+    network_state(report.data(), report.size());
+    EXPECT_EQ(read().events.back().numbers[1], 0x08070605'04030210U);
+}
+
+TEST_F(Status_writers, Tell_which_setting_keeps_a_command_waiting) {
+    put(written->driver.state, number(State::running));
+    key_taken(2);
+    auto const blocked = [this](std::uint64_t nm_usage) {
+        put(written->life.nm_usage, nm_usage);
+        beat(false, false);
+        return static_cast<Blocked>(own(written->driver.blocked));
+    };
+    EXPECT_EQ(blocked(0), Blocked::by_setting);
+    EXPECT_EQ(blocked(1), Blocked::not_at_all);
+}
+
+TEST_F(Status_writers, Keep_the_longest_cycle) {
+    put(written->driver.longest, 3'600'000'000'000);
+    beat(false, false);
+    beat(false, false);
+    EXPECT_EQ(own(written->driver.longest), 3'600'000'000'000U);
 }
 
 TEST_F(Status_writers, Tell_apart_names_that_are_cut_alike) {
@@ -206,6 +249,37 @@ TEST_F(Status_writers, Tell_of_a_client_what_became_of_its_request) {
     }
 }
 
+TEST_F(Status_writers, Tell_apart_connections_that_begin_their_search_at_one_record) {
+    constexpr int k_other = 7 + static_cast<int>(k_clients);
+    client_connected(7, "radio", "kOn");
+    client_connected(k_other, "navigation", "kOn");
+    client_answered(k_other, "kPrepSD", 0);
+    client_left(k_other);
+    EXPECT_EQ(text_of(read().clients.at(0).name), "radio");
+    EXPECT_EQ(text_of(read().clients.at(0).state), "kOn");
+    EXPECT_EQ(text_of(read().events.back().text), "navigation");
+}
+
+TEST_F(Status_writers, Tell_whose_process_a_client_is_and_nothing_of_who_had_its_record_before) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()), 0);
+    base::Descriptor const first(ends[0]);
+    base::Descriptor const second(ends[1]);
+    client_connected(first.number(), "radio", "kOn");
+    EXPECT_EQ(read().clients.at(0).pid, static_cast<std::uint64_t>(::getpid()));
+    EXPECT_EQ(read().clients.at(0).uid, std::uint64_t{::getuid()});
+    request_began("kPrepSD", std::chrono::steady_clock::now());
+    client_asked(first.number());
+    client_answered(first.number(), "kPrepSD", 1);
+    client_left(first.number());
+    client_connected(first.number(), "radio", "kOn");
+    auto const client = read().clients.at(0);
+    EXPECT_EQ(client.answer, number(Answer::not_asked));
+    EXPECT_EQ(client.status, 0U);
+    EXPECT_EQ(client.asked_at, 0U);
+    EXPECT_EQ(client.answered_at, 0U);
+}
+
 TEST_F(Status_writers, Count_clients_and_names_for_which_there_is_no_room) {
     for (int connection = 0; connection < 1'003; ++connection) {
         client_connected(connection, "client " + std::to_string(connection), "kOn");
@@ -241,6 +315,24 @@ TEST_F(Status_writers, Tell_what_an_application_holds_as_long_as_it_does) {
     EXPECT_EQ(page.instances[0].since[1] + page.instances[0].since[2] + page.instances[1].since[0], 0U);
     EXPECT_EQ(page.instances[0].ac, 0U);
     EXPECT_EQ(page.instances[0].releases[1], 2U);
+}
+
+TEST_F(Status_writers, Tell_the_number_of_an_application_as_long_as_it_holds_something) {
+    provided(Hold::com_alive, {"1"});
+    provided(Hold::car_wake_up, {"1"});
+    auto const& ac = written->instances[0].ac;
+    com_requested("1", {1}, 16);
+    EXPECT_EQ(own(ac), 16U);
+    cwu_requested("1", 17);
+    EXPECT_EQ(own(ac), 0U) << "there is none above 16";
+    cwu_requested("1", 3);
+    com_released("1", {1});
+    EXPECT_EQ(own(ac), 3U);
+    cwu_released("1");
+    EXPECT_EQ(own(ac), 0U);
+    com_requested("1", {1}, 2);
+    com_released("1", {1});
+    EXPECT_EQ(own(ac), 0U);
 }
 
 TEST_F(Status_writers, Count_instances_for_which_there_is_no_room) {

@@ -96,6 +96,8 @@ TEST(Socket, Move_assignment_swaps) {
 
 TEST(Socket, A_failed_close_is_logged_and_not_thrown) {
     Log_capture log;
+    { Socket const good(some_descriptor()); }
+    EXPECT_THAT(log.messages(), testing::IsEmpty());
     {
         Socket const sut(some_descriptor());
         ::close(sut.get_fd());
