@@ -14,7 +14,6 @@ using ara::log::LogLevel;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using test_support::logged;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using ximo::ap::statemanager::virtio::Virtio_command;
@@ -109,46 +108,6 @@ TEST_F(Command_reader, The_event_types_are_those_of_the_device) {
     ::close(descriptor);
 }
 
-TEST_F(Command_reader, A_device_without_keys_is_passed_over) {
-    add_device("event0", {"EV_SYN", "EV_REL", "EV_MSC"});
-    add_device("event1");
-
-    EXPECT_TRUE(sut.init(input()));
-
-    press("event0", "r");
-    press("event1", "p");
-    EXPECT_EQ(next_command(), Virtio_command::prepare_sd);
-}
-
-TEST_F(Command_reader, A_device_that_refuses_to_open_fails_the_start) {
-    add_device("event0");
-    add_device("event1");
-    fail("event0", "open", "EBUSY");
-
-    EXPECT_FALSE(sut.init(input()));
-
-    EXPECT_THAT(log.messages(),
-                Contains(logged(LogLevel::kError, "Can't open VirtIO input device: ", input() + "/event0")));
-    EXPECT_TRUE(sut.init(input())) << "the fault was for one open only";
-}
-
-TEST_F(Command_reader, A_device_that_does_not_tell_its_types_is_none) {
-    add_device("event0");
-    fail("event0", "ioctl", "EIO");
-
-    EXPECT_FALSE(sut.init(input()));
-
-    EXPECT_THAT(log.messages().back(),
-                logged(LogLevel::kError, "No key event input device found that supports both EV_KEY and EV_MSC"));
-}
-
-TEST_F(Command_reader, A_mount_without_devices_has_none) {
-    EXPECT_FALSE(sut.init(input()));
-
-    EXPECT_THAT(log.messages().back(),
-                logged(LogLevel::kError, "No key event input device found that supports both EV_KEY and EV_MSC"));
-}
-
 TEST_F(Command_reader, A_device_that_hangs_up_leaves_what_it_had_brought_and_stops_the_waiting) {
     start_with_keyboard();
     press("event0", "p");
@@ -169,18 +128,6 @@ TEST_F(Command_reader, A_device_that_hangs_up_leaves_what_it_had_brought_and_sto
     EXPECT_THAT(log.messages(), IsEmpty());
 }
 
-TEST_F(Command_reader, A_read_that_fails_is_told_and_the_next_press_arrives) {
-    start_with_keyboard();
-    fail("event0", "read", "EIO");
-    sut.check_for_commands(k_patience_ms);
-    EXPECT_THAT(log.at_least(LogLevel::kError),
-                ElementsAre(logged(LogLevel::kError, "Reading virtual input event failed")));
-
-    press("event0", "r");
-
-    EXPECT_EQ(next_command(), Virtio_command::run);
-}
-
 TEST_F(Command_reader, A_device_lost_with_unread_records_fails_to_read_in_every_cycle) {
     start_with_keyboard();
     press("event0", "r");
@@ -191,18 +138,6 @@ TEST_F(Command_reader, A_device_lost_with_unread_records_fails_to_read_in_every_
 
     auto const failure = logged(LogLevel::kError, "Reading virtual input event failed");
     EXPECT_THAT(log.at_least(LogLevel::kError), ElementsAre(failure, failure));
-}
-
-TEST_F(Command_reader, Nine_devices_are_all_heard) {
-    for (int i = 0; i < 9; ++i) {
-        add_device("event" + std::to_string(i));
-    }
-    ASSERT_TRUE(sut.init(input()));
-
-    for (int i = 0; i < 9; ++i) {
-        press("event" + std::to_string(i), i % 2 == 0 ? "r" : "n");
-        EXPECT_EQ(next_command(), i % 2 == 0 ? Virtio_command::run : Virtio_command::nm_controlled) << i;
-    }
 }
 
 }  // namespace

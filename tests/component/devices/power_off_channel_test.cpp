@@ -3,16 +3,12 @@
 #include "hypervisor_fixture.h"
 #include "statemanager/fast_shutdown/fast_shutdown_handler.h"
 
-#include <stdexcept>
-
 namespace devices {
 namespace {
 
 using ara::log::LogLevel;
 using test_support::logged;
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::ThrowsMessage;
 using ximo::ap::statemanager::fast_shutdown::Fast_shutdown_handler;
 
 class Power_off_channel_test : public Hypervisor_fixture {
@@ -41,27 +37,6 @@ TEST_F(Power_off_channel_test, A_command_that_was_cut_is_told_and_not_completed)
     EXPECT_THAT(log.messages(LogLevel::kWarn),
                 ElementsAre(logged(LogLevel::kWarn, "Only part of command written: ", "termi",
                                    "Try to write remaining command: ", "inate")));
-}
-
-TEST_F(Power_off_channel_test, A_write_that_took_nothing_reaches_the_caller_and_ends_the_sequence) {
-    Fast_shutdown_handler const sut(control_file("command_request"));
-    cut_next_write(0);
-
-    EXPECT_THAT([&sut] { sut.start_fast_shutdown(std::chrono::milliseconds(2500)); },
-                ThrowsMessage<std::out_of_range>(HasSubstr("basic_string::substr")));
-
-    EXPECT_THAT(requests("command_request"), ElementsAre("terminate\n"));
-}
-
-TEST_F(Power_off_channel_test, A_driver_s_refusal_is_told_with_its_reason) {
-    Fast_shutdown_handler const sut(control_file("command_request"));
-    fail("command_request", "write", "EIO");
-
-    sut.process_lookup();
-
-    EXPECT_THAT(log.messages(LogLevel::kError),
-                ElementsAre(logged(LogLevel::kError, "Failed to write command: ", "lookup vyn_per_daemon\n",
-                                   " Error: ", "Input/output error")));
 }
 
 }  // namespace
