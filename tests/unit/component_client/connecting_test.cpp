@@ -87,6 +87,7 @@ TEST_F(Connecting, Tells_of_each_connection_and_each_loss) {
     EXPECT_TRUE(sut.connected());
     peer.reset();
     EXPECT_FALSE(told.take());
+    EXPECT_FALSE(sut.connected());
     peer.emplace(server->accept());
     EXPECT_TRUE(told.take());
 }

@@ -47,7 +47,7 @@ TEST(Document_bounds, Hold_a_value_at_the_deepest_level_and_none_below_it) {
         EXPECT_EQ(refusal(repeated(33, "[") + value + repeated(33, "]")), k_too_deep) << value;
         EXPECT_EQ(refusal(repeated(33, "{\"a\":") + value + repeated(33, "}")), k_too_deep) << value;
     }
-    EXPECT_EQ(refusal(repeated(32, "[") + " \t\r\n" + repeated(32, "]")), "");
+    EXPECT_EQ(refusal(repeated(33, "[") + " \t\r\n" + repeated(33, "]")), "");
 }
 
 TEST(Document_bounds, Hold_as_many_values_as_are_allowed_and_no_more) {

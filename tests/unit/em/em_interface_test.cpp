@@ -1,8 +1,10 @@
 #include "statemanager/em/em_interface.h"
 
+#include "status/page_writer.h"
 #include "support/log_capture.h"
 #include "support/virtual_slot.h"
 
+#include <memory>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -94,6 +96,8 @@ class Em_request : public Em_adapter, public testing::WithParamInterface<Request
 };
 
 TEST_P(Em_request, Is_told_and_then_made_and_its_result_is_ignored) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
     for (auto const result : {State_client_result::kSuccess, State_client_result::kRefused}) {
         sut.result = result;
         log.clear();
@@ -102,7 +106,10 @@ TEST_P(Em_request, Is_told_and_then_made_and_its_result_is_ignored) {
         EXPECT_EQ(sut.requests, wanted);
         EXPECT_THAT(sut.logged_before, ElementsAre(told));
         EXPECT_THAT(log.messages(), ElementsAre(told));
+        EXPECT_NE(page->driver.machine_state_at, 0U);
+        EXPECT_EQ(page->driver.machine_state_failed, result == State_client_result::kSuccess ? 0U : 1U);
     }
+    status::set_page(nullptr);
 }
 
 TEST_P(Em_request, That_can_not_be_made_is_an_error) {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <numeric>
 #include <stdexcept>
-#include <vector>
 
 namespace ximo::ap::statemanager {
 namespace {
@@ -78,6 +78,11 @@ TEST_F(Nm_requests, Log_a_failure_of_the_binding_and_go_on_and_pass_every_other_
     find();
     auto const page = std::make_unique<status::Page>();
     status::set_page(page.get());
+    auto const failed = [&page] {
+        auto const& calls = page->counters.failed_calls;
+        return std::accumulate(calls.begin(), calls.end(), std::uint64_t{0});
+    };
+    std::uint64_t failures = 0;
     struct Request {
         std::string service;
         std::function<void(std::uint8_t)> make;
@@ -89,6 +94,7 @@ TEST_F(Nm_requests, Log_a_failure_of_the_binding_and_go_on_and_pass_every_other_
         next_call_fails(service, tarq::com::Infrastructure_exception("no answer"));
         make(1);
         EXPECT_THAT(log.messages(), ElementsAre(logged(LogLevel::kError, "infrastructure exception ", "no answer")));
+        EXPECT_EQ(failed(), ++failures);
         log.clear();
         next_call_fails(service, std::logic_error("other"));
         EXPECT_THROW(make(1), std::logic_error);
@@ -98,8 +104,9 @@ TEST_F(Nm_requests, Log_a_failure_of_the_binding_and_go_on_and_pass_every_other_
     EXPECT_THAT(network_state.asked, ElementsAre("request 02 ", "release 02 "));
     EXPECT_THAT(user_data.given, ElementsAre("02 "));
     status::set_page(nullptr);
-    auto const& failed = page->counters.failed_calls;
-    EXPECT_THAT(std::vector<std::uint64_t>(failed.begin(), failed.end()), ElementsAre(1, 1, 1));
+    for (auto const& calls : page->counters.failed_calls) {
+        EXPECT_EQ(calls, 1U);
+    }
 }
 
 TEST_F(Nm_requests, Log_that_a_service_has_gone_and_work_again_when_it_is_back) {

@@ -1,4 +1,5 @@
 #include "notifier_fixture.h"
+#include "status/page_writer.h"
 
 namespace ximo::ap::statemanager::state_notifier {
 namespace {
@@ -27,6 +28,19 @@ TEST_F(Notifier_log, Tells_each_step_of_a_standby) {
     sut.check_request_status();
     EXPECT_THAT(log.at_least(LogLevel::kInfo),
                 ElementsAre(logged(LogLevel::kInfo, "Requesting ", "kPrepSD", " mode for DEM")));
+}
+
+TEST_F(Notifier_test, Tells_the_status_page_which_group_is_asked) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
+    auto const group = [&page] { return static_cast<status::Group>(status::own(page->driver.group)); };
+    sut.request_standby();
+    for (auto const asked : {status::Group::dcm, status::Group::applications, status::Group::dem}) {
+        EXPECT_EQ(group(), asked);
+        complete();
+        sut.check_request_status();
+    }
+    status::set_page(nullptr);
 }
 
 TEST_F(Notifier_log, Tells_each_step_of_a_resume) {

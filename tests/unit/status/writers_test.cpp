@@ -42,7 +42,11 @@ class Status_writers : public Written_page {
 };
 
 TEST_F(Status_writers, Cut_a_text_that_is_too_long_and_tell_texts_apart_by_what_is_left) {
-    Text<Shared_word, 16> place{};
+    struct {
+        Text<Shared_word, 16> place;
+        Shared_word behind;
+    } words{};
+    auto& place = words.place;
     for (auto const& [text, left] : {std::pair<std::string, std::string>{"", ""},
                                      {"a", "a"},
                                      {"0123456789abcdef", "0123456789abcdef"},
@@ -53,6 +57,7 @@ TEST_F(Status_writers, Cut_a_text_that_is_too_long_and_tell_texts_apart_by_what_
         EXPECT_FALSE(holds(place, "other"));
         Text<std::uint64_t, 16> const copy{{own(place.words[0]), own(place.words[1])}};
         EXPECT_EQ(text_of(copy), left);
+        EXPECT_EQ(own(words.behind), 0U);
     }
 }
 

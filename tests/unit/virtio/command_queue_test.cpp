@@ -1,5 +1,6 @@
 // What the queue holds, and what is told of it, in any order of keys, commands and consumption, against a model.
 
+#include "status/page_writer.h"
 #include "virtio_fixture.h"
 
 #include <array>
@@ -89,6 +90,19 @@ TEST_F(Command_queue, Keeps_many_in_their_order) {
     }
 
     EXPECT_EQ(take_all(), expected);
+}
+
+TEST_F(Virtio_fixture, Tells_the_status_page_of_its_devices_and_of_keys_that_it_drops) {
+    auto const page = std::make_unique<status::Page>();
+    status::set_page(page.get());
+    system.add_device("event0");
+    EXPECT_TRUE(sut->init("/dev/input"));
+    EXPECT_EQ(page->driver.devices, 1U);
+    sut->add_command(Virtio_command::run);
+    EXPECT_EQ(page->driver.keys_dropped, 0U);
+    sut->add_command(Virtio_command::run);
+    EXPECT_EQ(page->driver.keys_dropped, 1U);
+    status::set_page(nullptr);
 }
 
 }  // namespace
