@@ -139,7 +139,8 @@ void add_check_config_command(CLI::App& program, Action& chosen) {
     command->add_option("--host", options->host, "Name of the machine that is to read it");
     command->add_option("--unit", options->unit,
                         "Unit of the daemon: its file, or its name on this machine; the shipped one otherwise");
-    command->add_option("--limit", options->limit_seconds, "Seconds that a suspend may take")->check(seconds_from(0));
+    command->add_option("--limit", options->limit_seconds, "Seconds that a suspend may take")
+        ->check(seconds_from(0.001));
     command->add_flag("--json", options->as_json, "Print one JSON object");
     command->add_flag("--schema", options->prints_schema, "Print the JSON schema of a configuration instead");
     command->callback([options, &chosen] { chosen = [options] { return check_configuration(*options); }; });

@@ -10,6 +10,9 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <stdexcept>
+
+#include <pwd.h>
 
 namespace statectl {
 
@@ -54,14 +57,33 @@ void add_row(Table& table, std::vector<std::string> cells, Name<Number> const* n
 /// Which user each name belongs to, as a file tells: "NAME USER" a line.
 using Owners = std::map<std::string, std::string>;
 
+// By name, or by number where a machine has no name for it.
+bool is_user(std::string const& word) {
+    return ::getpwnam(word.c_str()) != nullptr || word.find_first_not_of("0123456789") == std::string::npos;
+}
+
 Owners owners_in(std::string const& path) {
     Owners owners;
     std::ifstream file(path);
+    std::size_t number = 0;
     for (std::string line; std::getline(file, line);) {
-        auto const space = line.find_last_of(" \t");
-        if (!line.empty() && line[0] != '#' && space != std::string::npos) {
-            owners[line.substr(0, line.find_last_not_of(" \t", space) + 1)] = line.substr(space + 1);
+        ++number;
+        if (line.empty() || line[0] == '#') {
+            continue;
         }
+        auto const wrong = [&](std::string const& what) {
+            return std::runtime_error(path + ": line " + std::to_string(number) + what);
+        };
+        auto const space = line.find_last_of(" \t");
+        auto const name = space == std::string::npos ? "" : line.substr(0, line.find_last_not_of(" \t", space) + 1);
+        auto const user = line.substr(space + 1);
+        if (name.empty() || user.empty()) {
+            throw wrong(" is not \"NAME USER\"");
+        }
+        if (!is_user(user)) {
+            throw wrong(": there is no user " + quoted(user));
+        }
+        owners[name] = user;
     }
     return owners;
 }

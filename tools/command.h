@@ -2,6 +2,8 @@
 #define TOOLS_COMMAND_H
 
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -30,6 +32,9 @@ constexpr int k_usage = 2;    ///< wrong words on the command line
 
 /// Adds all subcommands to the program. The one that the command line names sets `chosen`.
 void add_commands(CLI::App& program, Action& chosen);
+
+/// Which of the words stands where a subcommand has to and is none, in a sentence; empty when there is no such word.
+std::string unknown_subcommand(CLI::App const& program, std::vector<std::string> const& words);
 
 }  // namespace statectl
 

@@ -22,11 +22,6 @@ void print_completions(CLI::App const& program, std::vector<std::string> const& 
     }
 }
 
-bool is_unknown(CLI::App const& program, std::string const& word) {
-    auto const known = program.get_subcommands([&](CLI::App const* command) { return command->get_name() == word; });
-    return word.rfind('-', 0) != 0 && known.empty();
-}
-
 int act(int argc, char** argv) {
     CLI::App program("Looks at and takes part in the power life of this machine", "ap_statectl");
     program.set_version_flag("--version", "ap_statectl " STATECTL_VERSION);
@@ -37,8 +32,8 @@ int act(int argc, char** argv) {
         print_completions(program, {argv + 2, argv + argc});
         return statectl::k_success;
     }
-    if (argc > 1 && is_unknown(program, argv[1])) {
-        std::fprintf(stderr, "\"%s\" is no subcommand\nRun with --help for more information.\n", argv[1]);
+    if (auto const unknown = statectl::unknown_subcommand(program, {argv + 1, argv + argc}); !unknown.empty()) {
+        std::fprintf(stderr, "%s\nRun with --help for more information.\n", unknown.c_str());
         return statectl::k_usage;
     }
     try {

@@ -1,4 +1,5 @@
 #include "tools/commands.h"
+#include "tools/page/words.h"
 #include "tools/service_call.h"
 #include "ximo/ap/statemanager/dsa_interface_proxy.h"
 
@@ -18,8 +19,7 @@ struct Restart_options : Call_options {
 
 int restart(Restart_options const& options) {
     return call<ximo::ap::statemanager::proxy::DSAInterfaceProxy>(
-        options, "Restart of type " + std::to_string(options.type) + " requested",
-        [&](auto& proxy) { return proxy.RequestRestart(options.type); });
+        options, restart_request_text(options.type), [&](auto& proxy) { return proxy.RequestRestart(options.type); });
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <thread>
+#include <vector>
 
 namespace statectl {
 
@@ -149,8 +150,14 @@ int wait(Wait_options const& options) {
     }
 }
 
-std::string known_state(std::string const& word) {
-    return state_named(word) ? "" : "no state is called " + quoted(word);
+// As one word each, for a shell.
+std::vector<std::string> states() {
+    std::vector<std::string> words;
+    for (Number state = 0; state < k_states; ++state) {
+        words.push_back(state_word(state));
+        std::replace(words.back().begin(), words.back().end(), ' ', '-');
+    }
+    return words;
 }
 
 }  // namespace
@@ -159,7 +166,7 @@ void add_wait_command(CLI::App& program, Action& chosen) {
     auto const options = std::make_shared<Wait_options>();
     auto* const command = program.add_subcommand("wait", "Wait until the machine has a state, or something happens");
     auto* const state = command->add_option("STATE", options->state, "The state, as status tells it")
-                            ->check(CLI::Validator(known_state, "STATE"));
+                            ->check(CLI::IsMember(states(), plain));
     auto* const event = command->add_option("--event", options->event, "What is to happen")
                             ->check(CLI::IsMember(event_words()))
                             ->excludes(state);

@@ -242,7 +242,7 @@ void add_words(Snapshot const& page, Reasons& troubles) {
     if (driver.word_failed == static_cast<Number>(status::Word_fate::no_file)) {
         troubles.push_back({"word-failed",
                             "the hypervisor hears no word: its control file could not be opened at the "
-                            "start, and is tried again by the next one"});
+                            "start, and is tried again by the daemon's next start"});
     } else if (driver.word_failed != 0) {
         troubles.push_back(
             {"word-failed", "the state word \"" + shown(text_of(driver.word)) + "\" could not be written"});

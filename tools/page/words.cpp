@@ -132,6 +132,15 @@ std::string restart_word(Number type) {
     return std::string(k_words.at(type < k_words.size() ? type : 0));
 }
 
+std::string restart_request_text(Number type) {
+    constexpr Number k_machine = 1;
+    constexpr Number k_co_processor = 5;
+    return "Restart of type " + std::to_string(type) + " requested" +
+           (type == k_machine || type == k_co_processor
+                ? ""
+                : ", of which nothing comes but a line in the state manager's log");
+}
+
 status::Name<Number> const* record_of(Snapshot const& page, status::Client<Number> const& client) {
     auto const found = std::find_if(page.names.begin(), page.names.end(), [&](auto const& name) {
         return name.digest == client.name_digest && name.name.words == client.name.words;

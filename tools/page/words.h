@@ -26,6 +26,9 @@ std::string digest_text(Number digest);
 /// What a restart request of this type restarts.
 std::string restart_word(Number type);
 
+/// What to say to him who has asked for it.
+std::string restart_request_text(Number type);
+
 /// The record of the client's name; null when it had no room.
 status::Name<Number> const* record_of(Snapshot const& page, status::Client<Number> const& client);
 

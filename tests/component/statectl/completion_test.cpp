@@ -23,6 +23,12 @@ TEST(Completion, In_bash_offers_the_options_of_a_subcommand) {
     EXPECT_EQ(offered("client --s", "2"), "--state\n--status\n--silent\n--socket\n");
 }
 
+TEST(Completion, In_bash_offers_states_events_and_kinds) {
+    EXPECT_EQ(offered("wait NM", "2"), "NM-Controlled\n");
+    EXPECT_EQ(offered("wait --event client-l", "3"), "client-left\nclient-late\n");
+    EXPECT_EQ(offered("hold c", "2"), "com-alive\ncwu\n");
+}
+
 TEST(Completion, In_bash_leaves_values_alone) {
     EXPECT_EQ(offered("client --name ''", "3"), "\n");
 }

@@ -1,12 +1,15 @@
 #include "command_line.h"
+#include "status/page_file.h"
 #include "support/temporary_directory.h"
 #include "tools/client_report.h"
+#include "tools/page/words.h"
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -107,9 +110,71 @@ TEST_F(Commands, Of_a_client_take_numbers_in_their_range) {
 TEST_F(Commands, Take_seconds_that_a_clock_can_count) {
     for (auto const* const words : {"wait Running --for ", "check-config file --limit "}) {
         EXPECT_TRUE(accepts(words + std::string("0.5"))) << words;
-        for (auto const* const none : {"nan", "inf", "1e300", "-1", "soon"}) {
+        for (auto const* const none : {"nan", "inf", "1e300", "-1", "0", "soon"}) {
             EXPECT_FALSE(accepts(words + std::string(none))) << words << none;
         }
+    }
+}
+
+TEST_F(Commands, Say_which_word_is_none_and_which_are_known) {
+    struct {
+        std::vector<std::string> words;
+        char const* said;
+    } const rows[]{
+        {{"hold", "nonsense", "1", "--", "true"},
+         "\"nonsense\" is no subcommand of hold: ecu-alive, com-alive and cwu are"},
+        {{"ecu-alive", "keep", "1"}, "\"keep\" is no subcommand of ecu-alive: request and release are"},
+        {{"nonsense"}, "\"nonsense\" is no subcommand"},
+        {{"on\x1b[7m"}, "\"on?[7m\" is no subcommand"},
+        {{"hold", "cwu", "nonsense", "--", "true"}, ""},
+        {{"status", "nonsense"}, ""},  // CLI11 says so
+        {{"hold", "--help"}, ""},
+        {{"--help"}, ""},
+        {{"hold"}, ""},
+        {{}, ""},
+    };
+    for (auto const& row : rows) {
+        EXPECT_EQ(unknown_subcommand(program, row.words), row.said);
+    }
+}
+
+TEST_F(Commands, Of_a_restart_say_what_comes_of_it) {
+    std::string const nothing = ", of which nothing comes but a line in the state manager's log";
+    EXPECT_EQ(restart_request_text(1), "Restart of type 1 requested");
+    EXPECT_EQ(restart_request_text(5), "Restart of type 5 requested");
+    for (auto const type : {0, 2, 3, 4, 6, 9, 255}) {
+        EXPECT_EQ(restart_request_text(static_cast<Number>(type)),
+                  "Restart of type " + std::to_string(type) + " requested" + nothing);
+    }
+}
+
+TEST_F(Commands, Of_clients_say_which_lines_about_owners_are_none) {
+    test_support::Temporary_directory const directory;
+    std::string const page = directory.file("page");
+    status::Page_file const file(page, {"/nowhere.json", 100, 3, true});
+    struct {
+        char const* lines;
+        char const* said;
+    } const rows[]{
+        {"# name user\n\nradio root\ncar radio\tnobody\nmap 4294967\n", ""},
+        {"radio root\nradio\n", ": line 2 is not \"NAME USER\""},
+        {"radio root \n", ": line 1 is not \"NAME USER\""},
+        {" root\n", ": line 1 is not \"NAME USER\""},
+        {"radio no-such\x1b\n", ": line 1: there is no user \"no-such?\""},
+        {"radio 12x\n", ": line 1: there is no user \"12x\""},
+    };
+    for (auto const& row : rows) {
+        std::string const owners = directory.write("owners", row.lines);
+        ASSERT_TRUE(accepts("clients --page " + page + " --owners " + owners));
+        testing::internal::CaptureStdout();
+        std::string said;
+        try {
+            EXPECT_EQ(chosen(), k_success);
+        } catch (std::runtime_error const& error) {
+            said = error.what();
+        }
+        testing::internal::GetCapturedStdout();
+        EXPECT_EQ(said, row.said == std::string() ? "" : owners + row.said) << row.lines;
     }
 }
 

@@ -224,7 +224,7 @@ TEST(Troubles, Are_told_each_by_its_sentence) {
              {"word-failed", [](Snapshot& page) { page.driver.word_failed = 1; }, "could not be written"},
              {"word-failed",
               [](Snapshot& page) { page.driver.word_failed = static_cast<Number>(status::Word_fate::no_file); },
-              "could not be opened at the start"},
+              "could not be opened at the start, and is tried again by the daemon's next start"},
              {"machine-state-failed", [](Snapshot& page) { page.driver.machine_state_failed = 1; }, "did not set"},
              {"calls-failed",
               [](Snapshot& page) {
