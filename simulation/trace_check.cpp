@@ -39,15 +39,18 @@ std::vector<std::size_t> concurrent_before(Trace_life const& trace, std::size_t 
 }
 
 /// Whether it is about what calls for the ECU released that came at once: each sees what the last of them wants, and a
-/// trace doesn't tell when each of them had the mutex.
+/// trace doesn't tell when each of them had the mutex. A call has it within some cycles and a second of its line.
 bool is_of_calls_at_once(Trace_life const& trace, Outcome_of_walk const& outcome) {
     constexpr int k_cycles = 3;
+    constexpr std::uint32_t k_second = 10'000;  // ticks of a trace
     if (outcome.verdict.text.find("State_manager::ecu_alive_release network") == std::string::npos) {
         return false;
     }
+    auto place = std::min(outcome.place + 1, trace.size());
+    auto const now = trace[place - 1].ticks.value_or(0);
     std::set<std::string> callers;
     int cycles = 0;
-    for (auto place = std::min(outcome.place + 1, trace.size()); place > 0 && cycles < k_cycles; --place) {
+    for (; place > 0 && (cycles < k_cycles || now - trace[place - 1].ticks.value_or(0) < k_second); --place) {
         auto const& message = trace[place - 1];
         cycles += begins_wait(message) ? 1 : 0;
         if (family_of(text_of(message)) == Family::ecu) {

@@ -7,20 +7,14 @@
 #include <atomic>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <thread>
 
 namespace bench::vehicle {
 namespace {
 
 class Everything : public Network_story {
-    // In which order calls of three applications at once are taken, the log does not tell: this trace is held by
-    // nobody.
-    std::ostringstream unjudged_trace_;
-
  protected:
     Everything() {
-        options.trace = &unjudged_trace_;
         for (auto const* instance : {"1", "1", "2"}) {
             callers.push_back(std::make_unique<Player>(
                 std::vector<std::string>{VEHICLE_BUILD "/bench/application/bench_application", instance}));

@@ -94,6 +94,32 @@ TEST(A_kept_trace, Calls_for_the_ecu_may_be_told_in_the_middle_of_another_call) 
     EXPECT_EQ(verdict.kind, Trace_verdict::Kind::agrees) << verdict.text;
 }
 
+/// What calls for the ECU released although "2" keeps it alive, right after the transition of that number into Post
+/// Run, and another application's call before it.
+Trace_life with_a_release_that_nobody_explains(Trace_life life, int transition) {
+    auto place = life.begin();
+    for (; transition > 0; ++place) {
+        bool const is_it = says(*place, "AP_StateManger transition from") && place->arguments.back() == "Post Run";
+        transition -= is_it ? 1 : 0;
+    }
+    auto call = *std::find_if(life.begin(), life.end(), [](dlt::Message const& message) {
+        return says(message, "State_manager::ecu_alive_request: ");
+    });
+    call.arguments[1] = "1";
+    call.ticks = place->ticks;
+    auto release = call;
+    release.arguments = {"State_manager::ecu_alive_release network"};
+    life.insert(place, {call, release});
+    return life;
+}
+
+// Which of two calls had the mutex first no trace tells, within a second: "2" called 0.74 s before the first.
+TEST(A_kept_trace, What_calls_at_once_released_is_not_judged_and_what_one_call_did_is) {
+    auto const life = kept_lives().front();
+    EXPECT_EQ(verdict_on(with_a_release_that_nobody_explains(life, 1)).kind, Trace_verdict::Kind::undecidable);
+    EXPECT_EQ(verdict_on(with_a_release_that_nobody_explains(life, 2)).kind, Trace_verdict::Kind::disagrees);
+}
+
 TEST(A_kept_trace, Other_bits_of_the_network_are_found) {
     auto life = kept_lives().front();
     auto const place = place_of(life, "State_manager::set_user_data(", ")");
