@@ -72,7 +72,7 @@ Owners owners_in(std::string const& path) {
             continue;
         }
         auto const wrong = [&](std::string const& what) {
-            return std::runtime_error(path + ": line " + std::to_string(number) + what);
+            return std::runtime_error(std::string(path).append(": line ").append(std::to_string(number)).append(what));
         };
         auto const space = line.find_last_of(" \t");
         auto const name = space == std::string::npos ? "" : line.substr(0, line.find_last_not_of(" \t", space) + 1);

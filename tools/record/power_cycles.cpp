@@ -24,7 +24,7 @@ using status::State;
 class Teller {
  public:
     explicit Teller(Recorded_life const& life) : recorded_(life) {
-        begin_cycle(life.from, life.state, is(life.state, State::starting_up) ? "start" : "");
+        begin_cycle(life.from, life.asleep.value_or(0), life.state, is(life.state, State::starting_up) ? "start" : "");
         cycle_.told.has_start = life.from == life.identity.started;
         for (auto const& hold : life.held) {
             hold_taken(hold.hold, hold.name, life.from);
@@ -78,13 +78,14 @@ class Teller {
  private:
     trace::Life& told() { return cycle_.told; }
 
-    void begin_cycle(Number at, Number state, std::string const& cause) {
+    void begin_cycle(Number at, Number asleep, Number state, std::string const& cause) {
         cycle_ = {};
         cycle_.life = recorded_.identity.number;
         cycle_.boot = recorded_.identity.boot;
         told().process = static_cast<std::uint32_t>(recorded_.identity.pid);
         told().begin = seconds(at);
         begin_ = at;
+        begin_asleep_ = asleep;
         last_at_ = at;
         last_real_ =
             recorded_.last_real - std::min(recorded_.last_real, recorded_.last_at - std::min(recorded_.last_at, at));
@@ -100,7 +101,7 @@ class Teller {
         cycle_.ending = how;
         told().end = seconds(at);
         auto const age = last_at_ - std::min(last_at_, begin_);
-        told().stored_us = static_cast<std::int64_t>((last_real_ - std::min(last_real_, age)) / 1'000);
+        told().stored_us = static_cast<std::int64_t>((last_real_ - std::min(last_real_, age) + begin_asleep_) / 1'000);
         told().ending = ending_text(how, cycle_.state);
         told().is_orderly = is_orderly(how);
         cycles_.push_back(std::move(cycle_));
@@ -114,7 +115,7 @@ class Teller {
         if (is_resume) {
             auto const held = std::exchange(held_, {});
             end_cycle(event.at, is(from, State::preparing) ? ending::resumed : ending::suspended, false);
-            begin_cycle(event.at, to, cause);
+            begin_cycle(event.at, event.asleep, to, cause);
             last_real_ = event.real;
             for (auto const& [hold, place] : held) {
                 hold_taken(hold.first, hold.second, event.at);
@@ -155,7 +156,8 @@ class Teller {
     Recorded_life const& recorded_;
     Power_cycle cycle_;
     Number begin_{0};
-    Number last_at_{0};  // the newest moment of the cycle of which both clocks are known
+    Number begin_asleep_{0};  // since the boot
+    Number last_at_{0};       // the newest moment of the cycle of which both clocks are known
     Number last_real_{0};
     std::map<std::pair<Number, std::string>, std::size_t> held_;  // places in the cycle's holds
     std::vector<Power_cycle> cycles_;

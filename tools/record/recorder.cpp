@@ -59,38 +59,51 @@ Number lives_between(Identity const& before, Identity const& after) {
     return before.boot == after.boot && after.number > before.number ? after.number - before.number - 1 : 0;
 }
 
-// The beginning of what is told of a life: from that moment on, when it had this state and that much was counted.
-std::string life_line(Snapshot const& page, Counts const& counts, Number from, Number state) {
-    return text({{"line", "life"},
-                 {"version", 1},
-                 {"boot", text_of(page.life.boot)},
-                 {"life", page.life.number},
-                 {"pid", page.life.pid},
-                 {"started", page.life.started},
-                 {"started_real", page.life.started_real},
-                 {"program", text_of(page.life.program)},
-                 {"configuration", text_of(page.life.configuration)},
-                 {"from", from},
-                 {"state", state},
-                 {"counted", counts},
-                 {"held", held_json(page, from)}});
+// Another boot's sleeps are none of this one.
+std::optional<Number> asleep_at(Snapshot const& page, Look const& now) {
+    return page.is_foreign ? std::nullopt : now.asleep;
 }
 
-std::string line_from_now(Snapshot const& page, Counts const& counts) {
-    return life_line(page, counts, page.now, page.driver.state);
+void add_asleep(json& line, std::optional<Number> const& asleep) {
+    if (asleep) {
+        line["asleep"] = *asleep;
+    }
+}
+
+// The beginning of what is told of a life: from that moment on, when it had this state and that much was counted.
+std::string life_line(Snapshot const& page, Counts const& counts, Number from, Number state, Look const& now) {
+    json line({{"line", "life"},
+               {"version", 1},
+               {"boot", text_of(page.life.boot)},
+               {"life", page.life.number},
+               {"pid", page.life.pid},
+               {"started", page.life.started},
+               {"started_real", page.life.started_real},
+               {"program", text_of(page.life.program)},
+               {"configuration", text_of(page.life.configuration)},
+               {"from", from},
+               {"state", state},
+               {"counted", counts},
+               {"held", held_json(page, from)}});
+    add_asleep(line, asleep_at(page, now));
+    return text(line);
+}
+
+std::string line_from_now(Snapshot const& page, Counts const& counts, Look const& now) {
+    return life_line(page, counts, page.now, page.driver.state, now);
 }
 
 // With all that the page tells of the life.
-std::string line_from_beginning(Snapshot const& page, Counts const& counts, Number events) {
-    if (events <= page.events.size()) {
-        return life_line(page, counts, page.life.started, number(State::starting_up));
+std::string line_from_beginning(Snapshot const& page, Counts const& counts, Look const& now) {
+    if (now.events <= page.events.size()) {
+        return life_line(page, counts, page.life.started, number(State::starting_up), now);
     }
     for (auto const& event : page.events) {
         if (is(event.kind, Event_kind::transition)) {
-            return life_line(page, counts, page.events.front().at, event.numbers[0]);
+            return life_line(page, counts, page.events.front().at, event.numbers[0], now);
         }
     }
-    return line_from_now(page, counts);
+    return line_from_now(page, counts, now);
 }
 
 // Another boot's times are no times of this one.
@@ -108,7 +121,8 @@ Recorder::Recorder(Record_files& files, Records before, Number watchdog)
 
 void Recorder::add(char const* line, std::string const& members, Look const& now) {
     files_.add(std::string(R"({"line":")") + line + R"(","at":)" + std::to_string(now.at) + R"(,"real":)" +
-               std::to_string(now.real) + members + '}');
+               std::to_string(now.real) + (now.asleep ? R"(,"asleep":)" + std::to_string(*now.asleep) : "") + members +
+               '}');
 }
 
 void Recorder::look(Snapshot const& page, Look const& now) {
@@ -127,7 +141,7 @@ void Recorder::look(Snapshot const& page, Look const& now) {
     }
     was_alive_ = page.is_alive;
     looked_ = now.at;
-    first_line_ = line_from_now(page, counts_);
+    first_line_ = line_from_now(page, counts_, now);
     files_.write(first_line_, std::exchange(is_urgent_, false));
 }
 
@@ -158,7 +172,7 @@ void Recorder::begin_life(Snapshot const& page, Identity const& identity, Look c
             }
         }
     }
-    first_line_ = taken_ != 0 ? line_from_now(page, counts_) : line_from_beginning(page, counts_, now.events);
+    first_line_ = taken_ != 0 ? line_from_now(page, counts_, now) : line_from_beginning(page, counts_, now);
     if (!is_over_) {
         files_.add(first_line_, true);
     }
@@ -185,12 +199,14 @@ void Recorder::write_new_events(Snapshot const& page, Look const& now) {
         is_urgent_ = is_urgent_ || is(event.kind, Event_kind::ended) ||
                      (is(event.kind, Event_kind::transition) && (event.numbers[1] == number(State::preparing) ||
                                                                  event.numbers[1] == number(State::shutting_down)));
-        files_.add(text({{"line", "event"},
-                         {"at", event.at},
-                         {"real", real_of(page, event.at, now)},
-                         {"event", event_word(event.kind)},
-                         {"numbers", event.numbers},
-                         {"text", what}}));
+        json line({{"line", "event"},
+                   {"at", event.at},
+                   {"real", real_of(page, event.at, now)},
+                   {"event", event_word(event.kind)},
+                   {"numbers", event.numbers},
+                   {"text", what}});
+        add_asleep(line, asleep_at(page, now));
+        files_.add(text(line));
     }
     seen_ = std::move(on_page);
 }
@@ -214,7 +230,7 @@ void Recorder::write_new_counts(Snapshot const& page, Look const& now) {
         return;
     }
     auto const at = counted_at(page);
-    add("counted", R"(,"counts":)" + text(counts), {at, real_of(page, at, now), 0});
+    add("counted", R"(,"counts":)" + text(counts), {at, real_of(page, at, now), 0, asleep_at(page, now)});
     counts_ = counts;
     told_counts_ = now.at;
     taken_ += restarts;
@@ -235,7 +251,7 @@ void Recorder::tell_missed(Look const& now) {
 // Without a sleep, the clock goes as far as the monotonic one. At a life's first look, and where the clock was set, the
 // line is what the life is dated by should nothing follow.
 void Recorder::tell_alive(Look const& now) {
-    auto const begin = static_cast<std::int64_t>(now.real - now.at - now.asleep);
+    auto const begin = static_cast<std::int64_t>(now.real - now.at - now.asleep.value_or(0));
     auto const set_by = begin - clock_begin_.value_or(begin);
     clock_begin_ = begin;
     bool const is_set = set_by > k_told_setting || set_by < -k_told_setting;
@@ -249,7 +265,7 @@ void Recorder::tell_end(Snapshot const& page, Look const& now) {
     bool const is_watched = was_alive_ && now.at - looked_ < watchdog_;
     auto const silent = page.driver.ended == 0 ? page.silent : 0;
     add("end", std::string(R"(,"how":")") + end_of(page, is_watched) + R"(","silent":)" + std::to_string(silent),
-        {page.now, real_of(page, page.now, now), 0});
+        {page.now, real_of(page, page.now, now), 0, asleep_at(page, now)});
     is_over_ = is_urgent_ = true;
 }
 

@@ -19,7 +19,7 @@ struct Look {
     Number at;
     Number real;
     Number events;
-    Number asleep{0};
+    std::optional<Number> asleep{};  ///< nothing where nobody knows
 };
 
 /// Follows the status page of one life after the other, on one thread, and hands what is new to the files.

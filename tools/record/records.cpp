@@ -28,6 +28,16 @@ Number number_in(json const& object, char const* name) {
     return found != object.end() && found->is_number_unsigned() ? found->get<Number>() : 0;
 }
 
+Number asleep_in(Recorded_life const& life, json const& object) {
+    return life.asleep ? number_in(object, "asleep") : 0;
+}
+
+// Without sleeps, the clock goes as the monotonic one does.
+Number real_in(Recorded_life const& life, json const& object) {
+    auto const real = number_in(object, "real");
+    return real - std::min(real, asleep_in(life, object));
+}
+
 // Names are bytes of somebody's choice, and are shown in terminals.
 std::string text_in(json const& object, char const* name) {
     auto const found = object.find(name);
@@ -73,7 +83,7 @@ Counts counts_in(json const& object, char const* name) {
 }
 
 void add_counts(Recorded_life& life, json const& object) {
-    Recorded_count counted{number_in(object, "at"), number_in(object, "real"), counts_in(object, "counts")};
+    Recorded_count counted{number_in(object, "at"), real_in(life, object), counts_in(object, "counts")};
     for (std::size_t i = 0; i < counted.more.size(); ++i) {
         auto const count = std::max(life.counts[i], counted.more[i]);
         counted.more[i] = count - std::exchange(life.counts[i], count);
@@ -99,8 +109,12 @@ void add_life(Records& records, json const& object) {
     life.state = number_in(object, "state");
     life.held = holds_in(object);
     life.counts = counts_in(object, "counted");
+    if (object.contains("asleep")) {
+        life.asleep = number_in(object, "asleep");
+    }
     life.last_at = life.from;
-    life.last_real = life.started_real + (std::max(life.from, life.identity.started) - life.identity.started);
+    life.last_real = life.started_real - std::min(life.started_real, asleep_in(life, object)) +
+                     (std::max(life.from, life.identity.started) - life.identity.started);
     records.lives.push_back(std::move(life));
 }
 
@@ -108,7 +122,8 @@ void add_event(Recorded_life& life, json const& object) {
     Recorded_event event;
     event.kind = kind_named(text_in(object, "event")).value_or(0);
     event.at = number_in(object, "at");
-    event.real = number_in(object, "real");
+    event.real = real_in(life, object);
+    event.asleep = asleep_in(life, object);
     event.text = text_in(object, "text");
     auto const numbers = object.find("numbers");
     if (numbers != object.end() && numbers->is_array()) {
@@ -145,7 +160,7 @@ bool is_added(Recorded_life& life, std::string const& line, json const& object) 
     }
     if (auto const at = number_in(object, "at"); at >= life.last_at) {
         life.last_at = at;
-        life.last_real = number_in(object, "real");
+        life.last_real = real_in(life, object);
     }
     return true;
 }

@@ -63,7 +63,8 @@ struct Identity {
 struct Recorded_event {
     Number kind{0};  ///< status::Event_kind
     Number at{0};
-    Number real{0};
+    Number real{0};    ///< as all below: less what the machine had slept since its boot, where the life says so
+    Number asleep{0};  ///< that
     std::array<Number, 3> numbers{};
     std::string text;
 };
@@ -94,8 +95,9 @@ struct Recorded_life {
     Identity identity;
     Number started_real{0};
     std::string program;
-    Number from{0};   ///< what was before is not told any more
-    Number state{0};  ///< then
+    Number from{0};                ///< what was before is not told any more
+    Number state{0};               ///< then
+    std::optional<Number> asleep;  ///< what the machine had slept since its boot then, where it was recorded
     std::vector<Recorded_hold> held;
     std::vector<Recorded_event> events;  ///< in the order of their times
     std::vector<Recorded_count> counted;

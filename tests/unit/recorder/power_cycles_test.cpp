@@ -94,6 +94,37 @@ TEST(Power_cycles, Begin_by_the_clock_as_it_was_right_later) {
     EXPECT_EQ(cycles[0].told.end - cycles[0].told.begin, 5.0);
 }
 
+TEST(Power_cycles, Begin_when_they_did_also_where_the_machine_slept_in_its_suspends) {
+    struct {
+        char const* name;
+        char const* of_life;               // as its line has it
+        std::vector<std::int64_t> begins;  // seconds of real time
+    } const rows[]{
+        {"as it is recorded", R"(,"asleep":100000000000)", {101, 3'705, 5'509}},
+        {"as it was", "", {3'701, 5'505, 5'509}},
+    };
+    auto const at = [](Number second, char const* numbers, Number asleep) {
+        auto line = event_line("transition", second * k_second, numbers);
+        auto const real = line.find("\"real\":") + 7;
+        line.replace(real, line.find(',', real) - real, std::to_string((second + 101 + asleep) * k_second));
+        return line.insert(line.size() - 1, R"(,"asleep":)" + std::to_string((100 + asleep) * k_second));
+    };
+    for (auto const& row : rows) {
+        auto life = life_line("a", 1);
+        life.insert(life.size() - 1, row.of_life);
+        auto const cycles =
+            power_cycles(records_of({life, at(1, "0,1,1", 0), at(2, "1,5,3", 0), at(3, "5,6,3", 0),
+                                     at(4, "6,7,1", 3'600), at(5, "7,1,3", 3'600), at(6, "1,5,3", 3'600),
+                                     at(7, "5,6,3", 3'600), at(8, "6,7,1", 5'400), at(9, "7,1,3", 5'400)}),
+                         {"b", {}});
+        std::vector<std::int64_t> begins;
+        for (auto const& cycle : cycles) {
+            begins.push_back(cycle.told.stored_us.value_or(0) / 1'000'000);
+        }
+        EXPECT_EQ(begins, row.begins) << row.name;
+    }
+}
+
 TEST(Power_cycles, Tell_that_the_watchdog_was_told_nothing_any_more) {
     auto const cycles = power_cycles(records_of({life_line("a", 1), transition(1, "0,1,1"),
                                                  event_line("supervision-stopped", 2 * k_second, "0,0,0")}),

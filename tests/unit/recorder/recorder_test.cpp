@@ -396,6 +396,43 @@ TEST_F(Following, Tells_a_clock_that_is_set_and_dates_the_power_cycle_by_it) {
     }
 }
 
+TEST_F(Following, Dates_each_power_cycle_by_the_clock_although_the_machine_has_slept) {
+    constexpr Number k_real = 1'700'000'000 * k_second;  // less what it goes on while the machine is awake
+    Number asleep = 50 * k_second;
+    auto const begin = page->life.started.load();
+    auto const look_now = [&] {
+        auto snapshot = snapshot_of(*page, 3);
+        snapshot.is_alive = true;
+        auto const now = status::now();
+        recorder->look(snapshot, {now, k_real + now + asleep, page->events.load(), asleep});
+    };
+    std::vector<std::int64_t> real{static_cast<std::int64_t>((k_real + begin + asleep) / k_second)};
+    look_now();
+    run();
+    look_now();
+    for (Number const sleep : {3'600, 1'800}) {
+        status::transition(1, 5, 3);
+        look_now();
+        status::transition(5, 6, 3);
+        asleep += sleep * k_second;  // before somebody looks
+        look_now();
+        status::transition(6, 7, 1);
+        look_now();
+        real.push_back(static_cast<std::int64_t>((k_real + status::now() + asleep) / k_second));
+        status::transition(7, 1, 3);
+        restart();
+        look_now();
+    }
+    std::vector<std::int64_t> told;
+    for (auto const& cycle : power_cycles(records(), {"b", {}})) {
+        told.push_back(cycle.told.stored_us.value_or(0) / 1'000'000);
+    }
+    ASSERT_EQ(told.size(), real.size());
+    for (std::size_t i = 0; i < real.size(); ++i) {
+        EXPECT_NEAR(static_cast<double>(told[i]), static_cast<double>(real[i]), 5) << i;
+    }
+}
+
 TEST_F(Following, Dates_a_life_by_the_clock_of_its_first_look) {
     status::put(page->life.started_real, k_second);
     auto snapshot = snapshot_of(*page, 3);
