@@ -171,6 +171,23 @@ TEST_F(Calls, A_client_that_is_known_to_read_only_after_its_call_was_handled_get
     EXPECT_EQ(replied.get_future().wait_for(k_patience), std::future_status::ready);
 }
 
+// The next offer's reader may be there before the one of the last has gone, and both would handle it.
+TEST_F(Calls, A_request_that_comes_after_the_withdrawal_is_left_to_the_next_offer) {
+    std::promise<void> handled;
+    offer([&handled](auto const* /*request*/, auto const& /*answer*/) { handled.set_value(); });
+    Raw_client client;
+    auto state = std::future_status::deferred;
+    Participant other;
+    Reader const offers(other, {offer_topic(), {}}, offer_quality(), [&](auto const& /*sample*/, auto const& info) {
+        if (info.instance_state == DDS_IST_NOT_ALIVE_DISPOSED) {
+            client.request(1);
+            state = handled.get_future().wait_for(std::chrono::milliseconds(100));
+        }
+    });
+    offer_.reset();
+    EXPECT_EQ(state, std::future_status::timeout);
+}
+
 TEST_F(Calls, The_end_of_an_offer_waits_for_its_handler_and_no_other_begins) {
     std::promise<void> begun;
     std::promise<void> gate;

@@ -135,10 +135,15 @@ TEST_F(Keeping_awake, Requests_when_the_service_comes_and_again_with_each_new_of
 TEST_F(Keeping_awake, Lets_who_waits_go_on_as_soon_as_it_is_held) {
     Keep_awake sut("app", Ecu_alive());
     Alive service("app", calls);
-    for (int i = 0; i < 20; ++i) {  // a wait that begins too late finds it held
-        auto waiting = std::async(std::launch::async, [&sut] { return sut.await(2 * k_patience); });
+    for (int round = 0; round < 20; ++round) {  // who begins to wait too late finds it held, which tells nothing
+        std::promise<void> begins;
+        auto waiting = std::async(std::launch::async, [&] {
+            begins.set_value();
+            return sut.await(k_patience);
+        });
+        begins.get_future().wait();
         service.OfferService();
-        ASSERT_EQ(waiting.wait_for(k_patience), std::future_status::ready);
+        ASSERT_EQ(waiting.wait_for(k_patience / 2), std::future_status::ready);
         EXPECT_TRUE(waiting.get());
         service.StopOfferService();
     }

@@ -111,8 +111,9 @@ std::optional<Clock::time_point> Served_instance::expire(Clock::time_point /*now
     return std::nullopt;
 }
 
+// What comes after the withdrawal is the next offer's, whose reader may be there before this one has gone.
 void Served_instance::received(Sample sample, dds_sample_info_t const& info) {
-    if (!info.valid_data) {
+    if (!info.valid_data || !claimed_) {
         return;
     }
     auto const waiting = waiting_.fetch_add(1);
