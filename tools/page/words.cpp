@@ -177,35 +177,57 @@ std::vector<std::string> event_words() {
     return {k_events.begin() + 1, k_events.end()};
 }
 
-std::string cause_text(Number state, Number row) {
-    static auto const& texts = *new std::map<std::pair<Number, Number>, std::string>{
-        {{0, 1}, "network management is not used"},
-        {{0, 2}, "the network manager's services were found"},
-        {{1, 1}, "command \"NmControlled\""},
-        {{1, 2}, "command \"NMControlledPrepareSD\""},
-        {{1, 3}, "command \"PrepareSD\""},
-        {{1, 4}, "command \"Shutdown\""},
-        {{2, 1}, "command \"Run\""},
-        {{2, 2}, "the network was asleep, and applications kept the ECU alive"},
-        {{2, 3}, "command \"Shutdown\""},
-        {{2, 4}, "the network was asleep, and nobody kept the ECU alive"},
-        {{2, 5}, "command \"PrepareSD\""},
-        {{2, 6}, "the network was asleep, and nobody kept the ECU alive"},
-        {{3, 1}, "applications kept communication alive"},
-        {{3, 2}, "command \"Shutdown\""},
-        {{3, 3}, "nobody kept the ECU alive, or the knock-out time was over"},
-        {{3, 4}, "command \"Run\""},
-        {{3, 5}, "command \"PrepareSD\""},
-        {{3, 6}, "nobody kept the ECU alive, or the knock-out time was over"},
-        {{5, 1}, "command \"Run\""},
-        {{5, 3}, "all clients had answered or had their time"},
-        {{6, 1}, "command \"Run\""},
-        {{6, 2}, "command \"Shutdown\""},
-        {{7, 1}, "command \"Shutdown\""},
-        {{7, 3}, "all clients had answered or had their time"},
+std::string cause_text(Number state, Number row, std::optional<std::string> const& who) {
+    /// What is said where nobody knows who did it, where it was nobody, and where it was @; null as the first one.
+    struct Cause {
+        char const* text;
+        char const* by_nobody;
+        char const* by_somebody;
     };
-    auto const found = texts.find({state, row});
-    return found == texts.end() ? "" : found->second;
+    constexpr Cause k_asleep{"the network was asleep, and nobody kept the ECU alive", nullptr, nullptr};
+    constexpr Cause k_ecu{"nobody kept the ECU alive, or the knock-out time was over", "nobody kept the ECU alive",
+                          "the knock-out time was over, and @ kept the ECU alive"};
+    constexpr Cause k_answers{"all clients had answered or had their time", "all clients had answered",
+                              "@ did not answer in time"};
+    static auto const& causes = *new std::map<std::pair<Number, Number>, Cause>{
+        {{0, 1}, {"network management is not used", nullptr, nullptr}},
+        {{0, 2}, {"the network manager's services were found", nullptr, nullptr}},
+        {{1, 1}, {"command NmControlled", nullptr, nullptr}},
+        {{1, 2}, {"command NMControlledPrepareSD", nullptr, nullptr}},
+        {{1, 3}, {"command PrepareSD", nullptr, nullptr}},
+        {{1, 4}, {"command Shutdown", nullptr, nullptr}},
+        {{2, 1}, {"command Run", nullptr, nullptr}},
+        {{2, 2},
+         {"the network was asleep, and applications kept the ECU alive", nullptr,
+          "the network was asleep, and @ kept the ECU alive"}},
+        {{2, 3}, {"command Shutdown", nullptr, nullptr}},
+        {{2, 4}, k_asleep},
+        {{2, 5}, {"command PrepareSD", nullptr, nullptr}},
+        {{2, 6}, k_asleep},
+        {{3, 1}, {"applications kept communication alive", nullptr, "@ kept communication alive"}},
+        {{3, 2}, {"command Shutdown", nullptr, nullptr}},
+        {{3, 3}, k_ecu},
+        {{3, 4}, {"command Run", nullptr, nullptr}},
+        {{3, 5}, {"command PrepareSD", nullptr, nullptr}},
+        {{3, 6}, k_ecu},
+        {{5, 1}, {"command Run", nullptr, nullptr}},
+        {{5, 3}, k_answers},
+        {{6, 1}, {"command Run", nullptr, nullptr}},
+        {{6, 2}, {"command Shutdown", nullptr, nullptr}},
+        {{7, 1}, {"command Shutdown", nullptr, nullptr}},
+        {{7, 3}, k_answers},
+    };
+    auto const found = causes.find({state, row});
+    if (found == causes.end()) {
+        return "";
+    }
+    auto const& cause = found->second;
+    auto const* const told = !who ? nullptr : who->empty() ? cause.by_nobody : cause.by_somebody;
+    std::string text = told == nullptr ? cause.text : told;
+    if (auto const place = text.find('@'); place != std::string::npos) {
+        text.replace(place, 1, *who);
+    }
+    return text;
 }
 
 std::string span_text(Number nanoseconds) {

@@ -4,6 +4,7 @@
 #include "tools/page/page_view.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,8 +43,9 @@ Number mean_of(status::Name<Number> const& name);
 std::string event_word(Number kind);
 std::vector<std::string> event_words();
 
-/// Why the state before was left, by the row of its table.
-std::string cause_text(Number state, Number row);
+/// Why the state before was left, by the row of its table. `who` is known to have kept something alive, or to have had
+/// his time; empty where it was nobody.
+std::string cause_text(Number state, Number row, std::optional<std::string> const& who = {});
 
 /// A span, "12.4 s", "3 min 5 s", "2 h 10 min".
 std::string span_text(Number nanoseconds);

@@ -8,10 +8,12 @@
 #include "tools/record/endings.h"
 #include "tools/record/requests.h"
 #include "tools/record/troubles.h"
+#include "tools/trace/cause.h"
 
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace statectl::record {
@@ -19,6 +21,7 @@ namespace statectl::record {
 namespace {
 
 using status::Event_kind;
+using status::Hold;
 using status::State;
 
 class Teller {
@@ -109,7 +112,7 @@ class Teller {
 
     void transition(Recorded_event const& event) {
         auto const [from, to, row] = event.numbers;
-        auto const cause = cause_text(from, row);
+        auto const cause = cause_text(from, row, who(from, row));
         bool const is_resume = is(to, State::resuming) && (is(from, State::prepared_sd) || is(from, State::preparing));
         close_sequence(told(), event.at, to);
         if (is_resume) {
@@ -127,6 +130,33 @@ class Teller {
         if (is(to, State::preparing) || is(to, State::resuming)) {
             open_sequence(told(), event.at, to);
         }
+    }
+
+    // Whom a trace names for the same transition.
+    std::optional<std::string> who(Number from, Number row) {
+        std::vector<std::string> names;
+        if (is(from, State::preparing) || is(from, State::resuming)) {
+            names = late_in(told());
+        } else if (is(from, State::post_run) && row == 1) {
+            names = holders({Hold::com_alive, Hold::car_wake_up});
+        } else {
+            names = holders({Hold::ecu_alive});
+        }
+        return names.empty() ? "" : trace::enumeration(names);
+    }
+
+    // Each once, as they began.
+    std::vector<std::string> holders(std::vector<Hold> const& kinds) {
+        std::vector<std::string> names;
+        for (auto const& hold : told().holds) {
+            bool const counts = !hold.end && std::any_of(kinds.begin(), kinds.end(), [&](Hold kind) {
+                return hold.what == hold_word(static_cast<Number>(kind));
+            });
+            if (counts && std::find(names.begin(), names.end(), hold.who) == names.end()) {
+                names.push_back(hold.who);
+            }
+        }
+        return names;
     }
 
     // The second number says that it is the other way round: nothing was asked for, or not all was given up.

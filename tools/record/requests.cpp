@@ -84,6 +84,20 @@ void close_group(trace::Life& cycle, Number at) {
     }
 }
 
+std::vector<std::string> late_in(trace::Life const& cycle) {
+    std::vector<std::string> names;
+    if (!cycle.sequences.empty()) {
+        for (auto const& group : cycle.sequences.back().groups) {
+            for (auto const& answer : group.answers) {
+                if (answer.status == k_timed_out) {
+                    names.push_back(answer.client);
+                }
+            }
+        }
+    }
+    return names;
+}
+
 void note_request(trace::Life& cycle, Recorded_event const& event) {
     switch (static_cast<Event_kind>(event.kind)) {
         case Event_kind::group_asked:

@@ -4,6 +4,9 @@
 #include "tools/record/records.h"
 #include "tools/trace/life.h"
 
+#include <string>
+#include <vector>
+
 namespace statectl::record {
 
 // What clients were asked for in a power cycle, and how they fared, as its events tell it one after the other.
@@ -16,6 +19,9 @@ void close_sequence(trace::Life& cycle, Number at, Number state);
 
 /// With the end of the cycle.
 void close_group(trace::Life& cycle, Number at);
+
+/// Who has not answered in time in the newest sequence.
+std::vector<std::string> late_in(trace::Life const& cycle);
 
 /// With each other event; those of something else are left alone.
 void note_request(trace::Life& cycle, Recorded_event const& event);

@@ -1,74 +1,64 @@
 #include "tools/trace/cause.h"
 
+#include "tools/page/words.h"
+
 #include <algorithm>
 #include <cctype>
+#include <optional>
 
 namespace statectl::trace {
 
 namespace {
 
-using Sentence = std::string (*)(Situation const& situation);
+using Names = std::vector<std::string> Situation::*;
 
-/// A transition, the commands that lead along it, and what does when none of them has.
+/// A transition, the commands that lead along it, and the row of the state's table that does when none of them has,
+/// with those who are named in it.
 struct Row {
     char const* from;
     char const* to;
     std::vector<std::string> commands;
-    Sentence otherwise;
+    Number number;
+    Names who;
 };
-
-std::string by_network_manager(Situation const& situation) {
-    return situation.uses_network ? "the network manager is found" : "network management is not used";
-}
-
-std::string by_holders_of_the_ecu(Situation const& situation) {
-    return "the network sleeps, " + enumeration(situation.ecu) + " keeps the ECU alive";
-}
-
-std::string by_sleep(Situation const& /*situation*/) {
-    return "the network sleeps, nobody keeps the ECU alive";
-}
-
-std::string by_holders_of_the_network(Situation const& situation) {
-    return enumeration(situation.network) + " keeps communication alive";
-}
-
-std::string by_release(Situation const& situation) {
-    return situation.ecu.empty() ? "nobody keeps the ECU alive"
-                                 : enumeration(situation.ecu) + " kept the ECU alive for too long";
-}
-
-std::string by_answers(Situation const& situation) {
-    return situation.late.empty() ? "all clients have answered"
-                                  : enumeration(situation.late) + " did not answer in time";
-}
-
-std::string by_nothing_seen(Situation const& /*situation*/) {
-    return "a command from before the trace";
-}
 
 std::vector<Row> const& rows() {
     static std::vector<Row> const all{
-        {"Starting up", "Running", {}, by_network_manager},
-        {"Running", "NM Controlled", {"NmControlled", "NMControlledPrepareSD"}, by_nothing_seen},
-        {"Running", "Preparing", {"PrepareSD"}, by_nothing_seen},
-        {"Running", "Shutting down", {"Shutdown"}, by_nothing_seen},
-        {"NM Controlled", "Running", {"Run"}, by_nothing_seen},
-        {"NM Controlled", "Post Run", {}, by_holders_of_the_ecu},
-        {"NM Controlled", "Shutting down", {"Shutdown"}, by_sleep},
-        {"NM Controlled", "Preparing", {"PrepareSD"}, by_sleep},
-        {"Post Run", "NM Controlled", {}, by_holders_of_the_network},
-        {"Post Run", "Shutting down", {"Shutdown"}, by_release},
-        {"Post Run", "Running", {"Run"}, by_nothing_seen},
-        {"Post Run", "Preparing", {"PrepareSD"}, by_release},
-        {"Preparing", "Resuming", {"Run"}, by_nothing_seen},
-        {"Preparing", "PreparedSD", {}, by_answers},
-        {"PreparedSD", "Resuming", {"Run"}, by_nothing_seen},
-        {"PreparedSD", "Shutting down", {"Shutdown"}, by_nothing_seen},
-        {"Resuming", "Shutting down", {"Shutdown"}, by_nothing_seen},
-        {"Resuming", "Running", {}, by_answers},
+        {"Starting up", "Running", {}, 2, nullptr},
+        {"Running", "NM Controlled", {"NmControlled", "NMControlledPrepareSD"}, 0, nullptr},
+        {"Running", "Preparing", {"PrepareSD"}, 0, nullptr},
+        {"Running", "Shutting down", {"Shutdown"}, 0, nullptr},
+        {"NM Controlled", "Running", {"Run"}, 0, nullptr},
+        {"NM Controlled", "Post Run", {}, 2, &Situation::ecu},
+        {"NM Controlled", "Shutting down", {"Shutdown"}, 4, nullptr},
+        {"NM Controlled", "Preparing", {"PrepareSD"}, 6, nullptr},
+        {"Post Run", "NM Controlled", {}, 1, &Situation::network},
+        {"Post Run", "Shutting down", {"Shutdown"}, 3, &Situation::ecu},
+        {"Post Run", "Running", {"Run"}, 0, nullptr},
+        {"Post Run", "Preparing", {"PrepareSD"}, 6, &Situation::ecu},
+        {"Preparing", "Resuming", {"Run"}, 0, nullptr},
+        {"Preparing", "PreparedSD", {}, 3, &Situation::late},
+        {"PreparedSD", "Resuming", {"Run"}, 0, nullptr},
+        {"PreparedSD", "Shutting down", {"Shutdown"}, 0, nullptr},
+        {"Resuming", "Shutting down", {"Shutdown"}, 0, nullptr},
+        {"Resuming", "Running", {}, 3, &Situation::late},
     };
     return all;
+}
+
+Number number_of(std::string const& state) {
+    Number number = 0;
+    while (state_word(number) != state) {
+        ++number;  // it is one of the table's
+    }
+    return number;
+}
+
+std::optional<std::string> names(Situation const& situation, Names who) {
+    if (who == nullptr) {
+        return std::nullopt;
+    }
+    return (situation.*who).empty() ? "" : enumeration(situation.*who);
 }
 
 }  // namespace
@@ -83,7 +73,11 @@ Cause cause_of(std::string const& from, std::string const& to, Situation const& 
     if (std::find(commands.begin(), commands.end(), situation.command) != commands.end()) {
         return {"command " + situation.command, true};
     }
-    return {row->otherwise(situation), false};
+    if (row->number == 0) {
+        return {"a command from before the trace", false};
+    }
+    bool const is_unused = row->from == std::string("Starting up") && !situation.uses_network;
+    return {cause_text(number_of(from), is_unused ? 1 : row->number, names(situation, row->who)), false};
 }
 
 std::string name_text(std::string const& name) {

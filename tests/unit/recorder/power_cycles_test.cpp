@@ -1,4 +1,6 @@
 #include "lines.h"
+#include "tools/page/words.h"
+#include "tools/trace/cause.h"
 
 #include <gmock/gmock.h>
 
@@ -226,6 +228,69 @@ TEST(Power_cycles, Tell_a_hold_as_one_from_its_first_request_until_nothing_is_le
             holds.emplace_back(hold.begin, hold.end.value_or(0));
         }
         EXPECT_EQ(holds, row.holds) << row.name;
+    }
+}
+
+// Beside the commands, which a trace tells of by their arrival.
+TEST(Power_cycles, Tell_each_cause_in_the_words_of_a_trace) {
+    struct {
+        Number from;
+        Number to;
+        Number row;
+        char const* command;
+        bool uses_network;
+    } const rows[]{
+        {0, 1, 1, "", false},
+        {0, 1, 2, "", true},
+        {1, 2, 1, "NmControlled", true},
+        {1, 2, 2, "NMControlledPrepareSD", true},
+        {1, 5, 3, "PrepareSD", true},
+        {1, 4, 4, "Shutdown", true},
+        {2, 1, 1, "Run", true},
+        {2, 3, 2, "", true},
+        {2, 4, 3, "Shutdown", true},
+        {2, 4, 4, "", true},
+        {2, 5, 5, "PrepareSD", true},
+        {2, 5, 6, "", true},
+        {3, 2, 1, "", true},
+        {3, 4, 2, "Shutdown", true},
+        {3, 4, 3, "", true},
+        {3, 1, 4, "Run", true},
+        {3, 5, 5, "PrepareSD", true},
+        {3, 5, 6, "", true},
+        {5, 7, 1, "Run", true},
+        {5, 6, 3, "", true},
+        {6, 7, 1, "Run", true},
+        {6, 4, 2, "Shutdown", true},
+        {7, 4, 1, "Shutdown", true},
+        {7, 1, 3, "", true},
+    };
+    auto const s = k_second;
+    for (auto const& row : rows) {
+        for (bool const is_somebody : {false, true}) {
+            auto const from = std::to_string(row.from);
+            std::vector<std::string> lines{life_line("a", 1)};
+            trace::Situation situation{row.command, row.uses_network, {}, {}, {}};
+            if (is_somebody) {
+                lines.insert(lines.end(), {event_line("held", s, "0,0,0", "nav"), event_line("held", s, "0,0,0", "map"),
+                                           event_line("held", s, "1,0,0", "radio"), event_line("held", s, "2,0,0", "2"),
+                                           event_line("held", s, "2,0,0", "radio")});
+                situation = {row.command, row.uses_network, {"nav", "map"}, {"radio", "2"}, {"tuner"}};
+            }
+            lines.push_back(event_line("transition", 2 * s, "1," + from + ",1"));
+            lines.push_back(event_line("group-asked", 3 * s, "2,0,0", "kPrepSD"));
+            lines.push_back(event_line("client-answered", 4 * s, "0,200000000,0", "quick"));
+            if (is_somebody) {
+                lines.push_back(event_line("client-timed-out", 4 * s, "0,0,0", "tuner"));
+            }
+            lines.push_back(
+                event_line("transition", 5 * s, from + ',' + std::to_string(row.to) + ',' + std::to_string(row.row)));
+            auto const cycles = power_cycles(records_of(lines), {"b", {}});
+            EXPECT_EQ(cycles.back().told.stays.back().cause,
+                      trace::cause_of(state_word(row.from), state_word(row.to), situation).text)
+                << from << ' ' << row.row << is_somebody;
+            EXPECT_NE(cycles.back().told.stays.back().cause, "");
+        }
     }
 }
 

@@ -45,10 +45,10 @@ std::vector<std::string> sentences_of(Life const& life) {
 TEST(A_life, Has_states_with_their_causes) {
     auto const story = told(suspend_by_key());
     ASSERT_THAT(story.lives, SizeIs(1));
-    EXPECT_THAT(
-        states_of(story.lives[0]),
-        ElementsAre("Starting up: start", "Running: the network manager is found", "Preparing: command PrepareSD",
-                    "PreparedSD: radio did not answer in time", "Shutting down: command Shutdown"));
+    EXPECT_THAT(states_of(story.lives[0]),
+                ElementsAre("Starting up: start", "Running: the network manager's services were found",
+                            "Preparing: command PrepareSD", "PreparedSD: radio did not answer in time",
+                            "Shutting down: command Shutdown"));
     EXPECT_EQ(story.lives[0].ending, "was powered off the fast way");
     EXPECT_TRUE(story.lives[0].is_orderly);
 }
@@ -144,7 +144,7 @@ TEST(A_command, That_another_transition_takes_along_is_told) {
     EXPECT_THAT(texts_of(story.lives[0].dropped),
                 ElementsAre("NMControlledPrepareSD: the transition to Post Run took it along",
                             "NmControlled: no state acted on it"));
-    EXPECT_EQ(story.lives[0].stays.back().cause, "the network sleeps, radio keeps the ECU alive");
+    EXPECT_EQ(story.lives[0].stays.back().cause, "the network was asleep, and radio kept the ECU alive");
 }
 
 TEST(A_hold, Ends_when_its_last_bit_is_released) {
@@ -239,17 +239,18 @@ TEST(A_real_trace, Tells_the_tours_first_life) {
     EXPECT_TRUE(story.is_cut);
     ASSERT_THAT(story.lives, SizeIs(testing::Ge(2)));
     auto const& life = story.lives[0];
-    EXPECT_THAT(
-        states_of(life),
-        ElementsAre("Starting up: start", "Running: the network manager is found",
-                    "NM Controlled: command NmControlled", "Running: command Run",
-                    "NM Controlled: command NmControlled", "Post Run: the network sleeps, \"2\" keeps the ECU alive",
-                    "NM Controlled: \"1\" keeps communication alive",
-                    "Post Run: the network sleeps, \"2\" keeps the ECU alive", "Running: command Run",
-                    "NM Controlled: command NmControlled", "Post Run: the network sleeps, \"2\" keeps the ECU alive",
-                    "Preparing: command PrepareSD", "PreparedSD: all clients have answered", "Resuming: command Run",
-                    "Running: all clients have answered", "NM Controlled: command NmControlled",
-                    "Preparing: command PrepareSD", "Resuming: command Run", "Shutting down: command Shutdown"));
+    EXPECT_THAT(states_of(life), ElementsAre("Starting up: start", "Running: the network manager's services were found",
+                                             "NM Controlled: command NmControlled", "Running: command Run",
+                                             "NM Controlled: command NmControlled",
+                                             "Post Run: the network was asleep, and \"2\" kept the ECU alive",
+                                             "NM Controlled: \"1\" kept communication alive",
+                                             "Post Run: the network was asleep, and \"2\" kept the ECU alive",
+                                             "Running: command Run", "NM Controlled: command NmControlled",
+                                             "Post Run: the network was asleep, and \"2\" kept the ECU alive",
+                                             "Preparing: command PrepareSD", "PreparedSD: all clients had answered",
+                                             "Resuming: command Run", "Running: all clients had answered",
+                                             "NM Controlled: command NmControlled", "Preparing: command PrepareSD",
+                                             "Resuming: command Run", "Shutting down: command Shutdown"));
     EXPECT_THAT(life.sequences, SizeIs(4));
     EXPECT_THAT(life.dropped, IsEmpty());
     EXPECT_EQ(life.ending, "went down");
