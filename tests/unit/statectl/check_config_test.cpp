@@ -3,14 +3,20 @@
 #include "statemanager/config/state_manager_json_parser.h"
 #include "support/temporary_directory.h"
 #include "tools/check_config/check.h"
+#include "tools/check_config/unit.h"
+#include "tools/check_config/words.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -203,6 +209,31 @@ TEST(A_unit, Counts_with_its_drop_ins) {
     EXPECT_EQ(read.stop_seconds, 90);
     EXPECT_TRUE(read.is_strict);
     EXPECT_THAT(read.writable, ElementsAre("/a", "/b", "/c"));
+}
+
+TEST(A_unit, Has_times_in_the_units_of_the_service_manager) {
+    std::vector<std::pair<char const*, std::optional<double>>> const rows{
+        {"1", 1},        {"2s", 2},        {"2sec", 2},          {"2second", 2},      {"2 seconds", 2},
+        {"500ms", 0.5},  {"500msec", 0.5}, {"500000us", 0.5},    {"500000usec", 0.5}, {"2m", 120},
+        {"2min", 120},   {"2minute", 120}, {"2minutes", 120},    {"2h", 7200},        {"2hr", 7200},
+        {"2hour", 7200}, {"2hours", 7200}, {"1h 1min 1s", 3661}, {"0", std::nullopt}, {"infinity", std::nullopt}};
+    for (auto const& [text, seconds] : rows) {
+        Unit unit;
+        read_unit("[Service]\nWatchdogSec=" + std::string(text) + "\n", unit);
+        EXPECT_EQ(unit.watchdog_seconds, seconds) << text;
+    }
+}
+
+TEST(Words, Are_as_far_apart_as_it_takes_slips_to_write_one_for_the_other) {
+    std::vector<std::tuple<char const*, char const*, std::size_t>> const rows{
+        {"", "", 0},       {"", "abc", 3},    {"abc", "aBC", 0},   {"abc", "abd", 1},
+        {"abc", "xbc", 1}, {"ab", "abc", 1},  {"bc", "abc", 1},    {"ab", "ba", 1},
+        {"abc", "acb", 1}, {"abc", "bac", 1}, {"abcd", "badc", 2}, {"axb", "bxa", 2},
+        {"abc", "cab", 2}, {"ca", "abc", 3},  {"aab", "baa", 2},   {"kitten", "sitting", 3}};
+    for (auto const& [left, right, slips] : rows) {
+        EXPECT_EQ(distance(left, right), slips) << left << ' ' << right;
+        EXPECT_EQ(distance(right, left), slips) << right << ' ' << left;
+    }
 }
 
 TEST(A_unit, That_is_shipped_is_known) {
