@@ -112,7 +112,28 @@ std::string evidence(Power_cycle const& cycle) {
     return "";
 }
 
+constexpr char const* k_not_yet = "not yet";
+
+// Whom a suspend that has not ended waits for, as the page has it: the recorder knows only answers.
+void add_unanswered(trace::Sequence& sequence, std::string const& path) {
+    if (sequence.end || sequence.groups.empty() || sequence.groups.back().end) {
+        return;
+    }
+    try {
+        for (auto const& client : Page_view(path).snapshot().clients) {
+            if (client.answer == static_cast<Number>(status::Answer::open)) {
+                sequence.groups.back().answers.push_back({shown(text_of(client.name)), k_not_yet, {}});
+            }
+        }
+    } catch (No_page const&) {
+        return;
+    }
+}
+
 std::string answer_text(trace::Answer const& answer) {
+    if (answer.status == k_not_yet) {
+        return ": has not answered yet";
+    }
     if (answer.status == "timed out") {
         return answer.seconds ? ": timed out, and answered then" : ": timed out, and has not answered since";
     }
@@ -219,12 +240,15 @@ void print_blame(trace::Sequence const& sequence, Power_cycle const& cycle) {
 
 // Where the newest suspend's time went.
 int blame(History_options const& options) {
-    auto const history = history_of(options);
+    auto history = history_of(options);
     for (auto cycle = history.cycles.rbegin(); cycle != history.cycles.rend(); ++cycle) {
-        auto const& sequences = cycle->told.sequences;
+        auto& sequences = cycle->told.sequences;
         auto const found = std::find_if(sequences.rbegin(), sequences.rend(),
                                         [](trace::Sequence const& sequence) { return sequence.is_standby; });
         if (found != sequences.rend()) {
+            if (cycle->ending == record::ending::running && found == sequences.rbegin()) {
+                add_unanswered(*found, options.page);
+            }
             if (options.as_json) {
                 auto const place = static_cast<std::size_t>(sequences.rend() - found) - 1;
                 std::puts(json_text(cycle_json(*cycle).at("sequences").at(place), 2).c_str());

@@ -97,7 +97,9 @@ class Teller {
 
     // The clock may have been set within the cycle, and is taken to be right later.
     void end_cycle(Number at, std::string const& how, bool is_last) {
-        close_group(told(), at);
+        if (how != ending::running) {
+            close_group(told(), at);
+        }
         auto& last = told().stays.back();
         last.end = is_last ? std::nullopt : std::optional<double>(seconds(at));
         cycle_.state = last.state;

@@ -20,8 +20,10 @@ namespace {
 
 using nlohmann::json;
 using test_support::Test_client;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 class Recorder_story : public Network_story {
  protected:
@@ -306,6 +308,27 @@ TEST_F(Recorder_story, Lacks_nothing_of_the_time_in_which_its_disk_was_full) {
         EXPECT_EQ(cycle.at("missed"), 0) << cycle;
     }
     stop_recorder();
+}
+
+TEST_F(Recorder_story, Names_who_has_not_answered_yet_while_a_suspend_still_waits) {
+    settings()["ApplicationSuspendRequestTimeout"] = 60;
+    build();
+    start_recorder();
+    start_and_run();
+    auto radio = client("radio");
+    auto navigation = client("navigation");
+    machine->press("p");
+    navigation.obey();
+    auto const request = radio.receive();
+    auto const waits =
+        told_when("blame", [](json const& sequence) { return !answer_of("navigation", sequence).empty(); });
+    EXPECT_THAT(waits.dump(), HasSubstr(R"({"client":"radio","status":"not yet"})"));
+    EXPECT_THAT(told("blame").output,
+                AllOf(HasSubstr("\"navigation\"\n"), HasSubstr("\"radio\": has not answered yet\n")));
+    radio.answer(request.number, request.state);
+    ASSERT_TRUE(is_in("PreparedSD"));
+    await_recorded("PreparedSD");
+    EXPECT_THAT(told("blame").output, AllOf(HasSubstr("\"radio\"\n"), Not(HasSubstr("not answered yet"))));
 }
 
 TEST_F(Recorder_story, Blames_a_client_that_was_late_and_tells_by_how_much) {
