@@ -34,6 +34,7 @@ class Drawing {
     void configure(Lines& lines);
     void draw_clients(Lines& lines);
     void go_on();
+    void stay_in_post_run();
     void drive();
     void end_post_run_with_a_key();
     void suspend();
@@ -280,6 +281,32 @@ void Drawing::go_on() {
     }
 }
 
+// With keys that lead nowhere from Post Run.
+void Drawing::stay_in_post_run() {
+    auto const who = one_of({"navigation", "hud"});
+    happens("key r");
+    happens("application " + who + " requests ecu");
+    now_ += 10U * period_;
+    happens("key " + one_of({"n", "s"}));
+    now_ += 10U * period_;
+    happens("network sleeps");
+    for (unsigned more = 2 + below(4); more > 0; --more) {
+        now_ += below(6 * period_);
+        switch (below(4)) {
+            case 0:
+                happens("key " + one_of({"n", "s"}));
+                break;
+            case 1:
+                happens(one_of({"network sleeps", "network wakes"}));
+                break;
+            default:
+                ask_for_something();
+        }
+    }
+    now_ += below(6 * period_);
+    happens(one_of({"key r", "key power", "key p"}));
+}
+
 Lines Drawing::lines() {
     Lines lines;
     has_faults_ = in_100(25);
@@ -294,6 +321,10 @@ Lines Drawing::lines() {
         happens("keyboard lost");
         now_ += below(1000);
         wander();
+    }
+    // What is rare is sought.
+    if (in_100(25)) {
+        stay_in_post_run();
     }
     std::stable_sort(happenings_.begin(), happenings_.end(),
                      [](auto const& left, auto const& right) { return left.first < right.first; });

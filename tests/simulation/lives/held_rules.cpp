@@ -1,6 +1,7 @@
 #include "held_rules.h"
 
 #include "life_texts.h"
+#include "situations.h"
 
 #include <algorithm>
 #include <sstream>
@@ -83,18 +84,6 @@ class Held_rules::Situation : public bench::rules::Situation {
     bool clients_are_asked() const override {
         rules_.clients_.notifier().check();
         return rules_.clients_.notifier().is_running();
-    }
-
-    /// All of it as a number.
-    std::uint64_t number() const {
-        auto const asked = rules_.clients_.notifier().asked();
-        std::uint64_t number = static_cast<std::uint64_t>(command());
-        for (bool const bit : {nm_is_used(), nm_is_found(), network_sleeps(), ecu_is_kept(), com_is_kept(),
-                               is_to_prepare(), time_is_over(), rules_.clients_.notifier().is_running()}) {
-            number = number << 1U | (bit ? 1U : 0U);
-        }
-        number = number << 2U | (asked ? *asked : 3U);
-        return number << 2U | (asked ? static_cast<unsigned>(rules_.clients_.notifier().requested_from(*asked)) : 0U);
     }
 
  private:
@@ -186,7 +175,7 @@ void Held_rules::read_record() {
 void Held_rules::decide(std::optional<State> entered) {
     read_record();
     Situation const situation(*this);
-    auto const number = situation.number();
+    auto const number = lives::number_of(situation, clients_.notifier());
     auto const& row = bench::rules::deciding_row(state_, situation);
     coverage_.decided(row, number);
     bool const stays = row.to == State::stay;

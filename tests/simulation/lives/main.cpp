@@ -42,6 +42,10 @@ int play(Options const& options) {
     std::cout << options.lives << " lives from seed " << options.seed << ", " << steps << " cycles in " << taken.count()
               << " s: no rule is broken\n"
               << coverage.text();
+    if (auto const impossible = coverage.impossible(); !impossible.empty()) {
+        std::cout << "situations that the tables do not lead to:\n" << impossible;
+        return EXIT_FAILURE;
+    }
     return EXIT_SUCCESS;
 }
 
