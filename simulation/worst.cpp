@@ -203,7 +203,8 @@ class Search {
                 legs.back().what += ", " + what;
             }
         }
-        for (std::size_t place = 0; place + 1 < begins.size(); ++place) {
+        begins.push_back(way.back().at);
+        for (std::size_t place = 0; place < legs.size(); ++place) {
             legs[place].length = begins[place + 1] - begins[place];
         }
         return legs;

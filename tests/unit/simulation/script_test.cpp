@@ -233,6 +233,26 @@ TEST(The_longest_way, Is_that_of_silent_clients_and_a_key_at_the_worst_moment) {
     EXPECT_EQ(timeline.back().at, *found.until);
 }
 
+// What it is made of is all of it: also what comes after the last state.
+TEST(The_longest_way, Is_made_of_all_that_takes_its_time) {
+    for (auto const* const lines :
+         {"power-off takes 2s\nclients dcm, radio after 1s\n", "clients dcm, radio after 1s\n"}) {
+        auto const script =
+            parse_script(std::string("config StateManagerMainPeriod 500\nconfig PMSuspendRequestTimeout 9\n"
+                                     "config ApplicationSuspendRequestTimeout 2\n"
+                                     "config DMSuspendRequestTimeout 1\n") +
+                         lines);
+        for (auto const& goal : goals()) {
+            auto const worst = find_worst(script, configuration_of(script, std::nullopt), goal);
+            Time sum{0};
+            for (auto const& leg : worst.legs) {
+                sum += leg.length;
+            }
+            EXPECT_EQ(sum, worst.length) << lines << goal.name;
+        }
+    }
+}
+
 TEST(The_longest_way, Is_not_searched_where_clients_have_hours) {
     for (auto const* const hours : {"14401", "4294967295"}) {
         auto const script = parse_script("config DMSuspendRequestTimeout 1\nconfig ApplicationSuspendRequestTimeout " +
