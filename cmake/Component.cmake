@@ -10,6 +10,9 @@
 #   SOURCES, HEADERS relative to that folder
 #   OBJECTS          no archive of its own: its objects go into each library or program that links it directly
 #   DEPENDS          components that its headers use;  PRIVATE_DEPENDS  those that only its sources use
+# Where the variable `sources_at_a_time` is set, so many sources are compiled as one; not in a Debug build, whose compile
+# commands are there for clang-tidy. What stands in their unnamed namespaces has a name of its own in the component.
+include(CompileTogether)
 function(add_component)
     cmake_parse_arguments(PARSE_ARGV 0 C "OBJECTS" "NAME;ROOT;FOLDER" "SOURCES;HEADERS;DEPENDS;PRIVATE_DEPENDS")
     set(include_dir ${CMAKE_BINARY_DIR}/include/${C_NAME})
@@ -25,6 +28,9 @@ function(add_component)
         set(kind STATIC)
         if(C_OBJECTS)
             set(kind OBJECT)
+        endif()
+        if(sources_at_a_time AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+            compile_together(C_SOURCES ${C_NAME} ${sources_at_a_time} ${C_SOURCES})
         endif()
         add_library(${C_NAME} ${kind} ${C_SOURCES})
         target_include_directories(${C_NAME} PUBLIC ${include_dir})

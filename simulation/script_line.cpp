@@ -50,7 +50,7 @@ std::optional<Time> time_of(std::string_view text) {
     return time <= k_longest ? std::optional<Time>(time) : std::nullopt;
 }
 
-std::string quoted(std::string_view text) {
+std::string in_quotes(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
 
@@ -89,14 +89,14 @@ std::size_t Script_line::one_of(char const* what, std::initializer_list<std::str
         }
         all += (place++ == 0 ? "" : ", ") + std::string(known);
     }
-    refuse_last(quoted(word) + " is not " + what + ": " + all);
+    refuse_last(in_quotes(word) + " is not " + what + ": " + all);
 }
 
 Time Script_line::time(char const* what) {
     auto const word = next(what);
     auto const time = time_of(word);
     if (!time) {
-        refuse_last(quoted(word) + " is no time of at most a day, like 100ms, 1.5s or 2min");
+        refuse_last(in_quotes(word) + " is no time of at most a day, like 100ms, 1.5s or 2min");
     }
     return *time;
 }
@@ -108,7 +108,7 @@ std::uint64_t Script_line::whole_number(char const* what, std::uint64_t most) {
         number = is_digit(digit) && number <= most ? number * 10 + static_cast<std::uint64_t>(digit - '0') : most + 1;
     }
     if (number > most) {
-        refuse_last(quoted(word) + " is not " + what + ", a whole number of at most " + std::to_string(most));
+        refuse_last(in_quotes(word) + " is not " + what + ", a whole number of at most " + std::to_string(most));
     }
     return number;
 }
@@ -125,7 +125,7 @@ std::string Script_line::rest(char const* what) {
 
 void Script_line::require_end() const {
     if (!at_end()) {
-        refuse_next(quoted(peek()) + " is more than this line has");
+        refuse_next(in_quotes(peek()) + " is more than this line has");
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/hex.h"
 #include "simulation/play.h"
+#include "simulation/trace_words.h"
 
 #include <array>
 #include <map>
@@ -16,10 +17,6 @@ namespace {
 using nlohmann::json;
 
 constexpr char const* k_first_words = "Configuration for hostname: ";
-
-std::string argument(dlt::Message const& message, std::size_t place) {
-    return place < message.arguments.size() ? message.arguments[place] : std::string();
-}
 
 /// A member of the instances' lists, the list, and how many there are.
 struct List {

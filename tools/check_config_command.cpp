@@ -20,7 +20,6 @@ namespace statectl {
 
 namespace {
 
-using check_config::Answer;
 using check_config::seconds_text;
 using check_config::Times;
 
@@ -51,14 +50,14 @@ constexpr Figure k_figures[] = {
     {"stop", "TimeoutStopSec of the unit has to be more than this and what a control file takes", &Times::stop},
 };
 
-int status_of(Answer const& answer) {
+int status_of(check_config::Answer const& answer) {
     if (!answer.verdict.is_taken) {
         return k_failure;
     }
     return answer.findings.empty() ? k_success : k_taken_with_warnings;
 }
 
-void print_json(Check_config_options const& options, Answer const& answer) {
+void print_json(Check_config_options const& options, check_config::Answer const& answer) {
     auto findings = nlohmann::json::array();
     for (auto const& finding : answer.findings) {
         nlohmann::json one{{"text", finding.text}};
@@ -86,7 +85,7 @@ std::string coloured(std::string const& text, char const* colour) {
     return ::isatty(STDOUT_FILENO) != 0 ? std::string("\033[") + colour + 'm' + text + "\033[0m" : text;
 }
 
-void print_text(Check_config_options const& options, Answer const& answer) {
+void print_text(Check_config_options const& options, check_config::Answer const& answer) {
     constexpr char const* k_red = "1;31";
     constexpr char const* k_yellow = "1;33";
     constexpr char const* k_green = "1;32";
@@ -125,7 +124,7 @@ int check_configuration(Check_config_options const& options) {
     if (options.unit) {
         question.unit = check_config::unit_named(*options.unit);
     }
-    auto const answer = check(question);
+    auto const answer = check_config::check(question);
     options.as_json ? print_json(options, answer) : print_text(options, answer);
     return status_of(answer);
 }

@@ -11,7 +11,7 @@ using vehicle::Timeline;
 
 namespace {
 
-constexpr double k_lane = 44;
+constexpr double k_height = 44;
 
 struct Lane {
     Kind kind;
@@ -61,13 +61,13 @@ void draw_lane(std::ostream& out, Lane const& lane, Timeline const& events, Axis
 }  // namespace
 
 double event_lanes_height() {
-    return k_lane * k_lanes.size();
+    return k_height * k_lanes.size();
 }
 
 void draw_event_lanes(std::ostream& out, Timeline const& events, Axis const& axis, double y) {
     for (auto const& lane : k_lanes) {
         draw_lane(out, lane, events, axis, y);
-        y += k_lane;
+        y += k_height;
     }
 }
 

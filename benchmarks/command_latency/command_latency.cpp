@@ -20,7 +20,7 @@ using benchmarks::Samples;
 
 constexpr int k_presses = 100;  // of each key, in one repetition, or fewer in the short form
 constexpr int k_short_presses = 40;
-constexpr int k_repetitions = 5;
+constexpr int k_repetitions = 4;
 constexpr int k_short_repetitions = 3;
 constexpr double k_target_ratio = 1.2;
 constexpr std::size_t k_records_of_a_press = 4;

@@ -24,7 +24,7 @@ using benchmarks::Process_memory;
 
 // Whatever is kept for those who call for the first time, and for the last requests, is there by then.
 constexpr long k_warm_up = 20'000;
-constexpr int k_calls = 200'000;
+constexpr int k_calls = 100'000;
 constexpr int k_short_calls = 20'000;
 constexpr long k_looks = 200;
 constexpr double k_most_growth = 64.0;  // KiB

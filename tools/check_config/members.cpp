@@ -10,7 +10,7 @@ namespace {
 using nlohmann::json;
 using nlohmann::ordered_json;
 
-constexpr char const* k_root = "";
+constexpr char const* k_top = "";
 constexpr char const* k_files = "SharedMemoryConfig";
 constexpr char const* k_layout = "NmUserDataConfig";
 
@@ -29,7 +29,7 @@ json of_layout(Config const& config) {
 
 Member plain(char const* name, Kind kind, char const* meaning, json (*value)(Config const&),
              ordered_json const& keywords = ordered_json::object()) {
-    return {k_root, name, kind, true, meaning, value, nullptr, nullptr, keywords};
+    return {k_top, name, kind, true, meaning, value, nullptr, nullptr, keywords};
 }
 
 Member file(char const* name, char const* meaning, json (*value)(Config const&)) {
@@ -43,11 +43,11 @@ Member layout(char const* name, Kind kind, char const* meaning, json (*value)(Co
 }
 
 Member section(char const* name, char const* meaning) {
-    return {k_root, name, Kind::section, false, meaning, nullptr, nullptr, nullptr, ordered_json::object()};
+    return {k_top, name, Kind::section, false, meaning, nullptr, nullptr, nullptr, ordered_json::object()};
 }
 
 Member instances(char const* name, char const* element, char const* maximum, char const* meaning) {
-    return {k_root, name, Kind::instances, true, meaning, nullptr, element, maximum, {{"uniqueItems", true}}};
+    return {k_top, name, Kind::instances, true, meaning, nullptr, element, maximum, {{"uniqueItems", true}}};
 }
 
 // A time of 0 is none.

@@ -1,6 +1,7 @@
 #include "tools/record/counts.h"
 
 #include "tools/page/words.h"
+#include "tools/record/troubles.h"
 
 #include <algorithm>
 #include <numeric>
@@ -13,7 +14,6 @@ namespace {
 constexpr std::size_t k_restarts = status::k_network_calls;
 constexpr std::size_t k_restarts_failed = k_restarts + status::k_restart_types;
 constexpr std::size_t k_log_lost = k_restarts_failed + 1;
-constexpr std::size_t k_most_remarks = 1'000;  // of a cycle
 
 std::string times_text(Number times) {
     return times == 1 ? "" : ", " + std::to_string(times) + " times";
@@ -54,9 +54,8 @@ Number restarts_in(Counts const& counts) {
 void tell_counts(trace::Life& cycle, double moment, Counts const& more) {
     for (std::size_t place = 0; place < more.size(); ++place) {
         bool const is_request = place >= k_restarts && place < k_restarts_failed;
-        auto& remarks = is_request ? cycle.requests : cycle.troubles;
-        if (more[place] != 0 && remarks.size() < k_most_remarks) {
-            remarks.push_back({moment, text_at(place, more[place])});
+        if (more[place] != 0) {
+            remark(is_request ? cycle.requests : cycle.troubles, moment, text_at(place, more[place]));
         }
     }
 }

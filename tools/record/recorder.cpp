@@ -17,9 +17,8 @@ using nlohmann::json;
 using status::Event_kind;
 using status::State;
 
-constexpr Number k_second = 1'000'000'000;
-constexpr Number k_alive_every = 600 * k_second;
-constexpr Number k_counts_every = 60 * k_second;
+constexpr Number k_alive_every = 600'000'000'000;  // nanoseconds
+constexpr Number k_counts_every = 60'000'000'000;
 constexpr std::int64_t k_told_setting = 1'000'000'000;  // of the clock; less is an adjustment
 constexpr double k_allowance = 2'000;                   // events at once
 constexpr double k_allowance_a_second = 50;
