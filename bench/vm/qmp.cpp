@@ -10,7 +10,7 @@ namespace bench::vm {
 
 namespace {
 
-constexpr std::chrono::seconds k_patience{10};
+constexpr std::chrono::seconds k_patience_for_qmp{10};
 constexpr int k_poll_ms = 100;
 
 }  // namespace
@@ -29,7 +29,7 @@ nlohmann::json Qmp::execute(std::string const& command, nlohmann::json const& ar
 }
 
 nlohmann::json Qmp::await_answer() {
-    auto const deadline = std::chrono::steady_clock::now() + k_patience;
+    auto const deadline = std::chrono::steady_clock::now() + k_patience_for_qmp;
     for (;;) {
         read();
         if (!answers_.empty()) {
