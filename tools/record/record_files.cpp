@@ -5,6 +5,7 @@
 #include "base/system_error.h"
 #include "tools/record/records.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <system_error>
@@ -37,12 +38,12 @@ Record_files::~Record_files() {
     ::close(lock_);
 }
 
-void Record_files::add(std::string const& line, bool begins_life) {
-    if (lines_.size() < limits_.waiting) {
+bool Record_files::add(std::string const& line, bool begins_life) {
+    if (has_room()) {
         lines_.push_back({line + '\n', begins_life});
-    } else {
-        ++lost_;
+        return true;
     }
+    return false;
 }
 
 void Record_files::write(std::string const& first_line, bool at_once) {
@@ -130,10 +131,14 @@ void Record_files::end_torn_line() {
     }
 }
 
+// Lines that wait before another life's are of the one before.
 void Record_files::begin_file(std::string const& first_line) {
-    if (!lines_.empty() && !lines_.front().begins_life) {
-        lines_.push_front({first_line + '\n', true});
+    if (lines_.empty() || lines_.front().begins_life) {
+        return;
     }
+    bool const is_of_earlier =
+        !life_.empty() && std::any_of(lines_.begin(), lines_.end(), [](Line const& line) { return line.begins_life; });
+    lines_.push_front({is_of_earlier ? life_ : first_line + '\n', true});
 }
 
 // Where the names can't be read, the files stay until the next time.
@@ -152,7 +157,7 @@ void Record_files::remove_oldest(std::uint64_t newest) const {
 bool Record_files::is_handed_over(std::string const& first_line) {
     while (!lines_.empty()) {
         if (done_ == 0 && size_ >= limits_.file_bytes) {
-            if (!is_open(number_ + 1)) {
+            if (!is_kept() || !is_open(number_ + 1)) {
                 return false;
             }
             remove_oldest(number_);
@@ -167,6 +172,7 @@ bool Record_files::is_handed_over(std::string const& first_line) {
         size_ += static_cast<std::size_t>(count);
         done_ += static_cast<std::size_t>(count);
         if (done_ == line.size()) {
+            life_ = lines_.front().begins_life ? line : life_;
             lines_.pop_front();
             done_ = 0;
         }
@@ -175,14 +181,21 @@ bool Record_files::is_handed_over(std::string const& first_line) {
 }
 
 void Record_files::sync(bool at_once) {
-    if (!is_dirty_ || (!at_once && now() - synced_ < k_second)) {
-        return;
+    if (is_dirty_ && (at_once || now() - synced_ >= k_second)) {
+        is_synced();
     }
+}
+
+// All of the file, before the next one is begun. A disk that fails is tried again after a second.
+bool Record_files::is_kept() {
+    bool const is_too_early = is_failing_ && now() - synced_ < k_second;
+    return !is_dirty_ || (!is_too_early && is_synced());
+}
+
+bool Record_files::is_synced() {
     synced_ = now();
-    is_dirty_ = ::fdatasync(file_) != 0;
-    if (is_dirty_) {
-        fails("the disk does not take what was written");
-    }
+    is_dirty_ = is_failing_ = ::fdatasync(file_) != 0;
+    return !is_dirty_ || fails("the disk does not take what was written");
 }
 
 }  // namespace statectl::record

@@ -15,7 +15,7 @@ struct Record_limits {
 };
 
 /// The files that the recorder writes, for one thread. Nothing here fails: what a disk does not take waits, is tried
-/// again with the next `write`, and what has no room to wait is counted.
+/// again with the next `write`, and what has no room to wait is not taken.
 ///
 ///     files.add(line);
 ///     files.write(first_line, true);
@@ -27,7 +27,9 @@ class Record_files {
     Record_files& operator=(Record_files const&) = delete;
 
     /// A line without its end; a file may begin with one that `begins_life`.
-    void add(std::string const& line, bool begins_life = false);
+    /// Says whether there was room for it.
+    bool add(std::string const& line, bool begins_life = false);
+    bool has_room() const { return lines_.size() < limits_.waiting; }
 
     /// Hands the lines to the system, and to the disk when `at_once`, or when that was not done within the last second.
     /// A new file begins with `first_line`, if the line that comes next can't be its first.
@@ -35,9 +37,6 @@ class Record_files {
 
     /// Why nothing is written; empty while all is well.
     std::string const& trouble() const { return trouble_; }
-
-    /// Lines that had no room to wait.
-    std::size_t lost() const { return lost_; }
 
  private:
     struct Line {
@@ -54,18 +53,21 @@ class Record_files {
     void remove_oldest(std::uint64_t newest) const;
     bool is_handed_over(std::string const& first_line);
     void sync(bool at_once);
+    bool is_kept();
+    bool is_synced();
     bool fails(char const* what);
 
     std::string const directory_;
     Record_limits const limits_;
     std::deque<Line> lines_;
     std::size_t done_{0};  ///< bytes of the first of them that are written
-    std::size_t lost_{0};
+    std::string life_;     ///< the line of the life that was handed over last
     int lock_{-1};
     int file_{-1};
     std::uint64_t number_{0};
     std::size_t size_{0};
     bool is_dirty_{false};
+    bool is_failing_{false};  ///< to sync, the last time
     std::int64_t synced_{0};  ///< when, in nanoseconds
     std::string trouble_;
 };

@@ -118,29 +118,33 @@ Number real_of(Snapshot const& page, Number at, Look const& now) {
 Recorder::Recorder(Record_files& files, Records before, Number watchdog)
     : files_(files), before_(std::move(before)), watchdog_(watchdog), allowance_(k_allowance) {}
 
-void Recorder::add(char const* line, std::string const& members, Look const& now) {
-    files_.add(std::string(R"({"line":")") + line + R"(","at":)" + std::to_string(now.at) + R"(,"real":)" +
-               std::to_string(now.real) + (now.asleep ? R"(,"asleep":)" + std::to_string(*now.asleep) : "") + members +
-               '}');
+bool Recorder::add(char const* line, std::string const& members, Look const& now) {
+    return files_.add(std::string(R"({"line":")") + line + R"(","at":)" + std::to_string(now.at) + R"(,"real":)" +
+                      std::to_string(now.real) + (now.asleep ? R"(,"asleep":)" + std::to_string(*now.asleep) : "") +
+                      R"(,"taken":)" + std::to_string(taken_) + members + '}');
 }
 
 void Recorder::look(Snapshot const& page, Look const& now) {
     if (!(identity_ == identity_of(page))) {
         begin_life(page, identity_of(page), now);
     }
-    allowance_ = std::min(k_allowance, allowance_ + k_allowance_a_second * static_cast<double>(now.at - looked_) / 1e9);
-    write_new_events(page, now);
-    write_new_counts(page, now);
-    tell_missed(now);
-    if (page.is_alive) {
-        tell_alive(now);
-    }
-    if (!page.is_alive && !is_over_) {
-        tell_end(page, now);
+    happened_ = std::max(happened_, now.events);
+    if (is_begun(page, now)) {
+        allowance_ =
+            std::min(k_allowance, allowance_ + k_allowance_a_second * static_cast<double>(now.at - looked_) / 1e9);
+        write_new_events(page, now);
+        write_new_counts(page, now);
+        tell_missed(now);
+        if (page.is_alive) {
+            tell_alive(now);
+        }
+        if (!page.is_alive && !is_over_) {
+            tell_end(page, now);
+        }
+        first_line_ = line_from_now(page, counts_, now);
     }
     was_alive_ = page.is_alive;
     looked_ = now.at;
-    first_line_ = line_from_now(page, counts_, now);
     files_.write(first_line_, std::exchange(is_urgent_, false));
 }
 
@@ -151,33 +155,45 @@ void Recorder::leave(Look const& now) {
     files_.write(first_line_, true);
 }
 
-// A life that stands in the files is gone on with where they end.
+// A life that stands in the files is gone on with where they end. One that began before those that the newest files
+// tell of stands in older ones, or did.
 void Recorder::begin_life(Snapshot const& page, Identity const& identity, Look const& now) {
-    auto const skipped = lives_between(last_life(), identity);
+    untold_ += is_over_ ? 0 : happened_ - std::min(happened_, taken_);
+    untold_ += lives_between(last_life(), identity);
     identity_ = identity;
     seen_.clear();
-    taken_ = missed_ = told_counts_ = 0;
+    taken_ = taken_until_ = happened_ = told_counts_ = 0;
     counts_ = {};
-    was_alive_ = is_over_ = false;
+    is_begun_ = was_alive_ = is_over_ = false;
     told_alive_.reset();
+    bool is_known = false;
+    bool is_past = false;
     for (auto const& life : before_.lives) {
+        is_past = is_past || (life.identity.boot == identity.boot && life.identity.started > identity.started);
         if (life.identity == identity) {
-            is_over_ = life.end.has_value();
-            missed_ = life.missed;
-            counts_ = life.counts;
-            taken_ = life.events.size() + restarts_in(counts_);
-            for (auto const& event : life.events) {
-                seen_.insert({event.at, event.kind, event.numbers, event.text});
-            }
+            is_known = true;
+            take_up(life);
         }
     }
-    first_line_ = taken_ != 0 ? line_from_now(page, counts_, now) : line_from_beginning(page, counts_, now);
-    if (!is_over_) {
-        files_.add(first_line_, true);
+    is_over_ = is_over_ || (is_past && !is_known);
+    is_begun_ = is_over_;
+    static_cast<void>(is_begun(page, now));
+}
+
+void Recorder::take_up(Recorded_life const& life) {
+    is_over_ = life.end.has_value();
+    counts_ = life.counts;
+    taken_ = life.taken != 0 ? life.taken : life.events.size() + restarts_in(counts_) + life.missed;
+    taken_until_ = life.events.empty() ? life.from : life.events.back().at + 1;
+}
+
+// Nothing of a life is told before its beginning was.
+bool Recorder::is_begun(Snapshot const& page, Look const& now) {
+    if (!is_begun_ && files_.has_room()) {
+        first_line_ = taken_ != 0 ? line_from_now(page, counts_, now) : line_from_beginning(page, counts_, now);
+        is_begun_ = files_.add(first_line_, true);
     }
-    if (!is_over_ && skipped != 0) {
-        add("missed", R"(,"count":)" + std::to_string(skipped), now);
-    }
+    return is_begun_;
 }
 
 // That was looked at, or stands in the files.
@@ -190,8 +206,12 @@ void Recorder::write_new_events(Snapshot const& page, Look const& now) {
     for (auto const& event : page.events) {
         auto const what = event_text(page, event);
         Key const key{event.at, event.kind, event.numbers, shown(what)};
+        bool const is_new = seen_.count(key) == 0 && event.at >= taken_until_;
+        if (is_new && !files_.has_room()) {
+            continue;  // it may still stand there when there is some
+        }
         on_page.insert(key);
-        if (seen_.count(key) != 0 || event_word(event.kind).empty() || is_over_ || !has_allowance(event.kind)) {
+        if (!is_new || event_word(event.kind).empty() || is_over_ || !has_allowance(event.kind)) {
             continue;
         }
         ++taken_;
@@ -203,6 +223,7 @@ void Recorder::write_new_events(Snapshot const& page, Look const& now) {
                    {"real", real_of(page, event.at, now)},
                    {"event", event_word(event.kind)},
                    {"numbers", event.numbers},
+                   {"taken", taken_},
                    {"text", what}});
         add_asleep(line, asleep_at(page, now));
         files_.add(text(line));
@@ -225,26 +246,26 @@ void Recorder::write_new_counts(Snapshot const& page, Look const& now) {
     auto const counts = counts_of(page);
     auto const restarts = restarts_in(counts) - std::min(restarts_in(counts), restarts_in(counts_));
     bool const is_due = restarts != 0 || !page.is_alive || told_counts_ == 0 || now.at - told_counts_ >= k_counts_every;
-    if (counts == counts_ || !is_due || is_over_) {
+    if (counts == counts_ || !is_due || is_over_ || !files_.has_room()) {
         return;
     }
     auto const at = counted_at(page);
+    taken_ += restarts;
     add("counted", R"(,"counts":)" + text(counts), {at, real_of(page, at, now), 0, asleep_at(page, now)});
     counts_ = counts;
     told_counts_ = now.at;
-    taken_ += restarts;
     is_urgent_ = is_urgent_ || restarts != 0;
 }
 
-// Events that had gone from the page before they were seen, or that flooded it, and lines that a disk did not take.
+// Events that had gone from the page before they were seen or before a disk had room for them, or that flooded it.
 void Recorder::tell_missed(Look const& now) {
-    auto const missed = now.events > taken_ ? now.events - taken_ : 0;
-    auto const more = (missed > missed_ ? missed - missed_ : 0) + (files_.lost() - lost_);
-    if (more != 0 && !is_over_) {
-        add("missed", R"(,"count":)" + std::to_string(more), now);
+    auto const missed = now.events - std::min(now.events, taken_);
+    auto const all = missed + untold_;
+    if (all != 0 && !is_over_ && files_.has_room()) {
+        taken_ += missed;
+        untold_ = 0;
+        add("missed", R"(,"count":)" + std::to_string(all), now);
     }
-    missed_ = std::max(missed, missed_);
-    lost_ = files_.lost();
 }
 
 // Without a sleep, the clock goes as far as the monotonic one. At a life's first look, and where the clock was set, the
@@ -254,8 +275,8 @@ void Recorder::tell_alive(Look const& now) {
     auto const set_by = begin - clock_begin_.value_or(begin);
     clock_begin_ = begin;
     bool const is_set = set_by > k_told_setting || set_by < -k_told_setting;
-    if (is_set || !told_alive_ || now.at - *told_alive_ >= k_alive_every) {
-        add("alive", is_set ? R"(,"set_by":)" + std::to_string(set_by) : "", now);
+    bool const is_due = is_set || !told_alive_ || now.at - *told_alive_ >= k_alive_every;
+    if (is_due && add("alive", is_set ? R"(,"set_by":)" + std::to_string(set_by) : "", now)) {
         told_alive_ = now.at;
     }
 }
@@ -263,9 +284,10 @@ void Recorder::tell_alive(Look const& now) {
 void Recorder::tell_end(Snapshot const& page, Look const& now) {
     bool const is_watched = was_alive_ && now.at - looked_ < watchdog_;
     auto const silent = page.driver.ended == 0 ? page.silent : 0;
-    add("end", std::string(R"(,"how":")") + end_of(page, is_watched) + R"(","silent":)" + std::to_string(silent),
-        {page.now, real_of(page, page.now, now), 0, asleep_at(page, now)});
-    is_over_ = is_urgent_ = true;
+    is_over_ =
+        add("end", std::string(R"(,"how":")") + end_of(page, is_watched) + R"(","silent":)" + std::to_string(silent),
+            {page.now, real_of(page, page.now, now), 0, asleep_at(page, now)});
+    is_urgent_ = true;
 }
 
 char const* Recorder::end_of(Snapshot const& page, bool is_watched) const {

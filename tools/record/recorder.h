@@ -39,6 +39,8 @@ class Recorder {
     using Key = std::tuple<Number, Number, std::array<Number, 3>, std::string>;
 
     void begin_life(Snapshot const& page, Identity const& identity, Look const& now);
+    void take_up(Recorded_life const& life);
+    bool is_begun(Snapshot const& page, Look const& now);
     Identity last_life() const;
     void write_new_events(Snapshot const& page, Look const& now);
     bool has_allowance(Number kind);
@@ -47,7 +49,7 @@ class Recorder {
     void tell_alive(Look const& now);
     void tell_end(Snapshot const& page, Look const& now);
     char const* end_of(Snapshot const& page, bool is_watched) const;
-    void add(char const* line, std::string const& members, Look const& now);
+    bool add(char const* line, std::string const& members, Look const& now);
 
     Record_files& files_;
     Records const before_;
@@ -55,12 +57,14 @@ class Recorder {
     Identity identity_;
     std::string first_line_;  // of the next file
     std::set<Key> seen_;      // events that stand on the page and were taken
-    Number taken_{0};         // events of this life
-    Number missed_{0};        // of it, as they were told
+    Number taken_until_{0};   // those before were taken, or told as missed, before this recorder was started
+    Number taken_{0};         // events of this life, with those that were told as missed
+    Number untold_{0};        // of lives before, for which there was no room
+    Number happened_{0};      // events of this life, at the last look
     Counts counts_{};         // of it, as they were told
     Number told_counts_{0};   // when; 0: not yet
-    std::size_t lost_{0};     // lines, as they were told
-    bool is_over_{false};     // the life's end was told
+    bool is_begun_{false};    // the life's line was taken
+    bool is_over_{false};     // its end was told
     bool was_alive_{false};   // at the last look
     bool is_urgent_{false};
     Number looked_{0};

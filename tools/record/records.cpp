@@ -158,11 +158,30 @@ bool is_added(Recorded_life& life, std::string const& line, json const& object) 
     } else {
         return false;
     }
+    life.taken = std::max(life.taken, number_in(object, "taken"));
     if (auto const at = number_in(object, "at"); at >= life.last_at) {
         life.last_at = at;
         life.last_real = real_in(life, object);
     }
     return true;
+}
+
+// A recorder that did not know what it had written before may have told an event twice.
+void remove_repeated(std::vector<Recorded_event>& events) {
+    auto const is_same = [](auto const& left, auto const& right) {
+        return std::tie(left.kind, left.numbers, left.text) == std::tie(right.kind, right.numbers, right.text);
+    };
+    std::vector<Recorded_event> once;
+    for (auto& event : events) {
+        bool is_told = false;
+        for (auto other = once.rbegin(); other != once.rend() && other->at == event.at; ++other) {
+            is_told = is_told || is_same(*other, event);
+        }
+        if (!is_told) {
+            once.push_back(std::move(event));
+        }
+    }
+    events = std::move(once);
 }
 
 void read_file(Records& records, std::string const& name) {
@@ -195,6 +214,7 @@ void finish(Records& records) {
     auto const is_earlier = [](auto const& left, auto const& right) { return left.at < right.at; };
     for (auto& life : records.lives) {
         std::stable_sort(life.events.begin(), life.events.end(), is_earlier);
+        remove_repeated(life.events);
         std::stable_sort(life.counted.begin(), life.counted.end(), is_earlier);
     }
 }

@@ -107,6 +107,7 @@ struct Recorded_life {
     Number last_at{0};  ///< when something was recorded last
     Number last_real{0};
     Number missed{0};     ///< events that were not seen, or had no room
+    Number taken{0};      ///< events that happened up to the last line, also those of files that are not kept
     bool is_left{false};  ///< the recorder was stopped while the life went on
 };
 

@@ -1,33 +1,38 @@
 #include "tools/record/record_files.h"
 
+#include "disk.h"
 #include "lines.h"
 #include "support/file_size_limit.h"
 #include "support/temporary_directory.h"
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 
-namespace {
+namespace statectl::record {
 
-bool is_disk_failing = false;
-int failed_syncs = 0;
+Disk disk;
 
-}  // namespace
+}  // namespace statectl::record
 
 // This takes the place of the C library's in this program.
 extern "C" int fdatasync(int file) {
     using Function = int (*)(int);
     static auto* const real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "fdatasync"));
-    if (!is_disk_failing) {
-        return real(file);
+    auto& disk = statectl::record::disk;
+    if (disk.is_failing) {
+        ++disk.failed_syncs;
+        errno = EIO;
+        return -1;
     }
-    ++failed_syncs;
-    errno = EIO;
-    return -1;
+    auto const name = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file));
+    disk.synced.push_back(name.filename().string() + ' ' + std::to_string(std::filesystem::file_size(name)));
+    return real(file);
 }
 
 namespace statectl::record {
@@ -115,7 +120,7 @@ TEST_F(Files_of_records, Hold_every_line_once_after_a_disk_that_was_full_has_roo
 TEST_F(Files_of_records, Tell_a_disk_that_fails_until_it_has_taken_everything) {
     Record_files files(path());
     files.add(first, true);
-    is_disk_failing = true;
+    disk.is_failing = true;
     files.write(first, true);
     auto const trouble = files.trouble();
     EXPECT_THAT(trouble, HasSubstr("the disk does not take what was written: Input/output error"));
@@ -126,21 +131,76 @@ TEST_F(Files_of_records, Tell_a_disk_that_fails_until_it_has_taken_everything) {
         files.write(first, i == 3);
         EXPECT_EQ(files.trouble(), trouble);
     }
-    EXPECT_EQ(failed_syncs, 2);
-    is_disk_failing = false;
+    EXPECT_EQ(disk.failed_syncs, 2);
+    disk.is_failing = false;
     files.write(first, false);
     EXPECT_EQ(files.trouble(), trouble) << "nothing is known yet";
     files.write(first, true);
     EXPECT_EQ(files.trouble(), "");
 }
 
-TEST_F(Files_of_records, Count_what_has_no_room_to_wait) {
+TEST_F(Files_of_records, Are_each_on_the_disk_to_their_end_before_the_next_is_begun) {
+    Record_files files(path(), {300, 3, 100});
+    disk.synced.clear();
+    for (int i = 0; i < 10; ++i) {
+        files.add(event_line("transition", static_cast<Number>(i), "1,2,3"));
+        files.write(first, i == 9);
+    }
+    auto const numbers = file_numbers(path());
+    ASSERT_EQ(numbers.size(), 3U);
+    for (auto const number : numbers) {
+        std::filesystem::path const name(file_name(path(), number));
+        EXPECT_THAT(disk.synced, testing::Contains(name.filename().string() + ' ' +
+                                                   std::to_string(std::filesystem::file_size(name))));
+    }
+}
+
+TEST_F(Files_of_records, Are_not_left_while_the_disk_does_not_take_them) {
+    Record_files files(path(), {200, 20, 100});
+    files.add(first, true);
+    files.write(first, true);
+    disk.is_failing = true;
+    for (Number i = 0; i < 5; ++i) {
+        files.add(event_line("transition", i, "1,2,3"));
+        files.write(first, true);
+    }
+    EXPECT_EQ(file_numbers(path()).size(), 1U);
+    EXPECT_THAT(files.trouble(), HasSubstr("the disk does not take what was written"));
+    disk.is_failing = false;
+    files.write(first, true);
+    files.add(event_line("transition", 6, "1,2,3"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(1'100));  // a disk that fails is tried again after a second
+    files.write(first, true);
+    EXPECT_GT(file_numbers(path()).size(), 1U);
+    EXPECT_EQ(read_records(path()).lives.at(0).events.size(), 6U);
+    EXPECT_EQ(files.trouble(), "");
+}
+
+TEST_F(Files_of_records, Begin_with_the_life_that_their_first_lines_are_of) {
+    auto const later = life_line("b", 1);
+    Record_files files(path() + "/later", {200, 20, 100});
+    files.add(first, true);
+    for (Number i = 0; i < 5; ++i) {
+        files.add(event_line("transition", i, "1,2,3"));
+    }
+    files.add(later, true);
+    files.add(event_line("transition", 1, "0,1,1"));
+    std::filesystem::create_directory(path() + "/later");
+    files.write(later, true);
+    auto const records = read_records(path() + "/later");
+    ASSERT_EQ(records.lives.size(), 2U);
+    EXPECT_EQ(records.lives[0].events.size(), 5U);
+    EXPECT_EQ(records.lives[1].events.size(), 1U);
+}
+
+TEST_F(Files_of_records, Take_no_line_that_has_no_room_to_wait) {
     Record_files files(path() + "/missing", {1'000, 3, 5});
     for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(files.has_room(), i < 5);
         files.add("{}");
     }
     files.write(first, true);
-    EXPECT_EQ(files.lost(), 3U);
+    EXPECT_FALSE(files.has_room());
     EXPECT_THAT(files.trouble(), StartsWith(path() + "/missing: the directory can't be opened"));
 }
 

@@ -1,5 +1,6 @@
 #include "tools/record/recorder.h"
 
+#include "disk.h"
 #include "lines.h"
 #include "status/driver_status.h"
 #include "status/network_status.h"
@@ -11,6 +12,8 @@
 #include "tools/page/words.h"
 #include "tools/record/power_cycles.h"
 
+#include <chrono>
+#include <filesystem>
 #include <memory>
 #include <random>
 #include <set>
@@ -45,7 +48,7 @@ class Following : public testing::Test {
     }
 
     void start() {
-        files = std::make_unique<Record_files>(std::string(directory.path()));
+        files = std::make_unique<Record_files>(path, limits);
         recorder = std::make_unique<Recorder>(*files, read_records(directory.path(), 2), k_watchdog);
     }
     void restart() {
@@ -70,7 +73,7 @@ class Following : public testing::Test {
     }
     void run() { status::transition(0, 1, 0); }
 
-    Records records() const { return read_records(directory.path()); }
+    Records records() const { return read_records(path); }
     std::vector<std::string> endings() const {
         std::vector<std::string> texts;
         for (auto const& cycle : power_cycles(records(), {"b", {}})) {
@@ -81,6 +84,8 @@ class Following : public testing::Test {
     std::size_t events() const { return records().lives.at(0).events.size(); }
 
     test_support::Temporary_directory directory;
+    std::string path{directory.path()};
+    Record_limits limits;
     std::unique_ptr<status::Page> page;
     std::unique_ptr<Record_files> files;
     std::unique_ptr<Recorder> recorder;
@@ -441,6 +446,189 @@ TEST_F(Following, Dates_a_life_by_the_clock_of_its_first_look) {
     recorder->look(snapshot, {page->life.started + 2 * k_second, real, page->events});
     EXPECT_EQ(power_cycles(records(), {"b", {}}).at(0).told.stored_us,
               static_cast<std::int64_t>((real - 2 * k_second) / 1'000));
+}
+
+TEST_F(Following, Knows_after_a_restart_what_lies_in_older_files_or_is_not_kept_any_more) {
+    std::vector<std::string> names;
+    for (int i = 0; i < 50; ++i) {
+        names.push_back("application_" + std::to_string(i));
+    }
+    status::provided(status::Hold::ecu_alive, names);
+    for (auto const& row : {Record_limits{}, Record_limits{50'000, 16, 4'096}, Record_limits{20'000, 3, 4'096}}) {
+        std::string const boot(1, static_cast<char>('b' + row.files));
+        SCOPED_TRACE(row.file_bytes);
+        limits = row;
+        begin_page(boot + std::to_string(row.file_bytes));
+        status::provided(status::Hold::ecu_alive, names);
+        start();
+        run();
+        Number later = 0;
+        auto const look_later = [&] {
+            auto snapshot = snapshot_of(*page, 3);
+            snapshot.is_alive = true;
+            later += 60 * k_second;
+            look(snapshot, status::now() + later);
+        };
+        for (int cycle = 0; cycle < (row.file_bytes > 50'000 ? 200 : 50); ++cycle) {
+            for (auto const& name : names) {
+                status::ecu_requested(name);
+            }
+            look_later();
+            for (auto const& name : names) {
+                status::ecu_released(name);
+            }
+            for (int state : {1, 5, 6, 7}) {
+                status::transition(state, state == 7 ? 1 : state == 1 ? 5 : state + 1, 4);
+            }
+            look_later();
+        }
+        EXPECT_GT(file_numbers(path).size(), 2U);
+        auto const before = records();
+        for (int i = 0; i < 2; ++i) {
+            restart();
+            look_later();
+            auto const after = records();
+            EXPECT_EQ(after.lives.back().events.size(), before.lives.back().events.size());
+            EXPECT_EQ(after.lives.back().missed, before.lives.back().missed);
+            EXPECT_EQ(power_cycles(after, {"", {}}).size(), power_cycles(before, {"", {}}).size());
+        }
+        status::key_taken(4);
+        look_later();
+        EXPECT_EQ(records().lives.back().events.size(), before.lives.back().events.size() + 1);
+        EXPECT_EQ(records().lives.back().missed, 0U);
+    }
+}
+
+TEST_F(Following, Tells_a_life_no_more_that_ended_before_those_that_the_newest_files_tell_of) {
+    limits = {4'000, 16, 4'096};
+    restart();
+    run();
+    auto const earlier = snapshot_of(*page, 3);
+    look(earlier, status::now());
+    auto const earlier_events = page->events.load();
+    begin_page("a", 2);
+    run();
+    for (int i = 0; i < 100; ++i) {
+        status::transition(1 + i % 2, 2 - i % 2, 1);
+        look();
+    }
+    auto const before = records();
+    restart();
+    recorder->look(earlier, {status::now(), k_second, earlier_events});
+    look();
+    auto const after = records();
+    ASSERT_EQ(after.lives.size(), 2U);
+    EXPECT_EQ(after.lives[0].events.size(), before.lives[0].events.size());
+    EXPECT_EQ(after.lives[1].events.size(), before.lives[1].events.size());
+    EXPECT_EQ(after.lives[1].missed, 0U);
+}
+
+TEST_F(Following, Goes_on_after_a_flood_without_what_it_has_counted_as_missed) {
+    run();
+    for (int round = 0; round < 5; ++round) {
+        for (Number i = 0; i < status::k_events; ++i) {
+            status::key_dropped(1);
+        }
+        look();
+    }
+    status::transition(1, 5, 4);
+    look();
+    auto const before = records();
+    restart();
+    look();
+    auto const after = records();
+    EXPECT_EQ(after.lives.at(0).events.size(), before.lives.at(0).events.size());
+    EXPECT_EQ(after.lives[0].missed + after.lives[0].events.size(), 5 * status::k_events + 2);
+}
+
+TEST_F(Following, Tells_two_lives_apart_and_counts_all_although_the_directory_comes_late) {
+    path += "/later";
+    for (std::size_t const waiting : {std::size_t{1}, std::size_t{3}, std::size_t{20}, std::size_t{4'096}}) {
+        SCOPED_TRACE(waiting);
+        std::filesystem::remove_all(path);
+        limits.waiting = waiting;
+        begin_page("a");
+        files = std::make_unique<Record_files>(path, limits);
+        recorder = std::make_unique<Recorder>(*files, Records(), k_watchdog);
+        run();
+        for (int i = 0; i < 99; ++i) {
+            status::transition(1 + i % 2, 2 - i % 2, 1);
+            look();
+        }
+        find_gone(0);
+        begin_page("a", 2);
+        run();
+        for (int i = 0; i < 3; ++i) {
+            status::transition(1, 5, 4);
+            status::transition(5, 1, 4);
+            look();
+        }
+        std::filesystem::create_directory(path);
+        Number const happened = 109;
+        for (int i = 0; i < 2 + 40 && records().lives.size() < 2; ++i) {
+            look();
+        }
+        status::transition(1, 5, 4);
+        status::transition(5, 4, 4);
+        for (int i = 0; i < 40; ++i) {
+            look();
+        }
+        auto const all = records();
+        EXPECT_EQ(all.damaged, 0U);
+        ASSERT_FALSE(all.lives.empty());
+        auto const& last = all.lives.back();
+        EXPECT_EQ(last.identity.number, 2U);
+        EXPECT_EQ(last.events.back().numbers[1], 4U);
+        Number told = 0;
+        for (auto const& life : all.lives) {
+            told += life.events.size() + life.missed;
+        }
+        EXPECT_EQ(told, happened);
+        for (auto const& event : last.events) {
+            EXPECT_GE(event.at, last.from);
+        }
+    }
+}
+
+TEST_F(Following, Has_on_the_disk_at_once_what_the_machine_may_go_down_after) {
+    run();
+    look();
+    status::key_taken(4);
+    look();  // the first sync is over in any case
+    struct {
+        char const* name;
+        void (*happens)();
+        bool is_urgent;
+    } const rows[]{
+        {"a key", [] { status::key_taken(4); }, false},
+        {"Running to Post Run", [] { status::transition(1, 3, 1); }, false},
+        {"entering Preparing", [] { status::transition(3, 5, 4); }, true},
+        {"another key", [] { status::key_taken(4); }, false},
+        {"Preparing to Running", [] { status::transition(5, 1, 4); }, false},
+        {"entering Shutting down", [] { status::transition(1, 4, 4); }, true},
+        {"a restart", [] { status::restart_requested(1); }, true},
+        {"the loop's end", [] { status::loop_ended(); }, true},
+    };
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.name);
+        auto const begin = std::chrono::steady_clock::now();
+        status::key_taken(4);
+        recorder->leave({status::now(), k_second, 0});  // is on the disk: no other sync is due within a second
+        disk.synced.clear();
+        row.happens();
+        look();
+        auto const took = std::chrono::steady_clock::now() - begin;
+        if (row.is_urgent || took < std::chrono::milliseconds(900)) {
+            EXPECT_EQ(disk.synced.size(), row.is_urgent ? 1U : 0U);
+        }
+    }
+}
+
+TEST_F(Following, Tells_once_what_records_have_twice) {
+    auto const event = event_line("transition", 7, "0,1,1");
+    auto const other = event_line("key", 7, "4,0,0");
+    auto const all = records_of({life_line("a", 1), event, other, event, event_line("transition", 7, "0,1,2"), other});
+    EXPECT_EQ(all.lives.at(0).events.size(), 3U);
 }
 
 TEST_F(Following, Begins_a_life_for_each_page) {
