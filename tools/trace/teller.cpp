@@ -18,7 +18,8 @@ constexpr char const* k_first_words = "Configuration for hostname: ";
 
 }  // namespace
 
-// Ticks count 32 bits of tenths of a millisecond: they begin anew after five days.
+// Ticks count 32 bits of tenths of a millisecond: they begin anew after five days. Messages of two threads may stand in
+// the other order, also around that moment.
 double Teller::time_of(Message const& message) {
     constexpr double k_ticks = 10'000;
     constexpr double k_us = 1'000'000;
@@ -26,11 +27,17 @@ double Teller::time_of(Message const& message) {
     if (!message.ticks) {
         return message.stored_us ? static_cast<double>(*message.stored_us) / k_us : now_;
     }
+    auto const time = [&](auto wraps) {
+        return (static_cast<double>(wraps) * 4294967296.0 + static_cast<double>(*message.ticks)) / k_ticks;
+    };
+    if (wraps_ > 0 && *message.ticks > newest_ticks_ && *message.ticks - newest_ticks_ > k_half) {
+        return time(wraps_ - 1);
+    }
     if (*message.ticks < newest_ticks_ && newest_ticks_ - *message.ticks > k_half) {
         ++wraps_;
     }
     newest_ticks_ = *message.ticks;
-    return (static_cast<double>(wraps_) * 4294967296.0 + static_cast<double>(*message.ticks)) / k_ticks;
+    return time(wraps_);
 }
 
 bool Teller::begins_life(Message const& message, double time) const {

@@ -132,6 +132,20 @@ TEST_F(Keeping_awake, Requests_when_the_service_comes_and_again_with_each_new_of
     EXPECT_THAT(changes, ElementsAre(true, false, true, false));
 }
 
+TEST_F(Keeping_awake, Takes_the_longest_time_for_ever) {
+    Alive service("app", calls);
+    {
+        Keep_awake const sut("app", Ecu_alive(), {milliseconds::max(), {}});
+        auto waiting = std::async(std::launch::async, [&] { return sut.await(milliseconds::max()); });
+        EXPECT_EQ(waiting.wait_for(milliseconds(100)), std::future_status::timeout);
+        service.OfferService();
+        EXPECT_TRUE(waiting.get());
+        EXPECT_TRUE(sut.is_held());
+        EXPECT_THAT(calls, ElementsAre("request"));
+    }
+    EXPECT_THAT(calls, ElementsAre("request", "release"));
+}
+
 TEST_F(Keeping_awake, Lets_who_waits_go_on_as_soon_as_it_is_held) {
     Keep_awake sut("app", Ecu_alive());
     Alive service("app", calls);

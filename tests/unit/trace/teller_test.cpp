@@ -217,6 +217,21 @@ TEST(A_clock_of_32_bits, Begins_anew_without_a_new_life) {
     EXPECT_NEAR(story.lives[0].end - story.lives[0].begin, 2.5, 0.01);
 }
 
+TEST(A_clock_of_32_bits, Begins_anew_once_although_two_messages_stand_in_the_other_order) {
+    constexpr double k_wrap = 429'496.7296;
+    auto lines = start();
+    auto const begin = lines.front().time;
+    for (auto& line : lines) {
+        line.time += k_wrap - 2;
+    }
+    lines.push_back({{"AP_StateManger transition from", "Running", " to ", "NM Controlled"}, 0.0001});
+    lines.push_back({{"another thread's"}, k_wrap - 0.0001});
+    lines.push_back({{"AP_StateManger transition from", "NM Controlled", " to ", "Running"}, 1.0});
+    auto const story = told(lines);
+    ASSERT_THAT(story.lives, SizeIs(1));
+    EXPECT_NEAR(story.lives[0].end - story.lives[0].begin, 3 - begin, 0.01);
+}
+
 TEST(A_power_cycle, Ends_with_its_suspend) {
     auto lines = start();
     add(lines, {{2.0, {"AP_StateManger transition from", "Running", " to ", "Preparing"}},

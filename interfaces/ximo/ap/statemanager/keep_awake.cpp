@@ -7,6 +7,8 @@
 #include "ximo/ap/statemanager/state_management_com_alive_interface_proxy.h"
 #include "ximo/ap/statemanager/state_management_cwu_interface_proxy.h"
 
+#include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <optional>
 #include <system_error>
@@ -18,6 +20,16 @@ namespace ximo::ap::statemanager {
 using ara::com::FindServiceHandle;
 using ara::com::InstanceSpecifier;
 using ara::com::ServiceHandleContainer;
+
+namespace {
+
+/// A limit of any length: the clock has no time that lies behind its end.
+std::chrono::steady_clock::time_point end_of(std::chrono::milliseconds limit) {
+    constexpr std::chrono::hours k_longest(24 * 3'650);
+    return std::chrono::steady_clock::now() + std::min<std::chrono::milliseconds>(limit, k_longest);
+}
+
+}  // namespace
 
 /// What is common to the three services: who waits, who is told, and the limit's thread.
 class Keep_awake::Hold {
@@ -52,7 +64,7 @@ class Keep_awake::Hold {
     }
 
     bool await(std::chrono::milliseconds limit) {
-        auto const end = std::chrono::steady_clock::now() + limit;
+        auto const end = end_of(limit);
         base::Lock_guard const lock(mutex_);
         while (!is_held_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
         }
@@ -88,7 +100,7 @@ class Keep_awake::Hold {
     }
 
     void end_in_time() {
-        auto const end = std::chrono::steady_clock::now() + options_.limit;
+        auto const end = end_of(options_.limit);
         {
             base::Lock_guard const lock(mutex_);
             while (!is_ending_ && changed_.wait_until(mutex_, end) == std::cv_status::no_timeout) {
