@@ -138,16 +138,49 @@ void guard(Hold_options const& options, Holding const& holding, Channel const& c
     std::_Exit(k_not_found);
 }
 
+/// What the command becomes it becomes once it is watched. Without ap_statectl it becomes nothing.
+[[noreturn]] void become_when_told(std::vector<std::string>& words, std::unique_ptr<Channel> const& own,
+                                   std::unique_ptr<Channel>& other) {
+    other.reset();
+    if (own->receive().empty()) {
+        std::_Exit(k_failure);
+    }
+    become(words);
+}
+
 volatile sig_atomic_t command_to_tell = 0;
 
-/// What is sent to ap_statectl alone reaches the command; what a terminal sends has come to both.
-void leave_signals_to(pid_t command) {
-    command_to_tell = command;
-    for (int const number : {SIGTERM, SIGHUP}) {
-        std::signal(number, [](int received) { ::kill(command_to_tell, received); });
+void tell_command(int signal) {
+    ::kill(command_to_tell, signal);
+}
+
+/// As long as it lives, what is sent to ap_statectl alone reaches the command; what a terminal sends has come to both.
+class Signals_left_to {
+ public:
+    explicit Signals_left_to(pid_t command) {
+        command_to_tell = command;
+        for (std::size_t i = 0; i < k_signals.size(); ++i) {
+            bool const is_of_terminal = k_signals[i] == SIGINT || k_signals[i] == SIGQUIT;
+            before_[i] = std::signal(k_signals[i], is_of_terminal ? SIG_IGN : tell_command);
+        }
     }
-    for (int const number : {SIGINT, SIGQUIT}) {
-        std::signal(number, SIG_IGN);
+    ~Signals_left_to() {
+        for (std::size_t i = 0; i < k_signals.size(); ++i) {
+            std::signal(k_signals[i], before_[i]);
+        }
+    }
+    Signals_left_to(Signals_left_to const&) = delete;
+    Signals_left_to& operator=(Signals_left_to const&) = delete;
+
+ private:
+    static constexpr std::array<int, 4> k_signals{SIGTERM, SIGHUP, SIGINT, SIGQUIT};
+    std::array<void (*)(int), 4> before_{};
+};
+
+/// Its number stays its own until it is awaited.
+void await_end_of(pid_t process) {
+    siginfo_t ended{};
+    while (::waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
     }
 }
 
@@ -192,13 +225,19 @@ int hold(Hold_options& options, Holding const& holding) {
     if (guardian == 0) {
         return k_failure;
     }
+    auto [to_command, own_of_command] = make_channel();
     auto const command = checked(::fork());
     if (command == 0) {
-        become(options.words);
+        become_when_told(options.words, own_of_command, to_command);
     }
-    leave_signals_to(command);
-    channel->send(std::to_string(command));
-    channel->receive();  // from here on it is watched
+    own_of_command.reset();
+    {
+        Signals_left_to const signals(command);
+        channel->send(std::to_string(command));
+        channel->receive();  // from here on it is watched
+        to_command->send(k_watching);
+        await_end_of(command);
+    }
     int const status = await(command);
     if (await(guardian) != k_success) {
         release_in_its_place(options, holding);

@@ -2,7 +2,9 @@
 #include "story.h"
 #include "tool.h"
 
+#include <chrono>
 #include <csignal>
+#include <thread>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -122,6 +124,29 @@ TEST_F(Holding, Outlives_ap_statectl_and_not_the_command) {
     EXPECT_EQ(::kill(command, 0), 0);
     open_gate();
     EXPECT_TRUE(is_released());
+}
+
+TEST_F(Holding, Begins_no_command_that_nobody_watches) {
+    start_and_run();
+    Child_process process({VEHICLE_BUILD "/tools/ap_statectl", "hold", "ecu-alive", "2", "--", "echo", "started"},
+                          std::vector<std::string>{});
+    auto const main_thread = "/proc/" + std::to_string(process.pid()) + "/task/" + std::to_string(process.pid());
+    pid_t guardian = 0;
+    while (guardian == 0) {
+        std::ifstream(main_thread + "/children") >> guardian;
+    }
+    process.signal(SIGSTOP);
+    EXPECT_TRUE(is_requested());
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));  // so that the guardian has said that it holds
+    ::kill(guardian, SIGSTOP);
+    process.signal(SIGCONT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    process.signal(SIGKILL);
+    process.wait(Player::k_patience);
+    ::kill(guardian, SIGCONT);
+    EXPECT_TRUE(is_released());
+    char byte = 0;
+    EXPECT_EQ(::read(process.output(), &byte, 1), 0) << "the command has begun";
 }
 
 TEST_F(Holding, Releases_in_the_place_of_a_killed_guardian) {
