@@ -175,8 +175,8 @@ Outcome play(Script const& script, std::string const& configuration, bool with_l
     enact(script, life);
     life.run(script.end());
     if (cycles > k_most_cycles) {
-        throw std::runtime_error("a life has at most " + std::to_string(k_most_cycles) +
-                                 " cycles: it needs an earlier \"until\" or a longer StateManagerMainPeriod");
+        throw Too_many_cycles("a life has at most " + std::to_string(k_most_cycles) +
+                              " cycles: it needs an earlier \"until\" or a longer StateManagerMainPeriod");
     }
     Outcome outcome{life.timeline(), {}, life.longest_cycle()};
     for (auto const& expectation : script.expectations) {

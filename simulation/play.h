@@ -4,6 +4,7 @@
 #include "simulation/script.h"
 
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -33,8 +34,13 @@ std::string configuration_of(Script const& script, std::optional<std::string> co
 Life_options options_of(Script const& script, std::string const& configuration);
 void enact(Script const& script, Life& life);
 
-/// Plays a script. Throws `std::runtime_error` for a configuration that the daemon refuses, and for a life of more than
-/// two million cycles.
+/// A life of more than two million cycles.
+class Too_many_cycles : public std::runtime_error {
+ public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Plays a script. Throws `std::runtime_error` for a configuration that the daemon refuses, and `Too_many_cycles`.
 Outcome play(Script const& script, std::string const& configuration, bool with_log = false);
 
 }  // namespace simulation

@@ -36,7 +36,9 @@ void clients(Script_line& line, Script& script) {
 
 void event(Script_line& line, Script& script) {
     auto const at = line.time("a time");
-    script.events.push_back({at, act(line, script)});
+    auto words = line;
+    auto what = act(line, script);
+    script.events.push_back({at, std::move(what), words.rest("an event")});
 }
 
 void manager_at_start(Script_line& line, Script& script) {

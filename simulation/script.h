@@ -30,6 +30,7 @@ struct Script {
     struct Event {
         Time at;
         std::function<void(Life&)> act;
+        std::string text{};  ///< as it was written: "status-file takes after 2s"
     };
     /// An entry of the timeline with this kind, and with `who` and `what` where these are not empty.
     struct Wanted {

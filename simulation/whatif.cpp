@@ -49,7 +49,7 @@ int play(Options const& options, simulation::Script const& script, std::string c
     if (!options.worst.empty()) {
         for (auto const& goal : simulation::goals()) {
             if (options.worst == goal.name) {
-                std::cout << text_of(find_worst(script, configuration, goal), goal) << std::flush;
+                std::cout << simulation::Longest_way(script, configuration, goal).text() << std::flush;
             }
         }
         return 0;

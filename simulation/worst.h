@@ -3,6 +3,7 @@
 
 #include "simulation/script.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,11 +35,28 @@ struct Worst {
 std::vector<Goal> const& goals();
 
 /// Tries the key at each moment at which something happens in a life with a suspend and a resume, and in the life with
-/// the longest resume, and right after it; with the script's clients as they are, and with each group of them silent. A
-/// script without clients gets a silent one of each group. Of the script's events none is played.
-Worst find_worst(Script const& script, std::string const& configuration, Goal const& goal);
+/// the longest resume, and right after it. A script without clients gets a silent one of each group. Of the script's
+/// events those are played that change the manner of a client or of another neighbour.
+class Longest_way {
+ public:
+    Longest_way(Script const& script, std::string const& configuration, Goal const& goal);
 
-std::string text_of(Worst const& worst, Goal const& goal);
+    /// With the clients as the script has them; nothing where it has none.
+    std::optional<Worst> const& as_they_are() const { return as_they_are_; }
+    /// With each group of clients silent as well.
+    Worst const& whatever_they_do() const { return whatever_they_do_; }
+
+    std::string text() const;
+
+ private:
+    std::string assumed() const;
+
+    Script const& script_;
+    Goal const& goal_;
+    Time budget_{0};  ///< of the power-off service in a fast shutdown
+    std::optional<Worst> as_they_are_;
+    Worst whatever_they_do_;
+};
 
 }  // namespace simulation
 

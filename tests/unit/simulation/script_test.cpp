@@ -7,6 +7,7 @@
 #include "simulation/worst.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -213,10 +214,12 @@ TEST(The_longest_way, Is_that_of_silent_clients_and_a_key_at_the_worst_moment) {
         "config StateManagerMainPeriod 500\n"
         "clients radio after 700ms, dcm, dem after 20s\n");
     auto const& resume = goals().at(1);
-    auto const text = text_of(find_worst(script, configuration_of(script, std::nullopt), resume), resume);
+    auto const both = Longest_way(script, configuration_of(script, std::nullopt), resume).text();
+    EXPECT_THAT(both, StartsWith("With the clients as they are, the longest resume takes "));
+    auto const text = both.substr(both.find("Whatever"));
     // The last group was just asked to stand by, and after that all are asked to run.
     EXPECT_EQ(text.substr(0, text.find("\n\n")),
-              "The longest resume takes 7.000 s, from key r to Running:\n"
+              "Whatever the clients do, the longest resume takes 7.000 s, from key r to Running:\n"
               "     1.500 s  key r, Resuming, diag::dem asked kPrepSD\n"
               "     1.500 s  diag::dem asked kOn\n"
               "     2.500 s  radio asked kOn\n"
@@ -243,7 +246,7 @@ TEST(The_longest_way, Is_made_of_all_that_takes_its_time) {
                                      "config DMSuspendRequestTimeout 1\n") +
                          lines);
         for (auto const& goal : goals()) {
-            auto const worst = find_worst(script, configuration_of(script, std::nullopt), goal);
+            auto const worst = Longest_way(script, configuration_of(script, std::nullopt), goal).whatever_they_do();
             Time sum{0};
             for (auto const& leg : worst.legs) {
                 sum += leg.length;
@@ -253,13 +256,72 @@ TEST(The_longest_way, Is_made_of_all_that_takes_its_time) {
     }
 }
 
+constexpr char const* k_short =
+    "config StateManagerMainPeriod 500\nconfig ApplicationSuspendRequestTimeout 2\n"
+    "config DMSuspendRequestTimeout 1\nconfig PMSuspendRequestTimeout 9\n";
+
+std::string longest(std::string const& lines, unsigned goal) {
+    auto const script = parse_script(k_short + lines);
+    return Longest_way(script, configuration_of(script, std::nullopt), goals().at(goal)).text();
+}
+
+/// The script behind a line of the text, played.
+Timeline played_from(std::string const& text, char const* line) {
+    auto const begin = text.find("config", text.find(line));
+    return played(text.substr(begin, text.find("\n\n", begin) - begin)).timeline;
+}
+
+TEST(The_longest_way, Is_told_with_the_clients_as_they_are_and_whatever_they_do) {
+    auto const text =
+        longest("clients dcm, radio after 700ms, dem\nat 0s status-file takes after 2s\nat 3s key n\n", 0);
+    EXPECT_THAT(text, HasSubstr("Where it is not lost, the longest suspend takes 8.000 s, from key p to "));
+    EXPECT_THAT(text, HasSubstr("Where it is not lost, the longest suspend takes 11.500 s, from key p to "));
+    EXPECT_THAT(text, HasSubstr("answer at once, but for\n    at 0.000s status-file takes after 2s\nNot played: 1 of"));
+
+    auto const timeline = played_from(text, "Whatever");
+    auto const key = std::find_if(timeline.begin(), timeline.end(), [](auto const& e) { return e.kind == Kind::key; });
+    auto const word = std::find_if(key, timeline.end(), [](auto const& e) { return e.what == "prepared4sd"; });
+    ASSERT_NE(word, timeline.end());
+    EXPECT_EQ(word->at - key->at, std::chrono::milliseconds(11500));
+}
+
+TEST(The_longest_way, Has_clients_that_come_and_change_in_the_script) {
+    auto const text = longest("at 0s client radio connects after 700ms\nat 900ms client radio after 1s\n", 0);
+    EXPECT_THAT(text, HasSubstr("Where it is not lost, the longest suspend takes 2.500 s"));
+    EXPECT_THAT(text, HasSubstr("at 0.900s client radio silent\n"));
+}
+
+TEST(The_longest_way, Is_no_bound_where_a_key_is_lost) {
+    auto const text = longest("clients dcm, radio after 700ms\npower-off takes 1s\n", 2);
+    EXPECT_THAT(text, StartsWith("With the clients as they are, there is no bound: in "));
+    EXPECT_THAT(text, HasSubstr("\nWhatever the clients do, there is no bound: in "));
+    EXPECT_THAT(text, HasSubstr("gives the power-off service 9.000 s (PMSuspendRequestTimeout)"));
+
+    auto const timeline = played_from(text, "The first such life:");
+    EXPECT_EQ(timeline.back().what, k_end_of_the_look);
+    EXPECT_TRUE(std::any_of(timeline.begin(), timeline.end(), [](auto const& e) { return e.what == "power"; }));
+    EXPECT_TRUE(std::none_of(timeline.begin(), timeline.end(), [](auto const& e) { return e.who == "Shutting down"; }));
+}
+
+TEST(The_longest_way, Names_what_makes_a_life_of_its_search_too_long) {
+    try {
+        longest(
+            "config StateManagerMainPeriod 10\nconfig ApplicationSuspendRequestTimeout 7200\n"
+            "config DMSuspendRequestTimeout 7200\n",
+            0);
+        FAIL();
+    } catch (std::runtime_error const& error) {
+        EXPECT_THAT(error.what(), HasSubstr("shorter time-outs of clients"));
+    }
+}
+
 TEST(The_longest_way, Is_not_searched_where_clients_have_hours) {
     for (auto const* const hours : {"14401", "4294967295"}) {
         auto const script = parse_script("config DMSuspendRequestTimeout 1\nconfig ApplicationSuspendRequestTimeout " +
                                          std::string(hours));
         std::string complaint;
         try {
-            find_worst(script, configuration_of(script, std::nullopt), goals().front());
+            Longest_way(script, configuration_of(script, std::nullopt), goals().front());
         } catch (std::runtime_error const& error) {
             complaint = error.what();
         }
