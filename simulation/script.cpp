@@ -31,14 +31,16 @@ void clients(Script_line& line, Script& script) {
     do {
         auto const name = line.next("a client");
         script.clients.push_back(coming_client(line, name));
+        script.known_clients.insert(script.clients.back().name);
     } while (line.take(","));
 }
 
 void event(Script_line& line, Script& script) {
+    auto const column = line.column();
     auto const at = line.time("a time");
     auto words = line;
     auto what = act(line, script);
-    script.events.push_back({at, std::move(what), words.rest("an event")});
+    script.events.push_back({at, std::move(what), words.rest("an event"), line.number(), column});
 }
 
 void manager_at_start(Script_line& line, Script& script) {
@@ -60,7 +62,36 @@ void expect(Script_line& line, Script& script) {
 }
 
 void until(Script_line& line, Script& script) {
-    script.until = line.time("a time");
+    auto const time = line.time("a time");
+    if (script.until) {
+        line.refuse_last("\"until\" was said before, and is said once");
+    }
+    script.until = time;
+}
+
+/// What can only be seen when all lines are read: what would never happen, and so never be missed.
+void refuse_what_never_comes(Script const& script) {
+    constexpr char const* k_too_late = "this is after the time of \"until\", when nobody looks any more";
+    for (auto const& event : script.events) {
+        if (event.at > script.end()) {
+            throw Script_error(event.line, event.time_column, k_too_late);
+        }
+    }
+    for (auto const& expectation : script.expectations) {
+        auto const& wanted = expectation.wanted;
+        if (wanted.kind == Kind::client && script.known_clients.count(wanted.who) == 0) {
+            std::string all;
+            for (auto const& name : script.known_clients) {
+                all += (all.empty() ? ": " : ", ") + name;
+            }
+            throw Script_error(expectation.line, expectation.name_column,
+                               '"' + wanted.who + "\" is no client that connects" + all);
+        }
+        if (expectation.from > script.end()) {
+            throw Script_error(expectation.line, expectation.time_column,
+                               script.until ? k_too_late : "this is more than five minutes after the last event");
+        }
+    }
 }
 
 void read(Script_line& line, Script& script) {
@@ -100,6 +131,7 @@ Script parse_script(std::string_view text) {
         }
         text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
     }
+    refuse_what_never_comes(script);
     return script;
 }
 

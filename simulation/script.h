@@ -31,6 +31,8 @@ struct Script {
         Time at;
         std::function<void(Life&)> act;
         std::string text{};  ///< as it was written: "status-file takes after 2s"
+        unsigned line{0};
+        unsigned time_column{0};
     };
     /// An entry of the timeline with this kind, and with `who` and `what` where these are not empty.
     struct Wanted {
@@ -48,6 +50,8 @@ struct Script {
         Time from{0};          ///< seen not earlier,
         Time to{Time::max()};  ///< and not later
         std::vector<std::string> words{};
+        unsigned name_column{0};  ///< of the client
+        unsigned time_column{0};  ///< of `from`
     };
 
     std::vector<Setting> settings;
@@ -58,6 +62,7 @@ struct Script {
     std::vector<Event> events;
     std::vector<Expectation> expectations;
     std::optional<Time> until;
+    std::set<std::string> known_clients;  ///< that connect at some time
 
     // The instances that its applications call.
     std::set<std::string> ecu;

@@ -129,7 +129,7 @@ Act manager(Script_line& line) {
     };
 }
 
-Act client(Script_line& line, Script_line const& words) {
+Act client(Script_line& line, Script_line const& words, Script& script) {
     auto const name = client_name(line.next("a client"));
     if (is_manner(line.peek())) {
         auto const how = manner(line);
@@ -139,6 +139,7 @@ Act client(Script_line& line, Script_line const& words) {
                                                "invalid", "crashes", "succeeds", "twice"})) {
         case 0: {
             auto const comes = coming_client(line, name);
+            script.known_clients.insert(name);
             return [comes](Life& life) { life.clients().connect(comes.name, comes.manner, comes.state); };
         }
         case 1:
@@ -209,7 +210,7 @@ std::function<void(Life&)> act(Script_line& line, Script& script) {
         case 2:
             return diagnostics(line);
         case 3:
-            return client(line, changed);
+            return client(line, changed, script);
         default:
             line = changed;
             return change(line);

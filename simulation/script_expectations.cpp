@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace simulation {
 
@@ -25,22 +26,28 @@ std::string words(Script_line& line, char const* what) {
     return text;
 }
 
+std::string state_word(Script_line& line) {
+    static auto const& words = *new std::vector<std::string>{
+        "startingup", "running", "runnmcontrolled", "postrun", "preparing", "prepared4sd", "resuming", "shuttingdown"};
+    return line.known("a state word", words);
+}
+
 Script::Wanted wanted(Script_line& line) {
     if (line.take("word")) {
-        return {Kind::word, "written", line.next("a state word")};
+        return {Kind::word, "written", state_word(line)};
     }
     if (line.take("client")) {
         auto const name = client_name(line.next("a client"));
         return {Kind::client, name, words(line, "what the client does")};
     }
     if (line.take("machine-state")) {
-        return {Kind::machine_state, "granted", line.next("a machine state")};
+        return {Kind::machine_state, "granted", line.known("a machine state", {"Running", "Shutdown"})};
     }
     if (line.take("power-off")) {
         return {Kind::power_off, "", words(line, "a line to the power-off service")};
     }
     if (line.take("restart")) {
-        return {Kind::restart, "written", line.next("a word")};
+        return {Kind::restart, "written", line.known("a restart word", {"restartao", "restartm3", "cancel"})};
     }
     if (line.take("request") || line.take("release")) {
         line.refuse_last("what is requested of the network is expected as \"network-state\" or \"user-data\"");
@@ -66,12 +73,14 @@ Script::Wanted wanted(Script_line& line) {
 void limits(Script_line& line, Script::Expectation& expectation) {
     if (line.take("within")) {
         auto const span = line.time("a time");
-        line.one_of("what follows", {"of"});
+        line.one_of("\"of\" and a time", {"of"});
+        expectation.time_column = line.column();
         expectation.from = line.time("a time");
         expectation.to = expectation.from + span;
     } else if (line.take("before")) {
         expectation.to = line.time("a time") - Time(1);
     } else if (line.take("after")) {
+        expectation.time_column = line.column();
         expectation.from = line.time("a time");
     }
 }
@@ -84,12 +93,15 @@ Script::Expectation expectation(Script_line& line) {
     if (line.take("words")) {
         expectation.kind = Script::Expectation::Kind::words;
         do {
-            expectation.words.push_back(line.next("a state word"));
+            expectation.words.push_back(state_word(line));
         } while (line.take(","));
     } else {
         if (line.take("no")) {
             expectation.kind = Script::Expectation::Kind::none;
         }
+        auto at_client = line;
+        at_client.take("client");
+        expectation.name_column = at_client.column();
         expectation.wanted = wanted(line);
         limits(line, expectation);
     }

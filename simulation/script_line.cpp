@@ -92,6 +92,18 @@ std::size_t Script_line::one_of(char const* what, std::initializer_list<std::str
     refuse_last(in_quotes(word) + " is not " + what + ": " + all);
 }
 
+std::string Script_line::known(char const* what, std::vector<std::string> const& words) {
+    auto word = next(what);
+    std::string all;
+    for (auto const& known : words) {
+        if (word == known) {
+            return word;
+        }
+        all += (all.empty() ? "" : ", ") + known;
+    }
+    refuse_last(in_quotes(word) + " is not " + what + ": " + all);
+}
+
 Time Script_line::time(char const* what) {
     auto const word = next(what);
     auto const time = time_of(word);

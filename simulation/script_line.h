@@ -34,6 +34,9 @@ class Script_line {
     /// Takes one of some words, and tells which.
     std::size_t one_of(char const* what, std::initializer_list<std::string_view> words);
 
+    /// Takes one of some words.
+    std::string known(char const* what, std::vector<std::string> const& words);
+
     /// Takes "100ms", "1.5s" or "2min", at most a day.
     Time time(char const* what);
 

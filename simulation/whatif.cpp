@@ -7,6 +7,7 @@
 #include "simulation/worst.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -105,6 +106,16 @@ int read_and_play(Options const& options) {
     return k_bad_input;
 }
 
+/// The status, unless what was printed is lost.
+int written(int status) {
+    std::cout.flush();
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0 || !std::cout) {
+        std::cerr << "ap_whatif: the output can't be written\n";
+        return status == 0 ? k_missed : status;
+    }
+    return status;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -131,11 +142,11 @@ int main(int argc, char** argv) {
         return application.exit(error) == 0 ? 0 : k_bad_input;
     }
     if (!options.trace.empty()) {
-        return check_trace(options);
+        return written(check_trace(options));
     }
     if (script->count() == 0 && worst->count() == 0) {
         std::cerr << "ap_whatif: a script is missing\n";
         return k_bad_input;
     }
-    return read_and_play(options);
+    return written(read_and_play(options));
 }

@@ -308,7 +308,8 @@ class Search {
             text += "power-off takes " + time_text(played.power_off_takes) + '\n';
         }
         for (auto const& event : played.events) {
-            text += "at " + time_text(event.at) + ' ' + event.text + '\n';
+            // One after the end is refused in a script.
+            text += event.at > played.end() ? "" : "at " + time_text(event.at) + ' ' + event.text + '\n';
         }
         return text + "until " + time_text(played.end()) + '\n';
     }

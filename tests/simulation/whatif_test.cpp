@@ -41,6 +41,13 @@ TEST(The_command_line, Refuses_options_that_would_be_ignored) {
     }
 }
 
+TEST(The_command_line, Fails_where_the_output_cannot_be_written) {
+    for (auto const* const options : {"- </dev/null", "--json - </dev/null", "--trace " KEPT_TRACE}) {
+        auto const ended = whatif(std::string(options) + " 3>&1 >/dev/full 2>&3");
+        EXPECT_EQ(ended.status, 1) << options;
+    }
+}
+
 TEST(The_command_line, Blames_the_configuration_where_a_trace_is_judged_with_one_that_cannot_be_used) {
     Temporary_directory const directory;
     auto const path = directory.file("bad.json");
