@@ -1,6 +1,7 @@
 #ifndef BENCH_VM_EMULATOR_H
 #define BENCH_VM_EMULATOR_H
 
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,8 @@ struct Machine_options {
     /// A translated machine's time goes on with what it does, not with this machine's: what takes a second there does
     /// so on a busy host as well.
     bool counts_instructions{false};
+
+    std::ostream* trace{nullptr};  ///< where the log's bytes are stored as they come, with serial headers
 };
 
 /// What the host can do for the machine.

@@ -149,7 +149,11 @@ void Virtual_machine::hear_news() {
     add_all(account_.hear_state(running_->state.take()));
     add_all(account_.hear_restart(running_->restart.take()));
     add_all(account_.hear_power_off(running_->power_off.take()));
-    add_all(account_.hear_log(running_->log.take()));
+    auto const log = running_->log.take();
+    if (options_.trace != nullptr) {
+        *options_.trace << log << std::flush;
+    }
+    add_all(account_.hear_log(log));
     add_all(account_.hear_journal(running_->journal.take(), players_));
 }
 

@@ -1,17 +1,20 @@
 #include "target.h"
 
+#include "bench/process/child_process.h"
+
 #include <algorithm>
 #include <cstdio>
 
 namespace bench::vm {
 
 std::unique_ptr<Virtual_machine> Target::shared_machine;
+std::ofstream Target::trace;
 bool Target::daemon_is_used_up = false;
 
 /// Ends the machine before the program does.
 class Shared_machine : public testing::Environment {
  public:
-    void TearDown() override { Target::shared_machine.reset(); }
+    void TearDown() override { Target::end_machine(); }
 };
 
 namespace {
@@ -26,7 +29,7 @@ double seconds(std::int64_t nanoseconds) {
 
 Virtual_machine& Target::machine() {
     if (!shared_machine) {
-        shared_machine = std::make_unique<Virtual_machine>(usual_machine());
+        switch_off();
     }
     return *shared_machine;
 }
@@ -38,9 +41,22 @@ Machine_options Target::usual_machine() {
     return options;
 }
 
-void Target::switch_off(Machine_options const& next) {
-    shared_machine.reset();
+void Target::switch_off(Machine_options next) {
+    end_machine();
+    trace.open(VM_TRACE, std::ios::binary);
+    next.trace = &trace;
     shared_machine = std::make_unique<Virtual_machine>(next);
+}
+
+void Target::end_machine() {
+    if (!shared_machine) {
+        return;
+    }
+    shared_machine.reset();
+    trace.close();
+    constexpr int k_no_life = 2;
+    Child_process checker({"/bin/sh", "-c", "exec " AP_WHATIF " --trace " VM_TRACE " >&2"}, {});
+    EXPECT_THAT(checker.wait(k_patience), testing::AnyOf(0, k_no_life));
 }
 
 void Target::begin_story() {

@@ -4,6 +4,7 @@
 #include "bench/vm/virtual_machine.h"
 
 #include <chrono>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,7 +31,7 @@ class Target : public testing::Test {
     static Virtual_machine& machine();
 
     /// A machine that was off, and boots when the story starts it: another one when it says so.
-    static void switch_off(Machine_options const& next = usual_machine());
+    static void switch_off(Machine_options next = usual_machine());
 
     /// Only the daemon, without its vehicle.
     static Machine_options usual_machine();
@@ -89,10 +90,15 @@ class Target : public testing::Test {
     static void needs_new_daemon() { daemon_is_used_up = true; }
 
  private:
+    /// Ends the machine. The daemon's lives in it were those that the simulated machine has, given what came from
+    /// outside, as far as its log can decide it.
+    static void end_machine();
+
     void tell_events() const;
     static void tell_state();
 
     static std::unique_ptr<Virtual_machine> shared_machine;
+    static std::ofstream trace;
     static bool daemon_is_used_up;
     friend class Shared_machine;
 
