@@ -23,8 +23,7 @@ void setting(Script_line& line, Script& script) {
     auto const key_column = line.column();
     auto key = line.next("the name of a setting");
     auto const value_column = line.column();
-    script.settings.push_back(
-        {std::move(key), line.rest("its value, in JSON"), line.number(), key_column, value_column});
+    script.settings.push_back({std::move(key), line.rest("a value in JSON"), line.number(), key_column, value_column});
 }
 
 void clients(Script_line& line, Script& script) {
@@ -44,7 +43,7 @@ void event(Script_line& line, Script& script) {
 }
 
 void manager_at_start(Script_line& line, Script& script) {
-    script.manager_is_there = line.one_of("where the network manager is", {"there", "absent"}) == 0;
+    script.manager_is_there = line.one_of("the network manager's place", {"there", "absent"}) == 0;
 }
 
 void power_off(Script_line& line, Script& script) {

@@ -80,7 +80,7 @@ std::string Script_line::next(char const* what) {
 }
 
 std::size_t Script_line::one_of(char const* what, std::initializer_list<std::string_view> words) {
-    auto const word = next(what);
+    auto const word = at_end() ? std::string() : next(what);
     std::string all;
     std::size_t place = 0;
     for (auto const known : words) {
@@ -88,6 +88,9 @@ std::size_t Script_line::one_of(char const* what, std::initializer_list<std::str
             return place;
         }
         all += (place++ == 0 ? "" : ", ") + std::string(known);
+    }
+    if (word.empty()) {
+        refuse_next(std::string("here ") + what + " is missing: " + all);
     }
     refuse_last(in_quotes(word) + " is not " + what + ": " + all);
 }

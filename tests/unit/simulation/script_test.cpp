@@ -78,7 +78,8 @@ INSTANTIATE_TEST_SUITE_P(
         Bad_script{"at 1s diagnostics restart vm",
                    "1:27: \"vm\" is not a kind of restart, a whole number of at most 255"},
         Bad_script{"expect Nowhere", k_wanted},
-        Bad_script{"expect Running within 1s", "1:25: here \"of\" and a time is missing"},
+        Bad_script{"expect Running within 1s", "1:25: here \"of\" and a time is missing: of"},
+        Bad_script{"manager", "1:8: here the network manager's place is missing: there, absent"},
         Bad_script{
             "expect no word prepard4sd",
             "1:16: \"prepard4sd\" is not a state word: startingup, running, runnmcontrolled, postrun, preparing, "
@@ -96,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(
                    "2:25: this is after the time of \"until\", when nobody looks any more"},
         Bad_script{"expect no Running after 301s", "1:25: this is more than five minutes after the last event"},
         Bad_script{"until 5s\nuntil 6s", "2:7: \"until\" was said before, and is said once"},
-        Bad_script{"config KnockOutTimer", "1:21: here its value, in JSON is missing"},
+        Bad_script{"config KnockOutTimer", "1:21: here a value in JSON is missing"},
         Bad_script{"\nconfig Knockout 3", "2:8: there is no setting \"Knockout\""},
         Bad_script{"config KnockOutTimer three", "1:22: the value of KnockOutTimer is not JSON"},
         Bad_script{"config NmUserDataConfig 3\nconfig NmUserDataConfig.CABBytes 3",
