@@ -66,7 +66,7 @@ void Held_clients::group_asked(Time now, std::string const& text, bool may_begin
     for (auto& [name, client] : clients_) {
         client.at_request = group_of(name) == group ? client.connections : 0;
         // Who leaves or comes in the moment of a request may be asked.
-        client.is_unsure = client.connections > 1 || client.left_at == now;
+        client.is_unsure = client.connections > 1 || client.changed_at == now;
         client.asked = client.answered = 0;
     }
 }
@@ -117,11 +117,12 @@ void Held_clients::take_client(Time now, std::string const& name, std::string co
         client.is_unsure = client.is_unsure || client.connections > 0 || client.at_request > 0 ||
                            (notifier_.asked() && now == asked_at_);
         ++client.connections;
+        client.changed_at = now;
         client.greeted += *state == "kOn" ? 0U : 1U;
     } else if (what == "disconnected" || what == "crashed" || what == "was dropped") {
         --client.connections;  // at_request stays: whoever goes without an answer is waited for
         client.greeted = 0;
-        client.left_at = now;
+        client.changed_at = now;
     } else if (auto const wanted = behind("asked ", what)) {
         asked(name, *wanted);
     } else if (what.rfind("answered ", 0) == 0) {

@@ -42,7 +42,7 @@ class Held_clients {
         unsigned answered{0};
         unsigned greeted{0};    ///< has come in another state, and was not told the current one yet
         bool is_unsure{false};  ///< several have the name: who of them was asked or answers can't be told
-        Time left_at{-1};
+        Time changed_at{-1};    ///< came or left
     };
 
     void asked(std::string const& name, std::string const& state);

@@ -177,6 +177,17 @@ INSTANTIATE_TEST_SUITE_P(
         Broken{"something after the end", {{1s, Kind::end, "", ""}, {1s, Kind::word, "written", "startingup"}}}));
 
 // Each state of a suspend asks the network for nothing but on its way into the first.
+// A key ends the driver's wait in the moment in which two clients come: one is let in before the request, one after it.
+TEST(A_client, That_comes_in_the_moment_of_a_request_may_be_asked_or_not) {
+    Coverage unused;
+    EXPECT_EQ(played({"at 1700ms key s", "at 5596ms network sleeps", "at 7981ms key r",
+                      "at 8063ms client radio connects crashes after 7153ms", "at 8063ms client late8 connects silent",
+                      "at 8063ms key p"},
+                     unused)
+                  .finding,
+              "");
+}
+
 TEST(A_suspend, In_which_a_later_state_tells_the_network_something_is_found) {
     Lines const lines{"clients dcm, radio, dem", "at 2s key p"};
     auto const telling = [](std::string const& word) {
