@@ -133,6 +133,9 @@ void Held_rules::take(Entry const& entry) {
             if (entry.what != simulation::k_end_of_the_look) {
                 check_way_taken();
             }
+            if (entry.what == "the daemon has ended" && !must_end_) {
+                find("the daemon has ended, and nobody wants it to");
+            }
             has_ended_ = true;
             return;
         default:
@@ -143,6 +146,9 @@ void Held_rules::take(Entry const& entry) {
 void Held_rules::wait(simulation::Life& life) {
     ++steps_;
     now_ = life.events().now();
+    if (must_end_) {
+        find("the driver goes on after its end");
+    }
     if (has_waited_ && !went_) {
         decide(std::nullopt);
     }
@@ -233,6 +239,7 @@ void Held_rules::enter(State state) {
             break;
         case State::shutting_down:
             machine_states_owed_ = is_fast ? 0 : 1;
+            must_end_ = must_end_ || !is_fast;
             if (is_fast) {
                 owe_power_off(
                     {"terminate", "poweroff " + std::to_string(terms_.power_off / std::chrono::milliseconds(1))});
@@ -347,6 +354,8 @@ void Held_rules::take_neighbour(Entry const& entry) {
         longest_write_ = std::max(longest_write_, time_behind("after ", entry.what).value_or(Time(0)));
     } else if (entry.who == "keyboard") {
         records_.clear();
+    } else if (entry.who == "service manager" && entry.what == "stops the daemon") {
+        must_end_ = has_waited_;
     }
 }
 

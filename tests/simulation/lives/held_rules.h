@@ -88,6 +88,7 @@ class Held_rules {
     bool has_waited_{false};
     bool went_{false};  ///< a transition since the last wait
     bool has_ended_{false};
+    bool must_end_{false};  ///< the driver, in this cycle
     bool is_to_prepare_{false};
     unsigned ticks_{0};
     std::deque<Command> records_;  ///< of the input device, not read yet

@@ -174,9 +174,10 @@ INSTANTIATE_TEST_SUITE_P(
         Broken{"a group has answered that was not asked",
                {{1s, Kind::log, "info", "Received DCM client completion notification for  kPrepSD . Status:  0"}}},
         Broken{"was told", {{1s, Kind::power_off, "", "poweroff 5"}}},
+        Broken{"the daemon has ended, and nobody",
+               {k_running, k_word, k_granted, {3s, Kind::end, "", "the daemon has ended"}}},
         Broken{"something after the end", {{1s, Kind::end, "", ""}, {1s, Kind::word, "written", "startingup"}}}));
 
-// Each state of a suspend asks the network for nothing but on its way into the first.
 // A key ends the driver's wait in the moment in which two clients come: one is let in before the request, one after it.
 TEST(A_client, That_comes_in_the_moment_of_a_request_may_be_asked_or_not) {
     Coverage unused;
@@ -188,6 +189,7 @@ TEST(A_client, That_comes_in_the_moment_of_a_request_may_be_asked_or_not) {
               "");
 }
 
+// Each state of a suspend asks the network for nothing but on its way into the first.
 TEST(A_suspend, In_which_a_later_state_tells_the_network_something_is_found) {
     Lines const lines{"clients dcm, radio, dem", "at 2s key p"};
     auto const telling = [](std::string const& word) {
