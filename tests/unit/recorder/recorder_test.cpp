@@ -415,7 +415,7 @@ TEST_F(Following, Dates_each_power_cycle_by_the_clock_although_the_machine_has_s
     look_now();
     run();
     look_now();
-    for (Number const sleep : {3'600, 1'800}) {
+    for (auto const sleep : {Number{3'600}, Number{1'800}}) {
         status::transition(1, 5, 3);
         look_now();
         status::transition(5, 6, 3);
@@ -477,8 +477,8 @@ TEST_F(Following, Knows_after_a_restart_what_lies_in_older_files_or_is_not_kept_
             for (auto const& name : names) {
                 status::ecu_released(name);
             }
-            for (int state : {1, 5, 6, 7}) {
-                status::transition(state, state == 7 ? 1 : state == 1 ? 5 : state + 1, 4);
+            for (auto const state : {Number{1}, Number{5}, Number{6}, Number{7}}) {
+                status::transition(state, state == 7 ? 1U : state == 1 ? 5U : state + 1, 4);
             }
             look_later();
         }
@@ -508,7 +508,7 @@ TEST_F(Following, Tells_a_life_no_more_that_ended_before_those_that_the_newest_f
     auto const earlier_events = page->events.load();
     begin_page("a", 2);
     run();
-    for (int i = 0; i < 100; ++i) {
+    for (Number i = 0; i < 100; ++i) {
         status::transition(1 + i % 2, 2 - i % 2, 1);
         look();
     }
@@ -551,7 +551,7 @@ TEST_F(Following, Tells_two_lives_apart_and_counts_all_although_the_directory_co
         files = std::make_unique<Record_files>(path, limits);
         recorder = std::make_unique<Recorder>(*files, Records(), k_watchdog);
         run();
-        for (int i = 0; i < 99; ++i) {
+        for (Number i = 0; i < 99; ++i) {
             status::transition(1 + i % 2, 2 - i % 2, 1);
             look();
         }
