@@ -132,7 +132,7 @@ class Json_members : public testing::Test {
         return found;
     }
 
-    test_support::Temporary_directory const directory{};
+    test_support::Temporary_directory directory;
     std::map<std::string, Paths> rows{documented()};
     std::map<std::string, Paths> printed;
 };
