@@ -44,8 +44,7 @@ constexpr int k_cycles = 10;
 constexpr double k_target_ratio = 1.02;
 constexpr unsigned k_usual_period_ms = 100;
 constexpr unsigned k_short_period_ms = 1;  // for many cycles in little time
-constexpr int k_rounds = 4;
-constexpr int k_short_rounds = 3;
+constexpr int k_rounds = 3;
 constexpr int k_starts = 40;
 constexpr int k_suspends = 100;
 constexpr std::chrono::seconds k_idle_time{2};
@@ -272,7 +271,7 @@ constexpr std::size_t k_pairs_without_readers = 2;
 void compare(Machine& machine, std::size_t pairs, char const* name,
              std::function<void(Two_daemons&)> const& something) {
     std::array<std::vector<double>, k_pairs.size()> ratios;
-    for (int round = 0; round < benchmarks::whole_or_short(k_rounds, k_short_rounds); ++round) {
+    for (int round = 0; round < k_rounds; ++round) {
         for (std::size_t i = 0; i < pairs; ++i) {
             Two_daemons daemons(machine, k_pairs[i].has_page);
             Readers const readers(machine, k_pairs[i].read);

@@ -116,10 +116,10 @@ class Status_words : public Written_page {
                 } else if (after[place] != before[place]) {
                     auto const word = after[place];
                     changes += " " + section.names[i] + "=" +
-                               (begin <= word && word <= end      ? "now"
-                                : start_ <= word && word <= begin ? "then"
-                                : is_time(section.names[i], word) ? "some"
-                                                                  : text_of_word(word));
+                               (begin <= word && word <= end                                   ? "now"
+                                : start_ <= word && word <= begin                              ? "then"
+                                : is_time(section.name, section.names[i], before[place], word) ? "some"
+                                                                                               : text_of_word(word));
                 }
             }
             text += changes.empty() ? "" : (text.empty() ? "" : "; ") + section.name + ":" + changes;
@@ -127,9 +127,15 @@ class Status_words : public Written_page {
         return text;
     }
 
-    /// A time between two moments of the story.
-    bool is_time(std::string const& name, std::uint64_t word) const {
-        return (name == "longest" || name == "total" || name == "numbers[1]") && 500 < word && word <= now() - start_;
+    /// A time that the story took: of a client's words how long his last answer did, of the driver's any.
+    bool is_time(std::string const& section, std::string const& name, std::uint64_t before, std::uint64_t word) const {
+        if (section == "driver") {
+            return name == "longest" && 500 < word && word <= now() - start_;
+        }
+        auto const& client = written->clients[k_connection];
+        auto const took = name == "total" ? word - before : word;
+        return (name == "longest" || name == "total" || name == "numbers[1]") && took != 0 &&
+               took == own(client.answered_at) - own(client.asked_at);
     }
 
     /// A number, or the letters that stand in it.
