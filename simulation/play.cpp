@@ -5,87 +5,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
 #include <utility>
 
 namespace simulation {
 
 namespace {
 
-using nlohmann::json;
-
-constexpr char const* k_root = "ap_statemanager";
-
 // A day of cycles of 50 ms, and more.
 constexpr std::uint64_t k_most_cycles = 2'000'000;
-
-// The example configuration, with network management.
-constexpr char const* k_built_in = R"({
-    "KnockOutTimer": 3, "StateManagerNMUsage": true, "RequestNetworkOnEntryRunState": true,
-    "StateManagerMainPeriod": 100, "ApplicationSuspendRequestTimeout": 60, "DMSuspendRequestTimeout": 60,
-    "PMSuspendRequestTimeout": 60, "AliveSupervisionInstanceId": "ap_statemanager",
-    "SharedMemoryConfig": {"UpdateStatusFile": "/sys/vmctl/set_status",
-                           "RestartCommandFile": "/sys/vmctl/command_request"},
-    "NmUserDataConfig": {"UserDataBytes": 6, "CWUBitPosition": 6, "ACOffset": 1, "ACBytes": 2, "CABOffset": 3,
-                         "CABBytes": 3, "MaxCABSizeBits": 24, "CabBitsEnabled": false},
-    "DefautNMRequestPattern": [0, 0, 0, 0, 0, 0],
-    "MaxNumberOfApplicationsRequestAlive": 0, "ApplicationsRequestAliveConfig": [],
-    "MaxNumberOfApplicationsRequestNetwork": 0, "ApplicationsRequestNetworkConfig": [],
-    "MaxNumberOfCWURequest": 0, "CWURequestConfig": []})";
-
-// An empty list is refused.
-void add_instances(json& settings, std::set<std::string> names, char const* most, char const* list,
-                   char const* member) {
-    if (names.empty()) {
-        names.insert("1");
-    }
-    settings[most] = names.size();
-    for (auto const& name : names) {
-        settings[list].push_back({{member, name}});
-    }
-}
-
-json built_in_for(Script const& script) {
-    auto settings = json::parse(k_built_in);
-    add_instances(settings, script.ecu, "MaxNumberOfApplicationsRequestAlive", "ApplicationsRequestAliveConfig",
-                  "EcuAliveInterfaceInstance");
-    add_instances(settings, script.com, "MaxNumberOfApplicationsRequestNetwork", "ApplicationsRequestNetworkConfig",
-                  "NetworkAliveInterfaceInstance");
-    add_instances(settings, script.wake_up, "MaxNumberOfCWURequest", "CWURequestConfig", "CWUInterfaceInstance");
-    return settings;
-}
-
-void set(json& settings, Script::Setting const& setting) {
-    constexpr std::string_view k_name = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz.";
-    bool const is_name = setting.key.find_first_not_of(k_name) == std::string::npos;
-    auto path = "/" + setting.key;
-    std::replace(path.begin(), path.end(), '.', '/');
-    json::json_pointer const place(is_name ? path : std::string());
-    if (!is_name || !json::parse(k_built_in).contains(place)) {
-        throw Script_error(setting.line, setting.key_column, "there is no setting \"" + setting.key + '"');
-    }
-    auto const value = json::parse(setting.value, nullptr, false);
-    if (value.is_discarded()) {
-        throw Script_error(setting.line, setting.value_column, "the value of " + setting.key + " is not JSON");
-    }
-    try {
-        settings[place] = value;
-    } catch (json::exception const&) {  // what it would be in is something else
-        throw Script_error(setting.line, setting.key_column, "the configuration has no place for " + setting.key);
-    }
-}
-
-json parsed(std::string const& file) {
-    try {
-        return json::parse(file);
-    } catch (json::parse_error const& error) {
-        auto const read = file.substr(0, std::max<std::size_t>(error.byte, 1) - 1);
-        throw std::runtime_error("it is no JSON from line " +
-                                 std::to_string(1 + std::count(read.begin(), read.end(), '\n')) + ", column " +
-                                 std::to_string(read.size() - (read.rfind('\n') + 1) + 1) + " on");
-    }
-}
 
 bool is_wanted(Script::Wanted const& wanted, Entry const& entry) {
     return entry.kind == wanted.kind && (wanted.who.empty() || wanted.who == entry.who) &&
@@ -126,20 +53,6 @@ Verdict judge(Script::Expectation const& expectation, Timeline const& timeline) 
 
 bool Outcome::is_kept() const {
     return std::all_of(verdicts.begin(), verdicts.end(), [](auto const& verdict) { return verdict.is_kept; });
-}
-
-std::string configuration_of(Script const& script, std::optional<std::string> const& file) {
-    json root{{k_root, built_in_for(script)}};
-    if (file) {
-        root = parsed(*file);
-        if (!root.is_object() || !root.contains(k_root) || !root[k_root].is_object()) {
-            throw std::runtime_error("the configuration is no JSON object with a member \"ap_statemanager\"");
-        }
-    }
-    for (auto const& setting : script.settings) {
-        set(root[k_root], setting);
-    }
-    return root.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
 Life_options options_of(Script const& script, std::string const& configuration) {

@@ -3,7 +3,6 @@
 
 #include "simulation/script.h"
 
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -25,10 +24,6 @@ struct Outcome {
 
     bool is_kept() const;
 };
-
-/// The configuration of a script: a file's text, or a built-in one whose instances are those that the script calls,
-/// with the script's settings. Throws `std::runtime_error`; for a setting that there is not, with its place.
-std::string configuration_of(Script const& script, std::optional<std::string> const& file);
 
 /// What a script wants of a life, and what is to happen in it; the script outlives the life.
 Life_options options_of(Script const& script, std::string const& configuration);

@@ -3,6 +3,7 @@
 #include "simulation/trace_check.h"
 
 #include "simulation/life.h"
+#include "simulation/configuration.h"
 #include "simulation/play.h"
 #include "simulation/trace_walk.h"
 #include "simulation/trace_words.h"

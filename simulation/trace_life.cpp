@@ -1,7 +1,7 @@
 #include "simulation/trace_life.h"
 
 #include "base/hex.h"
-#include "simulation/play.h"
+#include "simulation/configuration.h"
 #include "simulation/trace_words.h"
 
 #include <array>

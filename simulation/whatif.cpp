@@ -1,5 +1,6 @@
 // ap_whatif: plays a script of events against the daemon's decisions, in virtual time.
 
+#include "simulation/configuration.h"
 #include "simulation/play.h"
 #include "simulation/report.h"
 #include "simulation/trace_check.h"
@@ -62,12 +63,7 @@ int play(Options const& options, simulation::Script const& script, std::string c
 
 /// Nothing where there is no file. One that the daemon refuses is refused before anything is judged with it.
 std::optional<std::string> read_configuration(std::string const& path) {
-    if (path.empty()) {
-        return std::nullopt;
-    }
-    auto configuration = simulation::configuration_of({}, read(path));
-    simulation::Life const refused_here({configuration});
-    return configuration;
+    return path.empty() ? std::nullopt : std::optional(simulation::configuration_of({}, read(path)));
 }
 
 int check_trace(Options const& options) {

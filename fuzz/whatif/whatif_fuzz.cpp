@@ -1,7 +1,7 @@
 // Scripts of any bytes: they are read, or refused with a place inside of them and one sentence, and what was read has a
 // configuration, or a setting of it is refused with its line.
 #include "require.h"
-#include "simulation/play.h"
+#include "simulation/configuration.h"
 #include "simulation/script.h"
 
 #include <algorithm>

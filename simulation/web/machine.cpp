@@ -1,5 +1,6 @@
 // What the page calls: a life, from its start, as often as something was added to its script.
 
+#include "simulation/configuration.h"
 #include "simulation/play.h"
 #include "simulation/report.h"
 
