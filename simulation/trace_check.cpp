@@ -2,8 +2,8 @@
 // along the trace after the other (trace_walk.cpp), each with an order that went farther than the last.
 #include "simulation/trace_check.h"
 
-#include "simulation/life.h"
 #include "simulation/configuration.h"
+#include "simulation/life.h"
 #include "simulation/play.h"
 #include "simulation/trace_walk.h"
 #include "simulation/trace_words.h"
@@ -114,6 +114,17 @@ Trace_verdict check_as_told(Trace_life const& life) {
 }
 
 Trace_verdict check(Trace_life const& life, std::string const& configuration) {
+    auto const gap =
+        std::find_if(life.begin(), life.end(), [](auto const& message) { return message.gap.has_value(); });
+    if (gap != life.end()) {
+        // The message before it may be a damaged one.
+        auto verdict = check({life.begin(), gap - (gap - life.begin() > 1 ? 1 : 0)}, configuration);
+        if (verdict.kind != Finding::disagrees) {
+            verdict.kind = Finding::undecidable;
+            verdict.text = "the trace is damaged at byte " + std::to_string(*gap->gap);
+        }
+        return verdict;
+    }
     if (!says(life.front(), "Configuration for hostname: ") && !says(life.front(), "Parsing configuration file:")) {
         return {Finding::undecidable, 0, "it begins in the middle of a life"};
     }

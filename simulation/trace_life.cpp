@@ -48,15 +48,23 @@ void set_told(json& settings, std::string const& key, std::string const& value) 
 
 }  // namespace
 
-std::vector<Trace_life> lives_of(std::string_view trace) {
+Trace_lives lives_of(std::string_view trace) {
     dlt::Reader reader;
     reader.add(trace);
     reader.end();
     std::vector<Trace_life> lives;
-    std::map<std::string, std::size_t> current;  // by ECU
+    std::map<std::string, std::size_t> current;             // by ECU
+    std::map<std::string, std::optional<std::size_t>> gap;  // since the ECU's last message
+    std::optional<std::size_t> first_gap;
     std::size_t messages = 0;
     while (auto message = reader.next()) {
         ++messages;
+        if (message->gap) {
+            first_gap = first_gap ? first_gap : message->gap;
+            for (auto const& life : current) {
+                gap[life.first] = gap[life.first] ? gap[life.first] : message->gap;
+            }
+        }
         if (message->application != "STMG" || message->level == 0) {
             continue;
         }
@@ -67,15 +75,17 @@ std::vector<Trace_life> lives_of(std::string_view trace) {
             current[message->ecu] = lives.size();
             lives.emplace_back();
         }
+        auto const before = std::exchange(gap[message->ecu], std::nullopt);
+        message->gap = is_first ? std::nullopt : before;
         lives[current[message->ecu]].push_back(std::move(*message));
     }
     if (messages == 0) {
-        throw std::runtime_error("it holds no DLT message");
+        throw std::runtime_error("it holds no DLT message in its " + std::to_string(trace.size()) + " bytes");
     }
     if (lives.empty()) {
         throw std::runtime_error("it holds no message of the state manager (application STMG)");
     }
-    return lives;
+    return {std::move(lives), reader.skipped_bytes(), first_gap ? first_gap : reader.gap()};
 }
 
 std::string configuration_in(Trace_life const& life) {

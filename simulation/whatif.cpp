@@ -8,12 +8,14 @@
 #include "simulation/worst.h"
 
 #include <CLI/CLI.hpp>
+#include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -29,22 +31,31 @@ struct Options {
     bool with_log{false};
 };
 
-std::string read(std::string const& path) {
+/// More than any that is not refused for something else; an endless one ends here.
+enum class Most : std::size_t { script = 32, configuration = 2, trace = 256 };  // MiB
+
+std::string read(std::string const& path, Most most) {
     if (path.empty()) {
         return "";
     }
-    if (path == "-") {
-        return {std::istreambuf_iterator<char>(std::cin), {}};
+    auto const mebibytes = static_cast<std::size_t>(most);
+    std::ifstream file;
+    if (path != "-") {
+        file.open(path, std::ios::binary);
     }
-    try {
-        std::ifstream file(path);
-        std::string text{std::istreambuf_iterator<char>(file), {}};
-        if (file) {
-            return text;
+    auto& stream = path == "-" ? std::cin : static_cast<std::istream&>(file);
+    std::string text;
+    std::vector<char> piece(1U << 16U);
+    while (stream.read(piece.data(), static_cast<std::streamsize>(piece.size())) || stream.gcount() > 0) {
+        text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
+        if (text.size() > mebibytes << 20U) {
+            throw std::runtime_error("it has more than " + std::to_string(mebibytes) + " MiB");
         }
-    } catch (std::ios_base::failure const&) {  // a directory
     }
-    throw std::runtime_error("it can't be read");
+    if (stream.bad() || (path != "-" && !file.is_open())) {
+        throw std::runtime_error("it can't be read");
+    }
+    return text;
 }
 
 int play(Options const& options, simulation::Script const& script, std::string const& configuration) {
@@ -63,13 +74,15 @@ int play(Options const& options, simulation::Script const& script, std::string c
 
 /// Nothing where there is no file. One that the daemon refuses is refused before anything is judged with it.
 std::optional<std::string> read_configuration(std::string const& path) {
-    return path.empty() ? std::nullopt : std::optional(simulation::configuration_of({}, read(path)));
+    return path.empty() ? std::nullopt
+                        : std::optional(simulation::configuration_of({}, read(path, Most::configuration)));
 }
 
 int check_trace(Options const& options) {
     auto subject = options.trace;
     try {
-        auto const lives = simulation::lives_of(read(options.trace));
+        auto const found = simulation::lives_of(read(options.trace, Most::trace));
+        auto const& lives = found.lives;
         subject = options.configuration;
         auto const configuration = read_configuration(options.configuration);
         subject = options.trace;
@@ -79,6 +92,10 @@ int check_trace(Options const& options) {
                                                : simulation::check_as_told(lives[place]);
             std::cout << "life " << place + 1 << ": " << simulation::text_of(verdict) << std::endl;
             agrees = agrees && verdict.kind != simulation::Trace_verdict::Kind::disagrees;
+        }
+        if (found.first_gap) {
+            std::cout << found.strange_bytes << " bytes are no messages, the first is byte " << *found.first_gap
+                      << std::endl;
         }
         return agrees ? 0 : k_missed;
     } catch (std::exception const& error) {
@@ -90,9 +107,11 @@ int check_trace(Options const& options) {
 int read_and_play(Options const& options) {
     auto subject = options.script;
     try {
-        auto const script = simulation::parse_script(read(options.script));
+        auto const script = simulation::parse_script(read(options.script, Most::script));
         subject = options.configuration.empty() ? subject : options.configuration;
-        auto const file = options.configuration.empty() ? std::nullopt : std::optional(read(options.configuration));
+        auto const file = options.configuration.empty()
+                              ? std::nullopt
+                              : std::optional(read(options.configuration, Most::configuration));
         return play(options, script, simulation::configuration_of(script, file));
     } catch (simulation::Script_error const& error) {
         std::cerr << "ap_whatif: " << options.script << ':' << error.what() << '\n';

@@ -28,7 +28,7 @@ void require_verdict(simulation::Trace_life const& life) {
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     std::vector<simulation::Trace_life> lives;
     try {
-        lives = simulation::lives_of({reinterpret_cast<char const*>(data), size});
+        lives = simulation::lives_of({reinterpret_cast<char const*>(data), size}).lives;
     } catch (std::runtime_error const& error) {
         require(!std::string_view(error.what()).empty());
         return 0;

@@ -3,6 +3,7 @@
 #include "support/temporary_directory.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 
@@ -13,6 +14,7 @@ namespace {
 
 using test_support::Temporary_directory;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::StartsWith;
 
 constexpr int k_bad_input = 2;
@@ -56,6 +58,25 @@ TEST(The_command_line, Blames_the_configuration_where_a_trace_is_judged_with_one
         auto const ended = whatif("--trace " KEPT_TRACE " --config " + path);
         EXPECT_EQ(ended.status, k_bad_input) << text;
         EXPECT_THAT(ended.output, StartsWith("ap_whatif: " + path + ": ")) << text;
+    }
+}
+
+TEST(The_command_line, Tells_how_much_of_a_trace_is_no_message) {
+    EXPECT_THAT(whatif("--trace " KEPT_TRACE).output, HasSubstr("1 bytes are no messages, the first is byte 100000\n"));
+    Temporary_directory const directory;
+    auto const path = directory.file("cut.dlt");
+    auto const command = "head -c 30000 " KEPT_TRACE " >" + path;
+    ASSERT_EQ(std::system(command.c_str()), 0);  // NOLINT(cert-env33-c): a command of the test's own
+    auto const ended = whatif("--trace " + path);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.output, HasSubstr("74 bytes are no messages, the first is byte 29926\n"));
+}
+
+TEST(The_command_line, Reads_no_more_than_a_bound) {
+    for (auto const* const options : {"/dev/zero", "--config /dev/zero - </dev/null", "--trace /dev/zero"}) {
+        auto const ended = whatif(options);
+        EXPECT_EQ(ended.status, k_bad_input) << options;
+        EXPECT_THAT(ended.output, MatchesRegex("ap_whatif: /dev/zero: it has more than [0-9]+ MiB\n")) << options;
     }
 }
 

@@ -3,6 +3,7 @@
 #include "tools/dlt/payload.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace dlt {
 
@@ -132,6 +133,7 @@ struct Reader::Frame {
 
 void Reader::add(std::string_view bytes) {
     waiting_.erase(0, place_);
+    forgotten_ += place_;
     place_ = 0;
     waiting_.append(bytes);
 }
@@ -191,6 +193,7 @@ Reader::Frame Reader::bare_frame() const {
 }
 
 void Reader::skip(std::size_t bytes) {
+    gap_ = gap_.value_or(forgotten_ + place_);
     skipped_ += bytes;
     place_ += bytes;
 }
@@ -217,6 +220,7 @@ std::optional<Message> Reader::next() {
         }
         framing_ = frame.prefix == 0 ? Framing::bare : Framing::marked;
         place_ += whole.size();
+        message.gap = std::exchange(gap_, std::nullopt);
         return message;
     }
     return std::nullopt;

@@ -20,6 +20,7 @@ struct Message {
     std::optional<std::uint32_t> session;  ///< the process, where the sender says it
     int level{0};                          ///< 1 fatal to 6 verbose; 0 for what is no log message
     std::vector<std::string> arguments;    ///< as log viewers show them
+    std::optional<std::size_t> gap{};      ///< the byte of the trace at which what was skipped before it begins
 };
 
 /// The arguments with a blank between two of them.
@@ -44,6 +45,9 @@ class Reader {
 
     std::size_t skipped_bytes() const { return skipped_; }
 
+    /// The byte at which what was skipped since the last message begins.
+    std::optional<std::size_t> gap() const { return gap_; }
+
     /// Whether the last message broke off.
     bool is_cut() const { return is_cut_; }
 
@@ -57,11 +61,13 @@ class Reader {
     void skip(std::size_t bytes);
 
     std::string waiting_;
-    std::size_t place_{0};  ///< of what was not looked at yet
+    std::size_t place_{0};      ///< of what was not looked at yet
+    std::size_t forgotten_{0};  ///< bytes before what waits
     Framing framing_{Framing::unknown};
     bool has_ended_{false};
     bool is_cut_{false};
     std::size_t skipped_{0};
+    std::optional<std::size_t> gap_;
 };
 
 }  // namespace dlt

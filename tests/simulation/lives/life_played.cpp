@@ -1,6 +1,7 @@
 #include "life_played.h"
 
 #include "held_rules.h"
+#include "simulation/configuration.h"
 #include "simulation/play.h"
 
 #include <algorithm>

@@ -8,8 +8,13 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 
 namespace {
+
+constexpr int k_usage = 2;
+constexpr std::size_t k_most_digits = 18;
 
 struct Options {
     std::uint64_t lives{100'000};
@@ -55,14 +60,34 @@ int main(int argc, char** argv) {
     CLI::App application{
         "Plays lives of the simulated machine that are drawn from seeds, and holds its rules in each cycle"};
     Options options;
-    application.add_option("COUNT", options.lives, "How many lives")->capture_default_str();
+    // What is converted wraps and saturates without a word.
+    CLI::Validator const is_number(
+        [](std::string const& text) {
+            bool const is_one = !text.empty() && text.size() <= k_most_digits &&
+                                text.find_first_not_of("0123456789") == std::string::npos;
+            return is_one ? std::string() : '"' + text + "\" is no whole number of at most 18 digits";
+        },
+        "NUMBER");
+    application.add_option("COUNT", options.lives, "How many lives")->capture_default_str()->check(is_number);
     application.add_option("--seed", options.seed, "The seed of the first; each further one has the next")
-        ->capture_default_str();
-    CLI11_PARSE(application, argc, argv);
+        ->capture_default_str()
+        ->check(is_number);
     try {
-        return play(options);
+        application.parse(argc, argv);
+        if (options.lives == 0) {
+            throw CLI::ValidationError("COUNT", "0 lives hold nothing");
+        }
+    } catch (CLI::ParseError const& error) {
+        return application.exit(error) == 0 ? EXIT_SUCCESS : k_usage;
+    }
+    try {
+        auto const status = play(options);
+        if (!std::cout.flush()) {
+            throw std::runtime_error("the output can't be written");
+        }
+        return status;
     } catch (std::exception const& error) {
         std::cerr << "lives_of_machine: " << error.what() << '\n';
-        return 2;
+        return k_usage;
     }
 }

@@ -24,7 +24,7 @@ using testing::HasSubstr;
 /// the middle of a message. tests/unit/trace/traces/make has made it.
 std::vector<Trace_life> kept_lives() {
     std::ifstream file(KEPT_TRACE, std::ios::binary);
-    return lives_of(std::string(std::istreambuf_iterator<char>(file), {}));
+    return lives_of(std::string(std::istreambuf_iterator<char>(file), {})).lives;
 }
 
 Trace_verdict verdict_on(Trace_life const& life) {
@@ -167,7 +167,7 @@ TEST(A_kept_trace, A_log_without_the_drivers_cycles_is_not_judged) {
 /// The first life in another kept trace, of a story of the virtual vehicle.
 Trace_life kept_life(char const* name) {
     std::ifstream file(std::string(KEPT_STORIES "/") + name, std::ios::binary);
-    return lives_of(std::string(std::istreambuf_iterator<char>(file), {})).front();
+    return lives_of(std::string(std::istreambuf_iterator<char>(file), {})).lives.front();
 }
 
 // Keys come fast, and the server's thread has its turn some of the driver's cycles later.
@@ -248,6 +248,47 @@ TEST(A_kept_trace, A_configuration_in_it_that_cannot_be_used_ends_the_judgement_
         EXPECT_EQ(verdict.text, std::string("the configuration in the trace can't be used: ") + told.why);
     }
     EXPECT_EQ(check_as_told(kept_lives().back()).kind, Trace_verdict::Kind::agrees);
+}
+
+std::string kept_bytes() {
+    std::ifstream file(KEPT_TRACE, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(A_kept_trace, Blames_no_daemon_for_bytes_that_are_missing_or_none_of_a_message) {
+    constexpr std::size_t k_bytes = 500;
+    constexpr std::size_t k_stride = 2477;
+    auto const bytes = kept_bytes();
+    std::string const zeros(k_bytes, '\0');
+    for (auto at = k_stride; at + k_bytes < bytes.size(); at += k_stride) {
+        for (auto const& after : {bytes.substr(at), bytes.substr(at + k_bytes)}) {
+            auto const found = lives_of(bytes.substr(0, at) + zeros + after);
+            ASSERT_TRUE(found.first_gap) << at;
+            EXPECT_THAT(*found.first_gap, testing::AllOf(testing::Ge(at - k_bytes), testing::Le(at + k_bytes))) << at;
+            EXPECT_THAT(found.strange_bytes, testing::Ge(k_bytes / 2)) << at;
+            std::size_t damaged = 0;
+            for (auto const& life : found.lives) {
+                auto const verdict = check_as_told(life);
+                EXPECT_NE(verdict.kind, Trace_verdict::Kind::disagrees) << at << verdict.text;
+                damaged += verdict.kind == Trace_verdict::Kind::undecidable ? 1 : 0;
+            }
+            EXPECT_LE(damaged, 1U) << at;
+        }
+    }
+}
+
+TEST(A_kept_trace, Tells_from_where_on_it_is_damaged) {
+    auto const bytes = kept_bytes();
+    auto const found = lives_of(bytes.substr(0, 50000) + std::string(500, '\0') + bytes.substr(50000));
+    EXPECT_EQ(text_of(check_as_told(found.lives.front())),
+              "not decidable after 145 steps: the trace is damaged at byte " + std::to_string(*found.first_gap));
+    EXPECT_EQ(check_as_told(found.lives.back()).kind, Trace_verdict::Kind::agrees);
+    auto const cut = lives_of(bytes.substr(0, 30000));
+    EXPECT_EQ(check_as_told(cut.lives.front()).kind, Trace_verdict::Kind::agrees);
+    EXPECT_EQ(*cut.first_gap + cut.strange_bytes, 30000U);
+    auto const begun = lives_of("what a file began with" + bytes);
+    EXPECT_EQ(begun.first_gap, 0U);
+    EXPECT_EQ(check_as_told(begun.lives.front()).kind, Trace_verdict::Kind::agrees);
 }
 
 TEST(A_kept_trace, A_file_that_is_no_trace_is_refused_with_the_reason) {
