@@ -255,7 +255,7 @@ void Life::Daemon::run(Time until) {
     if (driver_->init()) {
         driver_->run();
     }
-    stage_.end("the daemon has ended");
+    stage_.end(k_end_of_the_daemon);
 }
 
 void Life::Daemon::terminate() {

@@ -37,6 +37,9 @@ struct Entry {
 /// Why a life is over of which nobody looked at more.
 inline constexpr char const* k_end_of_the_look = "the end of the look";
 
+/// Why a life is over whose daemon has left its loop.
+inline constexpr char const* k_end_of_the_daemon = "the daemon has ended";
+
 /// "state", "word", ...
 char const* name(Kind kind);
 

@@ -39,6 +39,7 @@ class Drawing {
     void end_post_run_with_a_key();
     void suspend();
     void wander();
+    void press(std::string const& key);
     void ask_for_something();
     void change_client();
     void disturb();
@@ -99,6 +100,16 @@ std::string Drawing::bits() {
     return one_of({"01", "00 01", "00 00 02", "05", "00 03 80", "00 02"});
 }
 
+std::string layout(unsigned length, unsigned wake_up_bit, unsigned ac_offset, unsigned ac_length, unsigned cab_offset,
+                   unsigned cab_length) {
+    auto const is = [](char const* name, unsigned value) {
+        return std::string(", \"") + name + "\": " + std::to_string(value);
+    };
+    return "{\"CabBitsEnabled\": true" + is("UserDataBytes", length) + is("CWUBitPosition", wake_up_bit) +
+           is("ACOffset", ac_offset) + is("ACBytes", ac_length) + is("CABOffset", cab_offset) +
+           is("CABBytes", cab_length) + is("MaxCABSizeBits", 8 * cab_length) + '}';
+}
+
 void Drawing::configure(Lines& lines) {
     period_ = in_100(70) ? 100 : 20 * (1 + below(15));
     auto const set = [&](std::string const& name, std::string const& value) {
@@ -108,6 +119,11 @@ void Drawing::configure(Lines& lines) {
     set("KnockOutTimer", std::to_string(below(12)));
     set("ApplicationSuspendRequestTimeout", std::to_string(1 + below(5)));
     set("DMSuspendRequestTimeout", std::to_string(1 + below(4)));
+    set("PMSuspendRequestTimeout", std::to_string(1 + below(9)));
+    if (in_100(30)) {
+        set("NmUserDataConfig",
+            one_of({layout(8, 15, 2, 2, 4, 4), layout(4, 0, 1, 1, 2, 2), layout(7, 6, 4, 2, 6, 1)}));
+    }
     set("DefautNMRequestPattern",
         one_of({"[0,0,0,0,0,0]", "[0,16,0,0,0,0]", "[0,32,0,0]", "[0,48]", "[64,16,0,0,0,0]", "[1,16,0,0,0,0]"}));
     if (in_100(12)) {
@@ -161,6 +177,9 @@ void Drawing::change_client() {
             return happens("client " + who + " connects " + how + (in_100(30) ? " in kPrepSD" : ""));
         }
         case 2:
+            if (in_100(25)) {  // a second one of this name
+                return happens("client " + who + " connects " + manner());
+            }
             return happens("client " + who + " reports " + one_of({"kOn", "kPrepSD", "degraded"}));
         case 3:
             return happens("client late" + std::to_string(happenings_.size()) + " connects " + manner());
@@ -205,11 +224,20 @@ void Drawing::disturb() {
     }
 }
 
+// Some keys bounce, or are pressed by somebody who has no patience.
+void Drawing::press(std::string const& key) {
+    happens("key " + key);
+    if (in_100(15)) {
+        now_ += below(2 * period_);
+        happens("key " + key);
+    }
+}
+
 void Drawing::wander() {
     switch (below(10)) {
         case 0:
         case 1:
-            return happens("key " + one_of({"r", "n", "s", "p", "r", "p"}));
+            return press(one_of({"r", "n", "s", "p", "r", "p"}));
         case 2:
             return in_100(20) ? happens("key power") : ask_for_something();
         case 3:

@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::array<char const*, 8> k_words{"startingup",   "running",   "runnmcontrolled", "postrun",
                                              "shuttingdown", "preparing", "prepared4sd",     "resuming"};
-constexpr std::uint64_t k_ecu_bit = 1U << 16U;  // the lowest of the third byte
 
 State state_named(std::string const& name) {
     unsigned state = 0;
@@ -40,32 +39,6 @@ Command command_of(std::string const& key) {
     return all.at(key);
 }
 
-/// The milliseconds that stand behind a word.
-std::optional<Time> time_behind(std::string const& word, std::string const& text) {
-    auto const place = text.find(word);
-    return place == std::string::npos
-               ? std::nullopt
-               : std::optional<Time>(std::chrono::milliseconds(std::stoul(text.substr(place + word.size()))));
-}
-
-std::uint64_t number_of(std::string const& bytes) {
-    std::istringstream text(bytes);
-    std::uint64_t number = 0;
-    unsigned byte = 0;
-    for (unsigned place = 0; place < 8 && text >> std::hex >> byte; ++place) {
-        number |= std::uint64_t(byte) << 8 * place;
-    }
-    return number;
-}
-
-std::uint64_t number_of(simulation::Bits const& bytes) {
-    std::uint64_t number = 0;
-    for (std::size_t place = 0; place < bytes.size() && place < 8; ++place) {
-        number |= std::uint64_t(bytes[place]) << 8 * place;
-    }
-    return number;
-}
-
 }  // namespace
 
 /// What the driver finds now.
@@ -75,10 +48,10 @@ class Held_rules::Situation : public bench::rules::Situation {
 
     Command command() const override { return rules_.queue_.empty() ? Command::none : rules_.queue_.front(); }
     bool nm_is_used() const override { return rules_.terms_.nm_usage; }
-    bool nm_is_found() const override { return rules_.is_found_; }
-    bool network_sleeps() const override { return rules_.is_asleep_; }
-    bool ecu_is_kept() const override { return rules_.keeps_ecu(); }
-    bool com_is_kept() const override { return rules_.keeps_com(); }
+    bool nm_is_found() const override { return rules_.network_.is_found(); }
+    bool network_sleeps() const override { return rules_.network_.is_asleep(); }
+    bool ecu_is_kept() const override { return rules_.network_.keeps_ecu(); }
+    bool com_is_kept() const override { return rules_.network_.keeps_com(); }
     bool is_to_prepare() const override { return rules_.is_to_prepare_; }
     bool time_is_over() const override { return rules_.ticks_ >= rules_.terms_.knockout; }
     bool clients_are_asked() const override {
@@ -109,6 +82,8 @@ void Held_rules::take(Entry const& entry) {
             return;
         case Kind::word:
             return take_word(entry);
+        case Kind::restart:
+            return restarts_.take_word(entry.who, entry.what);
         case Kind::key:
             records_.insert(records_.end(), {command_of(entry.what), Command::none, Command::none, Command::none});
             return;
@@ -119,10 +94,9 @@ void Held_rules::take(Entry const& entry) {
         case Kind::request:
             return take_request(entry);
         case Kind::network:
-            rests_ = number_of(entry.what) == 0 ? rests_ + 1 : 0;
-            return;
+            return network_.take_report(entry.what);
         case Kind::application:
-            return take_application(entry.who, entry.what);
+            return take_application(entry);
         case Kind::power_off:
             return take_power_off(entry.what);
         case Kind::neighbour:
@@ -133,7 +107,7 @@ void Held_rules::take(Entry const& entry) {
             if (entry.what != simulation::k_end_of_the_look) {
                 check_way_taken();
             }
-            if (entry.what == "the daemon has ended" && !must_end_) {
+            if (entry.what == simulation::k_end_of_the_daemon && !must_end_) {
                 find("the daemon has ended, and nobody wants it to");
             }
             has_ended_ = true;
@@ -157,7 +131,12 @@ void Held_rules::wait(simulation::Life& life) {
     }
     check_way_taken();
     clients_.check(now_);
-    check_network(life);
+    network_.check(life);
+    restarts_.check();
+    if (life.cycles() != steps_) {
+        find("the driver has reported " + std::to_string(life.cycles()) + " times in " + std::to_string(steps_) +
+             " cycles that it is alive");
+    }
     has_waited_ = true;
     went_ = false;
 }
@@ -211,7 +190,7 @@ void Held_rules::enter(State state) {
     }
     state_ = state;
     since_ = now_;
-    held_up_ = std::max(busy_until_ - now_, Time(0)) + longest_write_;
+    held_up_ = std::max(network_.busy_until() - now_, Time(0)) + longest_write_;
     went_ = true;
     ticks_ = 0;
     words_owed_ = 1;
@@ -222,24 +201,27 @@ void Held_rules::enter(State state) {
         case State::preparing:
             clients_.begin_suspend();
             owe_power_off({"lookup vyn_per_daemon"});
-            default_held_ = false;
-            is_standing_by_ = true;
+            network_.begin_suspend();
             break;
         case State::resuming:
-            is_standing_by_ = false;
+            network_.begin_resume();
             clients_.begin_resume();
-            default_held_ = true;
             break;
         case State::running:
-            default_held_ = default_held_ || terms_.requests_on_entry;
+            if (terms_.requests_on_entry) {
+                network_.hold_default(true);
+            }
             machine_states_owed_ = 1;
             break;
         case State::nm_controlled:
-            default_held_ = false;
+            network_.hold_default(false);
             break;
         case State::shutting_down:
             machine_states_owed_ = is_fast ? 0 : 1;
             must_end_ = must_end_ || !is_fast;
+            if (must_end_) {
+                network_.end();
+            }
             if (is_fast) {
                 owe_power_off(
                     {"terminate", "poweroff " + std::to_string(terms_.power_off / std::chrono::milliseconds(1))});
@@ -295,48 +277,17 @@ void Held_rules::take_power_off(std::string const& line) {
     power_off_owed_.pop_front();
 }
 
-void Held_rules::take_application(std::string const& who, std::string const& what) {
-    constexpr char const* k_failed = ", failed";
-    if (what.size() > 8 && what.compare(what.size() - 8, 8, k_failed) == 0) {
-        held_ = held_before_;
-        return;
+void Held_rules::take_application(Entry const& entry) {
+    if (entry.who == "diagnostics") {
+        restarts_.take_call(entry.what);
     }
-    held_before_ = held_;
-    bool const requests = what.rfind("requests", 0) == 0;
-    auto const number_at = what.find(" ac ");
-    auto const object = what.substr(9, number_at - 9);
-    auto& of_one = held_[who];
-    if (object == "ecu") {
-        of_one.ecu = requests;
-        return;
-    }
-    if (object == "wake-up") {
-        of_one.wake_up = requests;
-    } else if (auto const bits = behind("com ", object)) {
-        auto const number = static_cast<std::uint32_t>(number_of(*bits));
-        of_one.bits = requests ? of_one.bits | number : of_one.bits & ~number;
-        bits_seen_ |= number;
-    }
-    if (requests) {
-        of_one.number = number_at == std::string::npos ? 0 : std::stoul(what.substr(number_at + 4));
-    } else if (!of_one.wake_up && of_one.bits == 0) {
-        of_one.number = 0;
-    }
+    network_.take_application(entry.who, entry.what);
 }
 
 void Held_rules::take_request(Entry const& entry) {
-    if (!terms_.nm_usage || !is_found_) {
-        find("network management was told without being used: " + entry.who + ' ' + entry.what);
-    }
-    is_exact_ = is_exact_ && entry.what.find("failed") == std::string::npos &&
-                entry.what.find("unanswered") == std::string::npos;
-    busy_until_ = std::max(busy_until_, now_) + longest_call_;
-    held_up_ += longest_call_;
     // What Preparing itself does on its way in comes before the driver waits.
-    bool const begins = went_ && state_ == State::preparing;
-    if (is_standing_by_ && !begins) {
-        find("a message during the suspend: " + entry.who + ' ' + entry.what);
-    }
+    network_.take_request(entry, went_ && state_ == State::preparing);
+    held_up_ += network_.longest_call();
     // While a word is written slowly, applications go on.
     if (words_owed_ != 0 && state_ != State::starting_up && longest_write_ == Time(0)) {
         find("the network was told before the word");
@@ -344,100 +295,22 @@ void Held_rules::take_request(Entry const& entry) {
 }
 
 void Held_rules::take_neighbour(Entry const& entry) {
-    if (entry.who == "manager" && entry.what == "offers") {
-        ++rests_;
-    } else if (entry.who == "manager" && (entry.what == "withdraws" || entry.what == "fails")) {
-        is_exact_ = false;
-    } else if (entry.who == "manager" && (entry.what == "silent" || entry.what.rfind("takes ", 0) == 0)) {
-        longest_call_ = std::max(longest_call_, time_behind("takes ", entry.what).value_or(Network::k_patience));
+    if (entry.who == "manager") {
+        network_.take_manager(now_, entry.what);
     } else if (entry.who == "status-file") {
         longest_write_ = std::max(longest_write_, time_behind("after ", entry.what).value_or(Time(0)));
     } else if (entry.who == "keyboard") {
         records_.clear();
     } else if (entry.who == "service manager" && entry.what == "stops the daemon") {
         must_end_ = has_waited_;
+        network_.end();
     }
 }
 
 void Held_rules::take_log(std::string const& text) {
-    if (text == "Initializing user data") {
-        is_found_ = true;
-        ++rests_;  // a manager that is found tells its state
-    } else if (auto const activity = behind("Ecu state based on NM activity: ", text)) {
-        is_asleep_ = activity->rfind("inactive", 0) == 0;
-        if (is_asleep_ && rests_ < 2) {
-            find("the network is taken for asleep after " + std::to_string(rests_) + " reports of rest");
-        }
-    } else {
+    if (!network_.take_log(text)) {
         clients_.take_log(now_, text, state_ == State::preparing || state_ == State::resuming);
     }
-}
-
-bool Held_rules::keeps_ecu() const {
-    return std::any_of(held_.begin(), held_.end(), [](auto const& one) { return one.second.ecu; });
-}
-
-bool Held_rules::keeps_com() const {
-    return std::any_of(held_.begin(), held_.end(),
-                       [](auto const& one) { return one.second.wake_up || one.second.bits != 0; });
-}
-
-std::uint64_t Held_rules::held_bits() const {
-    std::uint64_t bits = keeps_ecu() ? k_ecu_bit : 0;
-    for (auto const& [name, one] : held_) {
-        bits |= one.bits;
-    }
-    return bits | (default_held_ ? number_of(terms_.default_pattern) : 0);
-}
-
-// What applications hold, and the states, is what is requested; during a suspend an ECU that was kept alive.
-void Held_rules::check_network(simulation::Life& life) {
-    if (!terms_.nm_usage || !is_found_ || !is_exact_) {
-        return;
-    }
-    auto const requested = number_of(life.network().requested());
-    // Bits of the default pattern that are also applications': no application's release takes them from the states, and
-    // the states' release takes them from applications.
-    auto const shared = number_of(terms_.default_pattern) & bits_seen_;
-    auto const held = held_bits();
-    if (is_standing_by_) {
-        if ((requested & ~k_ecu_bit) != 0) {
-            find("the network is requested during a suspend");
-        }
-    } else if (((requested ^ held) & ~shared) != 0 || (default_held_ && (requested & shared) != shared)) {
-        std::ostringstream both;
-        both << std::hex << "requested of the network is " << requested << ", held is " << held;
-        find(both.str());
-    }
-    check_user_data(life);
-}
-
-// The area of the applications' bits is sent by each resume, also where it is otherwise left out.
-void Held_rules::check_user_data(simulation::Life& life) {
-    auto told = life.network().user_data();
-    auto const wanted = is_standing_by_ ? simulation::Bits(told.size()) : user_data();
-    told.resize(wanted.size());
-    if (told != wanted) {
-        find("the user data is " + simulation::text_of(told) + ", not " + simulation::text_of(wanted));
-    }
-}
-
-// As the example configuration lays it out.
-simulation::Bits Held_rules::user_data() const {
-    constexpr unsigned k_most_numbers = 16;
-    simulation::Bits data{0x80, 0, 0, 0, 0, 0};
-    auto const add = [&data](std::size_t place, unsigned bits) { data[place] |= static_cast<std::uint8_t>(bits); };
-    for (auto const& [name, one] : held_) {
-        add(0, one.wake_up ? 0x40 : 0);
-        if (one.number >= 1 && one.number <= k_most_numbers) {
-            add(1 + (one.number - 1) / 8, 1U << (one.number - 1) % 8);
-        }
-        for (std::size_t place = 0; place < 3; ++place) {
-            add(3 + place, one.bits >> 8 * place);
-        }
-    }
-    data.resize(terms_.sends_cab_area ? 6 : 3);
-    return data;
 }
 
 }  // namespace lives

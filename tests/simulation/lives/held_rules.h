@@ -4,17 +4,15 @@
 #include "bench/rules/rules.h"
 #include "coverage.h"
 #include "held_clients.h"
+#include "held_network.h"
+#include "held_restarts.h"
 #include "simulation/life.h"
 #include "terms.h"
 
-#include <array>
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
-#include <vector>
 
 namespace lives {
 
@@ -25,9 +23,11 @@ class Held_rules {
     Held_rules(Terms terms, Coverage& coverage)
         : terms_(std::move(terms)),
           coverage_(coverage),
-          clients_(terms_, [this](std::string const& what) { find(what); }) {}
+          clients_(terms_, [this](std::string const& what) { find(what); }),
+          network_(terms_, [this](std::string const& what) { find(what); }),
+          restarts_([this](std::string const& what) { find(what); }) {}
 
-    Held_rules(Held_rules const&) = delete;  // its clients tell it what they find
+    Held_rules(Held_rules const&) = delete;  // its parts tell it what they find
     Held_rules& operator=(Held_rules const&) = delete;
     ~Held_rules() = default;
 
@@ -48,13 +48,6 @@ class Held_rules {
     using Command = bench::rules::Command;
     class Situation;
 
-    struct Held {
-        bool ecu{false};
-        bool wake_up{false};
-        std::uint32_t bits{0};
-        unsigned long number{0};  ///< of the one AC bit, from 1; 0 for none
-    };
-
     void find(std::string const& what);
 
     void read_record();
@@ -64,18 +57,12 @@ class Held_rules {
     void take_machine_state(simulation::Entry const& entry);
     void owe_power_off(std::deque<std::string> lines);
     void take_power_off(std::string const& line);
-    void take_application(std::string const& who, std::string const& what);
+    void take_application(simulation::Entry const& entry);
     void take_request(simulation::Entry const& entry);
     void take_neighbour(simulation::Entry const& entry);
     void take_log(std::string const& text);
 
     void check_way_taken();
-    void check_network(simulation::Life& life);
-    void check_user_data(simulation::Life& life);
-    std::uint64_t held_bits() const;
-    simulation::Bits user_data() const;
-    bool keeps_ecu() const;
-    bool keeps_com() const;
 
     Terms const terms_;
     Coverage& coverage_;
@@ -101,21 +88,11 @@ class Held_rules {
 
     // How long the driver may wait for its neighbours.
     Time longest_write_{0};
-    Time longest_call_{0};
-    Time busy_until_{0};  ///< the network manager, at the latest
-    Time held_up_{0};     ///< in this state
-
-    bool is_found_{false};
-    bool is_asleep_{false};
-    unsigned rests_{0};           ///< reports of rest in a row
-    bool is_exact_{true};         ///< network management has taken whatever it was told
-    bool is_standing_by_{false};  ///< from the beginning of a suspend to that of a resume
-    bool default_held_{false};
-    std::uint64_t bits_seen_{0};  ///< that applications have ever held
-    std::map<std::string, Held> held_;
-    std::map<std::string, Held> held_before_;  ///< the call that goes on
+    Time held_up_{0};  ///< in this state
 
     Held_clients clients_;
+    Held_network network_;
+    Held_restarts restarts_;
 };
 
 }  // namespace lives

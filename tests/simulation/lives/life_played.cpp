@@ -25,7 +25,10 @@ Terms terms_of(simulation::Script const& script, std::string const& configuratio
     terms.application = seconds("ApplicationSuspendRequestTimeout");
     terms.diagnosis = seconds("DMSuspendRequestTimeout");
     terms.power_off = seconds("PMSuspendRequestTimeout");
-    terms.sends_cab_area = settings.at("NmUserDataConfig").at("CabBitsEnabled");
+    auto const& layout = settings.at("NmUserDataConfig");
+    terms.sends_cab_area = layout.at("CabBitsEnabled");
+    terms.layout = {layout.at("UserDataBytes"), layout.at("CWUBitPosition"), layout.at("ACOffset"),
+                    layout.at("ACBytes"),       layout.at("CABOffset"),      layout.at("CABBytes")};
     terms.default_pattern = settings.at("DefautNMRequestPattern").get<simulation::Bits>();
     return terms;
 }
@@ -38,18 +41,17 @@ Played played_to_its_end(Lines const& lines, Coverage& coverage, Planted const& 
     auto options = simulation::options_of(script, configuration);
     options.with_log = true;
     options.observer = [&](simulation::Entry const& entry) {
-        rules.take(entry);
-        if (planted) {
-            if (auto const more = planted(entry)) {
-                rules.take(*more);
-            }
+        for (auto const& told : planted ? planted(entry) : simulation::Timeline{entry}) {
+            rules.take(told);
         }
     };
     options.on_wait = [&] { rules.wait(*life_to_ask); };
-    simulation::Life life(std::move(options));
-    life_to_ask = &life;
-    simulation::enact(script, life);
-    life.run(script.end());
+    {
+        simulation::Life life(std::move(options));
+        life_to_ask = &life;
+        simulation::enact(script, life);
+        life.run(script.end());
+    }  // what a daemon does when it goes is heard as well
     return {rules.finding(), rules.steps()};
 }
 

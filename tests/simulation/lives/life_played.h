@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 
 namespace lives {
@@ -17,8 +16,8 @@ struct Played {
     std::uint64_t steps;  ///< of the driver
 };
 
-/// What the rules are told after an entry, as if the machine had done it.
-using Planted = std::function<std::optional<simulation::Entry>(simulation::Entry const& entry)>;
+/// What the rules are told in place of an entry, as if the machine had done that.
+using Planted = std::function<simulation::Timeline(simulation::Entry const& entry)>;
 
 /// Plays a script under the rules.
 Played played(Lines const& lines, Coverage& coverage, Planted const& planted = {});

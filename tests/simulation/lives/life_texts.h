@@ -14,6 +14,14 @@ inline std::optional<std::string> behind(std::string const& begin, std::string c
     return text.rfind(begin, 0) == 0 ? std::optional(text.substr(begin.size())) : std::nullopt;
 }
 
+/// The milliseconds that stand behind a word.
+inline std::optional<simulation::Time> time_behind(std::string const& word, std::string const& text) {
+    auto const place = text.find(word);
+    return place == std::string::npos ? std::nullopt
+                                      : std::optional<simulation::Time>(
+                                            std::chrono::milliseconds(std::stoul(text.substr(place + word.size()))));
+}
+
 inline std::string text_of(simulation::Time time) {
     return std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(time).count()) + " ms";
 }

@@ -13,6 +13,16 @@ struct Terms {
     bool manager_is_there{true};
     bool channel_is_there{true};
     bool sends_cab_area{false};
+    /// Of the user data: its length, the areas of AC and CAB bits in bytes, and the bit of the car wake-up from the
+    /// first byte's lowest on.
+    struct Layout {
+        unsigned length{6};
+        unsigned wake_up_bit{6};
+        unsigned ac_offset{1};
+        unsigned ac_length{2};
+        unsigned cab_offset{3};
+        unsigned cab_length{3};
+    } layout{};
     unsigned knockout{3};
     simulation::Time period{0};
     simulation::Time application{0};  ///< that a group of clients has
