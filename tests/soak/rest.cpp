@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <vector>
 
 namespace soak {
 
@@ -44,29 +43,33 @@ std::string Rest::missing(State now, bool has_suspended) {
 
 std::string Rest::missing_of_network(State now) const {
     auto const node = machine_.tell("node", {{"do", "list"}});
-    auto const requests = bytes_of(node.at("requests"));
-    auto const user_data = bytes_of(node.at("user_data"));
-    if (losses_.may_miss_holds() || now == State::starting_up) {
+    return fault_of({bytes_of(node.at("requests")), bytes_of(node.at("user_data"))}, now, circumstances_, holds_,
+                    losses_, with_cab_bits_);
+}
+
+std::string fault_of(Told_network const& told, State now, Circumstances const& circumstances, Holds const& holds,
+                     Losses const& losses, bool with_cab_bits) {
+    if (losses.may_miss_holds() || now == State::starting_up) {
         return {};
     }
     bool const is_suspended = now == State::preparing || now == State::prepared_sd || now == State::shutting_down;
-    auto wanted = circumstances_.nm_usage && !is_suspended ? holds_.requests() : Holds::Bytes{};
-    if (circumstances_.nm_usage && now == State::running) {
+    auto wanted = circumstances.nm_usage && !is_suspended ? holds.requests() : Holds::Bytes{};
+    if (circumstances.nm_usage && now == State::running) {
         wanted[0] |= k_default_bit;
     }
     for (std::size_t place = 0; place < Holds::k_bytes; ++place) {
-        unsigned const may_be = is_suspended && place == 2 && holds_.have_kept_ecu_alive() ? 1U : 0U;
-        unsigned const is_more = requests.at(place) & ~wanted.at(place) & ~may_be;
-        unsigned const is_less = wanted.at(place) & ~requests.at(place);
-        if (is_less != 0 || (is_more != 0 && !losses_.may_miss_releases())) {
-            return "the network is asked for " + base::to_hex(requests) + ", not " + hex(wanted);
+        unsigned const may_be = is_suspended && place == 2 && holds.have_kept_ecu_alive() ? 1U : 0U;
+        unsigned const is_more = told.requests.at(place) & ~wanted.at(place) & ~may_be;
+        unsigned const is_less = wanted.at(place) & ~told.requests.at(place);
+        if (is_less != 0 || (is_more != 0 && !losses.may_miss_releases())) {
+            return "the network is asked for " + base::to_hex(told.requests) + ", not " + hex(wanted);
         }
     }
-    auto const data = circumstances_.nm_usage && !is_suspended ? holds_.user_data() : Holds::Bytes{};
-    std::size_t const sent = with_cab_bits_ ? 6 : 3;
+    auto const data = circumstances.nm_usage && !is_suspended ? holds.user_data() : Holds::Bytes{};
+    std::size_t const sent = with_cab_bits ? 6 : 3;
     for (std::size_t place = 0; place < sent; ++place) {
-        if ((place < user_data.size() ? user_data[place] : 0) != data.at(place)) {
-            return "the user data is " + base::to_hex(user_data) + ", not " + hex(data);
+        if ((place < told.user_data.size() ? told.user_data[place] : 0) != data.at(place)) {
+            return "the user data is " + base::to_hex(told.user_data) + ", not " + hex(data);
         }
     }
     return {};
@@ -75,25 +78,26 @@ std::string Rest::missing_of_network(State now) const {
 // Compared with the first rest in the same state after a suspend, when all that is made at the first time is there.
 std::string Rest::missing_of_resources() {
     auto const now = used();
-    if (!first_use_) {
-        first_use_ = now;
-    }
-    if (now.descriptors > first_use_->descriptors + k_growth_descriptors) {
+    first_use_ = first_use_.value_or(now);
+    return growth(*first_use_, now);
+}
+
+std::string growth(Used const& first, Used const& now) {
+    if (now.descriptors > first.descriptors + k_growth_descriptors) {
         return "a descriptor: there are " + std::to_string(now.descriptors) + ", first were " +
-               std::to_string(first_use_->descriptors);
+               std::to_string(first.descriptors);
     }
-    if (now.threads > first_use_->threads) {
-        return "a thread: there are " + std::to_string(now.threads) + ", first were " +
-               std::to_string(first_use_->threads);
+    if (now.threads > first.threads) {
+        return "a thread: there are " + std::to_string(now.threads) + ", first were " + std::to_string(first.threads);
     }
-    if (now.memory_kb > first_use_->memory_kb + k_growth_kb) {
+    if (now.memory_kb > first.memory_kb + k_growth_kb) {
         return "memory: there are " + std::to_string(now.memory_kb) + " KiB, first were " +
-               std::to_string(first_use_->memory_kb);
+               std::to_string(first.memory_kb);
     }
     return {};
 }
 
-Rest::Used Rest::used() const {
+Used Rest::used() const {
     auto const folder = "/proc/" + std::to_string(machine_.daemon().pid());
     Used used;
     for (auto const& entry : std::filesystem::directory_iterator(folder + "/fd")) {

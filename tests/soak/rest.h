@@ -10,10 +10,31 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace soak {
 
 constexpr std::uint8_t k_default_bit = 0x01;  ///< of the first byte: what the daemon asks for by itself
+
+/// What the daemon has of the kernel's.
+struct Used {
+    long descriptors{0};
+    long threads{0};
+    long memory_kb{0};
+};
+
+/// What there is more of than at first, if it is too much; else empty.
+std::string growth(Used const& first, Used const& now);
+
+/// What the network is asked for, and the user data, when nothing goes on any more.
+struct Told_network {
+    std::vector<std::uint8_t> requests;
+    std::vector<std::uint8_t> user_data;
+};
+
+/// What is wrong with that; empty when nothing is.
+std::string fault_of(Told_network const& told, bench::rules::State now, Circumstances const& circumstances,
+                     Holds const& holds, Losses const& losses, bool with_cab_bits);
 
 /// What one daemon and its neighbours must have come to when nothing goes on any more.
 class Rest {
@@ -33,13 +54,6 @@ class Rest {
     std::string missing(bench::rules::State now, bool has_suspended);
 
  private:
-    /// What the daemon has of the kernel's.
-    struct Used {
-        long descriptors{0};
-        long threads{0};
-        long memory_kb{0};
-    };
-
     std::string missing_of_network(bench::rules::State now) const;
     std::string missing_of_resources();
     Used used() const;
