@@ -139,16 +139,18 @@ Step step_of(Words const& words) {
 /// that follow it.
 class Drawing {
  public:
-    explicit Drawing(std::uint64_t seed) : draws_(seed) {
+    explicit Drawing(std::uint64_t seed) : draws_(seed), is_long_(draws_.in_100(10)) {
         for (auto const& kind : k_kinds) {
             bool const is_always_there = kind.verb == Verb::key || kind.verb == Verb::settle;
-            weights_.push_back(is_always_there || draws_.in_100(60) ? kind.weight : 0);
+            bool const ends_daemon = kind.verb == Verb::restart || kind.verb == Verb::late_start;
+            bool const is_there = draws_.in_100(60) && !(is_long_ && ends_daemon);
+            weights_.push_back(is_always_there || is_there ? kind.weight : 0);
         }
     }
 
     Script script() {
         Script script{settings(), {}};
-        auto const count = draws_.in_100(10) ? draws_.between(150, 400) : draws_.between(20, 80);
+        auto const count = is_long_ ? draws_.between(150, 400) : draws_.between(20, 80);
         for (unsigned step = 0; step < count; ++step) {
             script.steps.push_back(this->step());
             if (draws_.in_100(k_scene_in_100)) {
@@ -238,10 +240,14 @@ class Drawing {
             {"s", {"r", "r", "r", "p", "p", "n"}},
             {"power", {"p", "p", "p", "n", "s"}},
         };
-        return last_key_ = draws_.one_of(next.at(last_key_));
+        do {
+            last_key_ = draws_.one_of(next.at(last_key_));
+        } while (is_long_ && last_key_ == "power");
+        return last_key_;
     }
 
     Draws draws_;
+    bool const is_long_;  ///< and of one daemon, which nothing ends
     std::vector<unsigned> weights_;
     std::string last_key_{"power"};
 };
