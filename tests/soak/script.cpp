@@ -242,12 +242,12 @@ class Drawing {
         };
         do {
             last_key_ = draws_.one_of(next.at(last_key_));
-        } while (is_long_ && last_key_ == "power");
+        } while (is_long_ && last_key_ != "p" && last_key_ != "r");  // the others lead to Shutting down
         return last_key_;
     }
 
     Draws draws_;
-    bool const is_long_;  ///< and of one daemon, which nothing ends
+    bool const is_long_;  ///< and of few daemons
     std::vector<unsigned> weights_;
     std::string last_key_{"power"};
 };
