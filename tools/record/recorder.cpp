@@ -273,11 +273,14 @@ void Recorder::tell_missed(Look const& now) {
 void Recorder::tell_alive(Look const& now) {
     auto const begin = static_cast<std::int64_t>(now.real - now.at - now.asleep.value_or(0));
     auto const set_by = begin - clock_begin_.value_or(begin);
-    clock_begin_ = begin;
     bool const is_set = set_by > k_told_setting || set_by < -k_told_setting;
     bool const is_due = is_set || !told_alive_ || now.at - *told_alive_ >= k_alive_every;
-    if (is_due && add("alive", is_set ? R"(,"set_by":)" + std::to_string(set_by) : "", now)) {
+    bool const is_told = is_due && add("alive", is_set ? R"(,"set_by":)" + std::to_string(set_by) : "", now);
+    if (is_told) {
         told_alive_ = now.at;
+    }
+    if (is_told || !is_set) {  // else it is owed
+        clock_begin_ = begin;
     }
 }
 

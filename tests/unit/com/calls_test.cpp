@@ -55,6 +55,20 @@ class Calls : public testing::Test {
         offer([](auto const* /*request*/, auto const& answer) { answer_well(answer); });
     }
 
+    /// The first call stays in its handler until the gate is opened.
+    void offer_behind_gate() {
+        offer([this, open = gate_.get_future().share()](auto const* /*request*/, auto const& answer) {
+            if (++handled_ == 1) {
+                begun_.set_value();
+                open.wait();
+            }
+            answer_well(answer);
+        });
+    }
+
+    std::promise<void> begun_;
+    std::promise<void> gate_;
+    std::atomic<int> handled_{0};
     Process server_;
     std::unique_ptr<ara::com::Offer> offer_;
     Process client_;
@@ -87,27 +101,18 @@ TEST_F(Calls, A_handler_that_throws_what_is_no_exception_fails_its_call_and_no_o
 
 // One waits in the handler, a thousand for that one, as many refusals behind them; the rest is dropped.
 TEST_F(Calls, Of_those_that_wait_a_thousand_are_handled_and_as_many_refused) {
-    std::promise<void> begun;
-    std::promise<void> gate;
-    std::atomic<int> handled{0};
-    offer([&, open = gate.get_future().share()](auto const* /*request*/, auto const& answer) {
-        if (++handled == 1) {
-            begun.set_value();
-            open.wait();
-        }
-        answer_well(answer);
-    });
+    offer_behind_gate();
     std::map<std::string, int> ends;
     {
         Process const caller;
         auto const sut = caller.reach();
         std::vector<std::future<std::string>> outcomes;
         outcomes.push_back(call(*sut));
-        begun.get_future().wait();
+        begun_.get_future().wait();
         for (int number = 0; number < 3100; ++number) {
             outcomes.push_back(call(*sut));
         }
-        gate.set_value();
+        gate_.set_value();
         EXPECT_EQ(end_of(std::move(outcomes[2000])), "refused: 3");
         EXPECT_EQ(end_of(call(*sut)), "value") << "for it nobody waits any more";
         outcomes.erase(outcomes.begin() + 2000);
@@ -189,25 +194,16 @@ TEST_F(Calls, A_request_that_comes_after_the_withdrawal_is_left_to_the_next_offe
 }
 
 TEST_F(Calls, The_end_of_an_offer_waits_for_its_handler_and_no_other_begins) {
-    std::promise<void> begun;
-    std::promise<void> gate;
-    std::atomic<int> handled{0};
-    offer([&, open = gate.get_future().share()](auto const* /*request*/, auto const& answer) {
-        if (++handled == 1) {
-            begun.set_value();
-            open.wait();
-        }
-        answer_well(answer);
-    });
+    offer_behind_gate();
     auto const sut = client_.reach();
     auto const first = call(*sut);
     auto const second = call(*sut);
-    begun.get_future().wait();
+    begun_.get_future().wait();
     auto const end = std::async(std::launch::async, [this] { offer_.reset(); });
     EXPECT_EQ(end.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
-    gate.set_value();
+    gate_.set_value();
     end.wait();
-    EXPECT_EQ(handled, 1);
+    EXPECT_EQ(handled_, 1);
 }
 
 /// A server that speaks the wire by itself: it makes known what it has of an offer, a reader of requests and a writer

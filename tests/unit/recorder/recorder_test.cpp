@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <set>
@@ -588,6 +589,37 @@ TEST_F(Following, Tells_two_lives_apart_and_counts_all_although_the_directory_co
             EXPECT_GE(event.at, last.from);
         }
     }
+}
+
+TEST_F(Following, Tells_a_clock_that_was_set_while_there_was_no_room_for_a_line) {
+    constexpr Number k_hour = 3'600 * k_second;
+    path += "/later";
+    limits.waiting = 2;
+    files = std::make_unique<Record_files>(path, limits);
+    recorder = std::make_unique<Recorder>(*files, Records(), k_watchdog);
+    auto const look_where_clock_is_set_by = [this](Number set_by) {
+        auto snapshot = snapshot_of(*page, 3);
+        snapshot.is_alive = true;
+        auto const now = status::now();
+        recorder->look(snapshot, {now, now + k_second + set_by, page->events.load()});
+    };
+    for (int i = 0; i < 9; ++i) {
+        run();
+        look_where_clock_is_set_by(0);
+    }
+    look_where_clock_is_set_by(k_hour);
+    std::filesystem::create_directory(path);
+    std::string written;
+    for (int i = 0; i < 9; ++i) {
+        look_where_clock_is_set_by(k_hour);
+    }
+    for (auto const& file : std::filesystem::directory_iterator(path)) {
+        std::ifstream text(file.path());
+        written.append(std::istreambuf_iterator<char>(text), {});
+    }
+    auto const told = R"("set_by":)" + std::to_string(k_hour);
+    EXPECT_THAT(written, testing::HasSubstr(told));
+    EXPECT_EQ(written.find("set_by"), written.rfind("set_by")) << "once: " << written;
 }
 
 TEST_F(Following, Has_on_the_disk_at_once_what_the_machine_may_go_down_after) {
