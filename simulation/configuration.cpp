@@ -149,7 +149,7 @@ std::string place_of(std::string const& member, std::string const& file) {
             continue;
         }
         for (auto const& [inner, inner_value] : value.items()) {
-            replace(place / inner, inner_value, name + '.' + inner);
+            replace(place / inner, inner_value, std::string(name).append(".").append(inner));
         }
     }
     throw std::runtime_error(why);

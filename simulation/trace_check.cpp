@@ -97,34 +97,8 @@ std::optional<Outcome_of_walk> go_farther(Trace_life const& life, std::string co
     return std::nullopt;
 }
 
-}  // namespace
-
-Trace_verdict check_as_told(Trace_life const& life) {
-    std::string configuration;
-    try {
-        configuration = configuration_in(life);
-        if (configuration.empty()) {
-            configuration = configuration_of({}, std::nullopt);
-        }
-        Life const refused_here({configuration});
-    } catch (std::exception const& error) {
-        return {Finding::undecidable, 0, std::string("the configuration in the trace can't be used: ") + error.what()};
-    }
-    return check(life, configuration);
-}
-
-Trace_verdict check(Trace_life const& life, std::string const& configuration) {
-    auto const gap =
-        std::find_if(life.begin(), life.end(), [](auto const& message) { return message.gap.has_value(); });
-    if (gap != life.end()) {
-        // The message before it may be a damaged one.
-        auto verdict = check({life.begin(), gap - (gap - life.begin() > 1 ? 1 : 0)}, configuration);
-        if (verdict.kind != Finding::disagrees) {
-            verdict.kind = Finding::undecidable;
-            verdict.text = "the trace is damaged at byte " + std::to_string(*gap->gap);
-        }
-        return verdict;
-    }
+/// A life in whose trace nothing is damaged.
+Trace_verdict check_whole(Trace_life const& life, std::string const& configuration) {
     if (!says(life.front(), "Configuration for hostname: ") && !says(life.front(), "Parsing configuration file:")) {
         return {Finding::undecidable, 0, "it begins in the middle of a life"};
     }
@@ -147,6 +121,37 @@ Trace_verdict check(Trace_life const& life, std::string const& configuration) {
         return {Finding::undecidable, best.verdict.steps, "what calls at once released: " + best.verdict.text};
     }
     return best.verdict;
+}
+
+}  // namespace
+
+Trace_verdict check_as_told(Trace_life const& life) {
+    std::string configuration;
+    try {
+        configuration = configuration_in(life);
+        if (configuration.empty()) {
+            configuration = configuration_of({}, std::nullopt);
+        }
+        Life const refused_here({configuration});
+    } catch (std::exception const& error) {
+        return {Finding::undecidable, 0, std::string("the configuration in the trace can't be used: ") + error.what()};
+    }
+    return check(life, configuration);
+}
+
+Trace_verdict check(Trace_life const& life, std::string const& configuration) {
+    auto const gap =
+        std::find_if(life.begin(), life.end(), [](auto const& message) { return message.gap.has_value(); });
+    if (gap == life.end()) {
+        return check_whole(life, configuration);
+    }
+    // The message before it may be a damaged one.
+    auto verdict = check_whole({life.begin(), gap - (gap - life.begin() > 1 ? 1 : 0)}, configuration);
+    if (verdict.kind != Finding::disagrees) {
+        verdict.kind = Finding::undecidable;
+        verdict.text = "the trace is damaged at byte " + std::to_string(*gap->gap);
+    }
+    return verdict;
 }
 
 }  // namespace simulation
