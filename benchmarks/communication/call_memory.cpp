@@ -7,58 +7,23 @@
 
 #include "benchmarks/communication/found.h"
 #include "benchmarks/communication/peer.h"
-#include "benchmarks/communication/process_memory.h"
 #include "benchmarks/machine/figures.h"
 #include "benchmarks/machine/machine.h"
+#include "benchmarks/machine/process_memory.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
 namespace {
 
-using benchmarks::Process_memory;
-
 // Whatever is kept for those who call for the first time, and for the last requests, is there by then.
 constexpr long k_warm_up = 20'000;
 constexpr int k_calls = 100'000;
 constexpr int k_short_calls = 20'000;
 constexpr long k_looks = 200;
-constexpr double k_most_growth = 64.0;  // KiB
-
-/// One process's memory over time.
-class Course {
- public:
-    void add(Process_memory const& now) {
-        first_ = count_++ == 0 ? now : first_;
-        last_ = now;
-        most_ = {std::max(most_.resident, now.resident), std::max(most_.allocated, now.allocated)};
-    }
-
-    void print(char const* process) const {
-        std::printf("%-7s resident %6ld KiB at the start, %6ld at the end, %6ld at most\n", process, first_.resident,
-                    last_.resident, most_.resident);
-        std::printf("%-7s allocated %5ld KiB at the start, %6ld at the end, %6ld at most\n", process, first_.allocated,
-                    last_.allocated, most_.allocated);
-    }
-
-    // A process that takes and gives back pages has the same at the end as at the start.
-    void tell(std::string const& process) const {
-        benchmarks::tell({"many calls, " + process + " resident at the end", static_cast<double>(last_.resident),
-                          static_cast<double>(first_.resident), "KiB", benchmarks::at_most_more(k_most_growth)});
-        benchmarks::tell({"many calls, " + process + " allocated at the end", static_cast<double>(last_.allocated),
-                          static_cast<double>(first_.allocated), "KiB", benchmarks::at_most_more(k_most_growth)});
-    }
-
- private:
-    int count_{0};
-    Process_memory first_{};
-    Process_memory last_{};
-    Process_memory most_{};
-};
 
 int run(long calls) {
     benchmarks::Peer server("alive", "benchmark");
@@ -70,8 +35,8 @@ int run(long calls) {
             service->RequestAlive().get();
         }
     };
-    Course of_client;
-    Course of_server;
+    benchmarks::Memory_course of_client;
+    benchmarks::Memory_course of_server;
     auto const look = [&] {
         of_client.add(benchmarks::own_memory());
         of_server.add(server.memory());
@@ -85,8 +50,8 @@ int run(long calls) {
     std::printf("%ld calls\n", calls);
     of_client.print("client");
     of_server.print("server");
-    of_client.tell("client");
-    of_server.tell("server");
+    of_client.tell("many calls", "client");
+    of_server.tell("many calls", "server");
     return EXIT_SUCCESS;
 }
 

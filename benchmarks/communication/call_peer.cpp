@@ -8,8 +8,8 @@
 // KiB: what is resident, and what is allocated.
 
 #include "benchmarks/communication/found.h"
-#include "benchmarks/communication/process_memory.h"
 #include "benchmarks/communication/yardsticks.h"
+#include "benchmarks/machine/process_memory.h"
 #include "tarq/com/runtime/component_singleton.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_proxy.h"
 #include "ximo/ap/statemanager/state_management_alive_interface_skeleton.h"
@@ -18,8 +18,6 @@
 #include <iostream>
 #include <string>
 #include <thread>
-
-#include <unistd.h>
 
 namespace {
 
@@ -39,15 +37,6 @@ class Alive : public ximo::ap::statemanager::skeleton::StateManagementAliveInter
     ximo::com::Future<void> RequestAlive() override { return answered(); }
 };
 
-// Tells whoever asks by a byte what memory the process has.
-void wait_for_end_of_input() {
-    char byte = 0;
-    while (::read(STDIN_FILENO, &byte, 1) > 0) {
-        auto const memory = benchmarks::own_memory();
-        std::cout << memory.resident << ' ' << memory.allocated << std::endl;
-    }
-}
-
 void ready() {
     std::cout << "ready" << std::endl;
 }
@@ -57,7 +46,7 @@ void serve_alive(std::string const& instance) {
     Alive service(ara::com::InstanceIdentifier(instance), ara::com::MethodCallProcessingMode::kEvent);
     service.OfferService();
     ready();
-    wait_for_end_of_input();
+    benchmarks::answer_with_memory();
     service.StopOfferService();
 }
 
@@ -66,7 +55,7 @@ void stay_connected(std::string const& instance) {
     auto const service = benchmarks::found<StateManagementAliveInterfaceProxy>(instance);
     service->RequestAlive().get();
     ready();
-    wait_for_end_of_input();
+    benchmarks::answer_with_memory();
 }
 
 }  // namespace
@@ -94,6 +83,6 @@ int main(int argc, char** argv) {
     } else {
         std::thread(benchmarks::serve_bus, std::string(argv[2]), ready).detach();
     }
-    wait_for_end_of_input();
+    benchmarks::answer_with_memory();
     std::_Exit(EXIT_SUCCESS);
 }

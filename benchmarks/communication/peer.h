@@ -2,7 +2,7 @@
 #define BENCHMARKS_COMMUNICATION_PEER_H
 
 #include "bench/process/child_process.h"
-#include "benchmarks/communication/process_memory.h"
+#include "benchmarks/machine/process_memory.h"
 
 #include <string>
 #include <vector>
@@ -17,11 +17,9 @@ class Peer {
     void kill();
 
     /// Of the process, which waits for nothing else meanwhile.
-    Process_memory memory();
+    Process_memory memory() { return memory_of(process_); }
 
  private:
-    std::string line();
-
     bench::Child_process process_;
 };
 
