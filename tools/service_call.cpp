@@ -19,6 +19,9 @@ void add_call_options(CLI::App& command, Call_options& options) {
 }
 
 std::string not_offered_text(std::string const& instance, std::vector<std::string> const& offered) {
+    if (std::find(offered.begin(), offered.end(), instance) != offered.end()) {
+        return quoted(instance) + " was offered too late; a longer --wait finds it";
+    }
     std::vector<std::string> names(offered.size());
     std::transform(offered.begin(), offered.end(), names.begin(), quoted);
     return quoted(instance) + " is not offered; " +

@@ -40,6 +40,7 @@ TEST(Colours, Are_for_terminals_that_have_them_and_for_those_who_want_them) {
 TEST(What_is_not_offered, Is_told_with_what_is) {
     EXPECT_EQ(not_offered_text("3", {}), "\"3\" is not offered; nor is any other instance of this service");
     EXPECT_EQ(not_offered_text("3", {"1"}), "\"3\" is not offered; offered: \"1\"");
+    EXPECT_EQ(not_offered_text("2", {"1", "2"}), "\"2\" was offered too late; a longer --wait finds it");
     EXPECT_EQ(not_offered_text("3", {"1", "2", "4"}), "\"3\" is not offered; offered: \"1\", \"2\" and \"4\"");
 }
 
