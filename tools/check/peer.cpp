@@ -2,8 +2,11 @@
 
 #include <array>
 #include <system_error>
+#include <thread>
 
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 
 namespace statectl::check {
 
@@ -47,6 +50,15 @@ void Peer::send(utilities::Bytes const& bytes) const {
     try {
         socket_.sendl(bytes.data(), bytes.size(), 0);
     } catch (std::system_error const&) {  // it has closed the connection
+    }
+}
+
+void Peer::await_reading(Milliseconds limit) const {
+    constexpr Milliseconds k_between_looks{1};
+    auto const deadline = Clock::now() + limit;
+    int unread = 0;
+    while (::ioctl(socket_.get_fd(), SIOCOUTQ, &unread) == 0 && unread > 0 && Clock::now() < deadline) {
+        std::this_thread::sleep_for(k_between_looks);
     }
 }
 

@@ -29,6 +29,9 @@ class Peer {
     /// A program that has closed the connection is left to the rules to find out.
     void send(utilities::Bytes const& bytes) const;
 
+    /// Waits until the program has read all that was sent, for so long at most. What it has not read it gets at once.
+    void await_reading(Milliseconds limit) const;
+
     bool is_closed() const { return is_closed_; }
 
  private:

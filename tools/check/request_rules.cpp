@@ -34,9 +34,11 @@ void newest(Scene& scene) {
 
 void byte_by_byte(Scene& scene) {
     constexpr Milliseconds k_between{2};
+    constexpr Milliseconds k_longest{500};  // for a program that does not read, of which other rules tell
     auto peer = scene.standing_by();
     for (auto const byte : request_bytes(2, "kOn")) {
         peer.send({byte});
+        peer.await_reading(k_longest);
         std::this_thread::sleep_for(k_between);
     }
     scene.await_answer(peer, 2);

@@ -72,6 +72,12 @@ TEST_P(One_fault, Breaks_its_own_rule_and_no_other) {
     EXPECT_THAT(rules_with(report, "pass"), ElementsAreArray(without(rules, {GetParam()}))) << result.output;
 }
 
+// Bytes that wait for a client come to it at once, and a request that is put together of them shows nothing.
+TEST(Faults, Of_slow_bytes_shows_in_a_client_that_reads_late) {
+    auto const result = run_statectl(of_rules({"slow-bytes"}, check({MISBEHAVING_CLIENT, "slow-bytes", "drowsy"})));
+    EXPECT_THAT(rules_with(json::parse(result.output), "fail"), ElementsAre("slow-bytes")) << result.output;
+}
+
 TEST_P(Basic_fault, Keeps_the_rules_that_lean_on_it_from_being_checked) {
     auto const leaning = rules_leaning_on(GetParam());
     auto const result = run_statectl(of_rules(leaning, check({MISBEHAVING_CLIENT, GetParam()}, "200")));

@@ -1,5 +1,6 @@
-// A client without the library that breaks one rule of the protocol, or none: misbehaving_client [FAULT]. It finds the
-// state manager by AP_STATEMANAGER_SOCKET, or where a machine has it.
+// A client without the library that breaks one rule of the protocol, or none: misbehaving_client [FAULT [drowsy]]. A
+// drowsy one is late to read what comes after its first answer. It finds the state manager by AP_STATEMANAGER_SOCKET,
+// or where a machine has it.
 
 #include "utilities/close_failure.h"
 #include "utilities/frame_assembler.h"
@@ -45,7 +46,7 @@ struct Request {
 
 class Misbehaving_client {
  public:
-    explicit Misbehaving_client(std::string fault) : fault_(std::move(fault)) {}
+    Misbehaving_client(std::string fault, bool is_drowsy) : fault_(std::move(fault)), is_drowsy_(is_drowsy) {}
 
     [[noreturn]] void run() {
         if (has("connects")) {
@@ -148,6 +149,9 @@ class Misbehaving_client {
             if (reads > 10 && has("slow-bytes")) {
                 sleep_for_ever();
             }
+            if (is_drowsy_ && reads == 1 && last_number_) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(k_short_ms));
+            }
             take_bytes(reads > 1);
             while (auto const message = assembler_.take()) {
                 requests.push_back({message->at(0).get_uint32(), message->at(1).get_string()});
@@ -197,6 +201,7 @@ class Misbehaving_client {
     }
 
     std::string fault_;
+    bool is_drowsy_;
     utilities::Socket socket_;
     utilities::Socket second_;
     utilities::Frame_assembler assembler_;
@@ -210,7 +215,7 @@ class Misbehaving_client {
 
 int main(int argc, char** argv) {
     ::signal(SIGPIPE, SIG_IGN);
-    Misbehaving_client(argc > 1 ? argv[1] : "").run();
+    Misbehaving_client(argc > 1 ? argv[1] : "", argc > 2).run();
 }
 
 // Programs without a log pass over it.

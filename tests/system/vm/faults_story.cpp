@@ -1,5 +1,11 @@
 #include "target.h"
 
+#include <fstream>
+#include <string>
+#include <utility>
+
+#include <sched.h>
+
 namespace bench::vm {
 namespace {
 
@@ -17,29 +23,53 @@ class Machine_faults : public Target {
     }
 };
 
-/// The machine without network management may have a watchdog that is faster than the unit's own.
-class Machine_with_a_fast_watchdog : public Machine_faults {
+/// The unit with lines of its own.
+class Machine_with_a_drop_in : public Machine_faults {
  protected:
+    explicit Machine_with_a_drop_in(std::string lines) : lines_(std::move(lines)) {}
+
     void SetUp() override {
         Machine_faults::SetUp();
-        change_watchdog("mkdir -p " + k_directory + " && printf '[Service]\\nWatchdogSec=5s\\n' >" + k_directory +
-                        "/no-network.conf");
+        change("mkdir -p " + k_directory + " && printf '" + lines_ + "' >" + k_directory + "/story.conf");
         start_the_daemon_again();
         ASSERT_TRUE(shows("running"));
         mark();
     }
     void TearDown() override {
         Machine_faults::TearDown();
-        change_watchdog("rm " + k_directory + "/no-network.conf");
+        change("rm " + k_directory + "/story.conf");
         needs_new_daemon();
     }
 
  private:
-    static void change_watchdog(std::string const& how) {
+    static void change(std::string const& how) {
         ASSERT_EQ(machine().shell().run(how + " && systemctl daemon-reload").status, 0);
     }
 
     static inline std::string const k_directory{"/run/systemd/system/ap_statemanager.service.d"};
+    std::string const lines_;
+};
+
+/// The machine without network management may have a watchdog that is faster than the unit's own.
+class Machine_with_a_fast_watchdog : public Machine_with_a_drop_in {
+ protected:
+    Machine_with_a_fast_watchdog() : Machine_with_a_drop_in("[Service]\\nWatchdogSec=5s\\n") {}
+};
+
+/// With the example for machines whose processors are all busy for long.
+class Busy_machine : public Machine_with_a_drop_in {
+ protected:
+    Busy_machine() : Machine_with_a_drop_in(example()) {}
+
+ private:
+    static std::string example() {
+        std::ifstream file(REAL_TIME_EXAMPLE);
+        std::string lines;
+        for (std::string line; std::getline(file, line);) {
+            lines += line.rfind('#', 0) == 0 ? "" : line + "\\n";
+        }
+        return lines;
+    }
 };
 
 TEST_F(Machine_with_a_fast_watchdog, Ends_a_daemon_that_hangs_and_starts_it_again) {
@@ -50,6 +80,15 @@ TEST_F(Machine_with_a_fast_watchdog, Ends_a_daemon_that_hangs_and_starts_it_agai
     EXPECT_TRUE(shows("running"));
     EXPECT_NE(machine().await_entry("ap_statemanager.service", "Watchdog timeout (limit 5s)"), nullptr);
     EXPECT_EQ(std::stoi(property("NRestarts")), restarts + 1);
+}
+
+TEST_F(Busy_machine, Has_all_threads_of_the_daemon_run_before_the_others) {
+    // The 41st member is the policy; the second, the thread's name, ends with the last parenthesis.
+    auto const policies = "cat /proc/" + property("MainPID") + "/task/*/stat | sed 's/.*) //' | cut -d ' ' -f 39";
+    EXPECT_EQ(output_of(policies + " | sort -u"), std::to_string(SCHED_RR));
+    EXPECT_GT(std::stoi(output_of(policies + " | wc -l")), 3);
+    machine().press("p");
+    EXPECT_TRUE(shows("prepared4sd"));
 }
 
 TEST_F(Machine_faults, A_daemon_that_is_killed_is_started_again) {

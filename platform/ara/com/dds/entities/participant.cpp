@@ -41,6 +41,7 @@ constexpr char const* k_local_configuration = R"(<CycloneDDS><Domain id="any">
  <WriterLingerDuration>20ms</WriterLingerDuration>
  <Watermarks><WhcAdaptive>false</WhcAdaptive><WhcHigh>1MB</WhcHigh><WhcHighInit>1MB</WhcHighInit></Watermarks>
 </Internal>
+<Sizing><ReceiveBufferSize>192 KiB</ReceiveBufferSize></Sizing>
 </Domain></CycloneDDS>)";
 
 bool is_configured_by_environment() {
