@@ -21,6 +21,8 @@ constexpr dds_domainid_t k_local_domain = 0;
 // a first call took that long. Nothing beats while all is acknowledged. A complaint that was lost itself is repeated
 // after 10 ms, not the engine's three seconds, which are more than a call has. The engine stops a writer at 30 kB that
 // are not acknowledged; a burst of a thousand replies is more.
+// The engine receives into memory that it lets go of when the rest of it may be too short for the longest packet, 128
+// KiB, and its own megabyte is touched page by page for hours.
 constexpr char const* k_local_configuration = R"(<CycloneDDS><Domain id="any">
 <General>
  <Interfaces><NetworkInterface name="lo" multicast="false"/></Interfaces>
