@@ -37,7 +37,7 @@ Options surroundings(bool uses_network) {
     options.with_service_manager = false;
     options.with_power_off_service = false;
     options.clients = {};
-    options.daemon_starter = {"sh", "-c", std::string("exec env LD_PRELOAD=" TOLD_SIGNALS " " DAEMON " 2>") + k_told};
+    options.daemon_starter = {"sh", "-c", std::string("exec env LD_PRELOAD=" TOLD_CALLS " " DAEMON " 2>") + k_told};
     return options;
 }
 
@@ -125,8 +125,9 @@ std::vector<std::string> told_of_making() {
     std::ifstream file(k_told);
     for (std::string line; std::getline(file, line);) {
         for (auto const* const beginning :
-             {"com start", "com end", "com skeleton", "log init", "exec client", "phm ap_statemanager", "signal ",
-              "log info DFLT Configuration for", "log info DFLT AP_StateManger daemon shutting down"}) {
+             {"com start", "com end", "com skeleton", "log init", "exec client", "exec application",
+              "phm ap_statemanager", "signal ", "made ", "log info DFLT Configuration for",
+              "log info DFLT AP_StateManger daemon shutting down"}) {
             if (line.rfind(beginning, 0) == 0 && line != "phm ap_statemanager 1") {
                 lines.push_back(line.substr(0, line.find(" hostname")));
             }
@@ -160,12 +161,13 @@ TEST(On_a_second_platform, The_daemon_makes_everything_in_its_order_whatever_its
     EXPECT_THAT(
         told_of_making(),
         ElementsAre("com start ''", "log init STMG, ORVAX State Manager, 6, 1, ''", "log info DFLT Configuration for",
-                    "signal 6", "signal 2", "signal 15", skeleton("StateManagementComAliveInterface", "radio"),
+                    "signal 6", "signal 2", "signal 15", "made Nm_interface",
+                    skeleton("StateManagementComAliveInterface", "radio"),
                     skeleton("StateManagementComAliveInterface", "phone"),
                     skeleton("StateManagementCWUInterface", "alarm"), skeleton("StateManagementCWUInterface", "radio"),
                     skeleton("DSAInterface", "DSA_Interface"), skeleton("StateManagementAliveInterface", "door"),
-                    "exec client", "phm ap_statemanager", "log info DFLT AP_StateManger daemon shutting down",
-                    "com end"));
+                    "exec client", "made Virtio_interface", "phm ap_statemanager", "exec application",
+                    "log info DFLT AP_StateManger daemon shutting down", "com end"));
 }
 
 }  // namespace

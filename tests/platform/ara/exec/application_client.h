@@ -7,9 +7,10 @@ namespace ara::exec {
 
 enum class ApplicationState : std::uint8_t { kRunning = 0, kTerminating = 1 };
 
-/// Tells "running" and "terminating".
+/// Tells that it is made, "running" and "terminating".
 class ApplicationClient {
  public:
+    ApplicationClient();
     void ReportApplicationState(ApplicationState state);
 };
 

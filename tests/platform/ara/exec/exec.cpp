@@ -4,6 +4,10 @@
 
 namespace ara::exec {
 
+ApplicationClient::ApplicationClient() {
+    told::tell({"exec", "application"});
+}
+
 void ApplicationClient::ReportApplicationState(ApplicationState state) {
     told::tell({"exec", state == ApplicationState::kRunning ? "running" : "terminating"});
 }
