@@ -18,7 +18,6 @@
 namespace bench::vehicle {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 

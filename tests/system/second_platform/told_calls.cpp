@@ -28,6 +28,7 @@ struct Constructor {
 
 extern "C" {
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the names of the header are reserved
 sighandler_t signal(int number, sighandler_t handler) {
     if (number != SIGPIPE) {
         tell("signal " + std::to_string(number));
@@ -42,8 +43,8 @@ sighandler_t signal(int number, sighandler_t handler) {
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the compiler's name
 void __cyg_profile_func_enter(void* function, void* /*caller*/) {
     static std::array<Constructor, 2> const silent{
-        Constructor("Nm_interface", "_ZN4ximo2ap12statemanager12Nm_interfaceC1Ev"),
-        Constructor("Virtio_interface", "_ZN4ximo2ap12statemanager6virtio16Virtio_interfaceC1ERNS2_12Input_systemE")};
+        Constructor("Nm_interface", "_ZN4ximo2ap12statemanager12Nm_interfaceC2Ev"),
+        Constructor("Virtio_interface", "_ZN4ximo2ap12statemanager6virtio16Virtio_interfaceC2ERNS2_12Input_systemE")};
     for (auto const& constructor : silent) {
         if (function == constructor.function) {
             tell(std::string("made ") + constructor.its_class);
