@@ -24,13 +24,14 @@
 
 namespace {
 
-std::function<int()> as_it_waits;  // called by the next one that waits, instead of it
+std::function<int()> as_it_waits;  // called by the next one that waits for room, instead of it
 }
 
 /// `poll` of this program.
 extern "C" int own_poll(pollfd* descriptors, nfds_t count, int milliseconds) __asm__("poll");
 extern "C" int own_poll(pollfd* descriptors, nfds_t count, int milliseconds) {
-    if (auto const act = std::exchange(as_it_waits, {})) {
+    bool const is_for_room = count == 1 && descriptors->events == POLLOUT;
+    if (auto const act = is_for_room ? std::exchange(as_it_waits, {}) : nullptr) {
         return act();
     }
     timespec const time{milliseconds / 1000, milliseconds % 1000 * 1'000'000L};
