@@ -18,10 +18,11 @@ std::string quoted(std::string const& word) {
     return result + "'";
 }
 
+// Under nohup, or in the background of a script, signals are ignored that these programs are to be ended by.
 Result run(std::string const& command) {
     test_support::Temporary_directory const directory;
-    auto const redirected =
-        command + " >" + directory.file("output") + " 2>" + directory.file("errors") + " </dev/null";
+    auto const redirected = "env --default-signal=HUP,INT,QUIT,TERM " + command + " >" + directory.file("output") +
+                            " 2>" + directory.file("errors") + " </dev/null";
     int const status = std::system(redirected.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), directory.read("output"),
             directory.read("errors")};
